@@ -1,0 +1,103 @@
+# A layer is a folder with include/<layer>/ and src/. It becomes two targets:
+#
+#   <layer>_api   what others may include: this layer's headers and those of the layers below it, nothing else
+#   <layer>       the object files
+#
+# Sources of a layer see exactly <layer>_api, so an include that points up the stack does not compile.
+#
+#   qo_layer(<layer> DEPENDS <lower layers> EXTERNAL <libraries that only its sources use> [HIDDEN])
+function(qo_layer name)
+    cmake_parse_arguments(arg "HIDDEN" "" "DEPENDS;EXTERNAL" ${ARGN})
+
+    add_library(${name}_api INTERFACE)
+    target_include_directories(${name}_api INTERFACE
+        $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
+    foreach(lower IN LISTS arg_DEPENDS)
+        target_link_libraries(${name}_api INTERFACE ${lower}_api)
+    endforeach()
+    set_property(GLOBAL APPEND PROPERTY QO_HEADER_ROOTS ${CMAKE_CURRENT_SOURCE_DIR}/include)
+
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/src/*.cpp)
+    if(WIN32)
+        list(FILTER sources EXCLUDE REGEX "_POSIX\\.cpp$")
+    else()
+        list(FILTER sources EXCLUDE REGEX "_WIN\\.cpp$")
+    endif()
+    add_library(${name} OBJECT ${sources})
+    target_link_libraries(${name} PUBLIC ${name}_api PRIVATE qo_options ${arg_EXTERNAL})
+    if(arg_HIDDEN)
+        set_target_properties(${name} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+        target_precompile_headers(${name} REUSE_FROM qo_pch_hidden)
+    else()
+        target_precompile_headers(${name} REUSE_FROM qo_pch)
+    endif()
+endfunction()
+
+# One shared library out of several layers: qo_shared_library(<name> LAYERS ... EXTERNAL ... LINK ...)
+function(qo_shared_library name)
+    cmake_parse_arguments(arg "" "" "LAYERS;EXTERNAL;LINK" ${ARGN})
+    set(objects)
+    foreach(layer IN LISTS arg_LAYERS)
+        list(APPEND objects $<TARGET_OBJECTS:${layer}>)
+    endforeach()
+    add_library(${name} SHARED ${objects})
+    foreach(layer IN LISTS arg_LAYERS)
+        target_link_libraries(${name} PUBLIC ${layer}_api)
+    endforeach()
+    target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE qo_options ${arg_EXTERNAL})
+    set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+endfunction()
+
+# Embeds files in a library as resources: qo_embed_resources(<target> <symbol> FILES ...)
+# TYPE and NAME of a resource come from the file's extension and stem, both in upper case.
+function(qo_embed_resources target symbol)
+    cmake_parse_arguments(arg "" "" "FILES" ${ARGN})
+    set(assembler ${CMAKE_CURRENT_BINARY_DIR}/${symbol}.S)
+    set(text "    .section .rodata\n")
+    set(table "")
+    set(index 0)
+    foreach(file IN LISTS arg_FILES)
+        get_filename_component(stem ${file} NAME_WE)
+        get_filename_component(extension ${file} LAST_EXT)
+        string(TOUPPER "${stem}" stem)
+        string(REPLACE "." "" extension "${extension}")
+        string(TOUPPER "${extension}" extension)
+        string(APPEND text "    .balign 16\nbegin${index}:\n    .incbin \"${file}\"\nend${index}:\n"
+                           "type${index}: .asciz \"${extension}\"\nname${index}: .asciz \"${stem}\"\n")
+        string(APPEND table "    .quad type${index}, name${index}, begin${index}, end${index} - begin${index}\n")
+        math(EXPR index "${index} + 1")
+    endforeach()
+    string(APPEND text "    .section .data.rel.ro, \"aw\"\n    .balign 8\n    .globl ${symbol}\n    .hidden ${symbol}\n"
+                       "${symbol}:\n    .quad ${index}\n${table}    .section .note.GNU-stack, \"\", %progbits\n")
+    file(GENERATE OUTPUT ${assembler} CONTENT "${text}")
+    target_sources(${target} PRIVATE ${assembler})
+    set_source_files_properties(${assembler} TARGET_DIRECTORY ${target} PROPERTIES OBJECT_DEPENDS "${arg_FILES}"
+        GENERATED TRUE LANGUAGE ASM SKIP_PRECOMPILE_HEADERS ON)
+endfunction()
+
+# A layer's tests, one program: qo_test(<name> APIS <layers it may include> LINK <libraries>
+# SUPPORT <sources of tests/support that it needs>)
+function(qo_test name)
+    cmake_parse_arguments(arg "" "" "APIS;LINK;SUPPORT" ${ARGN})
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp)
+    if(NOT sources)
+        return()
+    endif()
+    set(target ${name}_tests)
+    list(TRANSFORM arg_SUPPORT PREPEND ${CMAKE_SOURCE_DIR}/tests/support/)
+    add_executable(${target} ${sources} ${arg_SUPPORT})
+    foreach(api IN LISTS arg_APIS)
+        target_link_libraries(${target} PRIVATE ${api}_api)
+    endforeach()
+    target_include_directories(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support)
+    target_link_libraries(${target} PRIVATE qo_options ${arg_LINK} GTest::gmock GTest::gtest_main)
+    # Programs would be compiled with -fPIE, other than the precompiled header.
+    target_compile_options(${target} PRIVATE -fPIC)
+    target_precompile_headers(${target} REUSE_FROM qo_test_pch)
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    target_compile_definitions(${target} PRIVATE QO_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/${name}"
+                                                 QO_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
+    add_test(NAME ${name} COMMAND ${target})
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT
+        "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tools/lsan.supp:print_suppressions=0")
+endfunction()

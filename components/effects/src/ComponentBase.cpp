@@ -1,0 +1,72 @@
+#include "qoc/components/ComponentBase.h"
+
+#include "qoc/components/DenormalGuard.h"
+
+#include <utility>
+
+namespace qoc::components {
+
+namespace {
+
+constexpr float kSwitchThreshold = 0.5F;
+
+} // namespace
+
+const GenericParameterInfo* ComponentBase::GetParameterInfo(int index) const {
+    return index < GetParameterCount() ? fTable.Find(index) : nullptr;
+}
+
+void ComponentBase::Process(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
+    const DenormalGuard guard;
+    const std::int32_t dirtyCount = GetParameterDirtyCount();
+    if (dirtyCount != fSeenDirtyCount) {
+        fSeenDirtyCount = dirtyCount;
+        ReadParameters(false);
+    }
+    ProcessBlock(block);
+}
+
+void ComponentBase::Reset() noexcept {
+    fSeenDirtyCount = GetParameterDirtyCount();
+    ResetProcessing();
+    ReadParameters(true);
+}
+
+ComponentBase::ComponentBase(const char16_t* componentID, ParameterTable table)
+    : MultiChannelComponentBase(static_cast<std::size_t>(table.Size())), fComponentID(componentID),
+      fTable(std::move(table)) {
+    for (int index = 0; index < fTable.Size(); ++index) {
+        if (const GenericParameterInfo* info = fTable.Find(index)) StoreParameter(index, info->GetDefault());
+    }
+}
+
+ComponentBase::~ComponentBase() = default;
+
+void ComponentBase::PrepareProcessing(std::size_t /*maximumBlock*/) {
+}
+
+void ComponentBase::ResetProcessing() noexcept {
+}
+
+float ComponentBase::Natural(int index) const noexcept {
+    return fTable.Find(index)->ToClampedNatural(StoredParameter(static_cast<std::size_t>(index)));
+}
+
+int ComponentBase::Item(int index) const noexcept {
+    return fTable.Find(index)->ToItem(StoredParameter(static_cast<std::size_t>(index)));
+}
+
+bool ComponentBase::IsOn(int index) const noexcept {
+    return StoredParameter(static_cast<std::size_t>(index)) >= kSwitchThreshold;
+}
+
+void ComponentBase::OnPrepare(std::size_t maximumBlock) {
+    constexpr float kNyquistPerSampleRate = 0.5F;
+    for (int index = 0; index < fTable.Size(); ++index) {
+        if (GenericParameterInfo* info = fTable.Find(index)) info->SetNyquist(GetSampleRate() * kNyquistPerSampleRate);
+    }
+    PrepareProcessing(maximumBlock);
+    Reset();
+}
+
+} // namespace qoc::components

@@ -1,0 +1,105 @@
+#include "qoc/components/EffectCatalogue.h"
+
+#include "krocore/Localizer.h"
+#include "qoc/components/Amplify.h"
+#include "qoc/components/ComponentIDs.h"
+
+#include <algorithm>
+#include <array>
+
+namespace qoc::components {
+
+namespace {
+
+template <typename Effect>
+boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> Create() {
+    return new Effect;
+}
+
+using enum EffectCategory;
+
+constexpr std::array<EffectDescription, 28> kEffects = {{
+    {kAdaptiveNoiseReductionComponentID, "adaptivenoisereduction",
+     "$$$/qoc/Effect/AdaptiveNoiseReduction=Adaptive Noise Reduction", kRestoration, nullptr},
+    {kAmplifyComponentID, "amplify", "$$$/qoc/Effect/Amplify=Amplify", kAmplitude, Create<Amplify>},
+    {kAutoClickRemoverComponentID, "autoclickremover", "$$$/qoc/Effect/AutoClickRemover=Automatic Click Remover",
+     kRestoration, nullptr},
+    {kAutoPhaseCorrectionComponentID, "autophasecorrection",
+     "$$$/qoc/Effect/AutoPhaseCorrection=Automatic Phase Correction", kRestoration, nullptr},
+    {kCenterChannelExtractComponentID, "centerchannelextract",
+     "$$$/qoc/Effect/CenterChannelExtract=Center Channel Extract", kStereo, nullptr},
+    {kChannelMixerComponentID, "channelmixer", "$$$/qoc/Effect/ChannelMixer=Channel Mixer", kAmplitude, nullptr},
+    {kChorusComponentID, "chorus", "$$$/qoc/Effect/Chorus=Chorus", kModulation, nullptr},
+    {kDelayComponentID, "delay", "$$$/qoc/Effect/Delay=Delay", kDelay, nullptr},
+    {kDopplerComponentID, "doppler", "$$$/qoc/Effect/Doppler=Doppler Shifter", kTimeAndPitch, nullptr},
+    {kDynamicsComponentID, "dynamics", "$$$/qoc/Effect/Dynamics=Dynamics", kAmplitude, nullptr},
+    {kEchoComponentID, "echo", "$$$/qoc/Effect/Echo=Echo", kDelay, nullptr},
+    {kFFTFilterComponentID, "fftfilter", "$$$/qoc/Effect/FFTFilter=FFT Filter", kFilter, nullptr},
+    {kFlangerComponentID, "flanger", "$$$/qoc/Effect/Flanger=Flanger", kModulation, nullptr},
+    {kFullReverbComponentID, "fullreverb", "$$$/qoc/Effect/FullReverb=Full Reverb", kReverb, nullptr},
+    {kGraphicEQ10BandsComponentID, "graphiceq10bands", "$$$/qoc/Effect/GraphicEQ10Bands=Graphic Equalizer (10 Bands)",
+     kFilter, nullptr},
+    {kGraphicEQ20BandsComponentID, "graphiceq20bands", "$$$/qoc/Effect/GraphicEQ20Bands=Graphic Equalizer (20 Bands)",
+     kFilter, nullptr},
+    {kGraphicEQ30BandsComponentID, "graphiceq30bands", "$$$/qoc/Effect/GraphicEQ30Bands=Graphic Equalizer (30 Bands)",
+     kFilter, nullptr},
+    {kGraphicPhaseShifterComponentID, "graphicphaseshifter", "$$$/qoc/Effect/GraphicPhaseShifter=Graphic Phase Shifter",
+     kFilter, nullptr},
+    {kHardLimiterComponentID, "hardlimiter", "$$$/qoc/Effect/HardLimiter=Hard Limiter", kAmplitude, nullptr},
+    {kIntraClipComponentComponentID, "intraclip", "$$$/qoc/Effect/IntraClip=Clip Restoration", kRestoration, nullptr},
+    {kNotchComponentID, "notch", "$$$/qoc/Effect/Notch=Notch Filter", kFilter, nullptr},
+    {kParametricEQComponentID, "parametriceq", "$$$/qoc/Effect/ParametricEQ=Parametric Equalizer", kFilter, nullptr},
+    {kPitchCorrectComponentID, "pitchcorrect", "$$$/qoc/Effect/PitchCorrect=Automatic Pitch Correction", kTimeAndPitch,
+     nullptr},
+    {kPitchShiftComponentID, "pitchshift", "$$$/qoc/Effect/PitchShift=Pitch Shifter", kTimeAndPitch, nullptr},
+    {kReverbComponentID, "reverb", "$$$/qoc/Effect/Reverb=Reverb", kReverb, nullptr},
+    {kScientificFilterComponentID, "scientificfilter", "$$$/qoc/Effect/ScientificFilter=Scientific Filter", kFilter,
+     nullptr},
+    {kStereoExpanderComponentID, "stereoexpander", "$$$/qoc/Effect/StereoExpander=Stereo Expander", kStereo, nullptr},
+    {kStudioReverbComponentID, "studioreverb", "$$$/qoc/Effect/StudioReverb=Studio Reverb", kReverb, nullptr},
+}};
+
+// In the order of the enumeration.
+constexpr std::array<const char*, 8> kCategoryKeys = {
+    "$$$/qoc/Category/Amplitude=Amplitude",
+    "$$$/qoc/Category/Delay=Delay and Echo",
+    "$$$/qoc/Category/Filter=Filter and Equalizer",
+    "$$$/qoc/Category/Modulation=Modulation",
+    "$$$/qoc/Category/Restoration=Restoration",
+    "$$$/qoc/Category/Reverb=Reverb",
+    "$$$/qoc/Category/Stereo=Stereo",
+    "$$$/qoc/Category/TimeAndPitch=Time and Pitch",
+};
+
+} // namespace
+
+krocore::string16 EffectDescription::DisplayName() const {
+    return krocore::Localize(nameKey);
+}
+
+std::span<const EffectDescription> AllEffects() noexcept {
+    return kEffects;
+}
+
+const EffectDescription* FindEffect(std::u16string_view componentID) noexcept {
+    const auto found = std::ranges::find(kEffects, componentID, &EffectDescription::componentID);
+    return found == kEffects.end() ? nullptr : &*found;
+}
+
+const EffectDescription* FindEffectByShortName(std::string_view shortName) noexcept {
+    const auto found = std::ranges::find_if(kEffects, [&](const EffectDescription& effect) {
+        return krocore::EqualsIgnoringCase(effect.shortName, shortName);
+    });
+    return found == kEffects.end() ? nullptr : &*found;
+}
+
+boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> CreateEffect(std::u16string_view componentID) {
+    const EffectDescription* effect = FindEffect(componentID);
+    return effect != nullptr && effect->create != nullptr ? effect->create() : nullptr;
+}
+
+krocore::string16 CategoryName(EffectCategory category) {
+    return krocore::Localize(kCategoryKeys[static_cast<std::size_t>(category)]);
+}
+
+} // namespace qoc::components

@@ -1,0 +1,36 @@
+#include "qoc/components/SmoothedValue.h"
+
+#include <cmath>
+
+namespace qoc::components {
+
+void SmoothedValue::Prepare(double sampleRate) noexcept {
+    fCoefficient = 1.0 - std::exp(-1.0 / (kTimeConstant * sampleRate));
+    fSettlingSamples = static_cast<std::size_t>(std::ceil(kSettlingTimeConstants * kTimeConstant * sampleRate));
+    Settle(fTarget);
+}
+
+void SmoothedValue::Settle(float value) noexcept {
+    fTarget = value;
+    fFirst = fSecond = value;
+    fRemaining = 0;
+}
+
+void SmoothedValue::SetTarget(float target) noexcept {
+    if (target == fTarget) return;
+    fTarget = target;
+    fRemaining = fSettlingSamples;
+}
+
+float SmoothedValue::Next() noexcept {
+    if (fRemaining == 0) return fTarget;
+    if (--fRemaining == 0) {
+        Settle(fTarget);
+    } else {
+        fFirst += fCoefficient * (fTarget - fFirst);
+        fSecond += fCoefficient * (fFirst - fSecond);
+    }
+    return static_cast<float>(fSecond);
+}
+
+} // namespace qoc::components

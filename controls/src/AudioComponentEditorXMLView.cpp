@@ -1,0 +1,60 @@
+#include "qocui/controls/AudioComponentEditorXMLView.h"
+
+#include "kroui/utility/ResourceManager.h"
+#include "qocui/module/Module.h"
+
+namespace qocui::controls {
+
+AudioComponentEditorXMLView::AudioComponentEditorXMLView(const std::string& resourceName,
+                                                         boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter)
+    : AudioComponentEditorViewBase(std::move(filter)), fResourceName(resourceName) {
+}
+
+AudioComponentEditorXMLView::~AudioComponentEditorXMLView() = default;
+
+void AudioComponentEditorXMLView::UI_SizeChanged(const kroui::RectT<float>& rect) {
+    UI_SubView::UI_SizeChanged(rect);
+    UpdateSize(rect);
+}
+
+bool AudioComponentEditorXMLView::CanScrollContent() const {
+    return true;
+}
+
+void AudioComponentEditorXMLView::Init() {
+    const auto factory = [this](const krocore::string8& className) { return CreateCustomNode(className); };
+    const krocore::string16 name = krocore::ToUTF16(fResourceName);
+    const kroui::utility::ResourceManager* const resources = GetResourceManager();
+    if (!resources) return;
+    const auto root =
+        kroui::ui::UI_NodeBuilder::LoadViewFromXML(*resources, module::GetDrawSupplier(), name, fNamedNodes, factory);
+    fContentView = boost::dynamic_pointer_cast<kroui::ui::UI_SubView>(root);
+    if (!fContentView) return;
+    UI_SetLocalRect(fContentView->UI_GetLocalRect());
+    ChildPushBack(fContentView);
+    ConnectControls();
+    fContentView->UI_Show(true);
+}
+
+kroui::utility::ResourceManager* AudioComponentEditorXMLView::GetResourceManager() const {
+    return module::GetResourceManager();
+}
+
+boost::intrusive_ptr<kroui::ui::UI_Node>
+AudioComponentEditorXMLView::CreateCustomNode(const krocore::string8& /*className*/) const {
+    return nullptr;
+}
+
+void AudioComponentEditorXMLView::ConnectControls() {
+}
+
+void AudioComponentEditorXMLView::UpdateSize(const kroui::RectT<float>& rect) {
+    if (fContentView) fContentView->UI_SetLocalRect(rect);
+}
+
+kroui::ui::UI_Node* AudioComponentEditorXMLView::FindNamedNode(std::string_view id) const {
+    const auto node = fNamedNodes.find(krocore::string8(id));
+    return node != fNamedNodes.end() ? node->second : nullptr;
+}
+
+} // namespace qocui::controls

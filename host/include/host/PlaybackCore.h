@@ -1,0 +1,87 @@
+#pragma once
+
+#include "host/ChannelMatrix.h"
+#include "host/Sound.h"
+#include "kroaudiofilterhost/AudioFilter.h"
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace qohost {
+
+// What the user wants of the playback, as it stands when a block is rendered. Positions in samples.
+struct PlaybackRequest {
+    bool stop = false;
+    bool bypass = false;
+    bool loop = false;
+    std::size_t loopBegin = 0;
+    std::size_t loopEnd = 0; // not above loopBegin: the whole sound
+    std::optional<std::size_t> seek;
+};
+
+// The sound-thread part of PlaybackEngine, which owns it: fetches the sound, runs the filter, fades, mixes down. Knows
+// nothing of threads; constructed and started while nobody renders, and allocates only in the constructor.
+class PlaybackCore {
+public:
+    // Prepares the filter; see PlaybackEngine::Open.
+    PlaybackCore(std::shared_ptr<const Sound> sound, boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter,
+                 std::size_t deviceChannels, std::size_t maximumBlock);
+
+    kroaudiofilterhost::AudioFilter& Filter() const noexcept { return *fFilter; }
+    std::size_t MaximumBlock() const noexcept { return fMaximumBlock; }
+    std::size_t Frames() const noexcept { return fSound->Frames(); }
+
+    // To go on from the present position, with a filter that has forgotten all sound.
+    void Start(bool bypassed) noexcept;
+    // Without a fade: for while nothing is heard. Beyond the end means the end.
+    void JumpTo(std::size_t frame) noexcept;
+    // What is heard next, in samples from the start of the sound.
+    std::size_t Position() const noexcept;
+
+    // Makes up to MaximumBlock() frames. False when the playback is over and silence follows; what is left of the block
+    // is silent already.
+    bool Render(float* interleaved, std::size_t frames, std::size_t channels, const PlaybackRequest& request) noexcept;
+    // Whether the last Render has done the seek that it was asked for.
+    bool HasSought() const noexcept { return fHasSought; }
+
+    // The channels of the last block, before and behind the effect.
+    std::span<const std::vector<float>> LastInput() const noexcept { return fInput; }
+    std::span<const std::vector<float>> LastOutput() const noexcept { return fOutput; }
+
+private:
+    using Buffers = std::vector<std::vector<float>>;
+
+    void FetchInput(std::size_t frames, const PlaybackRequest& request) noexcept;
+    std::size_t CopyFromSound(std::size_t offset, std::size_t frames, std::size_t end) noexcept;
+    void DelayInput(std::size_t frames) noexcept;
+    void MixDry(std::size_t frames, bool bypass) noexcept;
+    void Fade(std::size_t frames, float target) noexcept;
+    void WriteOut(float* interleaved, std::size_t frames, std::size_t channels) const noexcept;
+    bool HasSoundEnded() const noexcept { return fFed == Frames() && fSilenceFed >= fLatency + fTail; }
+    bool FinishFade(const PlaybackRequest& request) noexcept;
+
+    std::shared_ptr<const Sound> fSound;
+    boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter;
+    std::size_t fMaximumBlock;
+    ChannelMatrix fMatrix;
+    std::size_t fLatency = 0;
+    std::size_t fTail = 0;
+    std::size_t fOrigin = 0;     // where playing began or came back to last
+    std::size_t fFed = 0;        // next sample of the sound to go into the filter
+    std::size_t fSilenceFed = 0; // samples of silence that went in after the end of the sound
+    Buffers fInput;              // what goes into the filter; from DelayInput on as late as what comes out
+    Buffers fOutput;
+    Buffers fDelay; // a ring of fLatency samples a channel
+    std::size_t fDelayPosition = 0;
+    std::vector<const float*> fInputPointers;
+    std::vector<float*> fOutputPointers;
+    float fFadeStep; // a sample
+    float fFade = 0;
+    float fDryMix = 0; // 0 the effect, 1 the sound without it
+    bool fHasSought = false;
+};
+
+} // namespace qohost

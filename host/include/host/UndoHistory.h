@@ -1,0 +1,69 @@
+#pragma once
+
+#include "kroaudiofilterhost/AudioFilter.h"
+
+#include <cstddef>
+#include <deque>
+#include <vector>
+
+namespace qohost {
+
+// The changes of one filter's parameters that a user can take back. One step is a whole gesture - all that is committed
+// from the first BeginParameterEdit until every bracket is closed again, however the brackets nest or interleave - or
+// one committed change outside a gesture. Quiet changes are no steps, nor are gestures that leave everything as it was.
+//
+// Owned by whoever owns the document; keeps the filter alive. User-interface thread.
+class UndoHistory final : public kroaudiofilterhost::AudioFilterListener {
+public:
+    static constexpr std::size_t kDefaultLimit = 1000;
+
+    // Keeps at most `limit` steps (at least one); the oldest go first.
+    explicit UndoHistory(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter,
+                         std::size_t limit = kDefaultLimit);
+    UndoHistory(const UndoHistory&) = delete;
+    UndoHistory& operator=(const UndoHistory&) = delete;
+    ~UndoHistory() override;
+
+    // False while a gesture is open.
+    bool CanUndo() const noexcept { return fOpenBrackets.empty() && fPosition > 0; }
+    bool CanRedo() const noexcept { return fOpenBrackets.empty() && fPosition < fSteps.size(); }
+
+    // Writes the values of before or after a step back with the committed setter. False, with nothing done, when there
+    // is no such step or a gesture is open.
+    bool Undo();
+    bool Redo();
+
+    // What the next Undo or Redo is about: the parameter's name, or a word for several. Empty when there is none.
+    krocore::string16 UndoName() const;
+    krocore::string16 RedoName() const;
+
+    // Forgets all steps.
+    void Clear() noexcept;
+
+    void ParameterChanged(kroaudiofilterhost::AudioFilter& filter,
+                          const kroaudiofilterhost::AudioFilterParameterChange& change) override;
+    void ParameterEditBegun(kroaudiofilterhost::AudioFilter& filter, int index) override;
+    void ParameterEditEnded(kroaudiofilterhost::AudioFilter& filter, int index) override;
+
+private:
+    struct Change {
+        int index;
+        float before;
+        float after;
+    };
+    using Step = std::vector<Change>;
+
+    void CloseStep();
+    void Write(const Step& step, float Change::*value);
+    krocore::string16 NameOf(const Step& step) const;
+
+    boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter;
+    std::size_t fLimit;
+    std::deque<Step> fSteps;
+    std::size_t fPosition = 0; // steps before it can be undone, those from it on redone
+    Step fOpenStep;
+    std::vector<int> fOpenBrackets; // indices, one entry for each bracket that is open
+    bool fRestoring = false;
+};
+
+} // namespace qohost

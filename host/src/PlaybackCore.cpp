@@ -1,0 +1,177 @@
+#include "host/PlaybackCore.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace qohost {
+
+namespace {
+
+constexpr double kFadeSeconds = 0.005;
+constexpr double kMaximumTailSeconds = 60; // of effects that never end
+
+std::size_t LoopEnd(const PlaybackRequest& request, std::size_t frames) {
+    return request.loopEnd > request.loopBegin ? std::min(request.loopEnd, frames) : frames;
+}
+
+std::size_t LoopBegin(const PlaybackRequest& request, std::size_t frames) {
+    const bool isRange = request.loopEnd > request.loopBegin && request.loopBegin < frames;
+    return isRange ? request.loopBegin : 0;
+}
+
+// One step from `value` towards `target`.
+float Approach(float value, float target, float step) {
+    return value < target ? std::min(value + step, target) : std::max(value - step, target);
+}
+
+} // namespace
+
+PlaybackCore::PlaybackCore(std::shared_ptr<const Sound> sound,
+                           boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter, std::size_t deviceChannels,
+                           std::size_t maximumBlock)
+    : fSound(std::move(sound)), fFilter(std::move(filter)), fMaximumBlock(std::max<std::size_t>(maximumBlock, 1)),
+      fFadeStep(static_cast<float>(1.0 / (kFadeSeconds * fSound->sampleRate))) {
+    fFilter->SetDuration(static_cast<double>(fSound->Frames()));
+    fFilter->Prepare(fSound->sampleRate, fMaximumBlock, fSound->layout);
+    fMatrix = ChannelMatrix(fFilter->GetOutputBuses().front().GetLayout(), deviceChannels);
+    fLatency = fFilter->Latency();
+    fTail = std::min(fFilter->Tail(), static_cast<std::size_t>(kMaximumTailSeconds * fSound->sampleRate));
+    fInput.assign(fFilter->GetNumberOfInputChannels(), std::vector<float>(fMaximumBlock));
+    fOutput.assign(fFilter->GetNumberOfOutputChannels(), std::vector<float>(fMaximumBlock));
+    fDelay.assign(fInput.size(), std::vector<float>(fLatency));
+    for (const auto& channel : fInput)
+        fInputPointers.push_back(channel.data());
+    for (auto& channel : fOutput)
+        fOutputPointers.push_back(channel.data());
+}
+
+void PlaybackCore::Start(bool bypassed) noexcept {
+    JumpTo(Position() < Frames() ? Position() : 0);
+    fFade = 0;
+    fDryMix = bypassed ? 1.0F : 0.0F;
+}
+
+void PlaybackCore::JumpTo(std::size_t frame) noexcept {
+    fOrigin = fFed = std::min(frame, Frames());
+    fSilenceFed = 0;
+    fFilter->Reset();
+    for (auto& channel : fDelay)
+        std::ranges::fill(channel, 0.0F);
+}
+
+std::size_t PlaybackCore::Position() const noexcept {
+    const std::size_t gone = fFed + fSilenceFed;
+    const std::size_t heard = gone > fLatency ? gone - fLatency : 0;
+    return std::clamp(heard, fOrigin, Frames());
+}
+
+bool PlaybackCore::Render(float* interleaved, std::size_t frames, std::size_t channels,
+                          const PlaybackRequest& request) noexcept {
+    // Asked before the block, so that only what comes behind the last sample of the tail is faded.
+    const bool hasEnded = HasSoundEnded() && !request.loop;
+    FetchInput(frames, request);
+    fFilter->Process({fInputPointers, fOutputPointers, frames});
+    DelayInput(frames);
+    MixDry(frames, request.bypass);
+    const bool goesOn = !request.stop && !request.seek && !hasEnded;
+    Fade(frames, goesOn ? 1.0F : 0.0F);
+    WriteOut(interleaved, frames, channels);
+    fHasSought = false;
+    return goesOn || fFade > 0 || FinishFade(request);
+}
+
+void PlaybackCore::FetchInput(std::size_t frames, const PlaybackRequest& request) noexcept {
+    const std::size_t loopEnd = LoopEnd(request, Frames());
+    std::size_t done = 0;
+    while (done < frames) {
+        const bool isBeforeLoopEnd = request.loop && fFed <= loopEnd;
+        done += CopyFromSound(done, frames - done, isBeforeLoopEnd ? loopEnd : Frames());
+        if (done == frames) return;
+        if (!request.loop || Frames() == 0) break;
+        fOrigin = fFed = LoopBegin(request, Frames());
+        fSilenceFed = 0;
+    }
+    for (auto& channel : fInput)
+        std::fill(channel.begin() + static_cast<std::ptrdiff_t>(done),
+                  channel.begin() + static_cast<std::ptrdiff_t>(frames), 0.0F);
+    fSilenceFed += frames - done;
+}
+
+std::size_t PlaybackCore::CopyFromSound(std::size_t offset, std::size_t frames, std::size_t end) noexcept {
+    const std::size_t count = std::min(frames, end - fFed);
+    for (std::size_t channel = 0; channel < fInput.size(); ++channel)
+        std::copy_n(fSound->channels[channel].data() + fFed, count, fInput[channel].data() + offset);
+    fFed += count;
+    return count;
+}
+
+void PlaybackCore::DelayInput(std::size_t frames) noexcept {
+    if (fLatency == 0) return;
+    for (std::size_t channel = 0; channel < fInput.size(); ++channel) {
+        std::size_t position = fDelayPosition;
+        for (std::size_t i = 0; i < frames; ++i) {
+            std::swap(fInput[channel][i], fDelay[channel][position]);
+            if (++position == fLatency) position = 0;
+        }
+    }
+    fDelayPosition = (fDelayPosition + frames) % fLatency;
+}
+
+void PlaybackCore::MixDry(std::size_t frames, bool bypass) noexcept {
+    const float target = bypass ? 1.0F : 0.0F;
+    if (fDryMix == 0 && target == 0) return;
+    float mix = fDryMix;
+    for (std::size_t channel = 0; channel < fOutput.size(); ++channel) {
+        const float* dry = fInput[std::min(channel, fInput.size() - 1)].data();
+        float* output = fOutput[channel].data();
+        mix = fDryMix;
+        for (std::size_t i = 0; i < frames; ++i) {
+            mix = Approach(mix, target, fFadeStep);
+            // At the ends one side only, so that a bypassed effect that makes no numbers is not heard.
+            if (mix == 1) {
+                output[i] = dry[i];
+            } else if (mix > 0) {
+                output[i] += mix * (dry[i] - output[i]);
+            }
+        }
+    }
+    fDryMix = mix;
+}
+
+void PlaybackCore::Fade(std::size_t frames, float target) noexcept {
+    float fade = fFade;
+    for (auto& channel : fOutput) {
+        fade = fFade;
+        for (std::size_t i = 0; i < frames; ++i) {
+            fade = Approach(fade, target, fFadeStep);
+            channel[i] = std::isfinite(channel[i]) ? channel[i] * fade : 0.0F;
+        }
+    }
+    fFade = fade;
+}
+
+void PlaybackCore::WriteOut(float* interleaved, std::size_t frames, std::size_t channels) const noexcept {
+    std::fill_n(interleaved, frames * channels, 0.0F);
+    for (std::size_t output = 0; output < std::min(channels, fMatrix.Outputs()); ++output) {
+        for (std::size_t channel = 0; channel < fOutput.size(); ++channel) {
+            const float gain = fMatrix.Gain(output, channel);
+            if (gain == 0) continue;
+            for (std::size_t i = 0; i < frames; ++i)
+                interleaved[i * channels + output] += gain * fOutput[channel][i];
+        }
+    }
+}
+
+bool PlaybackCore::FinishFade(const PlaybackRequest& request) noexcept {
+    fHasSought = request.seek.has_value();
+    if (fHasSought) {
+        JumpTo(*request.seek);
+        if (!request.stop) return true;
+    } else {
+        JumpTo(HasSoundEnded() ? 0 : Position());
+    }
+    return false;
+}
+
+} // namespace qohost

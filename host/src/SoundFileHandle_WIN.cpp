@@ -1,0 +1,12 @@
+#define ENABLE_SNDFILE_WINDOWS_PROTOTYPES 1
+#include <windows.h>
+
+#include "SoundFileHandle.h"
+
+namespace qohost {
+
+SoundFileHandle OpenSoundFile(const std::filesystem::path& path, int mode, SF_INFO& info) {
+    return SoundFileHandle(sf_wchar_open(path.c_str(), mode, &info));
+}
+
+} // namespace qohost

@@ -1,0 +1,107 @@
+#include "host/TestSignal.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <numbers>
+
+namespace qohost {
+
+namespace {
+
+constexpr double kBeatsPerMinute = 100;
+constexpr double kBeatSeconds = 60 / kBeatsPerMinute;
+constexpr int kBeatsPerChord = 4;
+constexpr int kPlucksPerBeat = 2;
+constexpr float kPeak = 0.5F; // -6 dBFS
+
+// MIDI note numbers: A minor, F major, C major, G major, in close position.
+constexpr std::array<std::array<int, 4>, 4> kChords = {
+    {{57, 60, 64, 69}, {57, 60, 65, 69}, {55, 60, 64, 67}, {55, 59, 62, 67}}};
+constexpr std::array<int, 4> kBassNotes = {33, 29, 36, 31};
+
+double FrequencyOf(int note) {
+    return 440.0 * std::exp2((note - 69) / 12.0);
+}
+
+// A decaying tone with a few harmonics, the higher ones dying sooner. Adds it at `start` seconds with equal-power
+// panning (0 left, 1 right).
+void AddPluck(Sound& sound, double start, int note, double seconds, double level, double pan) {
+    constexpr int kHarmonics = 6;
+    constexpr double kDecays = 5.0; // of the fundamental, within `seconds`
+    constexpr double kAttackSeconds = 0.004;
+    const double left = level * std::cos(pan * std::numbers::pi / 2);
+    const double right = level * std::sin(pan * std::numbers::pi / 2);
+    const auto first = static_cast<std::size_t>(start * sound.sampleRate);
+    const auto last = std::min(sound.Frames(), static_cast<std::size_t>((start + seconds) * sound.sampleRate));
+    for (std::size_t i = first; i < last; ++i) {
+        const double t = static_cast<double>(i - first) / sound.sampleRate;
+        double value = 0;
+        for (int harmonic = 1; harmonic <= kHarmonics; ++harmonic) {
+            const double frequency = FrequencyOf(note) * harmonic;
+            if (frequency >= sound.sampleRate / 2) break;
+            value +=
+                std::exp(-kDecays * harmonic * t / seconds) / harmonic * std::sin(2 * std::numbers::pi * frequency * t);
+        }
+        value *= std::min(1.0, t / kAttackSeconds) * std::min(1.0, (seconds - t) / kAttackSeconds);
+        sound.channels[0][i] += static_cast<float>(left * value);
+        sound.channels[1][i] += static_cast<float>(right * value);
+    }
+}
+
+// White noise from a linear congruential generator (Numerical Recipes, 3rd edition, section 7.1), so that it is the
+// same everywhere.
+void AddNoiseHit(Sound& sound, double start, double level, std::uint32_t& seed) {
+    constexpr double kSeconds = 0.06;
+    constexpr double kDecays = 7.0;
+    const auto first = static_cast<std::size_t>(start * sound.sampleRate);
+    const auto last = std::min(sound.Frames(), static_cast<std::size_t>((start + kSeconds) * sound.sampleRate));
+    for (std::size_t i = first; i < last; ++i) {
+        const double envelope =
+            level * std::exp(-kDecays * static_cast<double>(i - first) / (kSeconds * sound.sampleRate));
+        for (auto& channel : sound.channels) {
+            seed = seed * 1664525U + 1013904223U;
+            channel[i] += static_cast<float>(envelope * (static_cast<std::int32_t>(seed) / 2147483648.0));
+        }
+    }
+}
+
+void AddBeat(Sound& sound, int beat, std::uint32_t& seed) {
+    const double start = beat * kBeatSeconds;
+    const std::size_t chord = static_cast<std::size_t>(beat / kBeatsPerChord) % kChords.size();
+    if (beat % 2 == 0) AddPluck(sound, start, kBassNotes[chord], 2 * kBeatSeconds, 0.8, 0.5);
+    for (int i = 0; i < kPlucksPerBeat; ++i) {
+        const std::size_t voice = static_cast<std::size_t>(beat * kPlucksPerBeat + i) % kChords[chord].size();
+        const double pan = 0.2 + 0.2 * static_cast<double>(voice);
+        AddPluck(sound, start + i * kBeatSeconds / kPlucksPerBeat, kChords[chord][voice], 1.5 * kBeatSeconds, 0.6, pan);
+    }
+    AddNoiseHit(sound, start + kBeatSeconds / 2, 0.15, seed);
+}
+
+void ScaleToPeak(Sound& sound) {
+    float peak = 0;
+    for (const auto& channel : sound.channels) {
+        for (const float sample : channel)
+            peak = std::max(peak, std::abs(sample));
+    }
+    if (peak == 0) return;
+    for (auto& channel : sound.channels) {
+        for (float& sample : channel)
+            sample *= kPeak / peak;
+    }
+}
+
+} // namespace
+
+Sound MakeTestSignal(double seconds, float sampleRate) {
+    const auto frames = static_cast<std::size_t>(std::llround(std::max(seconds, 0.0) * sampleRate));
+    Sound sound = Sound::Silent(sampleRate, kromediatypes::AudioChannelLayout::Stereo(), frames);
+    std::uint32_t seed = 1;
+    for (int beat = 0; beat * kBeatSeconds < seconds; ++beat)
+        AddBeat(sound, beat, seed);
+    ScaleToPeak(sound);
+    return sound;
+}
+
+} // namespace qohost

@@ -1,0 +1,67 @@
+// The components that have an editor, a row each, in the order in which they are registered.
+
+#include "qoc/components/ComponentIDs.h"
+#include "qocui/module/ComponentUIFactoryRegistrar.h"
+#include "qocui/ui/AmplifyEditorView.h"
+
+namespace qocui::module {
+
+namespace {
+
+using namespace qoc::components;
+using Creator = ComponentUIFactory::Creator;
+
+// An editor with a class of its own.
+template <class View>
+boost::intrusive_ptr<controls::AudioComponentEditorViewBase>
+CreateView(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter) {
+    View* const view = new View(std::move(filter));
+    // Nobody holds the view yet, so Init must not be left by an exception without releasing it.
+    struct Release {
+        View* view;
+        ~Release() {
+            if (view) boost::intrusive_ptr<View>{view};
+        }
+    } release{view};
+    view->Init();
+    release.view = nullptr;
+    return view;
+}
+
+// A component whose editor this version does not have: not registered, so no view is made for it.
+const Creator kNone;
+
+const ComponentUIFactoryRegistrar sRegistrars[] = {
+    {kPitchShiftComponentID, kNone},
+    {kGraphicPhaseShifterComponentID, kNone},
+    {kDopplerComponentID, kNone},
+    {kStereoExpanderComponentID, kNone},
+    {kNotchComponentID, kNone},
+    {kAdaptiveNoiseReductionComponentID, kNone},
+    {kAutoClickRemoverComponentID, kNone},
+    {kAutoPhaseCorrectionComponentID, kNone},
+    {kCenterChannelExtractComponentID, kNone},
+    {kChannelMixerComponentID, kNone},
+    {kChorusComponentID, kNone},
+    {kDelayComponentID, kNone},
+    {kEchoComponentID, kNone},
+    {kFlangerComponentID, kNone},
+    {kFullReverbComponentID, kNone},
+    {kGraphicEQ10BandsComponentID, kNone},
+    {kGraphicEQ20BandsComponentID, kNone},
+    {kGraphicEQ30BandsComponentID, kNone},
+    {kHardLimiterComponentID, kNone},
+    {kIntraClipComponentComponentID, kNone},
+    {kParametricEQComponentID, kNone},
+    {kReverbComponentID, kNone},
+    {kStudioReverbComponentID, kNone},
+    {kScientificFilterComponentID, kNone},
+    {kPitchCorrectComponentID, kNone},
+    {kAmplifyComponentID, &CreateView<ui::AmplifyEditorView>},
+    {kDynamicsComponentID, kNone},
+    {kFFTFilterComponentID, kNone},
+};
+
+} // namespace
+
+} // namespace qocui::module

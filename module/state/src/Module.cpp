@@ -1,0 +1,77 @@
+#include "qocui/module/Module.h"
+
+#include "krocore/debug/Contract.h"
+#include "kroui/utility/ResourceManager.h"
+#include "uit/ImageProvider.h"
+
+#include <new>
+
+namespace {
+
+constexpr unsigned long kProcessDetach = 0;
+constexpr unsigned long kProcessAttach = 1;
+
+// The names under which contract violations of the slots are reported.
+constexpr const char* kContractFile = "Module_WIN";
+constexpr int kCreateManagerLine = 51;
+constexpr int kDestroyManagerLine = 58;
+constexpr int kGetManagerLine = 66;
+
+HINSTANCE sDLLInstance = nullptr;
+kroui::utility::OS_ResourceManager* sResourceManager = nullptr;
+const kroui::limner::SupplierInterface* sDrawSupplier = nullptr;
+uit::ImageProvider* sImageProvider = nullptr;
+
+void CreateResourceManager() {
+    KROCORE_CHECK_INPUT_CONTRACT(sDLLInstance != nullptr, "sDLLInstance != 0", kContractFile, kCreateManagerLine);
+    sResourceManager = new (std::nothrow) kroui::utility::OS_ResourceManager(sDLLInstance);
+}
+
+void DestroyResourceManager() {
+    KROCORE_CHECK_INPUT_CONTRACT(sResourceManager != nullptr, "sResourceManager != 0", kContractFile,
+                                 kDestroyManagerLine);
+    delete sResourceManager;
+    sResourceManager = nullptr;
+}
+
+} // namespace
+
+namespace qocui::module {
+
+void Initialize(const kroui::limner::SupplierInterface* supplier) {
+    sDrawSupplier = supplier;
+    CreateResourceManager();
+    sImageProvider = new (std::nothrow) uit::ImageProvider(GetResourceManager(), GetDrawSupplier());
+}
+
+void Terminate() {
+    delete sImageProvider;
+    sImageProvider = nullptr;
+    DestroyResourceManager();
+    sDrawSupplier = nullptr;
+}
+
+const kroui::limner::SupplierInterface* GetDrawSupplier() {
+    return sDrawSupplier;
+}
+
+kroui::utility::OS_ResourceManager* GetResourceManager() {
+    KROCORE_CHECK_INPUT_CONTRACT(sResourceManager != nullptr, "sResourceManager != 0", kContractFile, kGetManagerLine);
+    return sResourceManager;
+}
+
+uit::ImageProvider* GetImageProvider() {
+    return sImageProvider;
+}
+
+HINSTANCE GetModuleInstance() {
+    return krocore::ModuleFromAddress(reinterpret_cast<const void*>(&GetModuleInstance));
+}
+
+} // namespace qocui::module
+
+extern "C" int DllMain(HINSTANCE instance, unsigned long reason, void* /*reserved*/) {
+    if (reason == kProcessAttach) sDLLInstance = instance;
+    if (reason == kProcessDetach) sDLLInstance = nullptr;
+    return 1;
+}

@@ -1,0 +1,151 @@
+#pragma once
+
+#include "kroaudiofilterhost/AudioFilterBusDescription.h"
+#include "kroaudiofilterhost/AudioFilterHost.h"
+#include "kroaudiofilterhost/AudioFilterListener.h"
+#include "kroaudiofilterhost/AudioFilterParameterInfo.h"
+#include "krocore/String.h"
+#include "krocore/utility/RefCountedObject.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace kroaudiofilterhost {
+
+// The sound that one call of AudioFilter::Process works on: a pointer a channel, `frames` samples each, nominally
+// -1...1. An output may be the input of the same channel; otherwise the buffers don't overlap.
+struct AudioFilterBlock {
+    std::span<const float* const> inputs;
+    std::span<float* const> outputs;
+    std::size_t frames = 0;
+};
+
+// One instance of an audio effect: numbered parameters, buses, and the processing. Shared by the engine that runs it
+// and the panel that shows it.
+//
+// Threads: everything is for the user-interface thread except Process, which runs on the sound thread, and the reading
+// of parameters, which is safe anywhere. Prepare and Reset are called while Process does not run.
+class AudioFilter : public krocore::utility::RefCountedObject {
+public:
+    static constexpr int kAllParameters = -1; // index of a gesture that is about all parameters
+    static constexpr std::size_t kMaximumChannels = 32;
+
+    // Names the kind of effect: "qoc.Amplify".
+    virtual krocore::string16 GetComponentID() const = 0;
+
+    // Parameters. The stored value is normalised, nominally 0...1; a value outside is kept as it is (the processing
+    // clamps). The count may change when the filter is prepared for another layout.
+    virtual int GetParameterCount() const { return static_cast<int>(fParameterCapacity); }
+    // Null for an index that is none, and for a filter that does not describe itself.
+    virtual const AudioFilterParameterInfo* GetParameterInfo(int index) const;
+    // 0 for an index that is none.
+    virtual float GetParameterValue(int index) const;
+    // A committed change, as from a user's edit. A value that is not finite, an index that is none and a read-only
+    // parameter are refused: nothing changes. The value that is stored already changes nothing and tells nobody.
+    virtual void SetParameterValue(int index, float value);
+    // The same for a change that is not to be undone.
+    virtual void SetParameterValueQuietly(int index, float value);
+    // Bracket a gesture, so that all it changes is undone at once. They nest and interleave freely. An index that is
+    // neither a parameter nor kAllParameters is ignored.
+    virtual void BeginParameterEdit(int index);
+    virtual void EndParameterEdit(int index);
+    // Another number whenever any parameter has changed, by whomever. Wraps around.
+    std::int32_t GetParameterDirtyCount() const noexcept;
+
+    void AddListener(AudioFilterListener& listener);
+    void RemoveListener(AudioFilterListener& listener);
+
+    // Buses. Every filter has at least one of each; stereo until it is prepared.
+    const std::vector<AudioFilterBusDescription>& GetInputBuses() const noexcept { return fInputBuses; }
+    const std::vector<AudioFilterBusDescription>& GetOutputBuses() const noexcept { return fOutputBuses; }
+    // Of the first bus.
+    std::size_t GetNumberOfInputChannels() const noexcept { return fInputBuses.front().GetLayout().size(); }
+    std::size_t GetNumberOfOutputChannels() const noexcept { return fOutputBuses.front().GetLayout().size(); }
+
+    // Hertz; 44100 until the filter is prepared.
+    float GetSampleRate() const noexcept { return fSampleRate; }
+    // Length of the sound that is processed, in samples; 0 when it is not known.
+    double GetDuration() const noexcept { return fDuration; }
+    // Whether the engine does not run the filter at present.
+    bool IsSuspended() const noexcept { return fSuspended; }
+    // Whether parameters that can't be automated may be changed: not while the engine runs in real time.
+    bool CanChangeNonAutomatableParameters() const noexcept { return fCanChangeNonAutomatable; }
+    // Null when the filter runs without a host.
+    AudioFilterHost* GetAudioFilterHost() const noexcept { return fHost; }
+
+    // Response in decibels at `count` frequencies, evenly spaced from 0 Hz (the first) to half the sample rate (the
+    // last), as the processing works with the present parameters. False, with the vector untouched, when the effect
+    // has none or `count` is 0.
+    virtual bool GetMagnitudeResponse(std::size_t count, std::vector<float>& decibels) const;
+    // `size` samples of a curve that a panel shows; which curves there are, and their scales, is for each effect to
+    // say. False, with the vector untouched, when there is no such curve or `size` is 0.
+    virtual bool GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const;
+
+    // For the host.
+    void SetAudioFilterHost(AudioFilterHost* host) noexcept { fHost = host; }
+    void SetDuration(double samples) noexcept { fDuration = samples; }
+    void SetSuspended(bool suspended) noexcept { fSuspended = suspended; }
+    void SetCanChangeNonAutomatableParameters(bool can) noexcept { fCanChangeNonAutomatable = can; }
+
+    // Makes the filter ready for sound at `sampleRate` hertz in blocks of 1 to `maximumBlock` frames, forgets all sound
+    // and settles every smoothed parameter. Throws krocore::config::Error when the filter can't work so (no channel,
+    // more than kMaximumChannels, a rate outside 1 kHz...1 MHz, or what the effect itself can't do); it is then as
+    // before.
+    void Prepare(float sampleRate, std::size_t maximumBlock, const kromediatypes::AudioChannelLayout& layout);
+
+    // Processes the next block: channels as the buses say, frames up to the prepared maximum. Does not allocate, lock
+    // or call the system. The output depends on the sound and the parameters, not on how it is cut into blocks.
+    virtual void Process(const AudioFilterBlock& block) noexcept = 0;
+
+    // Forgets all sound, as after Prepare.
+    virtual void Reset() noexcept {}
+
+    // How many samples the output comes later than the input. Fixed from one Prepare to the next.
+    virtual std::size_t Latency() const noexcept { return 0; }
+    // How many samples the filter goes on sounding after its input has ended, latency not counted.
+    virtual std::size_t Tail() const noexcept { return 0; }
+
+protected:
+    // `parameterCapacity` is the largest number of parameters that the filter can have; all values start at 0.
+    explicit AudioFilter(std::size_t parameterCapacity);
+    ~AudioFilter() override;
+
+    // The layout that comes out for a layout that goes in; the same unless an effect says otherwise. Throws
+    // krocore::config::Error for a layout that the effect can't take.
+    virtual kromediatypes::AudioChannelLayout OutputLayoutFor(const kromediatypes::AudioChannelLayout& input) const;
+    // The effect's part of Prepare: rate and buses are set already. Allocates what Process needs.
+    virtual void OnPrepare(std::size_t maximumBlock);
+
+    // Stores a value without asking anybody: initial values, and what the filter itself measures. Any thread. The dirty
+    // count moves, listeners are not told.
+    void StoreParameter(int index, float value) noexcept;
+    // The stored value for the processing; `index` must be below the capacity.
+    float StoredParameter(std::size_t index) const noexcept { return fValues[index].load(std::memory_order_relaxed); }
+
+private:
+    class TellingScope;
+
+    bool IsParameter(int index) const { return index >= 0 && index < GetParameterCount(); }
+    void ChangeParameter(int index, float value, bool quiet);
+    template <typename Call>
+    void TellListeners(const Call& call);
+
+    std::size_t fParameterCapacity;
+    std::unique_ptr<std::atomic<float>[]> fValues;
+    std::atomic<std::uint32_t> fDirtyCount{0};
+    std::vector<AudioFilterListener*> fListeners; // null: removed while the listeners are being told
+    int fTelling = 0;
+    std::vector<AudioFilterBusDescription> fInputBuses;
+    std::vector<AudioFilterBusDescription> fOutputBuses;
+    float fSampleRate = 44100.0F;
+    double fDuration = 0;
+    AudioFilterHost* fHost = nullptr;
+    bool fSuspended = true;
+    bool fCanChangeNonAutomatable = true;
+};
+
+} // namespace kroaudiofilterhost

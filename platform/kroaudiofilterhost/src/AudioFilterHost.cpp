@@ -1,0 +1,7 @@
+#include "kroaudiofilterhost/AudioFilterHost.h"
+
+namespace kroaudiofilterhost {
+
+AudioFilterHost::~AudioFilterHost() = default;
+
+} // namespace kroaudiofilterhost

@@ -1,0 +1,7 @@
+#include "kroaudiofilterhost/AudioFilterListener.h"
+
+namespace kroaudiofilterhost {
+
+AudioFilterListener::~AudioFilterListener() = default;
+
+} // namespace kroaudiofilterhost

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "kroaudiofilterhost/AudioFilter.h"
+#include "kroui/ui/Signal.h"
+#include "kroui/ui/UI_SubView.h"
+
+namespace kroaudiofilterhostui {
+
+// What every editor of an audio filter is to a host: a view around a filter that can tell when its content's size has
+// changed. The host owns it by reference count and puts it into a window. User-interface thread.
+class AudioFilterEditorViewBase : public kroui::ui::UI_SubView {
+public:
+    // The filter that the view edits; one reference is held for the view's whole life.
+    explicit AudioFilterEditorViewBase(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter);
+
+    boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> GetAudioFilter() const { return fFilter; }
+
+    // Fires after the view has changed its own size, so that the host can fit the window around it.
+    using ContentSizeChangedSignal = kroui::ui::Signal<>;
+    ContentSizeChangedSignal& GetContentSizeChangedSignal() { return fContentSizeChanged; }
+
+protected:
+    ~AudioFilterEditorViewBase() override;
+
+private:
+    boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter;
+    ContentSizeChangedSignal fContentSizeChanged;
+};
+
+} // namespace kroaudiofilterhostui

@@ -1,0 +1,70 @@
+#include "krocore/ModuleResources.h"
+
+#include "ModuleAddress.h"
+
+#include <algorithm>
+#include <mutex>
+
+namespace krocore {
+namespace {
+
+struct RegisteredModule {
+    const void* base;
+    ModuleInstance instance;
+};
+
+// Modules come and go with the libraries that a host loads, on whatever thread loads them.
+struct Registry {
+    std::mutex mutex;
+    std::vector<RegisteredModule> modules;
+};
+
+Registry& Modules() {
+    static Registry sRegistry;
+    return sRegistry;
+}
+
+} // namespace
+
+ModuleRegistrar::ModuleRegistrar(const ModuleResourceTable& table, const void* codeAddress) : fInstance(&table) {
+    const std::lock_guard lock(Modules().mutex);
+    Modules().modules.push_back({ModuleBase(codeAddress), &table});
+}
+
+ModuleRegistrar::~ModuleRegistrar() {
+    const std::lock_guard lock(Modules().mutex);
+    std::erase_if(Modules().modules, [this](const RegisteredModule& module) { return module.instance == fInstance; });
+}
+
+ModuleInstance ModuleFromAddress(const void* codeAddress) {
+    const void* const base = ModuleBase(codeAddress);
+    if (base == nullptr) return nullptr;
+    const std::lock_guard lock(Modules().mutex);
+    const auto found = std::ranges::find(Modules().modules, base, &RegisteredModule::base);
+    return found == Modules().modules.end() ? nullptr : found->instance;
+}
+
+std::span<const std::byte> FindResource(ModuleInstance module, std::string_view name, std::string_view type) noexcept {
+    if (module == nullptr) return {};
+    const ResourceEntry* const first = module->entries;
+    const ResourceEntry* const last = first + module->count;
+    const ResourceEntry* const found = std::find_if(first, last, [name, type](const ResourceEntry& entry) {
+        return EqualsIgnoringCase(entry.type, type) && EqualsIgnoringCase(entry.name, name);
+    });
+    if (found == last) return {};
+    return {found->data, static_cast<std::size_t>(found->size)};
+}
+
+namespace utility {
+
+bool GetBinaryFromModule(ModuleInstance module, std::u16string_view name, std::u16string_view type,
+                         std::vector<std::uint8_t>& bytes) {
+    const std::span<const std::byte> found = FindResource(module, ToUTF8(name), ToUTF8(type));
+    if (found.data() == nullptr) return false;
+    const auto* const begin = reinterpret_cast<const std::uint8_t*>(found.data());
+    bytes.assign(begin, begin + found.size());
+    return true;
+}
+
+} // namespace utility
+} // namespace krocore

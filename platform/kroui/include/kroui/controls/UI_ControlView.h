@@ -1,0 +1,66 @@
+#pragma once
+
+#include "kroui/controls/Messages.h"
+#include "kroui/ui/Signal.h"
+#include "kroui/ui/UI_SubView.h"
+
+#include <memory>
+
+namespace kroui::controls {
+
+using ui::UI_Node;
+
+// Base of everything with a control's states: enabled, hovered, pressed, focused. Tells listeners of committed changes.
+class UI_ControlView : public ui::UI_SubView {
+public:
+    UI_ControlView();
+
+    void SetEnabled(bool enabled);
+    bool IsEnabled() const { return fEnabled; }
+    void SetDisabled(bool disabled) { SetEnabled(!disabled); }
+    bool IsDisabled() const { return !fEnabled; }
+
+    // The pressed or latched state, of buttons above all.
+    void SetDownState(bool down);
+    bool DownState() const { return fDownState; }
+
+    void SetWantsKeyboardFocus(bool wants) { fWantsFocus = wants; }
+    bool WantsKeyboardFocus() const { return fWantsFocus; }
+    void SetSuppressFocusDrawing(bool suppress) { fSuppressFocusDrawing = suppress; }
+    bool SuppressFocusDrawing() const { return fSuppressFocusDrawing; }
+    bool IsHovered() const { return fHovered; }
+
+    // Whether the focus ring is to be drawn: focused, by keyboard or a control that always shows it, and not
+    // suppressed.
+    bool ShowsFocus() const;
+
+    // Calls the slot after each committed change by the user. A boost::bind to a member of a trackable object is cut
+    // when that object dies; anything else lives as long as the control.
+    using ChangedSignal = ui::Signal<UI_ControlChangedMessage*>;
+    void NotifyWhenChanged(const ChangedSignal::slot_type& slot);
+
+    bool UI_DoMouseEvent(UI_Node* node, const ui::MouseEvent& event) override;
+    bool UI_CanTakeFocus() const override;
+    void UI_FocusChanged(bool hasFocus) override;
+    void UI_NodeChanged(NodeChange change) override;
+    ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    const ui::PropertyTable& UI_GetPropertyTable() const override;
+    static const ui::PropertyTable& PropertiesOfControlView();
+
+protected:
+    ~UI_ControlView() override = default;
+
+    void SendChanged();
+    // Enabled, hovered, down or focused changed. Repaints; controls with parts may do more.
+    virtual void ControlStateChanged();
+
+private:
+    std::unique_ptr<ChangedSignal> fChanged; // made by the first listener
+    bool fEnabled = true;
+    bool fDownState = false;
+    bool fWantsFocus = false;
+    bool fSuppressFocusDrawing = false;
+    bool fHovered = false;
+};
+
+} // namespace kroui::controls

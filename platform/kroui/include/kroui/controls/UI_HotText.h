@@ -1,0 +1,51 @@
+#pragma once
+
+#include "kroui/controls/HotTextLook.h"
+#include "kroui/controls/UI_InteractiveControlView.h"
+
+namespace kroui::controls {
+
+// A text in the accent colour that does something when it is clicked (Enter and Space too): a committed change tells.
+// Behind it stands a dim label, its unit for instance.
+class UI_HotText : public UI_InteractiveControlView {
+public:
+    UI_HotText();
+
+    void SetText(std::u16string_view text);
+    const krocore::string16& GetText() const { return fText; }
+    // The dim text behind, as it stands; by reference as archives write it.
+    void SetTextLabel(std::u16string_view label);
+    const krocore::string16& GetTextLabel() const { return fTextLabel.Text(); }
+    void SetTextLabelReference(std::string_view reference);
+    const krocore::string8& TextLabelReference() const { return fTextLabel.Reference(); }
+    void SetFontSize(float size);
+    float FontSize() const { return fFont.size; }
+    // Where text and label stand in the node: 0 left, 1 centre, 2 right (at first); others count as left.
+    void SetNumberAlignment(int alignment);
+    int GetNumberAlignment() const { return static_cast<int>(fAlignment); }
+
+    void UI_Draw(limner::Limner* context) override;
+    bool UI_DoMouseEvent(UI_Node* node, const ui::MouseEvent& event) override;
+    bool UI_DoKeyEvent(const ui::KeyEvent& event) override;
+    ui::Cursor UI_GetCursor(Point point) const override;
+    ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    const ui::PropertyTable& UI_GetPropertyTable() const override;
+    static const ui::PropertyTable& PropertiesOfHotText();
+
+protected:
+    ~UI_HotText() override = default;
+
+    // What stands in the accent colour.
+    virtual krocore::string16 ShownText() const { return fText; }
+    const limner::Font& GetFont() const { return fFont; }
+    HotTextLook Look(std::u16string_view text) const;
+    limner::TextAlignment Alignment() const { return fAlignment; }
+
+private:
+    krocore::string16 fText;
+    ui::LocalizedText fTextLabel;
+    limner::Font fFont;
+    limner::TextAlignment fAlignment = limner::TextAlignment::kRight;
+};
+
+} // namespace kroui::controls

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "krocore/String.h"
+#include "krocore/utility/RefCountedObject.h"
+
+#include <cstdint>
+#include <string_view>
+
+namespace kroui::ui {
+
+// What tells one node from another: its id, the archive class it stands for, and its state flags.
+class UI_NodeBase : public krocore::utility::RefCountedObject {
+public:
+    // The id under which archives, scripts and tests find the node; empty for an anonymous one.
+    void UI_SetID(std::string_view id) { fID = id; }
+    const krocore::string8& UI_GetID() const { return fID; }
+
+    // The class name that an archive gave a custom node; empty for all others.
+    void UI_SetArchiveClassName(std::string_view name) { fArchiveClassName = name; }
+    const krocore::string8& UI_GetArchiveClassName() const { return fArchiveClassName; }
+
+    // State flags; setting combines, clearing takes away.
+    static constexpr std::uint32_t kStateWantsKeyboardFocus = 1;
+    static constexpr std::uint32_t kStateTellBackgroundPresses = 16;
+    void UI_SetStateFlags(std::uint32_t flags) { fStateFlags |= flags; }
+    void UI_ClearStateFlags(std::uint32_t flags) { fStateFlags &= ~flags; }
+    std::uint32_t UI_GetStateFlags() const { return fStateFlags; }
+
+private:
+    krocore::string8 fID;
+    krocore::string8 fArchiveClassName;
+    std::uint32_t fStateFlags = 0;
+};
+
+} // namespace kroui::ui

@@ -1,0 +1,73 @@
+#include "kroui/controls/UI_TextButton.h"
+
+#include "ControlDrawing.h"
+#include "kroui/ui/AdapterRegistry.h"
+
+#include <algorithm>
+
+namespace kroui::controls {
+
+using drawing::Assign;
+using ui::MakeProperty;
+using ui::PropertyType;
+
+namespace {
+
+const ui::AdapterRegistrar<UI_TextButton> sRegistrar("kroui::controls::UI_TextButton");
+
+constexpr float kLargestIndent = 1000;
+// A centred text may come nearer to the edges.
+constexpr float kLeastIndent = 3;
+
+} // namespace
+
+void UI_TextButton::SetText(std::u16string_view text) {
+    if (text == std::u16string_view(fText.Text())) return;
+    fText.SetText(text);
+    UI_Invalidate();
+}
+
+void UI_TextButton::SetTextReference(std::string_view reference) {
+    fText.SetReference(reference);
+    UI_Invalidate();
+}
+
+void UI_TextButton::SetTextAlignment(limner::TextAlignment alignment) {
+    if (Assign(fAlignment, drawing::KnownAlignment(alignment))) UI_Invalidate();
+}
+
+void UI_TextButton::SetTextIndent(float indent) {
+    if (Assign(fIndent, drawing::Bounded(indent, 0, kLargestIndent))) UI_Invalidate();
+}
+
+void UI_TextButton::UI_Draw(limner::Limner* context) {
+    const Face face = FaceOfState();
+    DrawFace(*context, face);
+    const bool isCentred = fAlignment == limner::TextAlignment::kCentre;
+    const float indent = isCentred ? std::min(fIndent, kLeastIndent) : fIndent;
+    context->DrawText(fText.Text(), {}, ContentColor(face), ContentRect().Inset(indent, 0),
+                      {fAlignment, limner::TextTruncation::kEnd});
+}
+
+ui::AccessibleInfo UI_TextButton::UI_GetAccessibleInfo() const {
+    ui::AccessibleInfo info = UI_Button::UI_GetAccessibleInfo();
+    if (!fText.Text().empty()) info.name = fText.Text();
+    return info;
+}
+
+const ui::PropertyTable& UI_TextButton::UI_GetPropertyTable() const {
+    return PropertiesOfTextButton();
+}
+
+const ui::PropertyTable& UI_TextButton::PropertiesOfTextButton() {
+    using T = UI_TextButton;
+    static constexpr ui::PropertyRow kRows[] = {
+        MakeProperty<PropertyType::kUnicode, &T::TextReference, &T::SetTextReference>("text"),
+        MakeProperty<PropertyType::kEnumeration, &T::TextAlignment, &T::SetTextAlignment>("textAlignment"),
+        MakeProperty<PropertyType::kFloat, &T::TextIndent, &T::SetTextIndent>("textIndent"),
+    };
+    static const ui::PropertyTable sTable{"kroui::controls::UI_TextButton", kRows, &PropertiesOfButton()};
+    return sTable;
+}
+
+} // namespace kroui::controls

@@ -1,0 +1,107 @@
+#include "kroui/ui/UI_NodeManager.h"
+
+#include "kroui/ui/UI_Node.h"
+
+#include <algorithm>
+
+namespace kroui::ui {
+
+namespace {
+
+constexpr double kShortestPeriod = 0.001;
+// Sums of periods differ from the clock by rounding.
+constexpr double kTolerance = 1e-9;
+
+double SteadyNow() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+} // namespace
+
+UI_NodeManager& UI_NodeManager::Get() {
+    static UI_NodeManager sManager;
+    return sManager;
+}
+
+UI_NodeManager::UI_NodeManager() : fClock(&SteadyNow) {
+}
+
+long UI_NodeManager::GetUniqueTimerID() {
+    return ++fLastTimerID;
+}
+
+void UI_NodeManager::SetClock(Clock clock) {
+    const double before = Now();
+    fClock = clock ? std::move(clock) : Clock(&SteadyNow);
+    const double shift = Now() - before;
+    for (Timer& timer : fTimers)
+        timer.due += shift;
+}
+
+double UI_NodeManager::Now() const {
+    return fClock();
+}
+
+void UI_NodeManager::InstallTimer(UI_Node& node, float periodSeconds, long timerID) {
+    RemoveTimer(node, timerID);
+    const double period = std::max<double>(kShortestPeriod, std::isfinite(periodSeconds) ? periodSeconds : 0.0F);
+    fTimers.push_back({&node, timerID, period, Now() + period});
+}
+
+void UI_NodeManager::RemoveTimer(UI_Node& node, long timerID) {
+    for (Timer& timer : fTimers)
+        if (timer.node == &node && timer.id == timerID) timer.node = nullptr;
+    Sweep();
+}
+
+void UI_NodeManager::RemoveTimersOf(UI_Node& node) {
+    for (Timer& timer : fTimers)
+        if (timer.node == &node) timer.node = nullptr;
+    Sweep();
+}
+
+void UI_NodeManager::Sweep() {
+    if (!fIsRunning) std::erase_if(fTimers, [](const Timer& timer) { return !timer.node; });
+}
+
+void UI_NodeManager::RunTimers() {
+    if (fIsRunning) return;
+    struct Running {
+        UI_NodeManager& manager;
+        explicit Running(UI_NodeManager& m) : manager(m) { manager.fIsRunning = true; }
+        ~Running() {
+            manager.fIsRunning = false;
+            manager.Sweep();
+        }
+    } running(*this);
+
+    const double now = Now();
+    // Timers installed by a notification come after `count` and wait for the next run.
+    const std::size_t count = fTimers.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        Timer& timer = fTimers[i];
+        if (!timer.node || timer.due > now + kTolerance) continue;
+        timer.due = timer.due + timer.period > now + kTolerance ? timer.due + timer.period : now + timer.period;
+        const boost::intrusive_ptr<UI_Node> keepAlive(timer.node);
+        const long id = timer.id;
+        keepAlive->UI_DoTimerNotify(id);
+    }
+}
+
+double UI_NodeManager::SecondsToNextTimer() const {
+    double next = -1;
+    const double now = Now();
+    for (const Timer& timer : fTimers) {
+        if (!timer.node) continue;
+        const double left = std::max(0.0, timer.due - now);
+        if (next < 0 || left < next) next = left;
+    }
+    return next;
+}
+
+std::size_t UI_NodeManager::TimerCount() const {
+    return static_cast<std::size_t>(
+        std::count_if(fTimers.begin(), fTimers.end(), [](const Timer& timer) { return timer.node != nullptr; }));
+}
+
+} // namespace kroui::ui

@@ -1,0 +1,362 @@
+#include "kroui/ui/UI_Window.h"
+
+#include "TooltipController.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace kroui::ui {
+
+namespace {
+
+constexpr float kSmallestScale = 0.5F;
+constexpr float kLargestScale = 4;
+
+bool IsInSubtree(const UI_Node* node, const UI_Node& root) {
+    for (; node; node = node->UI_GetParent())
+        if (node == &root) return true;
+    return false;
+}
+
+Rect Scaled(const Rect& r, float factor) {
+    return {r.left * factor, r.top * factor, r.width * factor, r.height * factor};
+}
+
+} // namespace
+
+UI_Window::UI_Window(const limner::CairoSupplier& supplier, WindowBackend& backend)
+    : fSupplier(supplier), fBackend(backend), fSurface(supplier), fTheme(&Theme::Dark()),
+      fTooltips(std::make_unique<TooltipController>(*this)) {
+}
+
+UI_Window::~UI_Window() {
+    fTooltips.reset();
+    while (!fOverlays.empty())
+        HideOverlay(fOverlays.back().node.get());
+    SetContent(nullptr);
+}
+
+void UI_Window::SetContent(boost::intrusive_ptr<UI_Node> content) {
+    if (fContent == content) return;
+    if (const boost::intrusive_ptr<UI_Node> old = std::move(fContent)) {
+        fContent.reset();
+        old->DetachTree();
+    }
+    fContent = std::move(content);
+    if (fContent) fContent->AttachTo(this);
+    InvalidateAll();
+}
+
+void UI_Window::SetSize(Size size) {
+    if (size == fSize) return;
+    fSize = size;
+    UpdateSurface();
+}
+
+void UI_Window::SetHostScale(float scale) {
+    fHostScale = scale;
+    UpdateSurface();
+}
+
+void UI_Window::SetZoom(float zoom) {
+    fZoom = zoom;
+    UpdateSurface();
+}
+
+float UI_Window::ScaleFactor() const {
+    const float factor = fHostScale * fZoom;
+    return std::isfinite(factor) ? std::clamp(factor, kSmallestScale, kLargestScale) : 1.0F;
+}
+
+void UI_Window::UpdateSurface() {
+    const bool isRescaled = fSurface.Scale() != ScaleFactor();
+    fSurface.SetSize(fSize, ScaleFactor());
+    if (isRescaled && fContent) fContent->Broadcast(UI_Node::kScaleChanged);
+    InvalidateAll();
+}
+
+void UI_Window::SetTheme(const Theme& theme) {
+    if (fTheme == &theme) return;
+    fTheme = &theme;
+    if (fContent) fContent->Broadcast(UI_Node::kThemeChanged);
+    InvalidateAll();
+}
+
+void UI_Window::Invalidate(const Rect& rect) {
+    const Rect visible = Intersection(rect, {0, 0, fSize.width, fSize.height});
+    if (visible.IsEmpty()) return;
+    if (fDamage.IsEmpty()) fBackend.RequestPaint();
+    fDamage.Add(visible);
+}
+
+void UI_Window::InvalidateAll() {
+    Invalidate({0, 0, fSize.width, fSize.height});
+}
+
+long UI_Window::Paint() {
+    // What is invalidated while painting waits for the next pass.
+    const DamageRegion damage = std::exchange(fDamage, DamageRegion());
+    const float scale = ScaleFactor();
+    const Rect surface{0, 0, static_cast<float>(fSurface.PixelWidth()), static_cast<float>(fSurface.PixelHeight())};
+    std::vector<Rect> painted;
+    long pixelCount = 0;
+    for (const Rect& rect : damage.Rects()) {
+        const Rect pixels = Intersection(RoundedOut(Scaled(rect, scale)), surface);
+        if (pixels.IsEmpty()) continue;
+        const Rect part = Scaled(pixels, 1 / scale);
+        fSurface.Draw(part, [&](limner::Limner& limner) {
+            limner.FillRect(part, fTheme->GetColor(kColorWindow));
+            if (fContent) fContent->UI_DrawTree(&limner);
+            for (const Overlay& overlay : fOverlays)
+                overlay.node->UI_DrawTree(&limner);
+        });
+        painted.push_back(pixels);
+        pixelCount += static_cast<long>(pixels.width) * static_cast<long>(pixels.height);
+    }
+    if (!painted.empty()) fBackend.Present(fSurface, painted);
+    return pixelCount;
+}
+
+UI_Node* UI_Window::HitTest(Point position) const {
+    const auto test = [&](UI_Node& root) {
+        return root.UI_HitTest({position.x - root.UI_GetFrame().left, position.y - root.UI_GetFrame().top});
+    };
+    for (auto overlay = fOverlays.rbegin(); overlay != fOverlays.rend(); ++overlay) {
+        if (UI_Node* const hit = test(*overlay->node)) return hit;
+        if (overlay->modal) return overlay->node.get();
+    }
+    return fContent ? test(*fContent) : nullptr;
+}
+
+bool UI_Window::Deliver(UI_Node* target, MouseEvent event, Point windowPosition) {
+    boost::intrusive_ptr<UI_Node> receiver(target);
+    const boost::intrusive_ptr<UI_Node> origin(target);
+    while (receiver) {
+        event.position = receiver->UI_WindowToLocal(windowPosition);
+        if (receiver->UI_DoMouseEvent(receiver == origin ? nullptr : origin.get(), event)) {
+            if (event.IsAction(MouseEvent::Action::kPressed) && receiver->UI_IsAttached()) {
+                fCapture = receiver;
+                fCaptureButton = event.button;
+            }
+            return true;
+        }
+        receiver = receiver->UI_GetParent();
+    }
+    return false;
+}
+
+bool UI_Window::MouseMoved(Point position, std::uint8_t modifiers) {
+    MouseEvent event;
+    event.modifiers = modifiers;
+    if (fCapture) {
+        event.action = MouseEvent::Action::kDragged;
+        event.button = fCaptureButton;
+        const bool isMenuOver = HasModalOverlay() && !IsInSubtree(fCapture.get(), *TopOverlay());
+        return Deliver(isMenuOver ? HitTest(position) : fCapture.get(), event, position);
+    }
+    UI_Node* const target = HitTest(position);
+    SetHover(target, position, modifiers);
+    UpdateCursor(position);
+    event.action = MouseEvent::Action::kMoved;
+    return Deliver(target, event, position);
+}
+
+bool UI_Window::MousePressed(Point position, int button, int clickCount, std::uint8_t modifiers) {
+    if (fCapture) return true; // a second button in a drag
+    fTooltips->Dismiss();
+    UI_Node* const target = HitTest(position);
+    SetHover(target, position, modifiers);
+    MouseEvent event;
+    event.action = MouseEvent::Action::kPressed;
+    event.button = button;
+    event.clickCount = clickCount;
+    event.modifiers = modifiers;
+    const bool isHandled = Deliver(target, event, position);
+    if (!isHandled && !HasModalOverlay()) SetFocus(nullptr);
+    return isHandled;
+}
+
+bool UI_Window::MouseReleased(Point position, int button, std::uint8_t modifiers) {
+    if (!fCapture || button != fCaptureButton) return false;
+    const boost::intrusive_ptr<UI_Node> captured = std::move(fCapture);
+    fCapture.reset();
+    MouseEvent event;
+    event.action = MouseEvent::Action::kReleased;
+    event.button = button;
+    event.modifiers = modifiers;
+    const bool isMenuOver = HasModalOverlay() && !IsInSubtree(captured.get(), *TopOverlay());
+    const bool isHandled = Deliver(isMenuOver ? HitTest(position) : captured.get(), event, position);
+    SetHover(HitTest(position), position, modifiers);
+    UpdateCursor(position);
+    return isHandled;
+}
+
+bool UI_Window::MouseWheel(Point position, float notchesX, float notchesY, std::uint8_t modifiers) {
+    fTooltips->Dismiss();
+    MouseEvent event;
+    event.action = MouseEvent::Action::kWheel;
+    event.wheelX = notchesX;
+    event.wheelY = notchesY;
+    event.modifiers = modifiers;
+    return Deliver(HitTest(position), event, position);
+}
+
+void UI_Window::MouseLeft() {
+    if (!fCapture) SetHover(nullptr, {-1, -1}, kNoModifier);
+}
+
+bool UI_Window::KeyPressed(const KeyEvent& event) {
+    fTooltips->Dismiss();
+    if (DeliverKey(event)) return true;
+    if (event.key == Key::kTab && !event.Has(kCommand) && !event.Has(kAlt) && MoveFocus(!event.Has(kShift)))
+        return true;
+    return fUnhandledKey && fUnhandledKey(event);
+}
+
+bool UI_Window::DeliverKey(const KeyEvent& event) {
+    if (HasModalOverlay()) {
+        const boost::intrusive_ptr<UI_Node> overlay(TopOverlay());
+        overlay->UI_DoKeyEvent(event);
+        return true;
+    }
+    if (const boost::intrusive_ptr<UI_Node> captured = fCapture; captured && captured->UI_DoKeyEvent(event))
+        return true;
+    for (boost::intrusive_ptr<UI_Node> node = fFocus; node; node = node->UI_GetParent())
+        if (node->UI_DoKeyEvent(event)) return true;
+    return false;
+}
+
+bool UI_Window::TextTyped(std::u16string_view text) {
+    const TextEvent event{text};
+    if (HasModalOverlay()) {
+        const boost::intrusive_ptr<UI_Node> overlay(TopOverlay());
+        return overlay->UI_DoTextEvent(event);
+    }
+    for (boost::intrusive_ptr<UI_Node> node = fFocus; node; node = node->UI_GetParent())
+        if (node->UI_DoTextEvent(event)) return true;
+    return false;
+}
+
+bool UI_Window::FilesDropped(std::span<const std::filesystem::path> files, Point position) {
+    for (boost::intrusive_ptr<UI_Node> node = HitTest(position); node; node = node->UI_GetParent())
+        if (node->UI_CanAcceptFiles(files) && node->UI_DropFiles(files, node->UI_WindowToLocal(position))) return true;
+    return false;
+}
+
+void UI_Window::Deactivated() {
+    ReleaseCapture();
+    SetHover(nullptr, {-1, -1}, kNoModifier);
+    MouseEvent event;
+    event.action = MouseEvent::Action::kCaptureLost;
+    for (auto overlays = fOverlays; const Overlay& overlay : overlays)
+        if (overlay.modal) overlay.node->UI_DoMouseEvent(nullptr, event);
+}
+
+bool UI_Window::SetFocus(UI_Node* node) {
+    if (node == fFocus) return true;
+    if (node && !node->UI_CanTakeFocus()) return false;
+    const boost::intrusive_ptr<UI_Node> wanted(node);
+    if (const boost::intrusive_ptr<UI_Node> old = std::move(fFocus)) {
+        fFocus.reset();
+        old->UI_FocusChanged(false);
+    }
+    // Losing the focus may have hidden or disabled the node, or given the focus to another.
+    if (!wanted || fFocus || !wanted->UI_CanTakeFocus()) return wanted == nullptr;
+    fFocus = wanted;
+    wanted->UI_FocusChanged(true);
+    return true;
+}
+
+void UI_Window::CollectFocusable(UI_Node& node, std::vector<UI_Node*>& nodes) const {
+    if (!node.UI_IsVisible()) return;
+    if (node.UI_CanTakeFocus()) nodes.push_back(&node);
+    for (const auto& child : node.Children())
+        CollectFocusable(*child, nodes);
+}
+
+bool UI_Window::MoveFocus(bool forward) {
+    std::vector<UI_Node*> nodes;
+    if (fContent) CollectFocusable(*fContent, nodes);
+    if (nodes.empty()) return false;
+    const auto current = std::find(nodes.begin(), nodes.end(), fFocus.get());
+    std::size_t next = forward ? 0 : nodes.size() - 1;
+    if (current != nodes.end()) {
+        const std::size_t index = static_cast<std::size_t>(current - nodes.begin());
+        next = (index + (forward ? 1 : nodes.size() - 1)) % nodes.size();
+    }
+    return SetFocus(nodes[next]);
+}
+
+void UI_Window::ReleaseCapture() {
+    if (!fCapture) return;
+    const boost::intrusive_ptr<UI_Node> captured = std::move(fCapture);
+    fCapture.reset();
+    MouseEvent event;
+    event.action = MouseEvent::Action::kCaptureLost;
+    event.button = fCaptureButton;
+    captured->UI_DoMouseEvent(nullptr, event);
+}
+
+void UI_Window::ShowOverlay(boost::intrusive_ptr<UI_Node> node, const Rect& frame, bool modal) {
+    if (!node || node->UI_GetParent()) return;
+    HideOverlay(node.get());
+    node->UI_SetFrame(frame);
+    // Tips stay over menus.
+    auto at = fOverlays.end();
+    if (modal) at = std::find_if(fOverlays.begin(), fOverlays.end(), [](const Overlay& o) { return !o.modal; });
+    UI_Node& shown = *node;
+    fOverlays.insert(at, {std::move(node), modal});
+    if (modal) fTooltips->Dismiss();
+    shown.AttachTo(this);
+    shown.UI_Invalidate();
+}
+
+void UI_Window::HideOverlay(UI_Node* node) {
+    const auto at = std::find_if(fOverlays.begin(), fOverlays.end(), [&](const Overlay& o) { return o.node == node; });
+    if (!node || at == fOverlays.end()) return;
+    const boost::intrusive_ptr<UI_Node> hidden = at->node;
+    hidden->UI_Invalidate();
+    fOverlays.erase(at);
+    hidden->DetachTree();
+}
+
+bool UI_Window::HasModalOverlay() const {
+    return std::any_of(fOverlays.begin(), fOverlays.end(), [](const Overlay& o) { return o.modal; });
+}
+
+UI_Node* UI_Window::TopOverlay() const {
+    const auto at = std::find_if(fOverlays.rbegin(), fOverlays.rend(), [](const Overlay& o) { return o.modal; });
+    return at != fOverlays.rend() ? at->node.get() : nullptr;
+}
+
+void UI_Window::Forget(UI_Node& node) {
+    if (IsInSubtree(fHover.get(), node)) SetHover(nullptr, {-1, -1}, kNoModifier);
+    if (IsInSubtree(fCapture.get(), node)) ReleaseCapture();
+    if (IsInSubtree(fFocus.get(), node)) SetFocus(nullptr);
+}
+
+void UI_Window::SetHover(UI_Node* node, Point position, std::uint8_t modifiers) {
+    if (fTooltips) fTooltips->HoverChanged(node, position);
+    if (fHover == node) return;
+    const boost::intrusive_ptr<UI_Node> entered(node);
+    const boost::intrusive_ptr<UI_Node> left = std::exchange(fHover, entered);
+    MouseEvent event;
+    event.modifiers = modifiers;
+    if (left) {
+        event.action = MouseEvent::Action::kLeft;
+        event.position = left->UI_WindowToLocal(position);
+        left->UI_DoMouseEvent(nullptr, event);
+    }
+    if (entered && fHover == entered) {
+        event.action = MouseEvent::Action::kEntered;
+        event.position = entered->UI_WindowToLocal(position);
+        entered->UI_DoMouseEvent(nullptr, event);
+    }
+}
+
+void UI_Window::UpdateCursor(Point position) {
+    fBackend.SetCursor(fHover ? fHover->UI_GetCursor(fHover->UI_WindowToLocal(position)) : Cursor::kArrow);
+}
+
+} // namespace kroui::ui

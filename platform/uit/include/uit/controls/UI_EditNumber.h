@@ -1,0 +1,207 @@
+#pragma once
+
+#include "uit/controls/EditNumberLayout.h"
+#include "uit/controls/SliderRuler.h"
+
+#include "kroui/controls/HotTextLook.h"
+#include "kroui/controls/NumberDrag.h"
+#include "kroui/controls/NumberEntry.h"
+
+namespace uit::controls {
+
+// A number with everything around it: a label that ends at its colon, a slider with a ruler, the number itself to drag
+// or type, and its unit. One control: whatever part the user takes hold of, its own messages tell of one gesture. It is
+// vertical if the ruler given in code is. Texts are measured and the ruler's marks computed when it is first drawn.
+class UI_EditNumber : public kroui::controls::UI_InteractiveControlView, public kroui::controls::ValueControl {
+public:
+    using RulerBase = kroui::utility::RulerBase;
+    using RulerPlacement = UI_RulerSliderContainer::RulerPlacement;
+    using RulerTextPlacement = UI_RulerSliderContainer::RulerTextPlacement;
+    // The ruler that an archive asks for.
+    enum RulerType : int { kNoRuler = 0, kLinearRuler = 1, kLogRuler = 2, kDecibelRuler = 3, kFaderRuler = 4 };
+
+    UI_EditNumber();
+
+    // --- texts ---
+
+    void SetLabel(std::u16string_view label);
+    const krocore::string16& GetLabel() const { return fLabel.Text(); }
+    void SetUnitLabel(std::u16string_view label);
+    const krocore::string16& GetUnitLabel() const { return fUnitLabel.Text(); }
+    // Whether the label is shown.
+    void SetUseLabel(bool use);
+    bool UseLabel() const { return fUseLabel; }
+    // Whether the label stands beside the slider (at first) or above it.
+    void SetUseInline(bool use);
+    bool UseInline() const { return fUseInline; }
+    // Width of the label's column, so that the colons of several edit numbers meet; 0: as the label needs.
+    void SetLabelWidth(float width);
+    float MeasureLabelWidth() const;
+
+    // --- number ---
+
+    // Characters that the number has room for, and the unit (0: as it needs).
+    void SetDigits(std::uint32_t digits);
+    std::uint32_t GetDigits() const { return fDigits; }
+    void SetUnitLabelLength(std::uint32_t characters);
+    std::uint32_t UnitLabelLength() const { return fUnitLabelLength; }
+    // 0 left, 1 centre, 2 right (at first) in that room.
+    void SetHotTextNumberAlignment(int alignment);
+    // How a drag of the number goes through the range: 0 linear, 1 logarithmic.
+    void SetHotTextScale(int scale) { SetScale(scale); }
+
+    // --- slider and ruler ---
+
+    void SetUseSlider(bool use);
+    // The track's length in view units; the least one if the slider stretches with the control, as it does at first.
+    void SetSliderLength(float length);
+    void SetSliderStretches(bool stretches);
+    // Greater values to the left or downwards.
+    void SetInvertSlider(bool invert);
+    // A logarithmic track. A ruler that is shown decides instead.
+    void SetLogarithmic(bool logarithmic);
+    bool IsLogarithmic() const { return fLogarithmic; }
+
+    // Shares the ruler; null takes it away. Its range is the caller's; `label` becomes its first label if not empty.
+    void SetRuler(boost::intrusive_ptr<RulerBase> ruler, RulerPlacement placement, RulerTextPlacement textPlacement,
+                  std::u16string_view label);
+    // The ruler, made from the archive's properties if none has been given. Never null; not shown if its type or its
+    // placement is none. After changing it call RecalcLayout.
+    const boost::intrusive_ptr<RulerBase>& GetRuler();
+
+    // As archives have them; placements count from 0 for none.
+    void SetRulerType(int type);
+    int GetRulerType() const { return fRulerType; }
+    void SetRulerPlacementIndex(int index);
+    int RulerPlacementIndex() const { return fRulerPlacement; }
+    void SetRulerTextPlacement(int placement);
+    int GetRulerTextPlacement() const { return fRulerTextPlacement; }
+    void SetStepFactor(double pixels);
+    double StepFactor() const { return fStepFactor; }
+    void SetLogSeed(double seed);
+    double LogSeed() const { return fLogSeed; }
+    void SetLogStep(double step);
+    double LogStep() const { return fLogStep; }
+    void SetAbbreviateNumbers(bool abbreviate);
+    bool AbbreviateNumbers() const { return fAbbreviateNumbers; }
+
+    // For property rows: texts as archives write them.
+    void SetLabelReference(std::string_view reference);
+    const krocore::string8& LabelReference() const { return fLabel.Reference(); }
+    void SetUnitLabelReference(std::string_view reference);
+    const krocore::string8& UnitLabelReference() const { return fUnitLabel.Reference(); }
+    void SetRulerLabel1Reference(std::string_view reference);
+    const krocore::string8& RulerLabel1Reference() const { return fRulerLabel1.Reference(); }
+    void SetRulerLabel2Reference(std::string_view reference);
+    const krocore::string8& RulerLabel2Reference() const { return fRulerLabel2.Reference(); }
+
+    // --- layout ---
+
+    // Places the parts anew and repaints, as after a change of the ruler.
+    void RecalcLayout();
+    // The size that shows everything; estimated while no drawing supplier is known. A control without a size takes it
+    // when it gets into a window.
+    kroui::Size NaturalSize() const;
+    kroui::Size UI_GetNaturalSize() const override { return NaturalSize(); }
+    // Where the parts are, in the control's coordinates.
+    const EditNumberLayout& Layout() const;
+    // The field while the number is being typed; null otherwise.
+    kroui::controls::UI_TextField* EntryField() const { return fEntry.IsOpen() ? fEntry.Field() : nullptr; }
+
+    void UI_Draw(kroui::limner::Limner* context) override;
+    bool UI_DoMouseEvent(UI_Node* node, const kroui::ui::MouseEvent& event) override;
+    bool UI_DoKeyEvent(const kroui::ui::KeyEvent& event) override;
+    bool UI_DoTextEvent(const kroui::ui::TextEvent& event) override;
+    bool UI_DoTimerNotify(long timerID) override;
+    void UI_FocusChanged(bool hasFocus) override;
+    void UI_NodeChanged(NodeChange change) override;
+    void UI_SizeChanged(const kroui::RectT<float>& rect) override;
+    kroui::ui::Cursor UI_GetCursor(kroui::Point point) const override;
+    kroui::ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    const kroui::ui::PropertyTable& UI_GetPropertyTable() const override;
+    static const kroui::ui::PropertyTable& PropertiesOfEditNumber();
+
+protected:
+    ~UI_EditNumber() override = default;
+
+    // Whether the parts stand one above the other.
+    virtual bool IsVertical() const;
+
+    UI_Node& ValueNode() override { return *this; }
+    void ValueChanged(double oldValue) override;
+    void ValueLookChanged() override;
+    void SendGesture(int changeMessage) override;
+    void ControlStateChanged() override;
+    double GesturePosition(double value) const override;
+    double GestureValueAt(double position) const override;
+
+private:
+    enum class Part : std::uint8_t { kNone, kLabel, kSlider, kNumber };
+
+    bool IsRulerShown() const;
+    SliderRuler Ruler() const;
+    void MakeRuler();
+    void ConfigureRuler();
+    void RulerPropertyChanged();
+    void LayoutChanged();
+    EditNumberLayout::Needs Needs() const;
+    void TakeNaturalSize();
+
+    Part PartAt(kroui::Point point) const;
+    double SliderPosition(double value) const;
+    double SliderValueAt(double position) const;
+    bool IsSliderLinear() const;
+    kroui::controls::SliderLook Slider() const;
+    kroui::controls::HotTextLook Number(std::u16string_view text) const;
+    void DrawLabel(kroui::limner::Limner& context) const;
+    void DrawSlider(kroui::limner::Limner& context) const;
+    void DrawNumber(kroui::limner::Limner& context) const;
+    void SetHoverPart(Part part);
+
+    bool Press(const kroui::ui::MouseEvent& event);
+    void PressSlider(const kroui::ui::MouseEvent& event);
+    void PressNumber(const kroui::ui::MouseEvent& event);
+    void Drag(const kroui::ui::MouseEvent& event);
+    void Release(const kroui::ui::MouseEvent& event);
+    bool OpenEntry();
+
+    kroui::controls::NumberEntry fEntry{*this, fGesture};
+    kroui::controls::NumberDrag fNumberDrag;
+    kroui::Point fLastPoint;
+    Part fPressedPart = Part::kNone;
+    Part fHoverPart = Part::kNone;
+    bool fHasMoved = false;
+
+    kroui::ui::LocalizedText fLabel;
+    kroui::ui::LocalizedText fUnitLabel;
+    kroui::ui::LocalizedText fRulerLabel1;
+    kroui::ui::LocalizedText fRulerLabel2;
+    boost::intrusive_ptr<RulerBase> fRuler;
+    double fStepFactor = 40;
+    double fLogSeed = 1;
+    double fLogStep = 10;
+    double fRulerLow = 0; // bounds that the archive's ruler was last given
+    double fRulerHigh = 0;
+    float fLabelWidth = 0;
+    float fSliderLength = 0;
+    std::uint32_t fDigits = 5;
+    std::uint32_t fUnitLabelLength = 0;
+    int fRulerType = kNoRuler;
+    int fRulerPlacement = 2;
+    int fRulerTextPlacement = RulerTextPlacement::kTextRightBottom;
+    kroui::limner::TextAlignment fAlignment = kroui::limner::TextAlignment::kRight;
+    bool fRulerIsGiven = false;
+    bool fAbbreviateNumbers = false;
+    bool fUseLabel = true;
+    bool fUseInline = true;
+    bool fUseSlider = true;
+    bool fSliderStretches = true;
+    bool fInvertSlider = false;
+    bool fLogarithmic = false;
+
+    mutable EditNumberLayout fLayout;
+    mutable bool fLayoutIsValid = false;
+    mutable bool fRulerFits = true; // a control that is too low for it does without
+};
+
+} // namespace uit::controls

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "kroui/controls/UI_Slider.h"
+#include "kroui/utility/RulerBase.h"
+
+namespace uit::controls {
+
+// A slider with a ruler along its track. The ruler's marks stand at one side of the track and its labels at one or
+// both; where labels stand at the other side than the marks, the labelled marks stand there too. A ruler with another
+// scale than the slider's (a logarithmic one) decides where values lie.
+class UI_RulerSliderContainer : public kroui::controls::UI_Slider {
+public:
+    enum RulerPlacement : int { kRulerLeftTop = 0, kRulerRightBottom = 1 };
+    enum RulerTextPlacement : int { kTextLeftTop = 0, kTextRightBottom = 1, kTextBoth = 2 };
+
+    // Null takes the ruler away. Its direction, value range and labels are the caller's; its pixels are set here.
+    void SetRuler(boost::intrusive_ptr<kroui::utility::RulerBase> ruler, RulerPlacement placement,
+                  RulerTextPlacement textPlacement);
+    const boost::intrusive_ptr<kroui::utility::RulerBase>& GetRuler() const { return fRuler; }
+
+    void UI_Draw(kroui::limner::Limner* context) override;
+
+protected:
+    ~UI_RulerSliderContainer() override = default;
+
+    kroui::Rect TrackRect() const override;
+    double GesturePosition(double value) const override;
+    double GestureValueAt(double position) const override;
+
+private:
+    boost::intrusive_ptr<kroui::utility::RulerBase> fRuler;
+    RulerPlacement fPlacement = kRulerRightBottom;
+    RulerTextPlacement fTextPlacement = kTextRightBottom;
+};
+
+} // namespace uit::controls

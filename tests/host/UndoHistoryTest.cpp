@@ -1,0 +1,100 @@
+#include "host/UndoHistory.h"
+
+#include "EchoFilter.h"
+
+#include <gtest/gtest.h>
+
+using qohost::UndoHistory;
+
+namespace {
+
+class UndoHistoryTest : public testing::Test {
+protected:
+    int CountSteps() {
+        int steps = 0;
+        while (fHistory.Undo())
+            ++steps;
+        return steps;
+    }
+    float Value(int index) const { return fFilter->GetParameterValue(index); }
+
+    boost::intrusive_ptr<EchoFilter> fFilter{new EchoFilter(0)};
+    UndoHistory fHistory{fFilter, 3};
+};
+
+TEST_F(UndoHistoryTest, InterleavedBracketsAreOneStep) {
+    fFilter->BeginParameterEdit(0);
+    fFilter->SetParameterValue(0, 0.1F);
+    fFilter->BeginParameterEdit(1);
+    fFilter->SetParameterValue(1, 0.1F);
+    fFilter->SetParameterValue(0, 0.2F);
+    fFilter->EndParameterEdit(0);
+    fFilter->SetParameterValue(1, 0.2F);
+    fFilter->SetParameterValue(2, 0.9F); // changed along with the others, without a bracket of its own
+    EXPECT_FALSE(fHistory.CanUndo());
+    fFilter->EndParameterEdit(1);
+    ASSERT_TRUE(fHistory.Undo());
+    EXPECT_EQ(Value(0), 0.0F);
+    EXPECT_EQ(Value(1), 0.0F);
+    EXPECT_EQ(Value(2), 0.0F);
+    EXPECT_FALSE(fHistory.CanUndo());
+    ASSERT_TRUE(fHistory.Redo());
+    EXPECT_EQ(Value(0), 0.2F);
+    EXPECT_EQ(Value(1), 0.2F);
+    EXPECT_EQ(Value(2), 0.9F);
+}
+
+TEST_F(UndoHistoryTest, BracketForAllParametersHoldsNestedOnes) {
+    fFilter->BeginParameterEdit(-1);
+    for (int i = 0; i < 2; ++i) {
+        fFilter->BeginParameterEdit(0);
+        fFilter->SetParameterValue(0, 0.5F + static_cast<float>(i));
+        fFilter->EndParameterEdit(0);
+    }
+    fFilter->EndParameterEdit(-1);
+    EXPECT_EQ(CountSteps(), 1);
+}
+
+TEST_F(UndoHistoryTest, OnlyWhatChangedAndIsNotQuietLeavesAStep) {
+    fFilter->SetParameterValueQuietly(0, 0.5F);
+    fFilter->EndParameterEdit(0); // without a beginning
+    fFilter->BeginParameterEdit(1);
+    fFilter->EndParameterEdit(1);
+    fFilter->BeginParameterEdit(1);
+    fFilter->SetParameterValue(1, 0.5F);
+    fFilter->SetParameterValue(1, 0.0F); // abandoned
+    fFilter->EndParameterEdit(1);
+    EXPECT_FALSE(fHistory.CanUndo());
+    EXPECT_EQ(Value(0), 0.5F);
+}
+
+TEST_F(UndoHistoryTest, UndoInAnOpenGestureIsIgnored) {
+    fFilter->SetParameterValue(0, 0.5F);
+    fFilter->BeginParameterEdit(0);
+    fFilter->SetParameterValue(0, 0.7F);
+    EXPECT_FALSE(fHistory.Undo());
+    EXPECT_EQ(Value(0), 0.7F);
+    fFilter->EndParameterEdit(0);
+    EXPECT_EQ(CountSteps(), 2);
+    EXPECT_EQ(Value(0), 0.0F);
+}
+
+TEST_F(UndoHistoryTest, NewChangeForgetsWhatCouldBeRedone) {
+    fFilter->SetParameterValue(0, 0.1F);
+    fFilter->SetParameterValue(0, 0.2F);
+    fHistory.Undo();
+    fFilter->SetParameterValue(1, 0.3F);
+    EXPECT_FALSE(fHistory.CanRedo());
+    EXPECT_EQ(CountSteps(), 2);
+}
+
+TEST_F(UndoHistoryTest, OldestStepsGoAtTheLimit) {
+    for (int i = 1; i <= 5; ++i)
+        fFilter->SetParameterValue(0, 0.1F * static_cast<float>(i));
+    EXPECT_EQ(CountSteps(), 3);
+    EXPECT_EQ(Value(0), 0.2F);
+    EXPECT_EQ(fHistory.UndoName(), u"");
+    EXPECT_NE(fHistory.RedoName(), u"");
+}
+
+} // namespace

@@ -1,0 +1,188 @@
+#include "Drawing.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace kroui::limner::test {
+
+namespace {
+
+const Font kFont{12};
+constexpr Size kRoom{400, 30};
+
+ImagePtr DrawnText(std::u16string_view text, const Rect& rect, const TextPlacement& placement = {}, float scale = 1) {
+    return Drawn([&](Limner& limner) { limner.DrawText(text, kFont, kWhite, rect, placement); }, scale, kRoom);
+}
+
+float Width(std::u16string_view text) {
+    return Supplier().MeasureText(text, kFont).width;
+}
+
+// The x position, in view units and to a fraction of a pixel, at which the ink of a text ends that ends in an upright
+// stem.
+double InkEnd(const Image& image) {
+    const RectT<int> ink = Ink(image);
+    const int last = ink.Right() - 1;
+    const int row = ink.top + ink.height / 3;
+    return (last + AlphaAt(image, last, row) / 255.0) / image.Scale();
+}
+
+} // namespace
+
+TEST(Text, MeasuredWidth_IsWhatDrawingTakesAtEveryScale) {
+    // "H" ends in an upright stem: ten more of them move the end of the ink by ten advance widths.
+    const std::u16string ten(10, u'H');
+    const std::u16string twenty(20, u'H');
+    EXPECT_NEAR(Width(twenty), 2 * Width(ten), 1e-3);
+    for (const float scale : {1.0F, 1.25F, 1.5F, 2.0F, 3.0F}) {
+        const Rect rect{10, 0, 380, 30};
+        const double moved = InkEnd(*DrawnText(twenty, rect, {}, scale)) - InkEnd(*DrawnText(ten, rect, {}, scale));
+        // A glyph stands on quarters of a pixel: each end is off by an eighth at most, and by what sampling loses.
+        EXPECT_NEAR(moved, Width(ten), 0.3 / scale) << scale;
+    }
+}
+
+TEST(Text, Alignment_PlacesTheMeasuredWidth) {
+    const Rect rect{20, 0, 200, 30};
+    const double left = InkEnd(*DrawnText(u"HHH", rect, {TextAlignment::kLeft}));
+    const double centre = InkEnd(*DrawnText(u"HHH", rect, {TextAlignment::kCentre}));
+    const double right = InkEnd(*DrawnText(u"HHH", rect, {TextAlignment::kRight}));
+    EXPECT_NEAR(right - left, 200 - Width(u"HHH"), 0.3);
+    EXPECT_NEAR(centre - left, (200 - Width(u"HHH")) / 2, 0.3);
+}
+
+TEST(Text, Digits_AreOfEqualWidth) {
+    for (const bool bold : {false, true}) {
+        const float zero = Supplier().MeasureText(u"0", {12, bold}).width;
+        EXPECT_GT(zero, 0);
+        for (char16_t digit = u'1'; digit <= u'9'; ++digit) {
+            EXPECT_FLOAT_EQ(Supplier().MeasureText({&digit, 1}, {12, bold}).width, zero);
+        }
+    }
+}
+
+TEST(Text, Baseline_StandsOnWholePixels) {
+    const ImagePtr whole = DrawnText(u"Ex", {10, 5, 100, 20});
+    // Whatever the fraction, the picture is the same or the same a pixel further down.
+    for (const float top : {4.7F, 4.9F, 5.1F, 5.3F}) {
+        const ImagePtr image = DrawnText(u"Ex", {10, top, 100, 20});
+        const RectT<int> ink = Ink(*image);
+        const RectT<int> expected = Ink(*whole);
+        ASSERT_EQ(ink.width, expected.width);
+        ASSERT_EQ(ink.height, expected.height);
+        for (int i = 0; i < ink.width * ink.height; ++i) {
+            const int x = ink.left + i % ink.width;
+            const int y = i / ink.width;
+            EXPECT_EQ(AlphaAt(*image, x, ink.top + y), AlphaAt(*whole, x, expected.top + y)) << top;
+        }
+    }
+}
+
+TEST(Text, Ellipsis_NeverExceedsTheWidth) {
+    constexpr std::u16string_view kText = u"Splicing Frequency";
+    constexpr float kLeft = 20;
+    for (const TextTruncation truncation : {TextTruncation::kStart, TextTruncation::kEnd}) {
+        for (float width = 0; width <= Width(kText) + 2; width += 1.5F) {
+            const RectT<int> ink = Ink(*DrawnText(kText, {kLeft, 0, width, 30}, {TextAlignment::kLeft, truncation}));
+            if (ink.IsEmpty()) continue;
+            EXPECT_GE(ink.left, kLeft - 1) << width;
+            EXPECT_LE(ink.Right(), kLeft + width + 1) << width;
+        }
+    }
+}
+
+TEST(Text, Ellipsis_KeepsTheEndThatTruncationLeaves) {
+    constexpr std::u16string_view kText = u"Splicing Frequency";
+    const float width = Width(kText) - 20;
+    const auto sameColumns = [](const Image& a, const Image& b, int from, int to) {
+        for (int x = from; x < to; ++x) {
+            for (int y = 0; y < a.PixelHeight(); ++y) {
+                if (AlphaAt(a, x, y) != AlphaAt(b, x, y)) return false;
+            }
+        }
+        return true;
+    };
+    const ImagePtr plain = DrawnText(kText, {20, 0, width, 30});
+    const ImagePtr cutAtEnd = DrawnText(kText, {20, 0, width, 30}, {TextAlignment::kLeft, TextTruncation::kEnd});
+    EXPECT_TRUE(sameColumns(*plain, *cutAtEnd, 0, 60));
+    EXPECT_FALSE(sameColumns(*plain, *cutAtEnd, 0, 200));
+    const ImagePtr plainRight = DrawnText(kText, {20, 0, width, 30}, {TextAlignment::kRight});
+    const ImagePtr cutAtStart = DrawnText(kText, {20, 0, width, 30}, {TextAlignment::kRight, TextTruncation::kStart});
+    const int right = 20 + static_cast<int>(width) + 1;
+    EXPECT_TRUE(sameColumns(*plainRight, *cutAtStart, right - 50, right));
+    EXPECT_FALSE(sameColumns(*plainRight, *cutAtStart, 0, right));
+}
+
+TEST(Text, Ellipsis_IsLeftOutWhereTheTextFits) {
+    constexpr std::u16string_view kText = u"Gain";
+    const Rect rect{20, 0, Width(kText), 30};
+    EXPECT_EQ(LargestDifference(*DrawnText(kText, rect),
+                                *DrawnText(kText, rect, {TextAlignment::kLeft, TextTruncation::kEnd})),
+              0);
+    EXPECT_TRUE(Ink(*DrawnText(kText, {20, 0, 3, 30}, {TextAlignment::kLeft, TextTruncation::kEnd})).IsEmpty());
+}
+
+TEST(Text, CaretPositions_GoFromZeroToTheWidth) {
+    std::vector<float> positions;
+    Supplier().CaretPositions(u"12.5", kFont, positions);
+    ASSERT_EQ(positions.size(), 5U);
+    EXPECT_EQ(positions[0], 0);
+    EXPECT_NEAR(positions[1], Width(u"1"), 0.01);
+    EXPECT_NEAR(positions[2], Width(u"12"), 0.01);
+    EXPECT_NEAR(positions[4], Width(u"12.5"), 0.01);
+
+    // No caret stands inside a surrogate pair.
+    Supplier().CaretPositions(u"a\xD835\xDC00z", kFont, positions);
+    ASSERT_EQ(positions.size(), 5U);
+    EXPECT_EQ(positions[1], positions[2]);
+    EXPECT_GT(positions[3], positions[2]);
+
+    Supplier().CaretPositions(u"", kFont, positions);
+    EXPECT_EQ(positions, std::vector<float>{0});
+}
+
+TEST(Text, Paragraph_WrapsAndBreaks) {
+    const float line = Supplier().MeasureText(u"x", kFont).height;
+    const auto height = [](std::u16string_view text, float width) {
+        return Supplier().MeasureParagraph(text, kFont, width).height;
+    };
+    EXPECT_NEAR(height(u"one two", Width(u"one two") + 1), line, 0.01);
+    EXPECT_NEAR(height(u"one two", Width(u"one") + 1), 2 * line, 0.01);
+    EXPECT_NEAR(height(u"one\ntwo\n\nfour", 500), 4 * line, 0.01);
+    EXPECT_NEAR(height(u"HHHHHH", Width(u"HHH") + 1), 2 * line, 0.01);
+    EXPECT_LE(Supplier().MeasureParagraph(u"several words in a row", kFont, 50).width, 50);
+}
+
+TEST(Text, UnusualUnits_AreDrawnAsSomethingAndKeepTheLineWhole) {
+    EXPECT_FLOAT_EQ(Width(u"a\nb\tc"), Width(u"a b c"));
+    EXPECT_FLOAT_EQ(Width(std::u16string_view(u"a\0b", 3)), Width(u"a b"));
+    EXPECT_FLOAT_EQ(Width(u"a\xD800z"), Width(u"a\xFFFDz"));
+    EXPECT_FLOAT_EQ(Width(u"\xDC00\xD800"), Width(u"\xFFFD\xFFFD"));
+    // A character that no font can have (a noncharacter of plane 15) still leaves a mark.
+    EXPECT_FALSE(Ink(*DrawnText(u"\xDBBF\xDFFE", {20, 0, 100, 30})).IsEmpty());
+}
+
+TEST(Text, Measuring_IsTheSameAfterACacheFullOfOtherTexts) {
+    const TextExtent first = Supplier().MeasureText(u"Kept aside", kFont);
+    for (int i = 0; i < 5000; ++i) {
+        const std::string digits = std::to_string(i);
+        Supplier().MeasureText(std::u16string(digits.begin(), digits.end()), kFont);
+    }
+    const TextExtent again = Supplier().MeasureText(u"Kept aside", kFont);
+    EXPECT_EQ(first.width, again.width);
+    EXPECT_EQ(first.height, again.height);
+    EXPECT_GT(Width(std::u16string(3000, u'i')), 2.9F * Width(std::u16string(1000, u'i')));
+}
+
+TEST(Text, UnusableSizes_MeasureAsSomethingFinite) {
+    for (const float size : {0.0F, -3.0F, std::numeric_limits<float>::quiet_NaN(), 1e9F}) {
+        EXPECT_TRUE(std::isfinite(Supplier().MeasureText(u"Gain", {size}).width)) << size;
+        EXPECT_TRUE(std::isfinite(Supplier().MeasureParagraph(u"Gain", kFont, size).height)) << size;
+    }
+}
+
+} // namespace kroui::limner::test

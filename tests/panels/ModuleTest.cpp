@@ -1,0 +1,76 @@
+#include "qocui/module/Module.h"
+#include "krocore/config/Error.h"
+#include "krocore/debug/Contract.h"
+#include "kroui/limner/CairoSupplier.h"
+#include "kroui/utility/ResourceManager.h"
+#include "qocui/module/ComponentUIFactory.h"
+
+#include <gmock/gmock.h>
+
+using namespace qocui::module;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+// Collects contract violations instead of showing and throwing them.
+class ModuleTest : public testing::Test {
+protected:
+    ModuleTest() {
+        krocore::debug::SetContractDialog([this](const char* condition, const char* file, int line) {
+            fViolations.push_back(std::string(condition) + " @ " + file + ":" + std::to_string(line));
+            return false;
+        });
+        krocore::config::SetErrorRaiser(
+            [this](const krocore::config::Error& error) { fCodes.push_back(error.Code()); });
+    }
+    ~ModuleTest() override {
+        krocore::debug::SetContractDialog({});
+        krocore::config::SetErrorRaiser({});
+    }
+
+    kroui::limner::CairoSupplier fSupplier;
+    std::vector<std::string> fViolations;
+    std::vector<int> fCodes;
+};
+
+TEST_F(ModuleTest, InitializeAndTerminateFillAndEmptyTheSlots) {
+    Initialize(&fSupplier);
+    EXPECT_EQ(GetDrawSupplier(), &fSupplier);
+    ASSERT_NE(GetResourceManager(), nullptr);
+    EXPECT_NE(GetImageProvider(), nullptr);
+    EXPECT_FALSE(GetResourceManager()->GetResource("amplify", "xml").empty());
+    Terminate();
+    EXPECT_EQ(GetDrawSupplier(), nullptr);
+    EXPECT_EQ(GetImageProvider(), nullptr);
+    EXPECT_THAT(fViolations, IsEmpty());
+}
+
+TEST_F(ModuleTest, MisuseIsAContractViolationAndTheRestGoesOn) {
+    EXPECT_EQ(GetImageProvider(), nullptr);
+    EXPECT_THAT(fViolations, IsEmpty());
+    EXPECT_EQ(GetResourceManager(), nullptr);
+    EXPECT_EQ(fViolations.size(), 1U);
+    EXPECT_THAT(fCodes, ElementsAre(25));
+    fViolations.clear();
+    Terminate();
+    EXPECT_THAT(fViolations, ElementsAre("sResourceManager != 0 @ Module_WIN:58"));
+}
+
+TEST_F(ModuleTest, WithoutAnInstanceInitializeReportsIt) {
+    const HINSTANCE instance = GetModuleInstance();
+    ASSERT_NE(instance, nullptr);
+    EXPECT_EQ(DllMain(instance, 0, nullptr), 1);
+    Initialize(&fSupplier);
+    EXPECT_THAT(fViolations, ElementsAre("sDLLInstance != 0 @ Module_WIN:51"));
+    Terminate();
+    for (const unsigned long reason : {2UL, 3UL, 77UL, 1UL})
+        EXPECT_EQ(DllMain(instance, reason, nullptr), 1);
+    fViolations.clear();
+    Initialize(&fSupplier);
+    EXPECT_FALSE(GetResourceManager()->GetResource("AMPLIFY", "XML").empty());
+    Terminate();
+    EXPECT_THAT(fViolations, IsEmpty());
+}
+
+} // namespace

@@ -1,0 +1,228 @@
+#include "host/AudioFile.h"
+#include "host/TestSignal.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <thread>
+
+extern char** environ;
+
+namespace workbench {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct Outcome {
+    int exitCode = -1;
+    std::string output;
+    std::string errors;
+};
+
+// Runs the real program in a folder of its own.
+class CommandLine : public testing::Test {
+protected:
+    CommandLine() {
+        const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
+        fFolder = std::filesystem::temp_directory_path() / (std::string("workbench-") + test->name());
+        std::filesystem::remove_all(fFolder);
+        std::filesystem::create_directories(fFolder);
+    }
+    ~CommandLine() override { std::filesystem::remove_all(fFolder); }
+
+    std::string Path(const std::string& name) const { return (fFolder / name).string(); }
+
+    pid_t Start(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), QO_WORKBENCH_PROGRAM);
+        std::vector<char*> argv;
+        for (std::string& argument : arguments)
+            argv.push_back(argument.data());
+        argv.push_back(nullptr);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC;
+        posix_spawn_file_actions_addopen(&actions, 1, Path("stdout").c_str(), kFlags, 0600);
+        posix_spawn_file_actions_addopen(&actions, 2, Path("stderr").c_str(), kFlags, 0600);
+        pid_t child = 0;
+        EXPECT_EQ(posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ), 0);
+        posix_spawn_file_actions_destroy(&actions);
+        return child;
+    }
+    Outcome Finish(pid_t child) const {
+        int status = 0;
+        waitpid(child, &status, 0);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Text("stdout"), Text("stderr")};
+    }
+    Outcome Run(std::vector<std::string> arguments) const { return Finish(Start(std::move(arguments))); }
+
+    std::string Text(const std::string& name) const {
+        std::ifstream file(Path(name), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    std::vector<std::string> FileNames() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(fFolder))
+            names.push_back(entry.path().filename().string());
+        return names;
+    }
+
+    std::filesystem::path fFolder;
+};
+
+TEST_F(CommandLine, WrongUsageExitsWithTwoAndAShortUsage) {
+    const std::vector<std::string> cases[] = {
+        {"render", "--effect", "amplify", "only-one.wav"},
+        {"render", "in.wav", "out.wav"},
+        {"render", "--effect", "amplify", "--volume", "3", "in.wav", "out.wav"},
+        {"snapshot", "--effect", "amplify", "--theme", "pink", "x.png"},
+        {"snapshot", "--effect", "amplify", "--channels", "33", "x.png"},
+        {"params"},
+        {"--nonsense"},
+    };
+    for (const auto& arguments : cases) {
+        const Outcome outcome = Run(arguments);
+        EXPECT_EQ(outcome.exitCode, 2) << arguments.back();
+        EXPECT_THAT(outcome.errors, StartsWith("workbench: "));
+        EXPECT_THAT(outcome.errors, HasSubstr("\nusage: workbench"));
+        EXPECT_EQ(outcome.output, "");
+    }
+}
+
+TEST_F(CommandLine, FailuresNameTheFileOrWordAndExitWithOne) {
+    qohost::WriteAudioFile(Path("in.wav"), qohost::MakeTestSignal(0.1), 0);
+    std::ofstream(Path("text.wav")) << "text";
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string named;
+    };
+    const Case cases[] = {
+        {{"render", "--effect", "amplify", Path("missing.wav"), Path("o.wav")}, "missing.wav"},
+        {{"render", "--effect", "amplify", Path("text.wav"), Path("o.wav")}, "text.wav"},
+        {{"render", "--effect", "amplify", Path("in.wav"), Path("no/such/o.wav")}, "no/such/o.wav"},
+        {{"render", "--effect", "amplify", "--set", "gain1=-600", Path("in.wav"), Path("o.wav")}, "gain1=-600"},
+        {{"render", "--effect", "amplify", "--set", "volume=1", Path("in.wav"), Path("o.wav")}, "volume"},
+        {{"render", "--effect", "nonesuch", Path("in.wav"), Path("o.wav")}, "nonesuch"},
+        {{"params", "nonesuch"}, "nonesuch"},
+        {{"snapshot", "--effect", "amplify", Path("no/such/o.png")}, "no/such/o.png"},
+        {{"gallery", Path("text.wav")}, "text.wav"},
+    };
+    for (const Case& c : cases) {
+        const Outcome outcome = Run(c.arguments);
+        EXPECT_EQ(outcome.exitCode, 1) << c.named;
+        EXPECT_THAT(outcome.errors, StartsWith("workbench: "));
+        EXPECT_THAT(outcome.errors, HasSubstr(c.named));
+    }
+    EXPECT_FALSE(std::filesystem::exists(Path("o.wav")));
+}
+
+TEST_F(CommandLine, RenderAppliesTheSettingsInPlaceToo) {
+    // -6 dB left, +6 dB right: factors 10^(-6/20) and 10^(6/20).
+    qohost::Sound sound = qohost::Sound::Silent(44100, kromediatypes::AudioChannelLayout::Stereo(), 4410);
+    for (auto& channel : sound.channels)
+        std::fill(channel.begin(), channel.end(), 0.25F);
+    qohost::WriteAudioFile(Path("in.wav"), sound, 0);
+    const auto render = [this](const std::string& output) {
+        return Run({"render", "--effect", "AMPLIFY", "--set", "link=off", "--set", "gain1=-6 dB", "--set", "Gain 2=6",
+                    Path("in.wav"), Path(output)});
+    };
+    for (const char* const output : {"out.wav", "in.wav"}) {
+        const Outcome outcome = render(output);
+        ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+        EXPECT_EQ(outcome.errors, ""); // no terminal: no progress
+        const qohost::Sound result = qohost::ReadAudioFile(Path(output)).sound;
+        ASSERT_EQ(result.Frames(), 4410U);
+        EXPECT_NEAR(result.channels[0][2000], 0.25 * std::pow(10, -0.3), 1e-4);
+        EXPECT_NEAR(result.channels[1][2000], 0.25 * std::pow(10, 0.3), 1e-4);
+    }
+}
+
+TEST_F(CommandLine, AnInterruptedRenderLeavesTheOutputAsItWas) {
+    qohost::WriteAudioFile(Path("in.wav"), qohost::MakeTestSignal(600), 0);
+    const std::vector<std::string> before = FileNames();
+    const auto oldSize = std::filesystem::file_size(Path("in.wav"));
+    const pid_t child = Start({"render", "--effect", "amplify", "--set", "gain=3", Path("in.wav"), Path("in.wav")});
+    // Anywhere between reading and writing; before the program has taken the signal over, it simply ends.
+    std::this_thread::sleep_for(std::chrono::milliseconds(120));
+    kill(child, SIGINT);
+    const Outcome outcome = Finish(child);
+    std::vector<std::string> after = FileNames();
+    std::erase(after, "stdout");
+    std::erase(after, "stderr");
+    EXPECT_EQ(after, before);
+    EXPECT_EQ(std::filesystem::file_size(Path("in.wav")), oldSize);
+    EXPECT_NO_THROW(qohost::ReadAudioFile(Path("in.wav")));
+    EXPECT_THAT(outcome.exitCode, testing::AnyOf(-1, 0, 130));
+}
+
+TEST_F(CommandLine, ListsNameEffectsAndParametersWithRangesAndDefaults) {
+    const Outcome list = Run({"list"});
+    EXPECT_EQ(list.exitCode, 0);
+    EXPECT_EQ(std::count(list.output.begin(), list.output.end(), '\n'), 29); // a head and 28 effects
+    EXPECT_THAT(list.output, HasSubstr("\namplify "));
+    const Outcome parameters = Run({"params", "Amplify"});
+    EXPECT_EQ(parameters.output, "INDEX  ID        NAME           RANGE             DEFAULT\n"
+                                 "0      channels  Channels       0 ... 32          read only\n"
+                                 "1      link      Link Channels  Off, On           On\n"
+                                 "2      gain1     Gain 1         -96 dB ... 48 dB  0 dB\n"
+                                 "3      gain2     Gain 2         -96 dB ... 48 dB  0 dB\n");
+    EXPECT_EQ(Run({"--help"}).exitCode, 0);
+    EXPECT_THAT(Run({"--version"}).output, StartsWith("workbench "));
+}
+
+// Width and height from a PNG file's header chunk (ISO/IEC 15948, 11.2.2).
+std::pair<unsigned, unsigned> PictureSize(const std::string& bytes) {
+    const auto number = [&bytes](std::size_t at) {
+        unsigned value = 0;
+        for (std::size_t i = at; i < at + 4; ++i)
+            value = value << 8 | static_cast<unsigned char>(bytes.at(i));
+        return value;
+    };
+    return {number(16), number(20)};
+}
+
+TEST_F(CommandLine, SnapshotsFollowScaleThemeAndChannels) {
+    const auto snapshot = [this](std::vector<std::string> more) {
+        more.insert(more.begin(), {"snapshot", "--effect", "amplify"});
+        more.push_back(Path("o.png"));
+        const Outcome outcome = Run(more);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+        return Text("o.png");
+    };
+    const std::string plain = snapshot({});
+    const auto [width, height] = PictureSize(plain);
+    EXPECT_EQ(PictureSize(snapshot({"--scale", "2"})), (std::pair{2 * width, 2 * height}));
+    EXPECT_GT(PictureSize(snapshot({"--channels", "6"})).second, height);
+    EXPECT_NE(snapshot({"--theme", "light"}), plain);
+    EXPECT_NE(snapshot({"--set", "gain=12"}), plain);
+    EXPECT_EQ(snapshot({}), plain);
+}
+
+TEST_F(CommandLine, GalleryHasEveryPanelInBothThemesAndScales) {
+    ASSERT_EQ(Run({"gallery", Path("pictures/new")}).exitCode, 0);
+    for (const char* const name :
+         {"amplify-dark.png", "amplify-dark@2x.png", "amplify-light.png", "amplify-light@2x.png"})
+        EXPECT_GT(std::filesystem::file_size(fFolder / "pictures/new" / name), 1000U) << name;
+}
+
+TEST_F(CommandLine, WithoutAScreenOpenSaysSo) {
+    unsetenv("DISPLAY");
+    unsetenv("WAYLAND_DISPLAY");
+    unsetenv("SDL_VIDEODRIVER");
+    const Outcome outcome = Run({});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr("workbench: there is no screen"));
+}
+
+} // namespace
+} // namespace workbench

@@ -1,0 +1,33 @@
+#include "workbench/TextOfSound.h"
+#include "workbench/WaveformPeaks.h"
+
+#include <gtest/gtest.h>
+
+namespace workbench {
+namespace {
+
+TEST(TextOfSound, TimesRoundToMillisecondsAndCarry) {
+    const std::pair<double, const char*> cases[] = {
+        {0, "0:00.000"},       {-1, "0:00.000"},          {59.9994, "0:59.999"},      {59.9996, "1:00.000"},
+        {102.318, "1:42.318"}, {3723.004, "1:02:03.004"}, {3599.9999, "1:00:00.000"},
+    };
+    for (const auto& [seconds, text] : cases)
+        EXPECT_EQ(krocore::ToStdString(TimeText(seconds)), text) << seconds;
+}
+
+TEST(WaveformPeaks, EveryStretchShowsTheExtremesOfAllChannels) {
+    qohost::Sound sound = qohost::Sound::Silent(1000, kromediatypes::AudioChannelLayout::Stereo(), 1000);
+    sound.channels[0][10] = 0.5F;
+    sound.channels[1][20] = -0.25F;
+    sound.channels[1][999] = 0.75F; // in a last stretch that is not full
+    const WaveformPeaks peaks(sound);
+    EXPECT_EQ(peaks.Between(0, 30).high, 0.5F);
+    EXPECT_EQ(peaks.Between(0, 30).low, -0.25F);
+    EXPECT_EQ(peaks.Between(300, 600).high, 0);
+    EXPECT_EQ(peaks.Between(990, 5000).high, 0.75F);
+    EXPECT_EQ(peaks.Between(5000, 6000).high, 0);
+    EXPECT_EQ(WaveformPeaks().Between(0, 1).high, 0);
+}
+
+} // namespace
+} // namespace workbench

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace workbench {
+
+struct RenderRequest {
+    std::string effect;
+    std::vector<std::string> settings; // "PARAM=VALUE", later ones win
+    std::filesystem::path input;
+    std::filesystem::path output; // may be the input
+};
+
+// Runs a sound file through an effect into another file. A render that takes longer shows its progress on a terminal.
+// Returns an exit code: done or interrupted, in which case `output` is as it was. Throws krocore::config::Error.
+int Render(const RenderRequest& request);
+
+} // namespace workbench

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "workbench/EffectList.h"
+#include "workbench/HeaderBar.h"
+#include "workbench/LevelMeters.h"
+#include "workbench/PanelCard.h"
+#include "workbench/Session.h"
+#include "workbench/StatusLine.h"
+#include "workbench/TransportBar.h"
+#include "workbench/WaveformView.h"
+
+namespace workbench {
+
+// Everything in the window: arranges the parts, carries what the user does to the session and what the session does to
+// the parts. Takes sound files dropped on it and, while attached, the keys that no control uses.
+class WorkbenchView final : public kroui::ui::UI_Node {
+public:
+    static constexpr kroui::Size kDefaultSize = {1280, 800};
+    static constexpr kroui::Size kSmallestSize = {900, 600};
+
+    // The session outlives the view.
+    WorkbenchView(Session& session, const EffectList::Effects& effects);
+
+    // False, with a message on the status line and everything as before, when that is not possible.
+    bool OpenFile(const std::filesystem::path& file);
+    bool ChooseEffect(const qoc::components::EffectDescription& effect);
+
+    // The user's magnification, from when the view is attached; held within what is useful and the largest one.
+    void SetZoom(float zoom);
+    void SetLargestZoom(float zoom) { fLargestZoom = zoom; }
+
+    // "file - Effect - Workbench".
+    krocore::string16 Title() const;
+    // Called when the title is another.
+    void SetTitleListener(boost::function<void()> listener) { fTitleListener = std::move(listener); }
+
+    bool UI_ClipsChildren() const override { return true; }
+    void UI_SizeChanged(const kroui::RectT<float>& rect) override;
+    void UI_NodeChanged(NodeChange change) override;
+    bool UI_DoTimerNotify(long timerID) override;
+    bool UI_CanAcceptFiles(std::span<const std::filesystem::path> files) const override;
+    bool UI_DropFiles(std::span<const std::filesystem::path> files, kroui::Point position) override;
+
+private:
+    struct Shortcut;
+
+    bool HandleKey(const kroui::ui::KeyEvent& event);
+    void PlayOrPause();
+    void Stop();
+    void Seek(double seconds);
+    void Undo();
+    void Redo();
+    void SetLooping(bool looping);
+    void SetBypassed(bool bypassed);
+    void ToggleLoop() { SetLooping(!fSession.Engine().IsLooping()); }
+    void ToggleBypass() { SetBypassed(!fSession.Engine().IsBypassed()); }
+    void ToggleTheme();
+    void ZoomIn();
+    void ZoomOut();
+    void ZoomToNormal();
+
+    void BuildParts(const EffectList::Effects& effects);
+    void Arrange();
+    void ArrangePanel();
+    void ShowSound();
+    void ShowEffect();
+    void ShowHistory();
+    void ShowState();
+    void FollowTransport();
+    void FollowHistory();
+    void FollowLevels();
+
+    Session& fSession;
+    boost::function<void()> fTitleListener;
+    boost::intrusive_ptr<HeaderBar> fHeader;
+    boost::intrusive_ptr<EffectList> fEffects;
+    boost::intrusive_ptr<ScrollView> fPanelPlace;
+    boost::intrusive_ptr<PanelCard> fPanelCard;
+    boost::intrusive_ptr<LevelMeters> fMeters;
+    boost::intrusive_ptr<WaveformView> fWaveform;
+    boost::intrusive_ptr<TransportBar> fTransport;
+    boost::intrusive_ptr<StatusLine> fStatus;
+    std::vector<float> fPeaks; // reused at every poll
+    long fTimer = 0;
+    double fLastPoll = 0; // seconds
+    float fZoom = 1;
+    float fLargestZoom = 3;
+    std::int32_t fSeenDirtyCount = 0;
+    bool fCouldUndo = false;
+    bool fCouldRedo = false;
+};
+
+} // namespace workbench

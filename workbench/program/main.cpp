@@ -1,0 +1,5 @@
+#include "workbench/CommandLine.h"
+
+int main(int argc, char** argv) {
+    return workbench::RunCommandLine(argc, argv);
+}

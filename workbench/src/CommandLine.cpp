@@ -1,0 +1,164 @@
+#include "workbench/CommandLine.h"
+
+#include "krocore/config/Error.h"
+#include "workbench/EffectTables.h"
+#include "workbench/OpenCommand.h"
+#include "workbench/PanelsLibrary.h"
+#include "workbench/RenderCommand.h"
+#include "workbench/SnapshotCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <exception>
+#include <string>
+#include <vector>
+
+namespace workbench {
+
+namespace {
+
+constexpr const char* kUsage = R"(usage: workbench [open] [--effect NAME] [FILE]
+       workbench list
+       workbench params EFFECT
+       workbench render --effect NAME [--set PARAM=VALUE]... IN OUT
+       workbench snapshot --effect NAME [--theme dark|light] [--scale F] [--channels N] OUT.png
+       workbench gallery DIR
+)";
+
+constexpr double kSmallestScale = 0.5;
+constexpr double kLargestScale = 4;
+constexpr int kMostChannels = 32;
+
+// What the arguments ask for; filled by the parser.
+struct Request {
+    OpenRequest open;
+    RenderRequest render;
+    SnapshotRequest snapshot;
+    std::string parametersOf;
+    std::filesystem::path gallery;
+};
+
+CLI::Option* AddTheme(CLI::App& command, std::string& theme) {
+    return command.add_option("--theme", theme, "dark or light")->check(CLI::IsMember({"dark", "light"}));
+}
+
+CLI::Option* AddScale(CLI::App& command, float& scale, const char* name, const char* help) {
+    return command.add_option(name, scale, help)->check(CLI::Range(kSmallestScale, kLargestScale));
+}
+
+CLI::Option* AddPath(CLI::App& command, std::filesystem::path& path, const char* name, const char* help) {
+    return command.add_option_function<std::string>(
+        name, [&path](const std::string& text) { path = text; }, help);
+}
+
+void AddSettings(CLI::App& command, std::vector<std::string>& settings) {
+    command.add_option("--set", settings, "set a parameter: gain1=-6, \"Gain 1=-6 dB\", n:0.5 for a normalised value")
+        ->type_name("PARAM=VALUE")
+        ->expected(1)
+        ->take_all();
+}
+
+void DescribeOpen(CLI::App& app, OpenRequest& request) {
+    CLI::App& command = *app.add_subcommand("open", "open the window (what happens without a command)");
+    command.add_option("--effect", request.effect, "the effect to begin with")->type_name("NAME");
+    AddTheme(command, request.theme);
+    AddScale(command, request.scale, "--scale", "pixels a unit of the picture, 0.5 to 4");
+    AddScale(command, request.zoom, "--zoom", "magnification on top of that, 0.5 to 4");
+    AddPath(command, request.file, "FILE", "the sound to open; without it a built-in one");
+}
+
+void DescribeRender(CLI::App& app, RenderRequest& request) {
+    CLI::App& command = *app.add_subcommand("render", "run a sound file through an effect");
+    command.add_option("--effect", request.effect, "see \"workbench list\"")->type_name("NAME")->required();
+    AddSettings(command, request.settings);
+    AddPath(command, request.input, "IN", "the sound file to read")->required();
+    AddPath(command, request.output, "OUT", "the sound file to write; may be the same")->required();
+}
+
+void DescribeSnapshot(CLI::App& app, SnapshotRequest& request) {
+    CLI::App& command = *app.add_subcommand("snapshot", "draw a panel into a PNG file");
+    command.add_option("--effect", request.effect, "see \"workbench list\"")->type_name("NAME")->required();
+    AddSettings(command, request.settings);
+    AddTheme(command, request.theme);
+    AddScale(command, request.scale, "--scale", "pixels a unit of the picture, 0.5 to 4");
+    command.add_option("--channels", request.channels, "the channels that the effect has, 1 to 32")
+        ->check(CLI::Range(1, kMostChannels));
+    AddPath(command, request.output, "OUT", "the file to write")->required();
+}
+
+void Describe(CLI::App& app, Request& request) {
+    app.set_version_flag("--version", "workbench " QO_VERSION);
+    app.require_subcommand(1);
+    DescribeOpen(app, request.open);
+    app.add_subcommand("list", "list the effects");
+    CLI::App& parameters = *app.add_subcommand("params", "list the parameters of an effect");
+    parameters.add_option("EFFECT", request.parametersOf, "see \"workbench list\"")->required();
+    DescribeRender(app, request.render);
+    DescribeSnapshot(app, request.snapshot);
+    CLI::App& gallery = *app.add_subcommand("gallery", "draw every panel, in both themes, into a folder");
+    AddPath(gallery, request.gallery, "DIR", "the folder; made if it is not there")->required();
+}
+
+int Run(const CLI::App& app, const Request& request) {
+    const std::string command = app.get_subcommands().front()->get_name();
+    if (command == "open") return Open(request.open);
+    if (command == "render") return Render(request.render);
+    if (command == "list") {
+        const PanelsLibrary library;
+        fmt::print("{}", EffectTable());
+    } else if (command == "params") {
+        fmt::print("{}", ParameterTableOf(request.parametersOf));
+    } else if (command == "snapshot") {
+        Snapshot(request.snapshot);
+    } else {
+        fmt::print("{} pictures in {}\n", Gallery(request.gallery), request.gallery.string());
+    }
+    return kExitDone;
+}
+
+// "open" goes without saying. CLI11 wants the arguments in reverse.
+std::vector<std::string> CompleteArguments(const CLI::App& app, int argc, const char* const* argv) {
+    std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    const auto isCommand = [&](const std::string& word) {
+        const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
+        return std::any_of(commands.begin(), commands.end(),
+                           [&](const CLI::App* command) { return command->get_name() == word; });
+    };
+    const auto isAboutProgram = [](const std::string& word) {
+        return word == "--help" || word == "-h" || word == "--version";
+    };
+    const bool isComplete = !arguments.empty() && (isCommand(arguments.front()) || isAboutProgram(arguments.front()));
+    if (!isComplete) arguments.insert(arguments.begin(), "open");
+    std::reverse(arguments.begin(), arguments.end());
+    return arguments;
+}
+
+int ParseAndRun(int argc, const char* const* argv) {
+    CLI::App app("Try audio effects in their panels, or run them over sound files.", "workbench");
+    Request request;
+    Describe(app, request);
+    try {
+        app.parse(CompleteArguments(app, argc, argv));
+    } catch (const CLI::Success& wish) {
+        return app.exit(wish); // help or version
+    } catch (const CLI::ParseError& error) {
+        fmt::print(stderr, "workbench: {}\n{}", error.what(), kUsage);
+        return kExitWrongUsage;
+    }
+    return Run(app, request);
+}
+
+} // namespace
+
+int RunCommandLine(int argc, const char* const* argv) {
+    try {
+        return ParseAndRun(argc, argv);
+    } catch (const std::exception& error) {
+        fmt::print(stderr, "workbench: {}\n", error.what());
+        return kExitFailed;
+    }
+}
+
+} // namespace workbench

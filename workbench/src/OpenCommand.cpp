@@ -1,0 +1,69 @@
+#include "workbench/OpenCommand.h"
+
+#include "krocore/config/Error.h"
+#include "workbench/CommandLine.h"
+#include "workbench/EffectNames.h"
+#include "workbench/SdlSoundOutput.h"
+#include "workbench/SdlWindow.h"
+#include "workbench/TreeText.h"
+#include "workbench/WorkbenchView.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <system_error>
+
+namespace workbench {
+
+using kroui::ui::Theme;
+using qoc::components::EffectDescription;
+
+namespace {
+
+constexpr const char* kTreeVariable = "QO_WORKBENCH_TREE";
+constexpr const char* kFirstEffect = "amplify";
+
+const EffectDescription& EffectToBeginWith(const std::string& wanted, const EffectList::Effects& effects) {
+    if (!wanted.empty()) return EffectFromName(wanted);
+    if (effects.empty()) throw krocore::config::Error("this version has no effect with a panel");
+    const EffectDescription* const usual = qoc::components::FindEffectByShortName(kFirstEffect);
+    return std::find(effects.begin(), effects.end(), usual) != effects.end() ? *usual : *effects.front();
+}
+
+// Writes the tree when its reader has taken the last one away. It appears complete.
+void WriteTreeIfWanted(const std::filesystem::path& file, const kroui::ui::UI_Window& window) {
+    std::error_code error;
+    if (file.empty() || std::filesystem::exists(file, error)) return;
+    std::filesystem::path partial = file;
+    partial += ".partial";
+    std::ofstream(partial, std::ios::binary) << DescribeTree(window);
+    std::filesystem::rename(partial, file, error);
+}
+
+} // namespace
+
+int Open(const OpenRequest& request) {
+    const PanelsLibrary library;
+    const EffectList::Effects effects = AvailableEffects();
+    const EffectDescription& effect = EffectToBeginWith(request.effect, effects);
+    SdlWindow window(library.Supplier(), {WorkbenchView::kDefaultSize, WorkbenchView::kSmallestSize, request.scale});
+    SdlSoundOutput output;
+    Session session(output, effect);
+    if (!request.file.empty()) session.OpenFile(request.file);
+
+    const boost::intrusive_ptr<WorkbenchView> view(new WorkbenchView(session, effects));
+    window.Window().SetTheme(request.theme == Theme::Light().Name() ? Theme::Light() : Theme::Dark());
+    window.Window().SetContent(view);
+    view->SetLargestZoom(window.LargestZoom());
+    view->SetZoom(request.zoom);
+    view->SetTitleListener([&] { window.SetTitle(view->Title()); });
+    window.SetTitle(view->Title());
+    const char* const tree = std::getenv(kTreeVariable);
+    const std::filesystem::path treeFile = tree != nullptr ? tree : "";
+    window.Run([&] { WriteTreeIfWanted(treeFile, window.Window()); });
+    view->SetTitleListener({});
+    window.Window().SetContent(nullptr);
+    return kExitDone;
+}
+
+} // namespace workbench

@@ -1,0 +1,103 @@
+#include "workbench/Session.h"
+
+#include "host/AudioFile.h"
+#include "host/TestSignal.h"
+#include "krocore/Localizer.h"
+#include "workbench/EffectNames.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace workbench {
+
+using qoc::components::EffectDescription;
+
+Session::Session(SoundOutput& output, const EffectDescription& effect)
+    : fOutput(output), fEffect(&effect), fCurrent(&UseOf(effect)),
+      fSound(std::make_shared<const qohost::Sound>(qohost::MakeTestSignal())),
+      fSoundName(krocore::Localize("$$$/Workbench/TestSound=Test sound")) {
+    LoadEngine(fSound, fCurrent->filter);
+    fOutput.Start(fEngine, fSound->sampleRate);
+}
+
+Session::~Session() {
+    fOutput.Stop();
+    fEngine.Close();
+    for (auto& [effect, use] : fUses)
+        use.filter->SetAudioFilterHost(nullptr);
+}
+
+Session::Use& Session::UseOf(const EffectDescription& effect) {
+    const auto known = fUses.find(&effect);
+    if (known != fUses.end()) return known->second;
+    const FilterPtr filter = NewFilter(effect);
+    filter->SetAudioFilterHost(this);
+    return fUses.try_emplace(&effect, filter).first->second;
+}
+
+// Leaves the engine with what it had when that fails.
+void Session::LoadEngine(const std::shared_ptr<const qohost::Sound>& sound, const FilterPtr& filter) {
+    try {
+        filter->SetDuration(static_cast<double>(sound->Frames()));
+        fEngine.Open(sound, filter, SoundOutput::kChannels);
+    } catch (...) {
+        fEngine.Open(fSound, fCurrent->filter, SoundOutput::kChannels);
+        throw;
+    }
+}
+
+void Session::OpenFile(const std::filesystem::path& file) {
+    const auto sound = std::make_shared<const qohost::Sound>(std::move(qohost::ReadAudioFile(file).sound));
+    fOutput.Stop();
+    try {
+        LoadEngine(sound, fCurrent->filter);
+    } catch (...) {
+        fOutput.Start(fEngine, fSound->sampleRate);
+        throw;
+    }
+    fSound = sound;
+    fSoundName = krocore::ToUTF16(file.filename().u8string().empty() ? file.string() : file.filename().string());
+    fOutput.Start(fEngine, fSound->sampleRate);
+}
+
+void Session::ChooseEffect(const EffectDescription& effect) {
+    if (&effect == fEffect) return;
+    Use& use = UseOf(effect);
+    const std::size_t position = fEngine.Position();
+    const bool wasPlaying = fEngine.IsPlaying();
+    LoadEngine(fSound, use.filter);
+    fCurrent = &use;
+    fEffect = &effect;
+    fEngine.Seek(position);
+    if (wasPlaying) Play();
+}
+
+void Session::Play() {
+    fEngine.Play();
+    fOutput.Poll();
+}
+
+void Session::Stop() {
+    fEngine.Stop();
+    fOutput.Poll();
+}
+
+void Session::StopOrRewind() {
+    if (fEngine.IsPlaying()) return Stop();
+    fEngine.Seek(0);
+}
+
+void Session::Seek(double seconds) {
+    fEngine.Seek(static_cast<std::size_t>(std::llround(std::max(0.0, seconds) * fSound->sampleRate)));
+}
+
+double Session::Position() const {
+    return static_cast<double>(fEngine.Position()) / fSound->sampleRate;
+}
+
+void Session::Poll() {
+    fOutput.Poll();
+    fEngine.Poll();
+}
+
+} // namespace workbench

@@ -1,0 +1,85 @@
+#include "workbench/SnapshotCommand.h"
+
+#include "krocore/config/Error.h"
+#include "kroui/ui/HeadlessWindow.h"
+#include "workbench/EffectNames.h"
+#include "workbench/PanelCard.h"
+#include "workbench/PanelsLibrary.h"
+
+#include <fmt/format.h>
+
+#include <system_error>
+
+namespace workbench {
+
+using krocore::config::Error;
+using kroui::ui::Theme;
+using qoc::components::EffectDescription;
+
+namespace {
+
+constexpr float kSampleRate = 48000;
+constexpr std::size_t kBlock = 512;
+// Long enough for a panel to look at its filter once.
+constexpr double kSettleSeconds = 0.05;
+
+using FilterPtr = boost::intrusive_ptr<kroaudiofilterhost::AudioFilter>;
+
+kroui::limner::ImagePtr Draw(const PanelsLibrary& library, const PanelPtr& panel, const Theme& theme, float scale) {
+    const boost::intrusive_ptr<PanelCard> card(new PanelCard);
+    card->SetPanel(panel);
+    kroui::ui::HeadlessWindow window(library.Supplier(), card->UI_GetNaturalSize(), scale);
+    window.Window().SetTheme(theme);
+    window.Window().SetContent(card);
+    window.Advance(kSettleSeconds);
+    // Some panels find their size only in a window.
+    const kroui::Size size = card->UI_GetNaturalSize();
+    card->UI_SetFrame({0, 0, size.width, size.height});
+    window.Window().SetSize(size);
+    kroui::limner::ImagePtr picture = window.Snapshot();
+    card->SetPanel(nullptr);
+    return picture;
+}
+
+FilterPtr PreparedFilter(const EffectDescription& effect, std::size_t channels) {
+    FilterPtr filter = NewFilter(effect);
+    filter->Prepare(kSampleRate, kBlock, kromediatypes::AudioChannelLayout::ForChannelCount(channels));
+    return filter;
+}
+
+} // namespace
+
+void Snapshot(const SnapshotRequest& request) {
+    const EffectDescription& effect = EffectFromName(request.effect);
+    const FilterPtr filter = PreparedFilter(effect, request.channels);
+    ApplySettings(*filter, request.settings);
+    const PanelsLibrary library;
+    const PanelPtr panel = NewPanel(filter);
+    if (!panel) throw Error(fmt::format("the effect \"{}\" has no panel in this version", effect.shortName));
+    const Theme& theme = request.theme == Theme::Light().Name() ? Theme::Light() : Theme::Dark();
+    kroui::limner::WritePNG(*Draw(library, panel, theme, request.scale), request.output);
+}
+
+int Gallery(const std::filesystem::path& folder) {
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) throw Error(fmt::format("{}: can't make the folder: {}", folder.string(), error.message()));
+
+    const PanelsLibrary library;
+    int files = 0;
+    for (const EffectDescription& effect : qoc::components::AllEffects()) {
+        if (effect.create == nullptr) continue;
+        const PanelPtr panel = NewPanel(PreparedFilter(effect, 2));
+        if (!panel) continue;
+        for (const Theme* const theme : {&Theme::Dark(), &Theme::Light()})
+            for (const int scale : {1, 2}) {
+                const std::string suffix = scale == 1 ? "" : fmt::format("@{}x", scale);
+                const auto name = fmt::format("{}-{}{}.png", effect.shortName, theme->Name(), suffix);
+                kroui::limner::WritePNG(*Draw(library, panel, *theme, static_cast<float>(scale)), folder / name);
+                ++files;
+            }
+    }
+    return files;
+}
+
+} // namespace workbench

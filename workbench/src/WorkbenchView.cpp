@@ -1,0 +1,351 @@
+#include "workbench/WorkbenchView.h"
+
+#include "krocore/Localizer.h"
+#include "krocore/NumberFormat.h"
+#include "kroui/ui/UI_NodeManager.h"
+#include "kroui/ui/UI_Window.h"
+#include "workbench/TextOfSound.h"
+
+#include <boost/bind/bind.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <exception>
+
+namespace workbench {
+
+using kroui::ui::Key;
+using kroui::ui::KeyEvent;
+using kroui::ui::Theme;
+using qoc::components::EffectDescription;
+
+namespace {
+
+constexpr float kPollSeconds = 1.0F / 30;
+constexpr float kZoomStep = 1.25F;
+constexpr float kSmallestZoom = 0.64F; // two steps down
+
+constexpr float kMargin = 24;
+constexpr float kMetersWidth = 280;
+// Where room is short, the panel needs it most.
+constexpr float kNarrowWindow = 1100;
+constexpr float kNarrowMargin = 12;
+constexpr float kNarrowMetersWidth = 164;
+constexpr float kWaveformPart = 0.16F;
+constexpr float kLowestWaveform = 84;
+constexpr float kHighestWaveform = 200;
+
+krocore::string16 Hint() {
+    return krocore::Localize(
+        "$$$/Workbench/Hint=Drag a number or type it: 8k, -5 dB. Shift coarse, Ctrl fine. Space plays.");
+}
+
+std::vector<krocore::string16> ChannelNames(const kromediatypes::AudioChannelLayout& layout) {
+    std::vector<krocore::string16> names;
+    for (std::size_t channel = 0; channel < layout.size(); ++channel)
+        names.push_back(layout.ChannelName(channel, true));
+    return names;
+}
+
+} // namespace
+
+WorkbenchView::WorkbenchView(Session& session, const EffectList::Effects& effects) : fSession(session) {
+    UI_SetID("workbench");
+    BuildParts(effects);
+    ShowSound();
+    ShowEffect();
+}
+
+void WorkbenchView::BuildParts(const EffectList::Effects& effects) {
+    fHeader = new HeaderBar({boost::bind(&WorkbenchView::Undo, this), boost::bind(&WorkbenchView::Redo, this)});
+    fEffects = new EffectList(effects, boost::bind(&WorkbenchView::ChooseEffect, this, boost::placeholders::_1));
+    fPanelPlace = new ScrollView;
+    fPanelPlace->UI_SetID("panelPlace");
+    fPanelPlace->SetCentred(true);
+    fPanelCard = new PanelCard;
+    fPanelCard->UI_SetID("panel");
+    fPanelCard->SetRounded(true);
+    fPanelCard->SetListener(boost::bind(&WorkbenchView::ArrangePanel, this));
+    fPanelPlace->SetDocument(fPanelCard);
+    fMeters = new LevelMeters;
+    fMeters->UI_SetID("levels");
+    fWaveform = new WaveformView(boost::bind(&WorkbenchView::Seek, this, boost::placeholders::_1));
+    fTransport =
+        new TransportBar({boost::bind(&WorkbenchView::PlayOrPause, this), boost::bind(&WorkbenchView::Stop, this),
+                          boost::bind(&WorkbenchView::SetLooping, this, boost::placeholders::_1),
+                          boost::bind(&WorkbenchView::SetBypassed, this, boost::placeholders::_1)});
+    fStatus = new StatusLine;
+    const boost::intrusive_ptr<UI_Node> parts[] = {fHeader,   fEffects,   fPanelPlace, fMeters,
+                                                   fWaveform, fTransport, fStatus};
+    for (const auto& part : parts)
+        ChildPushBack(part);
+}
+
+bool WorkbenchView::OpenFile(const std::filesystem::path& file) {
+    try {
+        fSession.OpenFile(file);
+    } catch (const std::exception& error) {
+        fStatus->ShowProblem(krocore::ToUTF16(error.what()));
+        return false;
+    }
+    ShowSound();
+    ShowEffect(); // its channels may be others
+    return true;
+}
+
+bool WorkbenchView::ChooseEffect(const EffectDescription& effect) {
+    if (&effect == &fSession.Effect()) return true;
+    try {
+        fSession.ChooseEffect(effect);
+    } catch (const std::exception& error) {
+        fStatus->ShowProblem(krocore::ToUTF16(error.what()));
+        return false;
+    }
+    ShowEffect();
+    return true;
+}
+
+krocore::string16 WorkbenchView::Title() const {
+    return fSession.SoundName() + u" - " + fSession.Effect().DisplayName() + u" - Workbench";
+}
+
+void WorkbenchView::ShowSound() {
+    const qohost::Sound& sound = fSession.CurrentSound();
+    fHeader->SetSound(fSession.SoundName(), SoundText(sound));
+    fWaveform->SetSound(sound);
+    fTransport->SetTime(0, sound.Seconds());
+    const krocore::string16 problem = fSession.Output().Problem();
+    if (problem.empty())
+        fStatus->ShowHint(Hint());
+    else
+        fStatus->ShowProblem(problem);
+}
+
+void WorkbenchView::ShowEffect() {
+    const Session::FilterPtr& filter = fSession.Filter();
+    fEffects->Select(fSession.Effect());
+    fPanelCard->SetMessage(krocore::ReplacePlaceholders(krocore::Localize("$$$/Workbench/NoPanel=@0 has no panel yet."),
+                                                        {fSession.Effect().DisplayName()}));
+    fPanelCard->SetPanel(NewPanel(filter));
+    fPanelPlace->ScrollTo({});
+    fMeters->SetChannels(ChannelNames(filter->GetInputBuses().front().GetLayout()),
+                         ChannelNames(filter->GetOutputBuses().front().GetLayout()));
+    fPeaks.assign(fMeters->Count(), 0.0F);
+    Arrange();
+    ShowHistory();
+    if (fTitleListener) fTitleListener();
+}
+
+void WorkbenchView::ShowHistory() {
+    qohost::UndoHistory& history = fSession.History();
+    fSeenDirtyCount = fSession.Filter()->GetParameterDirtyCount();
+    fCouldUndo = history.CanUndo();
+    fCouldRedo = history.CanRedo();
+    fHeader->SetUndo(fCouldUndo, history.UndoName());
+    fHeader->SetRedo(fCouldRedo, history.RedoName());
+}
+
+void WorkbenchView::ShowState() {
+    const kroui::ui::UI_Window* const window = UI_GetWindow();
+    if (!window) return;
+    constexpr double kPercent = 100;
+    fStatus->SetState(krocore::ReplacePlaceholders(
+        krocore::Localize("$$$/Workbench/State=zoom @0 %  @1"),
+        {krocore::FormatNumber(fZoom * kPercent, 0), krocore::FromASCII(window->GetTheme().Name())}));
+}
+
+void WorkbenchView::UI_SizeChanged(const kroui::RectT<float>& /*rect*/) {
+    Arrange();
+}
+
+void WorkbenchView::Arrange() {
+    const float width = std::max(UI_GetFrame().width, kSmallestSize.width);
+    const float height = std::max(UI_GetFrame().height, kSmallestSize.height);
+    const float status = height - StatusLine::kHeight;
+    const float transport = status - TransportBar::kHeight;
+    const float waveHeight = std::round(std::clamp(height * kWaveformPart, kLowestWaveform, kHighestWaveform));
+    const float wave = transport - waveHeight;
+    const float centre = EffectList::kWidth;
+    const bool isNarrow = width < kNarrowWindow;
+    const float margin = isNarrow ? kNarrowMargin : kMargin;
+    const float metersWidth = isNarrow ? kNarrowMetersWidth : kMetersWidth;
+    const float meters = width - margin - metersWidth;
+    const float top = HeaderBar::kHeight + margin;
+    const float room = wave - margin - top;
+
+    fHeader->UI_SetFrame({0, 0, width, HeaderBar::kHeight});
+    fEffects->UI_SetFrame({0, HeaderBar::kHeight, EffectList::kWidth, transport - HeaderBar::kHeight});
+    fWaveform->UI_SetFrame({centre, wave, width - centre, waveHeight});
+    fTransport->UI_SetFrame({0, transport, width, TransportBar::kHeight});
+    fStatus->UI_SetFrame({0, status, width, StatusLine::kHeight});
+    fMeters->UI_SetFrame({meters, top, metersWidth, std::min(room, fMeters->WantedHeight())});
+    fPanelPlace->UI_SetFrame({centre + margin, top, meters - margin - centre - margin, room});
+    ArrangePanel();
+}
+
+void WorkbenchView::ArrangePanel() {
+    const kroui::Size size = fPanelCard->UI_GetNaturalSize();
+    fPanelCard->UI_SetLocalRect({0, 0, size.width, size.height});
+    fPanelPlace->DocumentResized();
+}
+
+void WorkbenchView::UI_NodeChanged(NodeChange change) {
+    UI_Node::UI_NodeChanged(change);
+    if (change == kAttached) {
+        fTimer = kroui::ui::UI_NodeManager::Get().GetUniqueTimerID();
+        fLastPoll = kroui::ui::UI_NodeManager::Get().Now();
+        UI_InstallTimer(kPollSeconds, fTimer);
+        UI_GetWindow()->SetUnhandledKeyHandler(boost::bind(&WorkbenchView::HandleKey, this, boost::placeholders::_1));
+        ShowState();
+    } else if (change == kDetaching) {
+        UI_RemoveTimer(fTimer, false);
+        UI_GetWindow()->SetUnhandledKeyHandler({});
+    } else if (change == kThemeChanged) {
+        ShowState();
+    }
+}
+
+bool WorkbenchView::UI_DoTimerNotify(long timerID) {
+    if (timerID != fTimer) return UI_Node::UI_DoTimerNotify(timerID);
+    fSession.Poll();
+    FollowTransport();
+    FollowHistory();
+    FollowLevels();
+    fPanelCard->FollowPanel();
+    return true;
+}
+
+void WorkbenchView::FollowTransport() {
+    const double position = fSession.Position();
+    fTransport->SetPlaying(fSession.Engine().IsPlaying());
+    fTransport->SetTime(position, fSession.CurrentSound().Seconds());
+    fWaveform->SetPosition(position);
+}
+
+void WorkbenchView::FollowHistory() {
+    const qohost::UndoHistory& history = fSession.History();
+    const bool isSame = fSession.Filter()->GetParameterDirtyCount() == fSeenDirtyCount &&
+                        history.CanUndo() == fCouldUndo && history.CanRedo() == fCouldRedo;
+    if (!isSame) ShowHistory();
+}
+
+void WorkbenchView::FollowLevels() {
+    const double now = kroui::ui::UI_NodeManager::Get().Now();
+    const float seconds = static_cast<float>(now - fLastPoll);
+    fLastPoll = now;
+    qohost::PlaybackEngine& engine = fSession.Engine();
+    const std::size_t inputs = fSession.Filter()->GetNumberOfInputChannels();
+    for (std::size_t i = 0; i < fPeaks.size(); ++i)
+        fPeaks[i] = i < inputs ? engine.TakeInputPeak(i) : engine.TakeOutputPeak(i - inputs);
+    fMeters->Feed(fPeaks, seconds);
+}
+
+bool WorkbenchView::UI_CanAcceptFiles(std::span<const std::filesystem::path> files) const {
+    return !files.empty();
+}
+
+bool WorkbenchView::UI_DropFiles(std::span<const std::filesystem::path> files, kroui::Point /*position*/) {
+    OpenFile(files.front());
+    return true;
+}
+
+// A key that does something wherever the focus is, unless a control uses it.
+struct WorkbenchView::Shortcut {
+    Key key;
+    char16_t character;
+    std::uint8_t modifiers;
+    void (WorkbenchView::*action)();
+};
+
+bool WorkbenchView::HandleKey(const KeyEvent& event) {
+    using kroui::ui::kCommand;
+    using kroui::ui::kNoModifier;
+    using kroui::ui::kShift;
+    static constexpr Shortcut kShortcuts[] = {
+        {Key::kSpace, 0, kNoModifier, &WorkbenchView::PlayOrPause},
+        {Key::kEscape, 0, kNoModifier, &WorkbenchView::Stop},
+        {Key::kCharacter, u'l', kNoModifier, &WorkbenchView::ToggleLoop},
+        {Key::kCharacter, u'b', kNoModifier, &WorkbenchView::ToggleBypass},
+        {Key::kCharacter, u'z', kCommand, &WorkbenchView::Undo},
+        {Key::kCharacter, u'z', kCommand | kShift, &WorkbenchView::Redo},
+        {Key::kCharacter, u'y', kCommand, &WorkbenchView::Redo},
+        {Key::kCharacter, u't', kCommand, &WorkbenchView::ToggleTheme},
+        {Key::kCharacter, u'+', kCommand, &WorkbenchView::ZoomIn},
+        {Key::kCharacter, u'+', kCommand | kShift, &WorkbenchView::ZoomIn},
+        {Key::kCharacter, u'=', kCommand, &WorkbenchView::ZoomIn},
+        {Key::kCharacter, u'=', kCommand | kShift, &WorkbenchView::ZoomIn},
+        {Key::kCharacter, u'-', kCommand, &WorkbenchView::ZoomOut},
+        {Key::kCharacter, u'0', kCommand, &WorkbenchView::ZoomToNormal},
+    };
+    for (const Shortcut& shortcut : kShortcuts) {
+        const bool isMeant = shortcut.key == event.key && shortcut.modifiers == event.modifiers &&
+                             (event.key != Key::kCharacter || shortcut.character == event.character);
+        if (!isMeant) continue;
+        (this->*shortcut.action)();
+        return true;
+    }
+    return false;
+}
+
+void WorkbenchView::PlayOrPause() {
+    if (fSession.Engine().IsPlaying())
+        fSession.Stop();
+    else
+        fSession.Play();
+    FollowTransport();
+}
+
+void WorkbenchView::Stop() {
+    fSession.StopOrRewind();
+    FollowTransport();
+}
+
+void WorkbenchView::Seek(double seconds) {
+    fSession.Seek(seconds);
+    FollowTransport();
+}
+
+void WorkbenchView::Undo() {
+    fSession.History().Undo();
+    ShowHistory();
+}
+
+void WorkbenchView::Redo() {
+    fSession.History().Redo();
+    ShowHistory();
+}
+
+void WorkbenchView::SetLooping(bool looping) {
+    fSession.Engine().SetLoop(looping);
+    fTransport->SetLooping(looping);
+}
+
+void WorkbenchView::SetBypassed(bool bypassed) {
+    fSession.Engine().SetBypass(bypassed);
+    fTransport->SetBypassed(bypassed);
+}
+
+void WorkbenchView::ToggleTheme() {
+    const bool isDark = &UI_GetWindow()->GetTheme() == &Theme::Dark();
+    UI_GetWindow()->SetTheme(isDark ? Theme::Light() : Theme::Dark());
+}
+
+void WorkbenchView::SetZoom(float zoom) {
+    fZoom = std::clamp(zoom, kSmallestZoom, fLargestZoom);
+    if (UI_GetWindow()) UI_GetWindow()->SetZoom(fZoom);
+    ShowState();
+}
+
+void WorkbenchView::ZoomIn() {
+    SetZoom(fZoom * kZoomStep);
+}
+
+void WorkbenchView::ZoomOut() {
+    SetZoom(fZoom / kZoomStep);
+}
+
+void WorkbenchView::ZoomToNormal() {
+    SetZoom(1);
+}
+
+} // namespace workbench
