@@ -76,7 +76,7 @@ TEST_F(AmplifyEditorTest, ThereIsANamedSliderForEveryChannelShowingItsGain) {
     EXPECT_EQ(Slider(0).GetLabel(), u"Left");
     EXPECT_EQ(Slider(1).GetLabel(), u"Right");
     EXPECT_NEAR(Slider(1).GetValue(), -6, 1e-4);
-    EXPECT_EQ(fView->UI_GetFrame(), (Rect{0, 0, 480, 160})) << "the archive's bounds";
+    EXPECT_EQ(fView->UI_GetFrame(), (Rect{0, 0, 480, 144})) << "the archive's bounds";
     EXPECT_TRUE(fView->CanScrollContent());
 
     Open(kromediatypes::AudioChannelLayout::Discrete(32), false);

@@ -2,7 +2,7 @@
 from nodes import checkbox, localized, sub_view
 
 MARGIN = 16
-ROW = 48  # a slider with its ruler
+ROW = 40  # a slider with its ruler
 
 
 def root():

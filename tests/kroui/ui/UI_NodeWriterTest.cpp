@@ -126,6 +126,26 @@ TEST(UI_NodeWriter, FloatsHaveTheShortestFormWithAtMostSixDecimals) {
     }
 }
 
+TEST(UI_NodeWriter, DoublesAreExactAndPlainWhereTheyCanBe) {
+    const struct {
+        double value;
+        std::string_view text;
+    } cases[] = {{0.0001, "0.0001"},
+                 {0.1, "0.1"},
+                 {-96, "-96"},
+                 {123456789.125, "123456789.125"},
+                 {1e-7, "1e-07"},
+                 {1e300, "1e+300"},
+                 {1e14, "100000000000000"}};
+    for (const auto& c : cases) {
+        const auto node = MakeEveryType();
+        node->SetLevel(c.value);
+        const auto text = WriteArchive(*node);
+        EXPECT_EQ(Between(text, "<key>level</key>\r\n", "\r\n"), "<double>" + std::string(c.text) + "</double>");
+        EXPECT_EQ(boost::dynamic_pointer_cast<EveryType>(Read(text))->Level(), c.value);
+    }
+}
+
 TEST(UI_NodeWriter, NumberedKeysStandInByteOrder) {
     const boost::intrusive_ptr<UI_SubView> view(new UI_SubView);
     for (int i = 0; i < 12; ++i) {

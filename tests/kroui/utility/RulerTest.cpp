@@ -203,6 +203,8 @@ TEST(Ruler, RangesThatTellNothingAreSafe) {
         ruler->SetValueRange(1, std::nextafter(1, 2));
         EXPECT_LT(ruler->GetTicks(&Supplier()).size(), 200U);
     }
+    EXPECT_TRUE(MakeRuler(Kind::kDecibel, -2, -1, 100)->GetTicks(&Supplier()).empty());
+    EXPECT_TRUE(MakeRuler(Kind::kFader, 2, 3, 100)->GetTicks(&Supplier()).empty());
     const RulerPtr logarithmic = MakeRuler(Kind::kLog, 0, 100, 100);
     EXPECT_TRUE(logarithmic->GetTicks(&Supplier()).empty());
     logarithmic->SetValueRange(-10, 100);

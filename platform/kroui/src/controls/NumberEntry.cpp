@@ -4,8 +4,6 @@
 #include "krocore/NumberFormat.h"
 #include "kroui/ui/UI_Window.h"
 
-#include <boost/bind/bind.hpp>
-
 namespace kroui::controls {
 
 using Finish = UI_TextField::Finish;
@@ -49,7 +47,7 @@ bool NumberEntry::IsNumberStart(std::u16string_view text) {
 void NumberEntry::MakeField() {
     fField = boost::intrusive_ptr<UI_TextField>(new UI_TextField);
     fField->UI_Show(false);
-    fField->SetFinishHandler(boost::bind(&NumberEntry::OnFinish, this, boost::placeholders::_1));
+    fField->SetFinishHandler([this](Finish finish) { OnFinish(finish); });
     fNode.ChildPushBack(fField);
 }
 

@@ -40,7 +40,7 @@ void UI_HotTextNumber::UI_Draw(limner::Limner* context) {
 }
 
 bool UI_HotTextNumber::UI_DoMouseEvent(UI_Node* node, const MouseEvent& event) {
-    UI_InteractiveControlView::UI_DoMouseEvent(node, event);
+    TrackHover(node, event);
     if (node || !IsEnabled()) return false;
     const boost::intrusive_ptr<UI_HotTextNumber> keepAlive(this);
     switch (event.action) {
@@ -113,7 +113,7 @@ ui::Cursor UI_HotTextNumber::UI_GetCursor(Point /*point*/) const {
 }
 
 ui::AccessibleInfo UI_HotTextNumber::UI_GetAccessibleInfo() const {
-    ui::AccessibleInfo info = UI_InteractiveControlView::UI_GetAccessibleInfo();
+    ui::AccessibleInfo info = UI_HotText::UI_GetAccessibleInfo();
     info.role = ui::Role::kNumber;
     info.name = fName;
     info.value = FormatValue();

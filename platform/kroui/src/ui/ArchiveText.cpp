@@ -13,6 +13,10 @@ namespace kroui::ui {
 namespace {
 
 constexpr int kMostDecimals = 6;
+
+// Doubles outside of this are written with an exponent.
+constexpr double kSmallestPlainDouble = 1e-6;
+constexpr double kLargestPlainDouble = 1e15;
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kReplacementCharacter = "\xEF\xBF\xBD";
 
@@ -101,9 +105,12 @@ void ArchiveText::Float(float value) {
 }
 
 void ArchiveText::Double(double value) {
-    char buffer[32];
-    const auto end = std::to_chars(buffer, std::end(buffer), Finite(value)).ptr;
-    Line(format::kDouble, {}, {buffer, end});
+    char buffer[64];
+    value = Finite(value);
+    const auto magnitude = std::abs(value);
+    const bool isPlain = magnitude == 0 || (magnitude >= kSmallestPlainDouble && magnitude < kLargestPlainDouble);
+    const auto notation = isPlain ? std::chars_format::fixed : std::chars_format::scientific;
+    Line(format::kDouble, {}, {buffer, std::to_chars(buffer, std::end(buffer), value, notation).ptr});
 }
 
 void ArchiveText::BeginLine() {

@@ -21,7 +21,7 @@ public:
     void Unsigned(std::uint32_t value);
     // Shortest decimal form with at most six decimals. What is not finite is written as the nearest number that is.
     void Float(float value);
-    // Shortest form that reads back as the same number.
+    // Shortest form that reads back as the same number; with an exponent only if it is very small or large.
     void Double(double value);
 
     std::string Take() { return std::move(fText); }

@@ -16,13 +16,17 @@ constexpr double kHighestDecibels = 144;
 constexpr double kDecibelsPerDecade = 20;
 constexpr double kSlack = 1e-9;
 
+double InSight(double decibels) {
+    return std::clamp(decibels, kLowestDecibels, kHighestDecibels);
+}
+
 // Labels come in this order: 0 dB, then multiples of 12, 6, 3, 1.
-int RankOf(double decibels) {
-    constexpr std::array<double, 4> kSteps = {12, 6, 3, 1};
+int RankOf(int decibels) {
+    constexpr std::array<int, 4> kSteps = {12, 6, 3, 1};
     if (decibels == 0) return 0;
     int rank = 1;
-    for (const double step : kSteps) {
-        if (std::fmod(decibels, step) == 0) break;
+    for (const int step : kSteps) {
+        if (decibels % step == 0) break;
         ++rank;
     }
     return rank;
@@ -34,9 +38,10 @@ void DecibelRuler::CollectTicks(std::vector<Candidate>& candidates) const {
     const double low = LowValue();
     const double high = HighValue();
     if (low <= 0 && high >= 0) candidates.push_back({0, 0, NumberText(-std::numeric_limits<double>::infinity(), 0)});
-    const double first = std::ceil(std::max(DecibelsOf(low), kLowestDecibels) - kSlack);
-    const double last = std::floor(std::min(DecibelsOf(high), kHighestDecibels) + kSlack);
-    for (double decibels = last; decibels >= first; --decibels)
+    if (high <= 0) return;
+    const int first = static_cast<int>(std::ceil(InSight(DecibelsOf(low)) - kSlack));
+    const int last = static_cast<int>(std::floor(InSight(DecibelsOf(high)) + kSlack));
+    for (int decibels = last; decibels >= first; --decibels)
         candidates.push_back({ValueOf(decibels), RankOf(decibels), NumberText(decibels, 0)});
 }
 

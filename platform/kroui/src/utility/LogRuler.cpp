@@ -52,7 +52,8 @@ void LogRuler::VisitMultiples(const Visitor& visit) const {
     const double last = std::ceil(std::log(high / fLogSeed) / std::log(fLogStep));
     if (!(last - first < kMostPowers)) return;
     const int multiples = fLogStep == 10 ? 9 : 1;
-    for (double power = first; power <= last; ++power) {
+    for (int index = 0; index <= static_cast<int>(last - first); ++index) {
+        const double power = first + index;
         for (int multiple = 1; multiple <= multiples; ++multiple) {
             const double value = power < 0 ? multiple * fLogSeed / std::pow(fLogStep, -power) : Power(power) * multiple;
             if (value >= low && value <= high) visit(value, multiple, power);

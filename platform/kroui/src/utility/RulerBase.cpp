@@ -15,6 +15,7 @@ constexpr float kTextGap = 6;           // between labels beside each other
 constexpr float kTextGapVertical = 3;   // between labels above each other
 constexpr float kClosestMarks = 2;      // pixels; a mark closer to another is left out
 constexpr float kRoundingSlack = 0.99F; // for distances that were chosen to be just long enough
+constexpr double kBeyondEnd = 1e-6;     // of the range, for values that rounding has moved past an end
 constexpr float kGreatestLength = 1e5F;
 constexpr double kFinestIndex = 1e12; // multiples beyond can't be told apart
 
@@ -166,7 +167,8 @@ void RulerBase::CollectLinear(std::vector<Candidate>& candidates, double pixelsP
     const double firstIndex = std::ceil(low / distance * parts - slack);
     const double lastIndex = std::floor(high / distance * parts + slack);
     if (lastIndex - firstIndex >= static_cast<double>(kMostTicks)) return;
-    for (double index = firstIndex; index <= lastIndex; ++index) {
+    for (int i = 0; i <= static_cast<int>(lastIndex - firstIndex); ++i) {
+        const double index = firstIndex + i;
         const bool isMajor = std::fmod(index, parts) == 0;
         const double value = step.Multiple(index / parts) + 0.0;
         if (isMajor) {
@@ -198,6 +200,8 @@ void RulerBase::PlaceTexts(const std::vector<Candidate>& candidates) const {
     std::stable_sort(order.begin(), order.end(),
                      [](const Candidate* a, const Candidate* b) { return a->rank < b->rank; });
     for (const Candidate* const candidate : order) {
+        const double fraction = GetFraction(candidate->value);
+        if (fraction < -kBeyondEnd || fraction > 1 + kBeyondEnd) continue;
         RulerTick tick;
         tick.value = candidate->value;
         tick.pixel = GetPixel(candidate->value);

@@ -50,9 +50,11 @@ constexpr Rect kNumber{kLeft, kPaletteTop + 2 * kSwatch + kGap + kPadding, kCont
 constexpr Rect kPanel{kShadow, kShadow, kContentWidth + 2 * kPadding, kNumber.top + kNumberHeight + kPadding - kShadow};
 
 Rect SwatchRect(std::size_t index) {
-    const auto column = static_cast<float>(index % kSwatchesPerRow);
-    const auto row = static_cast<float>(index / kSwatchesPerRow);
-    return {kLeft + column * (kSwatch + kGap), kPaletteTop + row * (kSwatch + kGap), kSwatch, kSwatch};
+    const auto column = index % kSwatchesPerRow;
+    const auto row = index / kSwatchesPerRow;
+    constexpr float kStep = kSwatch + kGap;
+    return {kLeft + static_cast<float>(column) * kStep, kPaletteTop + static_cast<float>(row) * kStep, kSwatch,
+            kSwatch};
 }
 
 float Fraction(float position, float start, float length) {

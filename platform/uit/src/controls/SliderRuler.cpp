@@ -38,16 +38,16 @@ void SliderRuler::Draw(kroui::limner::Limner& context, const kroui::ui::UI_Node&
     DrawSide(context, node, look, room, Placement::kRulerRightBottom);
 }
 
-bool SliderRuler::HasText(Placement side) const {
+bool SliderRuler::StandsOn(Placement side) const {
     if (textPlacement == TextPlacement::kTextBoth) return true;
     return static_cast<int>(textPlacement) == static_cast<int>(side);
 }
 
 float SliderRuler::Reach(Placement side) const {
     if (!ruler) return 0;
+    if (!StandsOn(side)) return 0;
     const float text = ruler->IsVertical() ? kTextWidth : ruler->TextHeight();
-    if (HasText(side)) return TickDistance(*ruler) + RulerBase::kTextDistance + text;
-    return side == placement ? TickDistance(*ruler) + RulerBase::kMajorTickLength : 0;
+    return TickDistance(*ruler) + RulerBase::kTextDistance + text;
 }
 
 void SliderRuler::DrawSide(kroui::limner::Limner& context, const kroui::ui::UI_Node& node, const SliderLook& look,
@@ -64,8 +64,7 @@ void SliderRuler::DrawSide(kroui::limner::Limner& context, const kroui::ui::UI_N
     } else {
         strip = {room.left, isBefore ? middle.y - reach : middle.y + distance, room.width, depth};
     }
-    unsigned parts = RulerBase::kTicks;
-    if (HasText(side)) parts |= RulerBase::kTexts;
+    const unsigned parts = RulerBase::kTicks | RulerBase::kTexts;
     ruler->Draw(context, strip, RulerColors::Of(node), node.UI_GetDrawSupplier(),
                 isBefore ? RulerBase::Edge::kRightBottom : RulerBase::Edge::kLeftTop, parts);
 }

@@ -223,7 +223,6 @@ SliderRuler UI_EditNumber::Ruler() const {
     if (!IsRulerShown()) return ruler;
     if (!fRuler) const_cast<UI_EditNumber*>(this)->MakeRuler();
     ruler.ruler = fRuler.get();
-    ruler.placement = fRulerPlacement == 1 ? RulerPlacement::kRulerLeftTop : RulerPlacement::kRulerRightBottom;
     ruler.textPlacement =
         fRulerTextPlacement == RulerTextPlacement::kTextLeftTop || fRulerTextPlacement == RulerTextPlacement::kTextBoth
             ? static_cast<RulerTextPlacement>(fRulerTextPlacement)

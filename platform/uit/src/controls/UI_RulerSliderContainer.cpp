@@ -7,10 +7,9 @@ namespace uit::controls {
 using kroui::Rect;
 using kroui::controls::SliderLook;
 
-void UI_RulerSliderContainer::SetRuler(boost::intrusive_ptr<kroui::utility::RulerBase> ruler, RulerPlacement placement,
-                                       RulerTextPlacement textPlacement) {
+void UI_RulerSliderContainer::SetRuler(boost::intrusive_ptr<kroui::utility::RulerBase> ruler,
+                                       RulerPlacement /*placement*/, RulerTextPlacement textPlacement) {
     fRuler = std::move(ruler);
-    fPlacement = placement;
     fTextPlacement = textPlacement;
     UI_Invalidate();
 }
@@ -21,13 +20,13 @@ void UI_RulerSliderContainer::UI_Draw(kroui::limner::Limner* context) {
         fRuler->SetVertical(IsVertical());
         fRuler->SetPixelRange(look.PixelAt(GesturePosition(fRuler->GetFirstValue())),
                               look.PixelAt(GesturePosition(fRuler->GetLastValue())));
-        SliderRuler{fRuler.get(), fPlacement, fTextPlacement}.Draw(*context, *this, look, UI_GetLocalRect());
+        SliderRuler{fRuler.get(), fTextPlacement}.Draw(*context, *this, look, UI_GetLocalRect());
     }
     look.Draw(*context, *this);
 }
 
 Rect UI_RulerSliderContainer::TrackRect() const {
-    const SliderRuler ruler{fRuler.get(), fPlacement, fTextPlacement};
+    const SliderRuler ruler{fRuler.get(), fTextPlacement};
     const float margin = fRuler ? SliderRuler::kOverhang : SliderLook::kKnobReach;
     const float shift = std::round((ruler.ReachBefore() - ruler.ReachBehind()) / 2);
     const Rect all = UI_GetLocalRect();
@@ -36,12 +35,12 @@ Rect UI_RulerSliderContainer::TrackRect() const {
 
 double UI_RulerSliderContainer::GesturePosition(double value) const {
     if (!fRuler || fRuler->IsDegenerate()) return UI_Slider::GesturePosition(value);
-    return SliderRuler{fRuler.get(), fPlacement, fTextPlacement}.Position(value);
+    return SliderRuler{fRuler.get(), fTextPlacement}.Position(value);
 }
 
 double UI_RulerSliderContainer::GestureValueAt(double position) const {
     if (!fRuler || fRuler->IsDegenerate()) return UI_Slider::GestureValueAt(position);
-    return SliderRuler{fRuler.get(), fPlacement, fTextPlacement}.ValueAt(position);
+    return SliderRuler{fRuler.get(), fTextPlacement}.ValueAt(position);
 }
 
 } // namespace uit::controls

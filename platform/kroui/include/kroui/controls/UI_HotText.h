@@ -37,6 +37,10 @@ protected:
 
     // What stands in the accent colour.
     virtual krocore::string16 ShownText() const { return fText; }
+    // What every control does with the pointer, without the click of this one.
+    void TrackHover(UI_Node* node, const ui::MouseEvent& event) {
+        UI_InteractiveControlView::UI_DoMouseEvent(node, event);
+    }
     const limner::Font& GetFont() const { return fFont; }
     HotTextLook Look(std::u16string_view text) const;
     limner::TextAlignment Alignment() const { return fAlignment; }

@@ -11,6 +11,9 @@ namespace kroui::controls {
 // User-interface thread. Setters called from code send no messages.
 class ValueControl : public ValueGestureTarget {
 public:
+    ValueControl(const ValueControl&) = delete;
+    ValueControl& operator=(const ValueControl&) = delete;
+
     // How the range lies along a drag or a track.
     enum Scale : int { kLinear = 0, kLogarithmic = 1 };
 
@@ -62,8 +65,6 @@ public:
 protected:
     ValueControl() : fGesture(*this) {}
     ~ValueControl() = default;
-    ValueControl(const ValueControl&) = delete;
-    ValueControl& operator=(const ValueControl&) = delete;
 
     // The node that this object is part of.
     virtual ui::UI_Node& ValueNode() = 0;

@@ -11,7 +11,7 @@ struct SliderRuler {
     using TextPlacement = UI_RulerSliderContainer::RulerTextPlacement;
 
     const kroui::utility::RulerBase* ruler = nullptr; // null: none, takes no room
-    Placement placement = Placement::kRulerRightBottom;
+    // Marks stand where the labels do: on one side or on both.
     TextPlacement textPlacement = TextPlacement::kTextRightBottom;
 
     // Room from the track's middle to the far end of what stands left of or above it, and right of or below it.
@@ -32,7 +32,7 @@ struct SliderRuler {
     static constexpr float kTextWidth = 30;
 
 private:
-    bool HasText(Placement side) const;
+    bool StandsOn(Placement side) const;
     float Reach(Placement side) const;
     void DrawSide(kroui::limner::Limner& context, const kroui::ui::UI_Node& node,
                   const kroui::controls::SliderLook& look, const kroui::Rect& room, Placement side) const;

@@ -5,15 +5,15 @@
 
 namespace uit::controls {
 
-// A slider with a ruler along its track. The ruler's marks stand at one side of the track and its labels at one or
-// both; where labels stand at the other side than the marks, the labelled marks stand there too. A ruler with another
+// A slider with a ruler along its track: marks with their labels at one side of it or at both. A ruler with another
 // scale than the slider's (a logarithmic one) decides where values lie.
 class UI_RulerSliderContainer : public kroui::controls::UI_Slider {
 public:
     enum RulerPlacement : int { kRulerLeftTop = 0, kRulerRightBottom = 1 };
     enum RulerTextPlacement : int { kTextLeftTop = 0, kTextRightBottom = 1, kTextBoth = 2 };
 
-    // Null takes the ruler away. Its direction, value range and labels are the caller's; its pixels are set here.
+    // Null takes the ruler away. Where it stands follows from the texts, so the placement says no more than that there
+    // is a ruler. Its direction, value range and labels are the caller's; its pixels are set here.
     void SetRuler(boost::intrusive_ptr<kroui::utility::RulerBase> ruler, RulerPlacement placement,
                   RulerTextPlacement textPlacement);
     const boost::intrusive_ptr<kroui::utility::RulerBase>& GetRuler() const { return fRuler; }
@@ -29,7 +29,6 @@ protected:
 
 private:
     boost::intrusive_ptr<kroui::utility::RulerBase> fRuler;
-    RulerPlacement fPlacement = kRulerRightBottom;
     RulerTextPlacement fTextPlacement = kTextRightBottom;
 };
 
