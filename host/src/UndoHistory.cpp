@@ -3,6 +3,7 @@
 #include "krocore/Localizer.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace qohost {
@@ -10,8 +11,17 @@ namespace qohost {
 using kroaudiofilterhost::AudioFilter;
 using kroaudiofilterhost::AudioFilterParameterChange;
 
-UndoHistory::UndoHistory(boost::intrusive_ptr<AudioFilter> filter, std::size_t limit)
-    : fFilter(std::move(filter)), fLimit(std::max<std::size_t>(limit, 1)) {
+namespace {
+
+double SteadySeconds() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+} // namespace
+
+UndoHistory::UndoHistory(boost::intrusive_ptr<AudioFilter> filter, std::size_t limit, Clock clock)
+    : fFilter(std::move(filter)), fLimit(std::max<std::size_t>(limit, 1)),
+      fClock(clock ? std::move(clock) : Clock(&SteadySeconds)) {
     fFilter->AddListener(*this);
 }
 
@@ -21,12 +31,14 @@ UndoHistory::~UndoHistory() {
 
 bool UndoHistory::Undo() {
     if (!CanUndo()) return false;
+    fLastIsLoose = false;
     Write(fSteps[--fPosition], &Change::before);
     return true;
 }
 
 bool UndoHistory::Redo() {
     if (!CanRedo()) return false;
+    fLastIsLoose = false;
     Write(fSteps[fPosition++], &Change::after);
     return true;
 }
@@ -43,6 +55,7 @@ void UndoHistory::Clear() noexcept {
     fSteps.clear();
     fOpenStep.clear();
     fPosition = 0;
+    fLastIsLoose = false;
 }
 
 void UndoHistory::ParameterChanged(AudioFilter& /*filter*/, const AudioFilterParameterChange& change) {
@@ -53,7 +66,7 @@ void UndoHistory::ParameterChanged(AudioFilter& /*filter*/, const AudioFilterPar
     } else {
         fOpenStep.push_back({change.index, change.oldValue, change.newValue});
     }
-    if (fOpenBrackets.empty()) CloseStep();
+    if (fOpenBrackets.empty()) CloseLooseStep();
 }
 
 void UndoHistory::ParameterEditBegun(AudioFilter& /*filter*/, int index) {
@@ -74,6 +87,31 @@ void UndoHistory::CloseStep() {
     fSteps.push_back(std::exchange(fOpenStep, {}));
     if (fSteps.size() > fLimit) fSteps.pop_front();
     fPosition = fSteps.size();
+    fLastIsLoose = false;
+}
+
+void UndoHistory::CloseLooseStep() {
+    if (GoesOnFromLastStep()) {
+        Change& last = fSteps.back().front();
+        last.after = fOpenStep.front().after;
+        fOpenStep.clear();
+        if (last.after == last.before) fSteps.pop_back();
+        fLastIsLoose = fPosition == fSteps.size();
+        fPosition = fSteps.size();
+    } else {
+        CloseStep();
+        fLastIsLoose = true;
+    }
+    fLastLooseTime = fClock();
+}
+
+bool UndoHistory::GoesOnFromLastStep() const {
+    if (!fLastIsLoose || fPosition == 0 || fPosition != fSteps.size()) return false;
+    if (fClock() - fLastLooseTime > kMergeSeconds) return false;
+    const int index = fOpenStep.front().index;
+    const auto* const info = fFilter->GetParameterInfo(index);
+    return info && info->GetKind() == kroaudiofilterhost::AudioFilterParameterInfo::Kind::kNumber &&
+           fSteps.back().size() == 1 && fSteps.back().front().index == index;
 }
 
 void UndoHistory::Write(const Step& step, float Change::*value) {

@@ -1,6 +1,9 @@
 #include "host/UndoHistory.h"
 
 #include "EchoFilter.h"
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/EffectCatalogue.h"
+#include "qoc/components/ParameterIndices.h"
 
 #include <gtest/gtest.h>
 
@@ -95,6 +98,45 @@ TEST_F(UndoHistoryTest, OldestStepsGoAtTheLimit) {
     EXPECT_EQ(Value(0), 0.2F);
     EXPECT_EQ(fHistory.UndoName(), u"");
     EXPECT_NE(fHistory.RedoName(), u"");
+}
+
+// What a drag in a panel that sends no brackets does.
+TEST(UndoHistory, ChangesOfOneNumberInQuickSuccessionAreOneStep) {
+    constexpr int kGain = qoc::components::kAmplifyFirstGain;
+    constexpr int kLink = qoc::components::kAmplifyLinkChannels;
+    const auto filter = qoc::components::CreateEffect(qoc::components::kAmplifyComponentID);
+    const float start = filter->GetParameterValue(kGain);
+    double time = 0;
+    UndoHistory history(filter, 100, [&] { return time; });
+    const auto drag = [&](float from, float to) {
+        for (int i = 0; i <= 10; ++i, time += 0.02)
+            filter->SetParameterValue(kGain, from + (to - from) * static_cast<float>(i) / 10);
+    };
+
+    drag(0.1F, 0.4F);
+    time += 1;
+    drag(0.4F, 0.8F);
+    ASSERT_TRUE(history.Undo());
+    EXPECT_FLOAT_EQ(filter->GetParameterValue(kGain), 0.4F);
+    ASSERT_TRUE(history.Redo());
+    filter->SetParameterValue(kGain, 0.3F); // soon after, but not the same move
+    ASSERT_TRUE(history.Undo());
+    EXPECT_FLOAT_EQ(filter->GetParameterValue(kGain), 0.8F);
+    history.Undo();
+    history.Undo();
+    EXPECT_EQ(filter->GetParameterValue(kGain), start);
+
+    filter->SetParameterValue(kLink, 0);
+    filter->SetParameterValue(kLink, 1);
+    filter->SetParameterValue(kLink, 0);
+    ASSERT_TRUE(history.Undo());
+    EXPECT_EQ(filter->GetParameterValue(kLink), 1) << "switches are steps of their own";
+    history.Undo();
+    history.Undo();
+
+    drag(0.2F, 0.5F);
+    filter->SetParameterValue(kGain, start);
+    EXPECT_FALSE(history.CanUndo()) << "back where it began";
 }
 
 } // namespace

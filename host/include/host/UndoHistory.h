@@ -2,6 +2,8 @@
 
 #include "kroaudiofilterhost/AudioFilter.h"
 
+#include <boost/function.hpp>
+
 #include <cstddef>
 #include <deque>
 #include <vector>
@@ -16,10 +18,13 @@ namespace qohost {
 class UndoHistory final : public kroaudiofilterhost::AudioFilterListener {
 public:
     static constexpr std::size_t kDefaultLimit = 1000;
+    static constexpr double kMergeSeconds = 0.75;
+    // Seconds since some fixed moment.
+    using Clock = boost::function<double()>;
 
-    // Keeps at most `limit` steps (at least one); the oldest go first.
+    // Keeps at most `limit` steps (at least one); the oldest go first. Without a clock it is the system's steady one.
     explicit UndoHistory(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter,
-                         std::size_t limit = kDefaultLimit);
+                         std::size_t limit = kDefaultLimit, Clock clock = {});
     UndoHistory(const UndoHistory&) = delete;
     UndoHistory& operator=(const UndoHistory&) = delete;
     ~UndoHistory() override;
@@ -54,6 +59,8 @@ private:
     using Step = std::vector<Change>;
 
     void CloseStep();
+    void CloseLooseStep();
+    bool GoesOnFromLastStep() const;
     void Write(const Step& step, float Change::*value);
     krocore::string16 NameOf(const Step& step) const;
 
@@ -64,6 +71,9 @@ private:
     Step fOpenStep;
     std::vector<int> fOpenBrackets; // indices, one entry for each bracket that is open
     bool fRestoring = false;
+    Clock fClock;
+    bool fLastIsLoose = false; // the newest step came without brackets
+    double fLastLooseTime = 0;
 };
 
 } // namespace qohost
