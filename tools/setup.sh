@@ -8,11 +8,12 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 run_packages=(
     g++ cmake ninja-build pkg-config
     libboost-dev libcairo2-dev libpango1.0-dev libpugixml-dev libsdl2-dev libsndfile1-dev libfmt-dev libcli11-dev
+    libkissfft-dev libsoundtouch-dev
     fonts-dejavu-core
 )
 test_packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
-    python3 xvfb xauth xdotool imagemagick x11-apps
+    python3 xvfb xdotool imagemagick
 )
 
 case ${1:-} in

@@ -3,6 +3,10 @@
 #include "krocore/Localizer.h"
 #include "qoc/components/Amplify.h"
 #include "qoc/components/ComponentIDs.h"
+#include "qoc/components/Doppler.h"
+#include "qoc/components/PitchCorrect.h"
+#include "qoc/components/PitchShift.h"
+#include "qoc/components/StereoExpander.h"
 
 #include <algorithm>
 #include <array>
@@ -31,7 +35,7 @@ constexpr std::array<EffectDescription, 28> kEffects = {{
     {kChannelMixerComponentID, "channelmixer", "$$$/qoc/Effect/ChannelMixer=Channel Mixer", kAmplitude, nullptr},
     {kChorusComponentID, "chorus", "$$$/qoc/Effect/Chorus=Chorus", kModulation, nullptr},
     {kDelayComponentID, "delay", "$$$/qoc/Effect/Delay=Delay", kDelay, nullptr},
-    {kDopplerComponentID, "doppler", "$$$/qoc/Effect/Doppler=Doppler Shifter", kTimeAndPitch, nullptr},
+    {kDopplerComponentID, "doppler", "$$$/qoc/Effect/Doppler=Doppler Shifter", kTimeAndPitch, Create<Doppler>},
     {kDynamicsComponentID, "dynamics", "$$$/qoc/Effect/Dynamics=Dynamics", kAmplitude, nullptr},
     {kEchoComponentID, "echo", "$$$/qoc/Effect/Echo=Echo", kDelay, nullptr},
     {kFFTFilterComponentID, "fftfilter", "$$$/qoc/Effect/FFTFilter=FFT Filter", kFilter, nullptr},
@@ -50,12 +54,14 @@ constexpr std::array<EffectDescription, 28> kEffects = {{
     {kNotchComponentID, "notch", "$$$/qoc/Effect/Notch=Notch Filter", kFilter, nullptr},
     {kParametricEQComponentID, "parametriceq", "$$$/qoc/Effect/ParametricEQ=Parametric Equalizer", kFilter, nullptr},
     {kPitchCorrectComponentID, "pitchcorrect", "$$$/qoc/Effect/PitchCorrect=Automatic Pitch Correction", kTimeAndPitch,
-     nullptr},
-    {kPitchShiftComponentID, "pitchshift", "$$$/qoc/Effect/PitchShift=Pitch Shifter", kTimeAndPitch, nullptr},
+     Create<PitchCorrect>},
+    {kPitchShiftComponentID, "pitchshift", "$$$/qoc/Effect/PitchShift=Pitch Shifter", kTimeAndPitch,
+     Create<PitchShift>},
     {kReverbComponentID, "reverb", "$$$/qoc/Effect/Reverb=Reverb", kReverb, nullptr},
     {kScientificFilterComponentID, "scientificfilter", "$$$/qoc/Effect/ScientificFilter=Scientific Filter", kFilter,
      nullptr},
-    {kStereoExpanderComponentID, "stereoexpander", "$$$/qoc/Effect/StereoExpander=Stereo Expander", kStereo, nullptr},
+    {kStereoExpanderComponentID, "stereoexpander", "$$$/qoc/Effect/StereoExpander=Stereo Expander", kStereo,
+     Create<StereoExpander>},
     {kStudioReverbComponentID, "studioreverb", "$$$/qoc/Effect/StudioReverb=Studio Reverb", kReverb, nullptr},
 }};
 

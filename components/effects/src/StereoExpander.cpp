@@ -1,0 +1,89 @@
+#include "qoc/components/StereoExpander.h"
+
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/ParameterIndices.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <utility>
+
+namespace qoc::components {
+
+namespace {
+
+constexpr ParameterRow kRows[] = {
+    {.id = "pan",
+     .name = "$$$/StereoExpander/CenterChannelPan=Center Channel Pan",
+     .unit = "%",
+     .lo = -100,
+     .hi = 100,
+     .defaultValue = 0,
+     .decimals = 1},
+    {.id = "expand",
+     .name = "$$$/StereoExpander/StereoExpand=Stereo Expand",
+     .unit = "%",
+     .lo = 0,
+     .hi = 300,
+     .defaultValue = 100,
+     .decimals = 1},
+};
+
+constexpr float kPercent = 100;
+
+// Equal power, and 1 in the middle: the sine law scaled by sqrt(2). `pan`: -1...1, away from the side that it is for.
+float MidGain(float pan) noexcept {
+    if (pan == 0.0F) return 1.0F;
+    return static_cast<float>(std::numbers::sqrt2 * std::cos((1.0 + pan) * std::numbers::pi / 4));
+}
+
+} // namespace
+
+StereoExpander::StereoExpander() : ComponentBase(kStereoExpanderComponentID, std::move(ParameterTable().Add(kRows))) {
+}
+
+StereoExpander::~StereoExpander() = default;
+
+void StereoExpander::PrepareProcessing(std::size_t /*maximumBlock*/) {
+    for (SmoothedValue* gain : {&fMidToLeft, &fMidToRight, &fSide})
+        gain->Prepare(GetSampleRate());
+}
+
+void StereoExpander::ReadParameters(bool settle) noexcept {
+    const float pan = Natural(kStereoExpanderPan) / kPercent;
+    const auto set = [settle](SmoothedValue& gain, float value) {
+        settle ? gain.Settle(value) : gain.SetTarget(value);
+    };
+    set(fMidToLeft, MidGain(pan));
+    set(fMidToRight, MidGain(-pan));
+    set(fSide, Natural(kStereoExpanderExpand) / kPercent);
+}
+
+void StereoExpander::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
+    constexpr std::size_t kStereo = 2;
+    if (block.inputs.size() != kStereo || IsNeutral()) {
+        for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
+            std::copy_n(block.inputs[channel], block.frames, block.outputs[channel]);
+        return;
+    }
+    for (std::size_t i = 0; i < block.frames; ++i) {
+        const float left = block.inputs[0][i];
+        const float right = block.inputs[1][i];
+        const float toLeft = fMidToLeft.Next();
+        const float toRight = fMidToRight.Next();
+        const float side = fSide.Next();
+        // (left + right) / 2 is the middle, (left - right) / 2 the side.
+        block.outputs[0][i] = (toLeft + side) / 2 * left + (toLeft - side) / 2 * right;
+        block.outputs[1][i] = (toRight - side) / 2 * left + (toRight + side) / 2 * right;
+    }
+}
+
+bool StereoExpander::IsSettled() const noexcept {
+    return fMidToLeft.IsSettled() && fMidToRight.IsSettled() && fSide.IsSettled();
+}
+
+bool StereoExpander::IsNeutral() const noexcept {
+    return IsSettled() && fMidToLeft.Target() == 1 && fMidToRight.Target() == 1 && fSide.Target() == 1;
+}
+
+} // namespace qoc::components

@@ -1,0 +1,285 @@
+#include "qoc/components/PitchShift.h"
+
+#include "AllocationCounter.h"
+#include "qoc/components/ParameterIndices.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <limits>
+#include <numbers>
+#include <random>
+
+using namespace qoc::components;
+using kroaudiofilterhost::AudioFilter;
+using kromediatypes::AudioChannelLayout;
+
+namespace {
+
+using Channels = std::vector<std::vector<float>>;
+using std::numbers::pi;
+
+constexpr double kRate = 44100;
+
+void SetNatural(AudioFilter& filter, int index, double value) {
+    filter.SetParameterValue(index, filter.GetParameterInfo(index)->ToNormalised(static_cast<float>(value)));
+}
+
+struct Settings {
+    double ratio = 1;
+    double precision = 2;
+    bool useDefaults = true;
+    double splicing = 52;
+    double overlap = 21.5;
+};
+
+void Set(AudioFilter& filter, const Settings& settings) {
+    SetNatural(filter, kPitchShiftRatio, settings.ratio);
+    SetNatural(filter, kPitchShiftPrecision, settings.precision);
+    SetNatural(filter, kPitchShiftSplicingFrequency, settings.splicing);
+    SetNatural(filter, kPitchShiftOverlapping, settings.overlap);
+    SetNatural(filter, kPitchShiftUseDefaultSettings, settings.useDefaults);
+}
+
+boost::intrusive_ptr<AudioFilter> Prepared(std::size_t channels, const Settings& settings = {}, double rate = kRate) {
+    boost::intrusive_ptr<AudioFilter> filter(new PitchShift);
+    Set(*filter, settings);
+    filter->Prepare(static_cast<float>(rate), 8192, AudioChannelLayout::ForChannelCount(channels));
+    return filter;
+}
+
+std::vector<float> Sine(double hertz, std::size_t frames, double rate = kRate) {
+    std::vector<float> sine(frames);
+    for (std::size_t i = 0; i < frames; ++i)
+        sine[i] = static_cast<float>(0.5 * std::sin(2 * pi * hertz * static_cast<double>(i) / rate));
+    return sine;
+}
+
+std::vector<float> Noise(std::size_t frames, unsigned seed) {
+    std::mt19937 generator(seed);
+    std::uniform_real_distribution<float> distribution(-1, 1);
+    std::vector<float> noise(frames);
+    for (float& sample : noise)
+        sample = distribution(generator);
+    return noise;
+}
+
+void Process(AudioFilter& filter, Channels& sound, std::size_t begin, std::size_t end, std::size_t block = 512) {
+    std::vector<const float*> inputs(sound.size());
+    std::vector<float*> outputs(sound.size());
+    for (std::size_t start = begin; start < end; start += block) {
+        for (std::size_t c = 0; c < sound.size(); ++c)
+            inputs[c] = outputs[c] = sound[c].data() + start;
+        filter.Process({inputs, outputs, std::min(block, end - start)});
+    }
+}
+
+std::vector<float> Shifted(const Settings& settings, std::vector<float> sound, double rate = kRate) {
+    const auto filter = Prepared(1, settings, rate);
+    Channels channels = {std::move(sound)};
+    Process(*filter, channels, 0, channels[0].size());
+    return channels[0];
+}
+
+double Rms(const std::vector<float>& sound, std::size_t begin, std::size_t end) {
+    double sum = 0;
+    for (std::size_t i = begin; i < end; ++i)
+        sum += double{sound[i]} * sound[i];
+    return std::sqrt(sum / static_cast<double>(end - begin));
+}
+
+// How far a tone is from `hertz`, in cents: the slope of the phase that it has against `hertz` in windows of 4096.
+double CentsOff(const std::vector<float>& sound, std::size_t begin, double hertz, double rate = kRate) {
+    constexpr std::size_t kWindow = 4096;
+    double phase = 0, sumX = 0, sumY = 0, sumXX = 0, sumXY = 0, n = 0;
+    for (std::size_t start = begin; start + kWindow <= sound.size(); start += kWindow / 2, ++n) {
+        std::complex<double> sum;
+        for (std::size_t i = 0; i < kWindow; ++i) {
+            const double hann = 1 - std::cos(2 * pi * (static_cast<double>(i) + 0.5) / kWindow);
+            sum += hann * sound[start + i] * std::polar(1.0, -2 * pi * hertz * static_cast<double>(start + i) / rate);
+        }
+        phase += std::remainder(std::arg(sum) - phase, 2 * pi);
+        const double x = static_cast<double>(start) / rate;
+        sumX += x, sumY += phase, sumXX += x * x, sumXY += x * phase;
+    }
+    const double slope = (n * sumXY - sumX * sumY) / (n * sumXX - sumX * sumX);
+    return 1200 * std::log2(1 + slope / (2 * pi * hertz));
+}
+
+TEST(PitchShift, ASineComesOutWithinACentOfTheRatio) {
+    const Settings cases[] = {
+        {0.5},
+        {2.0},
+        {1.0595},
+        {0.75},
+        {1.5, 0},
+        {0.6, 1},
+        {1.2, 2, false},
+        {0.8, 2, false, 20, 50},
+        {1.9, 2, false, 30, 10},
+    };
+    for (const Settings& each : cases) {
+        const auto sound = Shifted(each, Sine(440, 3 * 44100));
+        EXPECT_LT(std::abs(CentsOff(sound, 44100, 440 * each.ratio)), 1.0) << each.ratio << " " << each.splicing;
+        EXPECT_NEAR(Rms(sound, 44100, sound.size()), 0.5 / std::sqrt(2.0), 0.02) << each.ratio << " " << each.splicing;
+    }
+    for (const double rate : {8000.0, 96000.0}) {
+        const auto sound = Shifted({1.5}, Sine(440, static_cast<std::size_t>(3 * rate), rate), rate);
+        EXPECT_LT(std::abs(CentsOff(sound, static_cast<std::size_t>(rate), 660, rate)), 1.0) << rate;
+    }
+}
+
+// A tone from 6 s to 6.5 s comes out then, later by the latency, give or take the room in which splices are looked for.
+TEST(PitchShift, EverySoundComesOutWhenItIsDue) {
+    constexpr std::size_t kOn = 6 * 44100;
+    constexpr std::size_t kOff = kOn + 22050;
+    constexpr std::size_t kTolerance = 1000; // 23 ms
+    std::vector<float> tone = Sine(500, 8 * 44100);
+    std::fill(tone.begin(), tone.begin() + kOn, 0.0F);
+    std::fill(tone.begin() + kOff, tone.end(), 0.0F);
+    for (const Settings& each : {Settings{0.5}, Settings{2.0}, Settings{1.37}, Settings{0.7, 2, false, 200, 50},
+                                 Settings{1.6, 2, false, 40, 0}}) {
+        const std::size_t latency = Prepared(1)->Latency();
+        const auto sound = Shifted(each, tone);
+        const auto isLoud = [](float sample) { return std::abs(sample) > 0.1F; };
+        const auto first = std::find_if(sound.begin(), sound.end(), isLoud) - sound.begin();
+        const auto last = sound.rend() - std::find_if(sound.rbegin(), sound.rend(), isLoud);
+        EXPECT_NEAR(static_cast<double>(first), kOn + latency, kTolerance) << each.ratio;
+        EXPECT_NEAR(static_cast<double>(last), kOff + latency, kTolerance) << each.ratio;
+    }
+}
+
+TEST(PitchShift, AtRatioOneTheSoundIsBitExactButLater) {
+    const auto filter = Prepared(2);
+    const std::size_t latency = filter->Latency();
+    const Channels input = {Noise(60000, 1), Noise(60000, 2)};
+    Channels sound = input;
+    Process(*filter, sound, 0, 60000);
+    for (std::size_t c = 0; c < 2; ++c) {
+        EXPECT_EQ(std::count(sound[c].begin(), sound[c].begin() + static_cast<std::ptrdiff_t>(latency), 0.0F),
+                  static_cast<std::ptrdiff_t>(latency));
+        EXPECT_TRUE(
+            std::equal(sound[c].begin() + static_cast<std::ptrdiff_t>(latency), sound[c].end(), input[c].begin()));
+    }
+}
+
+TEST(PitchShift, GoesToARatioAndBackWithoutClickOrDropOut) {
+    const auto filter = Prepared(1);
+    const auto latency = static_cast<std::ptrdiff_t>(filter->Latency());
+    const std::vector<float> input = Sine(300, 4 * 44100);
+    Channels sound = {input};
+    Process(*filter, sound, 0, 44100);
+    SetNatural(*filter, kPitchShiftRatio, 2);
+    Process(*filter, sound, 44100, 2 * 44100);
+    SetNatural(*filter, kPitchShiftRatio, 0.5);
+    Process(*filter, sound, 2 * 44100, 3 * 44100);
+    SetNatural(*filter, kPitchShiftRatio, 1);
+    Process(*filter, sound, 3 * 44100, 4 * 44100);
+    // At twice 300 Hz and amplitude 0.5 the sound moves by at most 0.5 * 2 pi * 600 / 44100 = 0.043 a frame.
+    for (std::size_t i = static_cast<std::size_t>(latency) + 10; i < sound[0].size(); ++i)
+        ASSERT_LT(std::abs(sound[0][i] - sound[0][i - 1]), 0.06F) << i;
+    EXPECT_LT(std::abs(CentsOff({sound[0].begin() + 66150, sound[0].begin() + 2 * 44100}, 0, 600)), 2.0);
+    EXPECT_LT(std::abs(CentsOff({sound[0].begin() + 110250, sound[0].begin() + 3 * 44100}, 0, 150)), 2.0);
+    const auto settled = 3 * 44100 + 12000; // two ramps of 5513 frames
+    EXPECT_TRUE(std::equal(sound[0].begin() + settled + latency, sound[0].end(), input.begin() + settled));
+}
+
+TEST(PitchShift, NewSplicingSettingsFadeInWithoutGap) {
+    const auto filter = Prepared(1, {1.3});
+    Channels sound = {Sine(440, 3 * 44100)};
+    Process(*filter, sound, 0, 44100);
+    SetNatural(*filter, kPitchShiftUseDefaultSettings, 0);
+    Process(*filter, sound, 44100, 60000);
+    SetNatural(*filter, kPitchShiftSplicingFrequency, 10);
+    SetNatural(*filter, kPitchShiftOverlapping, 50);
+    Process(*filter, sound, 60000, 62000);
+    SetNatural(*filter, kPitchShiftSplicingFrequency, 200); // while the one before fades in
+    Process(*filter, sound, 62000, 3 * 44100);
+    for (std::size_t i = 30000; i < sound[0].size(); ++i)
+        ASSERT_LT(std::abs(sound[0][i] - sound[0][i - 1]), 0.06F) << i;
+    EXPECT_LT(std::abs(CentsOff(sound[0], 2 * 44100, 572)), 2.0);
+    EXPECT_NEAR(Rms(sound[0], 2 * 44100, 3 * 44100), 0.354, 0.02);
+}
+
+TEST(PitchShift, WhatWouldLieAboveTheNyquistFrequencyIsTakenOut) {
+    for (const double precision : {0.0, 1.0, 2.0}) {
+        const auto sound = Shifted({2, precision}, Sine(16000, 2 * 44100));
+        EXPECT_LT(Rms(sound, 44100, sound.size()), 0.354 * std::pow(10, -50 / 20.0)) << precision;
+    }
+}
+
+TEST(PitchShift, BlockSizeDoesNotMatter) {
+    const auto run = [](std::size_t block) {
+        const auto filter = Prepared(2, {1.1});
+        Channels sound = {Noise(60000, 4), Noise(60000, 5)};
+        Process(*filter, sound, 0, 20000, block);
+        Set(*filter, {0.7, 0, false, 33, 40});
+        Process(*filter, sound, 20000, 22000, block);
+        SetNatural(*filter, kPitchShiftSplicingFrequency, 150); // while the one before fades in
+        Process(*filter, sound, 22000, 40000, block);
+        SetNatural(*filter, kPitchShiftRatio, 1);
+        Process(*filter, sound, 40000, 60000, block);
+        return sound;
+    };
+    const Channels expected = run(64);
+    for (const std::size_t block : {1, 37, 8192})
+        EXPECT_TRUE(run(block) == expected) << block;
+}
+
+TEST(PitchShift, AResetFilterDoesAsANewOne) {
+    const auto filter = Prepared(1, {0.6});
+    const auto fresh = Prepared(1, {1.7, 2, false, 80, 30});
+    Channels first = {Noise(30000, 6)};
+    Process(*filter, first, 0, 30000);
+    Set(*filter, {1.7, 2, false, 80, 30});
+    filter->Reset();
+    Channels sound = {Noise(50000, 7)};
+    Channels expected = sound;
+    Process(*filter, sound, 0, 50000);
+    Process(*fresh, expected, 0, 50000);
+    EXPECT_EQ(sound, expected);
+}
+
+TEST(PitchShift, ProcessingAllocatesNothingWhateverIsSet) {
+    const auto filter = Prepared(3, {1.0});
+    std::mt19937 generator(8);
+    std::uniform_real_distribution<float> value(0, 1);
+    Channels sound(3, Noise(40000, 9));
+    float* channels[] = {sound[0].data(), sound[1].data(), sound[2].data()};
+    const float* const inputs[] = {channels[0], channels[1], channels[2]};
+    for (int round = 0; round < 40; ++round) {
+        filter->SetParameterValue(kPitchShiftRatio, round % 3 == 0 ? static_cast<float>(round % 2) : value(generator));
+        filter->SetParameterValue(kPitchShiftPrecision, value(generator));
+        if (round % 4 == 1) {
+            for (int index = kPitchShiftSplicingFrequency; index <= kPitchShiftUseDefaultSettings; ++index)
+                filter->SetParameterValue(index, value(generator));
+        }
+        const std::size_t before = AllocationCount();
+        for (int block = 0; block < 10; ++block)
+            filter->Process({inputs, channels, 512});
+        ASSERT_EQ(AllocationCount(), before) << round;
+    }
+}
+
+TEST(PitchShift, BadSamplesAreForgotten) {
+    const auto filter = Prepared(1, {1.4});
+    std::vector<float> input = Sine(440, 3 * 44100);
+    input[20000] = std::numeric_limits<float>::quiet_NaN();
+    input[20100] = std::numeric_limits<float>::infinity();
+    Channels sound = {input};
+    Process(*filter, sound, 0, input.size());
+    for (const float sample : sound[0])
+        ASSERT_TRUE(std::isfinite(sample));
+    EXPECT_LT(std::abs(CentsOff(sound[0], 2 * 44100, 616)), 1.0);
+}
+
+TEST(PitchShift, ShiftsAllOfThirtyTwoChannels) {
+    const auto filter = Prepared(32, {1.25});
+    Channels sound(32, Sine(400, 66150));
+    Process(*filter, sound, 0, 66150);
+    for (const std::size_t channel : {0, 15, 16, 31})
+        EXPECT_LT(std::abs(CentsOff(sound[channel], 30000, 500)), 2.0) << channel;
+}
+
+} // namespace
