@@ -8,7 +8,7 @@ import pathlib
 import sys
 
 HERE = pathlib.Path(__file__).resolve().parent
-PANELS = ["amplify"]
+PANELS = ["amplify", "autopitchcorrect", "doppler", "pitchshift", "stereoexpander"]
 
 
 def main():

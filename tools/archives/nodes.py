@@ -1,7 +1,7 @@
 """Describes layout archives in a few lines of Python and writes them in the archive format.
 
-A node is made by one of the functions at the end of this file, which take the node's bounds (left, top, width, height),
-its id, and the properties that differ from their defaults. `write` gives the bytes of the archive: every property of
+A node is made by one of the functions at the end of this file, which take the node's bounds (left, top, width, height)
+in its parent, its id, and the properties that differ from their defaults. `write` gives the bytes of the archive: every property of
 every class of the node's chain, keys in ascending byte order, CR LF, attribute values in single quotes.
 """
 import struct
@@ -89,6 +89,43 @@ CLASSES = {
         "strokeSize1": (number, 1), "strokeSize2": (number, 1)},
     "kroui::controls::UI_Checkbox": {
         "checkSize": (number, 14), "checked": (boolean, False), "fontSize": (number, 12), "text": (text, "")},
+    "kroui::controls::UI_RadioButton": {"fontSize": (number, 12), "text": (text, "")},
+    "kroui::controls::UI_Popup": {
+        "alwaysNotify": (boolean, False), "drawDivider": (boolean, False), "fontSize": (number, 12),
+        "popupItems": (texts, ()), "popupType": (enumeration, 0)},
+    "kroui::controls::UI_TextButton": {"text": (text, ""), "textAlignment": (enumeration, 1), "textIndent": (number, 0)},
+    "kroui::controls::UI_PictureButton": {
+        "displayBorderAlways": (boolean, False), "displayBorderNever": (boolean, False), "imageName": (raw, "")},
+    "kroui::controls::UI_PictureTextButton": {
+        "imageName": (raw, ""), "pictureScaleX": (number, 1), "pictureScaleY": (number, 1),
+        "pictureVerticalOffset": (number, 0), "relationship": (enumeration, 0), "spacing": (number, 4),
+        "text": (text, ""), "textIndent": (number, 0)},
+    "kroui::controls::UI_DisclosureTriangleButton": {},
+    "kroui::controls::UI_StaticText": {
+        "alignment": (enumeration, 0), "fontSize": (number, 12), "multiLine": (boolean, False), "text": (text, ""),
+        "textTruncation": (enumeration, 2)},
+    "kroui::controls::UI_StaticImage": {"imageName": (raw, "")},
+    "kroui::controls::UI_Divider": {},
+    "kroui::controls::UI_OutlineBox": {"cornerRadius": (number, 4)},
+    "kroui::controls::UI_HotText": {"fontSize": (number, 12), "textLabel": (text, "")},
+    "kroui::controls::UI_HotTextNumber": {
+        "cmdIncrement": (double, 0.1), "decimalPlaces": (integer, 0), "formatAlwaysSign": (boolean, False),
+        "formatLeadingSpaces": (boolean, False), "formatNoLocalization": (boolean, False),
+        "formatNoTrailingZeros": (boolean, False), "formatNormal": (boolean, True), "formatPadSign": (boolean, False),
+        "formatUseSeparator": (boolean, False), "increment": (double, 1), "maxValue": (double, 100),
+        "minValue": (double, 0), "numericInput": (boolean, True), "shiftIncrement": (double, 10), "value": (double, 0)},
+    "uit::controls::UI_EditNumber": {
+        "abbreviateNumbers": (boolean, False), "decimalPlaces": (unsigned, 0), "digits": (unsigned, 5),
+        "increment": (double, 1), "label": (text, ""), "logSeed": (double, 1), "logStep": (double, 10),
+        "logarithmic": (boolean, False), "maxValue": (double, 100), "minValue": (double, 0), "rulerLabel1": (text, ""),
+        "rulerLabel2": (text, ""), "rulerPlacement": (lambda i: enumeration(i, PLACEMENTS), 2),
+        "rulerTextPlacement": (lambda i: enumeration(i, TEXT_PLACEMENTS), 1),
+        "rulerType": (lambda i: enumeration(i, RULER_TYPES), 1), "stepFactor": (double, 20), "unitLabel": (text, ""),
+        "unitLabelLength": (unsigned, 0), "useInline": (boolean, True), "useLabel": (boolean, True)},
+    "uit::controls::UI_EditNumber_Horizontal": {},
+    "uit::controls::UI_OutlineBoxWithLabel": {"label": (text, "")},
+    "uit::controls::UI_OptionalView": {"activeIndex": (integer, 0)},
+    "uit::controls::ColorField": {"allowUserColorChange": (boolean, False)},
 }
 
 NODE = ["kroui::ui::UI_Node"]
@@ -96,8 +133,12 @@ SUB_VIEW = ["kroui::ui::UI_SubView"] + NODE
 CONTROL = ["kroui::controls::UI_ControlView"] + SUB_VIEW
 INTERACTIVE = ["kroui::controls::UI_InteractiveControlView"] + CONTROL
 BUTTON = ["kroui::controls::UI_Button"] + INTERACTIVE
+HOT_TEXT = ["kroui::controls::UI_HotText"] + INTERACTIVE
+EDIT_NUMBER = ["uit::controls::UI_EditNumber"] + INTERACTIVE
 
-CONTAINERS = {"kroui::ui::UI_SubView"}
+# Classes whose nodes hold children, in the section of the class itself.
+CONTAINERS = {"kroui::ui::UI_SubView", "kroui::controls::UI_OutlineBox", "uit::controls::UI_OutlineBoxWithLabel",
+              "uit::controls::UI_OptionalView", "uit::controls::ColorField"}
 
 
 def node(chain, rect, id="", children=(), tooltip="", visible=True, class_name="", **properties):
@@ -167,5 +208,77 @@ def sub_view(rect, id="", children=(), **properties):
     return node(SUB_VIEW, rect, id, children, **properties)
 
 
+def custom(rect, id, class_name, **properties):
+    """A place for a node that the editor makes."""
+    return node(SUB_VIEW, rect, id, class_name=class_name, **properties)
+
+
+def control(name, base, rect, id="", children=(), **properties):
+    return node([name] + base, rect, id, children, **properties)
+
+
 def checkbox(rect, id, caption, **properties):
-    return node(["kroui::controls::UI_Checkbox"] + BUTTON, rect, id, text=caption, **properties)
+    return control("kroui::controls::UI_Checkbox", BUTTON, rect, id, text=caption, **properties)
+
+
+def radio_button(rect, id, caption, **properties):
+    return control("kroui::controls::UI_RadioButton", BUTTON, rect, id, text=caption, **properties)
+
+
+def popup(rect, id, items, **properties):
+    return control("kroui::controls::UI_Popup", BUTTON, rect, id, popupItems=items, **properties)
+
+
+def text_button(rect, id, caption, **properties):
+    return control("kroui::controls::UI_TextButton", BUTTON, rect, id, text=caption, **properties)
+
+
+def picture_button(rect, id, image, **properties):
+    return control("kroui::controls::UI_PictureButton", BUTTON, rect, id, imageName=image, **properties)
+
+
+def disclosure(rect, id, caption, **properties):
+    chain = ["kroui::controls::UI_PictureTextButton"] + BUTTON
+    return control("kroui::controls::UI_DisclosureTriangleButton", chain, rect, id, text=caption, **properties)
+
+
+def static_text(rect, caption, id="", **properties):
+    return control("kroui::controls::UI_StaticText", CONTROL, rect, id, text=caption, wantsFocus=False, **properties)
+
+
+def static_image(rect, id, image, **properties):
+    return control("kroui::controls::UI_StaticImage", CONTROL, rect, id, imageName=image, wantsFocus=False, **properties)
+
+
+def divider(rect, **properties):
+    return control("kroui::controls::UI_Divider", CONTROL, rect, wantsFocus=False, **properties)
+
+
+def outline_box(rect, id="", children=(), **properties):
+    return control("kroui::controls::UI_OutlineBox", CONTROL, rect, id, children, wantsFocus=False, **properties)
+
+
+def hot_text_number(rect, id, low, high, value=0, **properties):
+    chain = ["kroui::controls::UI_HotTextNumber"] + HOT_TEXT
+    return node(chain, rect, id, minValue=low, maxValue=high, value=value, **properties)
+
+
+def edit_number_horizontal(rect, id, low, high, **properties):
+    chain = ["uit::controls::UI_EditNumber_Horizontal"] + EDIT_NUMBER
+    return node(chain, rect, id, minValue=low, maxValue=high, **properties)
+
+
+def outline_box_with_label(rect, id, label, children=(), **properties):
+    return control("uit::controls::UI_OutlineBoxWithLabel", SUB_VIEW, rect, id, children, label=label, **properties)
+
+
+def optional_view(rect, id, children, **properties):
+    for index, child in enumerate(children):
+        sections = child["sections"]
+        last = sections[f"section-{int(sections['count'].text) - 1}"]
+        last["visible"] = boolean(index == properties.get("activeIndex", 0))
+    return control("uit::controls::UI_OptionalView", SUB_VIEW, rect, id, children, **properties)
+
+
+def color_field(rect, id, **properties):
+    return control("uit::controls::ColorField", INTERACTIVE, rect, id, **properties)

@@ -3,6 +3,10 @@
 #include "qoc/components/ComponentIDs.h"
 #include "qocui/module/ComponentUIFactoryRegistrar.h"
 #include "qocui/ui/AmplifyEditorView.h"
+#include "qocui/ui/AutoPitchCorrectView.h"
+#include "qocui/ui/DopplerEditorView.h"
+#include "qocui/ui/PitchShiftEditorView.h"
+#include "qocui/ui/StereoExpanderEditorView.h"
 
 namespace qocui::module {
 
@@ -32,10 +36,10 @@ CreateView(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter) {
 const Creator kNone;
 
 const ComponentUIFactoryRegistrar sRegistrars[] = {
-    {kPitchShiftComponentID, kNone},
+    {kPitchShiftComponentID, &CreateView<ui::PitchShiftEditorView>},
     {kGraphicPhaseShifterComponentID, kNone},
-    {kDopplerComponentID, kNone},
-    {kStereoExpanderComponentID, kNone},
+    {kDopplerComponentID, &CreateView<ui::DopplerEditorView>},
+    {kStereoExpanderComponentID, &CreateView<ui::StereoExpanderEditorView>},
     {kNotchComponentID, kNone},
     {kAdaptiveNoiseReductionComponentID, kNone},
     {kAutoClickRemoverComponentID, kNone},
@@ -56,7 +60,7 @@ const ComponentUIFactoryRegistrar sRegistrars[] = {
     {kReverbComponentID, kNone},
     {kStudioReverbComponentID, kNone},
     {kScientificFilterComponentID, kNone},
-    {kPitchCorrectComponentID, kNone},
+    {kPitchCorrectComponentID, &CreateView<ui::AutoPitchCorrectView>},
     {kAmplifyComponentID, &CreateView<ui::AmplifyEditorView>},
     {kDynamicsComponentID, kNone},
     {kFFTFilterComponentID, kNone},

@@ -1,0 +1,254 @@
+#include "qocui/ui/DopplerGraph.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+namespace qocui::ui {
+
+using kroui::Point;
+using kroui::Rect;
+using kroui::limner::Color;
+using kroui::limner::Limner;
+
+namespace {
+
+constexpr float kPi = 3.14159F;
+constexpr float kRadiansPerDegree = kPi / 180.0F;
+constexpr float kPixelCentre = 0.5F;
+constexpr float kLineWidth = 1.0F;
+constexpr Color kPathColor{0.3F, 0.6F, 1.0F, 1.0F};
+
+constexpr float kMargin = 5;         // pixels that the path keeps free along the edges
+constexpr float kSmallestExtent = 2; // shorter paths stay small instead of filling the view
+constexpr float kExtentShare = 2.1F; // both halves of the view and a little air
+
+constexpr float kSlowestDotted = 1;  // metres a second; slower paths have no dots
+constexpr float kShortestDotted = 5; // pixels between two dots
+constexpr float kDotRadius = 2;
+constexpr float kArrowLength = 7;
+constexpr float kArrowBar = 6; // where the bar crosses the two strokes
+constexpr float kArrowHalfAngle = 45;
+
+constexpr double kAlmostFullTurn = 6.1261; // radians; a circle never meets its own start
+constexpr float kFewestSegments = 10;      // of an arc of one second
+constexpr float kMostSegments = 1000;
+
+Point operator+(Point a, Point b) {
+    return {a.x + b.x, a.y + b.y};
+}
+
+float Distance(Point a, Point b) {
+    return std::hypot(b.x - a.x, b.y - a.y);
+}
+
+// `length` into a direction: 0 points up, angles (radians) grow clockwise.
+Point Towards(float angle, float length) {
+    return {std::sin(angle) * length, -std::cos(angle) * length};
+}
+
+int SegmentsFor(float velocity) {
+    const float wanted = velocity * 0.5F;
+    return static_cast<int>(wanted > kFewestSegments ? std::min(wanted, kMostSegments) : kFewestSegments);
+}
+
+} // namespace
+
+// What one drawing is made with: the scale, the centre of the path, and the path's lines, which are collected because
+// the dots are filled while the path is under way.
+class DopplerGraph::Picture {
+public:
+    Picture(Limner& context, const Rect& bounds, float pixelsPerMetre, Point centre)
+        : fContext(context), fBounds(bounds), fPixelsPerMetre(pixelsPerMetre), fCentre(centre) {}
+
+    float PixelsPerMetre() const { return fPixelsPerMetre; }
+    Point FromCentre(float angle, float metres) const { return fCentre + Towards(angle, metres * fPixelsPerMetre); }
+
+    void MoveTo(Point p) { fPath.push_back({p, true}); }
+    void LineTo(Point p) { fPath.push_back({p, false}); }
+    void Dot(Point p);
+    // `angle` in degrees: where the source has come from.
+    void ArrowHead(Point tip, float angle);
+    bool IsInside(Point p) const;
+    void Stroke();
+
+private:
+    struct Step {
+        Point to;
+        bool isMove;
+    };
+
+    Limner& fContext;
+    Rect fBounds;
+    float fPixelsPerMetre;
+    Point fCentre;
+    std::vector<Step> fPath;
+};
+
+void DopplerGraph::Picture::Dot(Point p) {
+    fContext.NewPath();
+    fContext.Arc(p.x + kPixelCentre, p.y + kPixelCentre, kDotRadius, 0, 360);
+    fContext.Fill({kPathColor});
+}
+
+void DopplerGraph::Picture::ArrowHead(Point tip, float angle) {
+    const float right = (angle + kArrowHalfAngle) * kRadiansPerDegree;
+    const float left = (angle - kArrowHalfAngle) * kRadiansPerDegree;
+    MoveTo(tip);
+    LineTo(tip + Towards(right, kArrowLength));
+    MoveTo(tip + Towards(right, kArrowBar));
+    LineTo(tip + Towards(left, kArrowBar));
+    MoveTo(tip);
+    LineTo(tip + Towards(left, kArrowLength));
+}
+
+bool DopplerGraph::Picture::IsInside(Point p) const {
+    return !(p.x < fBounds.left + kMargin || p.x > fBounds.Right() - kMargin || p.y < fBounds.top + kMargin ||
+             p.y > fBounds.Bottom() - kMargin);
+}
+
+void DopplerGraph::Picture::Stroke() {
+    fContext.NewPath();
+    for (const Step& step : fPath)
+        if (step.isMove)
+            fContext.MoveTo(step.to.x + kPixelCentre, step.to.y + kPixelCentre);
+        else
+            fContext.LineTo(step.to.x + kPixelCentre, step.to.y + kPixelCentre);
+    fContext.Stroke({kPathColor, kLineWidth});
+}
+
+DopplerGraph::DopplerGraph(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter) : fFilter(std::move(filter)) {
+}
+
+DopplerGraph::~DopplerGraph() = default;
+
+void DopplerGraph::SetStartingDistance(float distance) {
+    fStartingDistance = distance;
+    UI_Invalidate();
+}
+
+void DopplerGraph::SetVelocity(float velocity) {
+    fVelocity = velocity;
+    UI_Invalidate();
+}
+
+void DopplerGraph::SetDirection(float degrees) {
+    fDirection = degrees;
+    UI_Invalidate();
+}
+
+void DopplerGraph::SetPassesFront(float distance) {
+    fPassesFront = distance;
+    UI_Invalidate();
+}
+
+void DopplerGraph::SetPassesRight(float distance) {
+    fPassesRight = distance;
+    UI_Invalidate();
+}
+
+void DopplerGraph::SetCircular(bool circular) {
+    fCircular = circular;
+    UI_Invalidate();
+}
+
+void DopplerGraph::UI_SizeChanged(const kroui::RectT<float>& rect) {
+    UI_SubView::UI_SizeChanged(rect);
+}
+
+void DopplerGraph::UI_Draw(Limner* context) {
+    const Rect bounds = UI_GetLocalRect();
+    context->Save();
+    context->SetSmoothing(1);
+    context->ClipRect(bounds);
+    context->FillRect(bounds, GetColor(kroui::ui::kColorPathBackground));
+    DrawListener(*context);
+
+    const float seconds = Seconds();
+    // A circle of no radius has no path.
+    if (seconds > 0 && !(fCircular && fStartingDistance == 0)) {
+        const float room = std::min(bounds.width, bounds.height) - 2 * kMargin;
+        const float scale = room / Extent() / kExtentShare;
+        const Point centre{bounds.left + bounds.width / 2 + fPassesRight * scale,
+                           bounds.top + bounds.height / 2 - fPassesFront * scale};
+        Picture picture(*context, bounds, scale, centre);
+        if (fCircular)
+            DrawCircularPath(picture, seconds);
+        else
+            DrawStraightPath(picture, seconds);
+        picture.Stroke();
+    }
+    context->Restore();
+}
+
+kroui::ui::AccessibleInfo DopplerGraph::UI_GetAccessibleInfo() const {
+    kroui::ui::AccessibleInfo info = UI_SubView::UI_GetAccessibleInfo();
+    info.role = kroui::ui::Role::kGraph;
+    info.name = UI_GetTooltip();
+    return info;
+}
+
+void DopplerGraph::DrawListener(Limner& context) const {
+    const Rect bounds = UI_GetLocalRect();
+    const Point centre = bounds.Centre();
+    context.NewPath();
+    context.MoveTo(centre.x + kPixelCentre, bounds.top + kPixelCentre);
+    context.LineTo(centre.x + kPixelCentre, bounds.Bottom() + kPixelCentre);
+    context.MoveTo(bounds.left + kPixelCentre, centre.y + kPixelCentre);
+    context.LineTo(bounds.Right() + kPixelCentre, centre.y + kPixelCentre);
+    context.Stroke({GetColor(kroui::ui::kColorGridLine), kLineWidth});
+}
+
+void DopplerGraph::DrawStraightPath(Picture& picture, float seconds) const {
+    const float direction = fDirection * kRadiansPerDegree;
+    const float length = fVelocity * picture.PixelsPerMetre();
+    const Point step = Towards(direction, -length);
+    Point at = picture.FromCentre(direction, fStartingDistance);
+    const bool hasDots = fVelocity >= kSlowestDotted && Distance({}, step) >= kShortestDotted;
+    if (hasDots) picture.Dot(at);
+    for (double second = 1; true; ++second) {
+        picture.MoveTo(at);
+        at = at + step;
+        picture.LineTo(at);
+        if (!picture.IsInside(at + step) || second >= seconds) break;
+        if (hasDots) picture.Dot(at);
+    }
+    picture.ArrowHead(at, fDirection);
+}
+
+void DopplerGraph::DrawCircularPath(Picture& picture, float seconds) const {
+    const auto pointAt = [&](float angle) { return picture.FromCentre(angle, fStartingDistance); };
+    const float step = fVelocity / fStartingDistance;
+    const int segments = SegmentsFor(fVelocity);
+    float angle = fDirection * kRadiansPerDegree;
+    float swept = 0;
+    const bool hasDots =
+        fVelocity >= kSlowestDotted && Distance(pointAt(angle), pointAt(angle + step)) >= kShortestDotted;
+    if (hasDots) picture.Dot(pointAt(angle));
+    for (double second = 1; true; ++second) {
+        picture.MoveTo(pointAt(angle));
+        for (int j = 0; j <= segments; ++j)
+            picture.LineTo(pointAt(angle + static_cast<float>(j) * step / static_cast<float>(segments)));
+        angle += step;
+        swept += step;
+        if (static_cast<double>(swept) + step > kAlmostFullTurn || second >= seconds) break;
+        if (hasDots) picture.Dot(pointAt(angle));
+    }
+    picture.ArrowHead(pointAt(angle), angle * 180.0F / kPi - 90.0F);
+}
+
+float DopplerGraph::Extent() const {
+    float extent = std::max(std::abs(fPassesFront), std::abs(fPassesRight)) + fStartingDistance;
+    if (fCircular)
+        extent = std::max({std::abs(fPassesRight - fStartingDistance), std::abs(fStartingDistance + fPassesRight),
+                           std::abs(fPassesFront + fStartingDistance), std::abs(fPassesFront - fStartingDistance)});
+    return std::max(extent, kSmallestExtent);
+}
+
+float DopplerGraph::Seconds() const {
+    if (!fFilter) return 0;
+    return static_cast<float>(fFilter->GetDuration() / static_cast<double>(fFilter->GetSampleRate()));
+}
+
+} // namespace qocui::ui
