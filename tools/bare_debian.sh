@@ -56,9 +56,10 @@ make_system() {
     apt-config dump | grep -E '^Acquire::https?::Proxy ' >"$system/etc/apt/apt.conf.d/90proxy" || true
 }
 
+# What was built there stays, so that a second run builds only what has changed.
 copy_tree() {
-    rm -rf "$system/src"
-    mkdir "$system/src"
+    mkdir -p "$system/src"
+    find "$system/src" -mindepth 1 -maxdepth 1 -not -name 'build*' -exec rm -rf {} +
     (cd "$root" && git ls-files -z --cached --others --exclude-standard |
         tar -c --null -T - --ignore-failed-read --warning=no-failed-read) | tar -x -C "$system/src" --no-same-owner
 }

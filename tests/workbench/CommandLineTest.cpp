@@ -15,6 +15,7 @@
 #include <spawn.h>
 #include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 extern char** environ;
 
@@ -35,7 +36,8 @@ class CommandLine : public testing::Test {
 protected:
     CommandLine() {
         const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
-        fFolder = std::filesystem::temp_directory_path() / (std::string("workbench-") + test->name());
+        fFolder =
+            std::filesystem::temp_directory_path() / ("workbench-" + std::to_string(getpid()) + "-" + test->name());
         std::filesystem::remove_all(fFolder);
         std::filesystem::create_directories(fFolder);
     }
@@ -148,7 +150,7 @@ TEST_F(CommandLine, RenderAppliesTheSettingsInPlaceToo) {
 }
 
 TEST_F(CommandLine, AnInterruptedRenderLeavesTheOutputAsItWas) {
-    qohost::WriteAudioFile(Path("in.wav"), qohost::MakeTestSignal(600), 0);
+    qohost::WriteAudioFile(Path("in.wav"), qohost::MakeTestSignal(20), 0);
     const std::vector<std::string> before = FileNames();
     const auto oldSize = std::filesystem::file_size(Path("in.wav"));
     const pid_t child = Start({"render", "--effect", "amplify", "--set", "gain=3", Path("in.wav"), Path("in.wav")});

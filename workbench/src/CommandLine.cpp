@@ -54,7 +54,7 @@ CLI::Option* AddPath(CLI::App& command, std::filesystem::path& path, const char*
 }
 
 void AddSettings(CLI::App& command, std::vector<std::string>& settings) {
-    command.add_option("--set", settings, "set a parameter: gain1=-6, \"Gain 1=-6 dB\", n:0.5 for a normalised value")
+    command.add_option("--set", settings, R"(set a parameter: gain1=-6, "Gain 1=-6 dB", n:0.5 for a normalised value)")
         ->type_name("PARAM=VALUE")
         ->expected(1)
         ->take_all();
@@ -71,7 +71,7 @@ void DescribeOpen(CLI::App& app, OpenRequest& request) {
 
 void DescribeRender(CLI::App& app, RenderRequest& request) {
     CLI::App& command = *app.add_subcommand("render", "run a sound file through an effect");
-    command.add_option("--effect", request.effect, "see \"workbench list\"")->type_name("NAME")->required();
+    command.add_option("--effect", request.effect, R"(see "workbench list")")->type_name("NAME")->required();
     AddSettings(command, request.settings);
     AddPath(command, request.input, "IN", "the sound file to read")->required();
     AddPath(command, request.output, "OUT", "the sound file to write; may be the same")->required();
@@ -79,7 +79,7 @@ void DescribeRender(CLI::App& app, RenderRequest& request) {
 
 void DescribeSnapshot(CLI::App& app, SnapshotRequest& request) {
     CLI::App& command = *app.add_subcommand("snapshot", "draw a panel into a PNG file");
-    command.add_option("--effect", request.effect, "see \"workbench list\"")->type_name("NAME")->required();
+    command.add_option("--effect", request.effect, R"(see "workbench list")")->type_name("NAME")->required();
     AddSettings(command, request.settings);
     AddTheme(command, request.theme);
     AddScale(command, request.scale, "--scale", "pixels a unit of the picture, 0.5 to 4");
@@ -94,7 +94,7 @@ void Describe(CLI::App& app, Request& request) {
     DescribeOpen(app, request.open);
     app.add_subcommand("list", "list the effects");
     CLI::App& parameters = *app.add_subcommand("params", "list the parameters of an effect");
-    parameters.add_option("EFFECT", request.parametersOf, "see \"workbench list\"")->required();
+    parameters.add_option("EFFECT", request.parametersOf, R"(see "workbench list")")->required();
     DescribeRender(app, request.render);
     DescribeSnapshot(app, request.snapshot);
     CLI::App& gallery = *app.add_subcommand("gallery", "draw every panel, in both themes, into a folder");

@@ -3,8 +3,6 @@
 #include "kroui/controls/UI_StaticText.h"
 #include "workbench/PixelSnap.h"
 
-#include <boost/bind/bind.hpp>
-
 #include <algorithm>
 
 namespace workbench {
@@ -58,7 +56,7 @@ void EffectList::AddCategory(EffectCategory category, const Effects& effects, fl
         if (!isInCategory(effect)) continue;
         const boost::intrusive_ptr<EffectListItem> item(new EffectListItem(*effect));
         item->UI_SetFrame({kItemMargin, top, kColumnWidth - 2 * kItemMargin, EffectListItem::kHeight});
-        item->NotifyWhenChanged(boost::bind(&EffectList::OnItem, this, boost::placeholders::_1));
+        item->NotifyWhenChanged([this](auto* message) { OnItem(message); });
         fColumn->ChildPushBack(item);
         fItems.push_back(item);
         top += EffectListItem::kHeight;

@@ -29,12 +29,12 @@ const EffectDescription* Find(std::string_view name) {
 
 const EffectDescription& EffectFromName(std::string_view name) {
     if (const EffectDescription* const effect = Find(name)) return *effect;
-    throw Error(fmt::format("there is no effect \"{}\"; \"workbench list\" names them all", name));
+    throw Error(fmt::format(R"(there is no effect "{}"; "workbench list" names them all)", name));
 }
 
 boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> NewFilter(const EffectDescription& effect) {
     if (effect.create == nullptr)
-        throw Error(fmt::format("the effect \"{}\" can't process sound in this version", effect.shortName));
+        throw Error(fmt::format(R"(the effect "{}" can't process sound in this version)", effect.shortName));
     return effect.create();
 }
 

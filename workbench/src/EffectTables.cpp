@@ -10,7 +10,6 @@
 
 namespace workbench {
 
-using kroaudiofilterhost::AudioFilter;
 using kroaudiofilterhost::AudioFilterParameterInfo;
 using Kind = AudioFilterParameterInfo::Kind;
 

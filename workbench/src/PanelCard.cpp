@@ -2,8 +2,6 @@
 
 #include "workbench/PixelSnap.h"
 
-#include <boost/bind/bind.hpp>
-
 #include <algorithm>
 #include <cmath>
 
@@ -36,7 +34,7 @@ void PanelCard::SetPanel(PanelPtr panel) {
     fPanel = std::move(panel);
     if (fPanel) {
         ChildPushBack(fPanel);
-        fConnection = fPanel->GetContentSizeChangedSignal().connect(boost::bind(&PanelCard::FollowPanel, this));
+        fConnection = fPanel->GetContentSizeChangedSignal().connect([this] { FollowPanel(); });
     }
     UI_Invalidate();
     FollowPanel();

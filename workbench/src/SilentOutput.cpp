@@ -33,7 +33,7 @@ void SilentOutput::Poll() {
         return;
     }
     fLast = std::max(fLast, now - kLongestPause);
-    std::size_t frames = static_cast<std::size_t>((now - fLast) * fSampleRate);
+    auto frames = static_cast<std::size_t>((now - fLast) * fSampleRate);
     fLast += static_cast<double>(frames) / fSampleRate;
     while (frames > 0) {
         const std::size_t count = std::min(frames, kBlock);

@@ -20,6 +20,8 @@ namespace {
 
 constexpr float kSampleRate = 48000;
 constexpr std::size_t kBlock = 512;
+// Of a sound that is not there, for panels that show what happens in its time.
+constexpr double kSoundSeconds = 10;
 // Long enough for a panel to look at its filter once.
 constexpr double kSettleSeconds = 0.05;
 
@@ -44,6 +46,7 @@ kroui::limner::ImagePtr Draw(const PanelsLibrary& library, const PanelPtr& panel
 FilterPtr PreparedFilter(const EffectDescription& effect, std::size_t channels) {
     FilterPtr filter = NewFilter(effect);
     filter->Prepare(kSampleRate, kBlock, kromediatypes::AudioChannelLayout::ForChannelCount(channels));
+    filter->SetDuration(kSoundSeconds * kSampleRate);
     return filter;
 }
 
@@ -55,7 +58,7 @@ void Snapshot(const SnapshotRequest& request) {
     ApplySettings(*filter, request.settings);
     const PanelsLibrary library;
     const PanelPtr panel = NewPanel(filter);
-    if (!panel) throw Error(fmt::format("the effect \"{}\" has no panel in this version", effect.shortName));
+    if (!panel) throw Error(fmt::format(R"(the effect "{}" has no panel in this version)", effect.shortName));
     const Theme& theme = request.theme == Theme::Light().Name() ? Theme::Light() : Theme::Dark();
     kroui::limner::WritePNG(*Draw(library, panel, theme, request.scale), request.output);
 }

@@ -6,8 +6,6 @@
 #include "kroui/ui/UI_Window.h"
 #include "workbench/TextOfSound.h"
 
-#include <boost/bind/bind.hpp>
-
 #include <algorithm>
 #include <cmath>
 #include <exception>
@@ -57,23 +55,21 @@ WorkbenchView::WorkbenchView(Session& session, const EffectList::Effects& effect
 }
 
 void WorkbenchView::BuildParts(const EffectList::Effects& effects) {
-    fHeader = new HeaderBar({boost::bind(&WorkbenchView::Undo, this), boost::bind(&WorkbenchView::Redo, this)});
-    fEffects = new EffectList(effects, boost::bind(&WorkbenchView::ChooseEffect, this, boost::placeholders::_1));
+    fHeader = new HeaderBar({[this] { Undo(); }, [this] { Redo(); }});
+    fEffects = new EffectList(effects, [this](const EffectDescription& effect) { ChooseEffect(effect); });
     fPanelPlace = new ScrollView;
     fPanelPlace->UI_SetID("panelPlace");
     fPanelPlace->SetCentred(true);
     fPanelCard = new PanelCard;
     fPanelCard->UI_SetID("panel");
     fPanelCard->SetRounded(true);
-    fPanelCard->SetListener(boost::bind(&WorkbenchView::ArrangePanel, this));
+    fPanelCard->SetListener([this] { ArrangePanel(); });
     fPanelPlace->SetDocument(fPanelCard);
     fMeters = new LevelMeters;
     fMeters->UI_SetID("levels");
-    fWaveform = new WaveformView(boost::bind(&WorkbenchView::Seek, this, boost::placeholders::_1));
-    fTransport =
-        new TransportBar({boost::bind(&WorkbenchView::PlayOrPause, this), boost::bind(&WorkbenchView::Stop, this),
-                          boost::bind(&WorkbenchView::SetLooping, this, boost::placeholders::_1),
-                          boost::bind(&WorkbenchView::SetBypassed, this, boost::placeholders::_1)});
+    fWaveform = new WaveformView([this](double seconds) { Seek(seconds); });
+    fTransport = new TransportBar({[this] { PlayOrPause(); }, [this] { Stop(); }, [this](bool on) { SetLooping(on); },
+                                   [this](bool on) { SetBypassed(on); }});
     fStatus = new StatusLine;
     const boost::intrusive_ptr<UI_Node> parts[] = {fHeader,   fEffects,   fPanelPlace, fMeters,
                                                    fWaveform, fTransport, fStatus};
@@ -195,7 +191,7 @@ void WorkbenchView::UI_NodeChanged(NodeChange change) {
         fTimer = kroui::ui::UI_NodeManager::Get().GetUniqueTimerID();
         fLastPoll = kroui::ui::UI_NodeManager::Get().Now();
         UI_InstallTimer(kPollSeconds, fTimer);
-        UI_GetWindow()->SetUnhandledKeyHandler(boost::bind(&WorkbenchView::HandleKey, this, boost::placeholders::_1));
+        UI_GetWindow()->SetUnhandledKeyHandler([this](const KeyEvent& event) { return HandleKey(event); });
         ShowState();
     } else if (change == kDetaching) {
         UI_RemoveTimer(fTimer, false);

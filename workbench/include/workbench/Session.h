@@ -22,7 +22,7 @@ public:
     Session(SoundOutput& output, const qoc::components::EffectDescription& effect);
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
-    ~Session();
+    ~Session() override;
 
     // Takes another sound, at its start and stopped. Throws krocore::config::Error when the file can't be read or the
     // effect can't work on it; everything is as before then.
