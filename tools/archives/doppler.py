@@ -9,10 +9,10 @@ GAP = 8
 PITCH = ROW + GAP
 LEFT, CENTRE, RIGHT = 0, 1, 2
 
-LABELS = 160  # width of the labels' column
+LABELS = 152  # width of the labels' column
 FIELDS = LABELS + GAP
 NUMBER = 64  # width of a number and its gaps
-CONTROLS = 348  # width of the left half
+CONTROLS = 340  # width of the left half
 BOX = 72
 ICON = 32
 PATH = 256  # side of the picture
@@ -40,7 +40,7 @@ FIELDS_HEIGHT = len(FIELD_ROWS) * PITCH - GAP
 
 def path_type(top):
     choices = (("StraightLine", "Straight Line", "DopplerStraightPath", GAP + 8),
-               ("Circular", "Circular", "DopplerCircularPath", FIELDS))
+               ("Circular", "Circular", "DopplerCircularPath", FIELDS + GAP))
     children = []
     for id, caption, image, left in choices:
         children.append(static_image((left, 28, ICON, ICON), f"{id}Image", image))
@@ -92,7 +92,7 @@ def picture(left, top):
 def root():
     fields_top = MARGIN + BOX + SECTION
     volume_top = fields_top + FIELDS_HEIGHT + SECTION
-    picture_left = MARGIN + CONTROLS + MARGIN
+    picture_left = MARGIN + CONTROLS + GAP
     picture_width = PATH + 2 * COMPASS[0]
     bottom = MARGIN + PATH + 2 * (COMPASS[1] + COMPASS_GAP) + GAP
     description = static_text((picture_left, bottom, picture_width, ROW), "", "Description", alignment=CENTRE)

@@ -17,7 +17,7 @@ namespace kroui::limner {
 namespace {
 
 // Where the width stands in a PNG file, and the height behind it: after the signature, the first chunk's length and its
-// name "IHDR" (PNG specification, sections 5.2 and 11.2.2).
+// name "IHDR" (ISO/IEC 15948, sections 5.2 and 11.2.2).
 constexpr std::size_t kWidthPosition = 16;
 constexpr std::size_t kHeightPosition = 20;
 constexpr std::size_t kHeaderSize = 24;
