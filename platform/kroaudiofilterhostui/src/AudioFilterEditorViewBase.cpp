@@ -8,4 +8,9 @@ AudioFilterEditorViewBase::AudioFilterEditorViewBase(boost::intrusive_ptr<kroaud
 
 AudioFilterEditorViewBase::~AudioFilterEditorViewBase() = default;
 
+AudioFilterEditorViewBase::ContentSizeChangedSignal& AudioFilterEditorViewBase::GetContentSizeChangedSignal() {
+    if (!fContentSizeChanged) fContentSizeChanged = std::make_unique<ContentSizeChangedSignal>();
+    return *fContentSizeChanged;
+}
+
 } // namespace kroaudiofilterhostui

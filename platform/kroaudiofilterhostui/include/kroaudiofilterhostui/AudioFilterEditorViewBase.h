@@ -1,8 +1,11 @@
 #pragma once
 
 #include "kroaudiofilterhost/AudioFilter.h"
-#include "kroui/ui/Signal.h"
 #include "kroui/ui/UI_SubView.h"
+
+#include <boost/signals2/signal.hpp>
+
+#include <memory>
 
 namespace kroaudiofilterhostui {
 
@@ -16,15 +19,15 @@ public:
     boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> GetAudioFilter() const { return fFilter; }
 
     // Fires after the view has changed its own size, so that the host can fit the window around it.
-    using ContentSizeChangedSignal = kroui::ui::Signal<>;
-    ContentSizeChangedSignal& GetContentSizeChangedSignal() { return fContentSizeChanged; }
+    using ContentSizeChangedSignal = boost::signals2::signal<void()>;
+    ContentSizeChangedSignal& GetContentSizeChangedSignal();
 
 protected:
     ~AudioFilterEditorViewBase() override;
 
 private:
     boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter;
-    ContentSizeChangedSignal fContentSizeChanged;
+    std::unique_ptr<ContentSizeChangedSignal> fContentSizeChanged; // made when first asked for
 };
 
 } // namespace kroaudiofilterhostui

@@ -28,8 +28,7 @@ bool UI_ControlView::ShowsFocus() const {
 }
 
 void UI_ControlView::NotifyWhenChanged(const ChangedSignal::slot_type& slot) {
-    if (!fChanged) fChanged = std::make_unique<ChangedSignal>();
-    fChanged->connect(slot);
+    fChanged.connect(slot);
 }
 
 bool UI_ControlView::UI_DoMouseEvent(UI_Node* node, const MouseEvent& event) {
@@ -80,10 +79,10 @@ const ui::PropertyTable& UI_ControlView::PropertiesOfControlView() {
 }
 
 void UI_ControlView::SendChanged() {
-    if (!fChanged) return;
+    if (fChanged.empty()) return;
     const boost::intrusive_ptr<UI_ControlView> keepAlive(this);
     UI_ControlChangedMessage message(*this);
-    (*fChanged)(&message);
+    fChanged(&message);
 }
 
 void UI_ControlView::ControlStateChanged() {

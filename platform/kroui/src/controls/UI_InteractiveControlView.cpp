@@ -3,8 +3,7 @@
 namespace kroui::controls {
 
 void UI_InteractiveControlView::NotifyWhenChangedInteractively(const InteractiveSignal::slot_type& slot) {
-    if (!fInteractive) fInteractive = std::make_unique<InteractiveSignal>();
-    fInteractive->connect(slot);
+    fInteractive.connect(slot);
 }
 
 const ui::PropertyTable& UI_InteractiveControlView::UI_GetPropertyTable() const {
@@ -17,10 +16,10 @@ const ui::PropertyTable& UI_InteractiveControlView::PropertiesOfInteractiveContr
 }
 
 void UI_InteractiveControlView::SendInteractive(UI_InteractiveControlChangedMessage::ChangeMessage change) {
-    if (!fInteractive) return;
+    if (fInteractive.empty()) return;
     const boost::intrusive_ptr<UI_InteractiveControlView> keepAlive(this);
     UI_InteractiveControlChangedMessage message(*this, change);
-    (*fInteractive)(&message);
+    fInteractive(&message);
 }
 
 } // namespace kroui::controls

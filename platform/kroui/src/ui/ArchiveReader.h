@@ -10,7 +10,9 @@ class ArchiveReader {
 public:
     // Both live longer than the reader.
     ArchiveReader(ArchiveDocument& document, const CustomNodeFactory& customNodeFactory)
-        : fDocument(document), fValues(document), fCustomNodeFactory(customNodeFactory) {}
+        : fDocument(document), fValues(document), fCustomNodeFactory(customNodeFactory) {
+        fPairs.reserve(kUsualPairs);
+    }
 
     // The tree below the document's root element; null, after a report, if this is no archive of the known version.
     boost::intrusive_ptr<UI_Node> Read(pugi::xml_node map);
@@ -19,6 +21,8 @@ public:
     NamedNodes& Named() { return fNamed; }
 
 private:
+    static constexpr std::size_t kUsualPairs = 64; // on the stack at a time
+
     struct Numbered {
         std::uint32_t number;
         ArchivePair pair;

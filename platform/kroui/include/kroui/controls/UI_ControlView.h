@@ -4,8 +4,6 @@
 #include "kroui/ui/Signal.h"
 #include "kroui/ui/UI_SubView.h"
 
-#include <memory>
-
 namespace kroui::controls {
 
 using ui::UI_Node;
@@ -55,7 +53,7 @@ protected:
     virtual void ControlStateChanged();
 
 private:
-    std::unique_ptr<ChangedSignal> fChanged; // made by the first listener
+    ChangedSignal fChanged;
     bool fEnabled = true;
     bool fDownState = false;
     bool fWantsFocus = false;

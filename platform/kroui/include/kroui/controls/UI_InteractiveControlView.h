@@ -20,7 +20,7 @@ protected:
     void SendInteractive(UI_InteractiveControlChangedMessage::ChangeMessage change);
 
 private:
-    std::unique_ptr<InteractiveSignal> fInteractive; // made by the first listener
+    InteractiveSignal fInteractive;
 };
 
 } // namespace kroui::controls

@@ -1,17 +1,44 @@
 #pragma once
 
-#include <boost/function.hpp>
-#include <boost/signals2/dummy_mutex.hpp>
-#include <boost/signals2/signal.hpp>
+#include <boost/signals2/slot.hpp>
+#include <boost/signals2/trackable.hpp>
+
+#include <list>
 
 namespace kroui::ui {
 
-// A signal of the user-interface thread: no lock. A slot made by boost::bind over a member of a trackable object is cut
-// when that object dies.
+// The listeners of one kind of notification, called in the order in which they came: a signal of the user-interface
+// thread, without the locks and the bookkeeping that make boost::signals2::signal dear to construct, with that
+// library's slots. A slot made by boost::bind over a member of a trackable object is not called any more when that
+// object has died; others live as long as the signal. Calling allocates nothing.
 template <class... Arguments>
-using Signal = boost::signals2::signal<void(Arguments...), boost::signals2::optional_last_value<void>, int,
-                                       std::less<int>, boost::function<void(Arguments...)>,
-                                       boost::function<void(const boost::signals2::connection&, Arguments...)>,
-                                       boost::signals2::dummy_mutex>;
+class Signal {
+public:
+    using slot_type = boost::signals2::slot<void(Arguments...)>;
+
+    void connect(const slot_type& slot) {
+        if (fCalls == 0) fSlots.remove_if([](const slot_type& known) { return known.expired(); });
+        fSlots.push_back(slot);
+    }
+    bool empty() const { return fSlots.empty(); }
+
+    // A listener may add listeners, which are called from the next time on. The signal must outlive the call.
+    void operator()(Arguments... arguments) const {
+        const Calling calling(fCalls);
+        std::size_t count = fSlots.size();
+        for (auto slot = fSlots.begin(); count > 0; ++slot, --count)
+            if (!slot->expired()) slot->slot_function()(arguments...);
+    }
+
+private:
+    struct Calling {
+        explicit Calling(int& calls) : fCalls(calls) { ++fCalls; }
+        ~Calling() { --fCalls; }
+        int& fCalls;
+    };
+
+    std::list<slot_type> fSlots;
+    mutable int fCalls = 0; // nested ones count each
+};
 
 } // namespace kroui::ui
