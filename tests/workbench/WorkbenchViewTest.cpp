@@ -41,6 +41,27 @@ TEST_F(WorkbenchFixture, DraggingASliderIsOneStepThatUndoAndRedoTakeBackAndRepea
     EXPECT_FLOAT_EQ(Gain(), dragged);
 }
 
+TEST_F(WorkbenchFixture, EachEffectKeepsItsSettingsPanelAndHistoryWhilePlayingGoesOn) {
+    DragGain(40);
+    const float gain = Gain();
+    PressKey(Key::kSpace);
+    Click("effect-stereoexpander");
+    EXPECT_EQ(fView->UI_FindNode("GainControlsContainer"), nullptr);
+    EXPECT_EQ(krocore::ToStdString(fView->Title()), "Test sound - Stereo Expander - Workbench");
+    EXPECT_FALSE(Node("undo").UI_GetAccessibleInfo().enabled);
+    EXPECT_TRUE(fSession.Engine().IsPlaying());
+    EXPECT_GT(fSession.Position(), 0.1);
+
+    // Up from there with the keyboard: the list is in the order of its categories.
+    Node("effects").UI_TakeFocus();
+    PressKey(Key::kUp);
+    EXPECT_EQ(fSession.Effect().shortName, "amplify");
+    EXPECT_FLOAT_EQ(Gain(), gain);
+    EXPECT_NE(fView->UI_FindNode("GainControlsContainer"), nullptr);
+    Click("undo");
+    EXPECT_NEAR(Gain(), kUnityGain, 1e-6F);
+}
+
 TEST_F(WorkbenchFixture, UndoWaitsForTheGestureThatIsOpen) {
     DragGain(30);
     const kroui::Point place = GainKnob();

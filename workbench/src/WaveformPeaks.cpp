@@ -26,7 +26,7 @@ WaveformPeaks::WaveformPeaks(const qohost::Sound& sound) : fRanges((sound.Frames
 }
 
 WaveformPeaks::Range WaveformPeaks::Between(double begin, double end) const {
-    const double last = static_cast<double>(fRanges.size());
+    const auto last = static_cast<double>(fRanges.size());
     const auto first = static_cast<std::size_t>(std::clamp(std::floor(begin / kStretch), 0.0, last));
     const auto behind = static_cast<std::size_t>(std::clamp(std::ceil(end / kStretch), 0.0, last));
     Range range;

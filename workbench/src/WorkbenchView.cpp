@@ -20,11 +20,13 @@ using qoc::components::EffectDescription;
 namespace {
 
 constexpr float kPollSeconds = 1.0F / 30;
+// While nothing moves.
+constexpr float kIdlePollSeconds = 0.1F;
 constexpr float kZoomStep = 1.25F;
 constexpr float kSmallestZoom = 0.64F; // two steps down
 
 constexpr float kMargin = 24;
-constexpr float kMetersWidth = 280;
+constexpr float kMetersWidth = 240;
 // Where room is short, the panel needs it most.
 constexpr float kNarrowWindow = 1100;
 constexpr float kNarrowMargin = 12;
@@ -191,6 +193,7 @@ void WorkbenchView::UI_NodeChanged(NodeChange change) {
         fTimer = kroui::ui::UI_NodeManager::Get().GetUniqueTimerID();
         fLastPoll = kroui::ui::UI_NodeManager::Get().Now();
         UI_InstallTimer(kPollSeconds, fTimer);
+        fIsIdle = false;
         UI_GetWindow()->SetUnhandledKeyHandler([this](const KeyEvent& event) { return HandleKey(event); });
         ShowState();
     } else if (change == kDetaching) {
@@ -208,7 +211,15 @@ bool WorkbenchView::UI_DoTimerNotify(long timerID) {
     FollowHistory();
     FollowLevels();
     fPanelCard->FollowPanel();
+    SetPace();
     return true;
+}
+
+void WorkbenchView::SetPace() {
+    const bool isIdle = !fSession.Engine().IsPlaying() && fMeters->IsAtRest();
+    if (isIdle == fIsIdle || fTimer == 0) return;
+    fIsIdle = isIdle;
+    UI_InstallTimer(isIdle ? kIdlePollSeconds : kPollSeconds, fTimer);
 }
 
 void WorkbenchView::FollowTransport() {
@@ -227,7 +238,7 @@ void WorkbenchView::FollowHistory() {
 
 void WorkbenchView::FollowLevels() {
     const double now = kroui::ui::UI_NodeManager::Get().Now();
-    const float seconds = static_cast<float>(now - fLastPoll);
+    const auto seconds = static_cast<float>(now - fLastPoll);
     fLastPoll = now;
     qohost::PlaybackEngine& engine = fSession.Engine();
     const std::size_t inputs = fSession.Filter()->GetNumberOfInputChannels();
@@ -284,11 +295,9 @@ bool WorkbenchView::HandleKey(const KeyEvent& event) {
 }
 
 void WorkbenchView::PlayOrPause() {
-    if (fSession.Engine().IsPlaying())
-        fSession.Stop();
-    else
-        fSession.Play();
+    fSession.Engine().IsPlaying() ? fSession.Stop() : fSession.Play();
     FollowTransport();
+    SetPace();
 }
 
 void WorkbenchView::Stop() {

@@ -66,6 +66,7 @@ private:
     void ShowEffect();
     void ShowHistory();
     void ShowState();
+    void SetPace();
     void FollowTransport();
     void FollowHistory();
     void FollowLevels();
@@ -88,6 +89,7 @@ private:
     std::int32_t fSeenDirtyCount = 0;
     bool fCouldUndo = false;
     bool fCouldRedo = false;
+    bool fIsIdle = false; // nothing moves: polls less often
 };
 
 } // namespace workbench
