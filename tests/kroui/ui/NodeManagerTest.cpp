@@ -78,6 +78,7 @@ TEST_F(NodeManagerTest, AnotherClockKeepsTheTimeLeft) {
     double other = 1000;
     fManager.SetClock([&] { return other; });
     EXPECT_NEAR(fManager.SecondsToNextTimer(), 0.3, 1e-9);
+    fManager.SetClock([this] { return fTime; }); // the other one ends here
 }
 
 TEST_F(NodeManagerTest, TimersOfADeadNodeAreGone) {
