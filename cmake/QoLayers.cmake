@@ -15,7 +15,6 @@ function(qo_layer name)
     foreach(lower IN LISTS arg_DEPENDS)
         target_link_libraries(${name}_api INTERFACE ${lower}_api)
     endforeach()
-    set_property(GLOBAL APPEND PROPERTY QO_HEADER_ROOTS ${CMAKE_CURRENT_SOURCE_DIR}/include)
 
     file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/src/*.cpp)
     if(WIN32)

@@ -1,6 +1,7 @@
 #include "qoc/components/Amplify.h"
 
 #include "AllocationCounter.h"
+#include "ProcessSound.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/ParameterIndices.h"
@@ -18,7 +19,9 @@ using kromediatypes::AudioChannelLayout;
 
 namespace {
 
-using Channels = std::vector<std::vector<float>>;
+using test::Channels;
+using test::Process;
+using test::Processed;
 
 constexpr float kSampleRate = 44100;
 constexpr std::size_t kLargestBlock = 8192;
@@ -42,26 +45,6 @@ Channels Noise(std::size_t channels, std::size_t frames) {
             sample = distribution(generator);
     }
     return noise;
-}
-
-// Processes frames from `begin` to `end` in blocks.
-void Process(AudioFilter& filter, const Channels& input, Channels& output, std::size_t begin, std::size_t end,
-             std::size_t block) {
-    std::vector<const float*> inputs(input.size());
-    std::vector<float*> outputs(output.size());
-    for (std::size_t start = begin; start < end; start += block) {
-        for (std::size_t channel = 0; channel < input.size(); ++channel) {
-            inputs[channel] = input[channel].data() + start;
-            outputs[channel] = output[channel].data() + start;
-        }
-        filter.Process({inputs, outputs, std::min(block, end - start)});
-    }
-}
-
-Channels Processed(AudioFilter& filter, const Channels& input, std::size_t block = 512) {
-    Channels output(input.size(), std::vector<float>(input.front().size()));
-    Process(filter, input, output, 0, input.front().size(), block);
-    return output;
 }
 
 TEST(Amplify, DefaultsAreBitExact) {
