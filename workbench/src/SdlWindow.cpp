@@ -24,7 +24,8 @@ using kroui::ui::KeyEvent;
 namespace {
 
 constexpr double kLeastSecondsBetweenPaints = 1.0 / 120;
-constexpr int kLongestWait = 1000; // ms
+constexpr int kLongestWait = 1000;       // ms
+constexpr double kLongestUnasked = 0.05; // seconds
 
 kroui::ui::UI_NodeManager& Timers() {
     return kroui::ui::UI_NodeManager::Get();
@@ -103,6 +104,7 @@ SdlWindow::SdlWindow(const kroui::limner::CairoSupplier& supplier, const Setting
                                      std::min(points(settings.size.width), screen.w),
                                      std::min(points(settings.size.height), screen.h), kFlags);
     if (fSystemWindow == nullptr) SdlLibrary::Refuse(SDL_GetError());
+    fInputWait = InputWait(*fSystemWindow);
     kroui::ui::WindowBackend& backend = *this;
     fWindow = std::make_unique<kroui::ui::UI_Window>(supplier, backend);
     FitContent();
@@ -139,18 +141,29 @@ void SdlWindow::Run(const boost::function<void()>& idle) {
     // Letters choose in lists, so that they are always wanted as text.
     SDL_StartTextInput();
     while (fIsOpen) {
-        SDL_Event event;
-        if (SDL_WaitEventTimeout(&event, MillisecondsToWait()) != 0) {
-            do
-                Handle(event);
-            while (SDL_PollEvent(&event) != 0);
-            FinishKey();
-        }
+        if (WaitForInput()) HandleInput();
         Timers().RunTimers();
-        FitContent();
         PaintIfDue();
         if (!fWindow->NeedsPaint()) idle();
     }
+}
+
+// Whether SDL is to be asked for events: there is input, or it was not asked for a while (requests to quit come without
+// input).
+bool SdlWindow::WaitForInput() {
+    const int milliseconds = MillisecondsToWait();
+    if (!fInputWait.IsAvailable()) return SDL_WaitEventTimeout(nullptr, milliseconds) != 0;
+    const bool isThere = fInputWait.For(milliseconds);
+    if (!isThere && Timers().Now() - fLastInput < kLongestUnasked) return false;
+    fLastInput = Timers().Now();
+    return true;
+}
+
+void SdlWindow::HandleInput() {
+    SDL_Event event;
+    while (SDL_PollEvent(&event) != 0)
+        Handle(event);
+    FinishKey();
 }
 
 int SdlWindow::MillisecondsToWait() const {
@@ -166,6 +179,7 @@ int SdlWindow::MillisecondsToWait() const {
 void SdlWindow::PaintIfDue() {
     if (!fWindow->NeedsPaint() || Timers().Now() - fLastPaint < kLeastSecondsBetweenPaints) return;
     fLastPaint = Timers().Now();
+    FitContent();
     fWindow->Paint();
 }
 

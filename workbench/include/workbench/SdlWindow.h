@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kroui/ui/UI_Window.h"
+#include "workbench/InputWait.h"
 
 #include <boost/function.hpp>
 
@@ -53,6 +54,8 @@ private:
     static SDL_Rect UsableScreen();
     static bool IsMotionNext();
     int MillisecondsToWait() const;
+    bool WaitForInput();
+    void HandleInput();
     void PaintIfDue();
     void FitContent();
     void HoldSmallestSize();
@@ -76,7 +79,9 @@ private:
     kroui::ui::Cursor fCursor = kroui::ui::Cursor::kArrow;
     std::optional<kroui::ui::KeyEvent> fHeldKey; // a letter that may yet turn out to be text
     std::vector<std::filesystem::path> fDropped; // files of the drop that is being told of
-    double fLastPaint = 0;                       // seconds
+    InputWait fInputWait;
+    double fLastInput = 0; // when SDL was asked for events, seconds
+    double fLastPaint = 0; // seconds
     float fHostScale = 0;
     float fFittedScale = 0;
     bool fIsOpen = true;
