@@ -1,6 +1,7 @@
 #include "qocui/controls/AudioComponentEditorXMLView.h"
 
 #include "kroui/utility/ResourceManager.h"
+#include "qoc/components/GenericParameterInfo.h"
 #include "qocui/module/Module.h"
 
 namespace qocui::controls {
@@ -55,6 +56,29 @@ void AudioComponentEditorXMLView::UpdateSize(const kroui::RectT<float>& rect) {
 kroui::ui::UI_Node* AudioComponentEditorXMLView::FindNamedNode(std::string_view id) const {
     const auto node = fNamedNodes.find(krocore::string8(id));
     return node != fNamedNodes.end() ? node->second : nullptr;
+}
+
+std::optional<float> AudioComponentEditorXMLView::GetNatural(int parameterIndex) const {
+    const auto filter = GetAudioFilter();
+    const auto* const info = filter->GetParameterInfo(parameterIndex);
+    if (!info) return {};
+    return info->ToNatural(filter->GetParameterValue(parameterIndex));
+}
+
+std::optional<float> AudioComponentEditorXMLView::ToNormalised(int parameterIndex, double natural) const {
+    const auto* const info = GetAudioFilter()->GetParameterInfo(parameterIndex);
+    if (!info) return {};
+    return info->ToNormalised(static_cast<float>(natural));
+}
+
+const qoc::components::GenericParameterInfo* AudioComponentEditorXMLView::GetGenericInfo(int parameterIndex) const {
+    return dynamic_cast<const qoc::components::GenericParameterInfo*>(
+        GetAudioFilter()->GetParameterInfo(parameterIndex));
+}
+
+bool AudioComponentEditorXMLView::IsOn(int parameterIndex) const {
+    constexpr float kOn = 0.5F;
+    return GetAudioFilter()->GetParameterValue(parameterIndex) >= kOn;
 }
 
 } // namespace qocui::controls

@@ -26,8 +26,7 @@ namespace {
 constexpr float kMostChannels = 32;
 constexpr double kLowestGain = -96; // dB
 constexpr double kHighestGain = 48;
-float sGainRange = 144;     // dB
-constexpr float kOn = 0.5F; // a switch is on from here
+float sGainRange = 144; // dB
 
 constexpr unsigned kNoTrailingZeros = 4;
 constexpr int kAlignRight = 2;
@@ -167,7 +166,7 @@ krocore::string16 AmplifyEditorView::GetChannelName(unsigned long channel, bool 
 }
 
 bool AmplifyEditorView::AreChannelsLinked() {
-    return GetAudioComponent()->GetParameterValue(kAmplifyLinkChannels) >= kOn;
+    return IsOn(kAmplifyLinkChannels);
 }
 
 } // namespace qocui::ui

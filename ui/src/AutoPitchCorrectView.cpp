@@ -288,23 +288,6 @@ void AutoPitchCorrectView::OnEditNumberChangedInteractively(UI_InteractiveContro
     }
 }
 
-const GenericParameterInfo* AutoPitchCorrectView::GetGenericInfo(int index) {
-    return dynamic_cast<const GenericParameterInfo*>(GetAudioComponent()->GetParameterInfo(index));
-}
-
-std::optional<float> AutoPitchCorrectView::GetNatural(int index) {
-    const auto filter = GetAudioComponent();
-    const auto* const info = filter->GetParameterInfo(index);
-    if (!info) return std::nullopt;
-    return info->ToNatural(filter->GetParameterValue(index));
-}
-
-std::optional<float> AutoPitchCorrectView::ToNormalised(int index, double natural) {
-    const auto* const info = GetAudioComponent()->GetParameterInfo(index);
-    if (!info) return std::nullopt;
-    return info->ToNormalised(static_cast<float>(natural));
-}
-
 void AutoPitchCorrectView::ShowItem(UI_Popup* popup, int index, std::int32_t itemCount) {
     if (popup) popup->SetValue(ItemAt(GetAudioComponent()->GetParameterValue(index), itemCount));
 }

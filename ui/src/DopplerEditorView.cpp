@@ -45,7 +45,6 @@ constexpr const char* kQualityKeys[] = {
     "$$$/DopplerEditorView/QualityNearPerfect=Near Perfect", "$$$/DopplerEditorView/QualityPerfect=Perfect (slowest)",
 };
 constexpr float kQualitySteps = 6; // not one less than the items: the best quality stores 5/6
-constexpr float kOn = 0.5F;        // a switch is on from here
 
 // The natural ranges behind the description.
 constexpr float kRadiusRange = 99999.99F; // metres
@@ -56,10 +55,6 @@ constexpr float kFullTurn = 6.28318F; // radians
 
 constexpr int kNaturalParameters[] = {kDopplerRadius, kDopplerVelocity, kDopplerStartingAngle, kDopplerCenterFront,
                                       kDopplerCenterRight};
-
-float Stored(bool on) {
-    return on ? 1.0F : 0.0F;
-}
 
 double RoundedToTenths(double value) {
     return std::trunc(value * 10 + 0.5) / 10;
@@ -194,11 +189,10 @@ void DopplerEditorView::UpdateStraightLineCircularButtons() {
 }
 
 void DopplerEditorView::UpdateHotText(HotText* field, int parameterIndex) {
-    const auto* const info = GetAudioComponent()->GetParameterInfo(parameterIndex);
-    if (!info) return;
-    const float value = info->ToNatural(GetAudioComponent()->GetParameterValue(parameterIndex));
-    if (field) field->SetValue(value);
-    ShowInGraph(parameterIndex, value);
+    const auto natural = GetNatural(parameterIndex);
+    if (!natural) return;
+    if (field) field->SetValue(*natural);
+    ShowInGraph(parameterIndex, *natural);
     UpdateDescriptionText();
 }
 
@@ -283,19 +277,18 @@ void DopplerEditorView::OnQualityPopupChanged(ChangedMessage* /*message*/) {
 
 void DopplerEditorView::OnHotTextChanged(InteractiveMessage* message, int parameterIndex) {
     const UI_HotTextNumber* const field = FieldOf(parameterIndex);
-    const auto* const info = GetAudioComponent()->GetParameterInfo(parameterIndex);
-    if (!field || !info) return;
-    const float value = info->ToNormalised(static_cast<float>(field->GetValue()));
+    const auto value = field ? ToNormalised(parameterIndex, field->GetValue()) : std::nullopt;
+    if (!value) return;
     switch (message->GetChangeMessage()) {
     case InteractiveMessage::kStarted:
         fInteractiveChange = true;
         GetAudioFilter()->BeginParameterEdit(parameterIndex);
-        GetAudioComponent()->SetParameterValue(parameterIndex, value);
+        GetAudioComponent()->SetParameterValue(parameterIndex, *value);
         break;
-    case InteractiveMessage::kChanged: GetAudioComponent()->SetParameterValue(parameterIndex, value); break;
+    case InteractiveMessage::kChanged: GetAudioComponent()->SetParameterValue(parameterIndex, *value); break;
     case InteractiveMessage::kEnded:
     case InteractiveMessage::kAbandoned:
-        GetAudioComponent()->SetParameterValue(parameterIndex, value);
+        GetAudioComponent()->SetParameterValue(parameterIndex, *value);
         fInteractiveChange = false;
         GetAudioFilter()->EndParameterEdit(parameterIndex);
         break;
@@ -311,10 +304,6 @@ UI_HotTextNumber* DopplerEditorView::FieldOf(int parameterIndex) const {
     case kDopplerCenterRight: return fCenterRight;
     default: return nullptr;
     }
-}
-
-bool DopplerEditorView::IsOn(int parameterIndex) {
-    return GetAudioComponent()->GetParameterValue(parameterIndex) >= kOn;
 }
 
 } // namespace qocui::ui

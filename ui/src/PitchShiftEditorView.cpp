@@ -41,7 +41,6 @@ constexpr double kOverlappingIncrement = 0.1;     // percent
 // A ratio this near to the one that semitones and cents show leaves them alone.
 constexpr double kRatioTolerance = 0.01;
 constexpr double kFarthestKeptSemitone = 2;
-constexpr float kOn = 0.5F; // a switch is on from here
 constexpr int kLinearScale = 0;
 constexpr unsigned kNoTrailingZeros = 4;
 
@@ -191,7 +190,7 @@ void PitchShiftEditorView::UpdateControlFromParameterValueChange(ParameterIndex 
         if (fOverlapping) fOverlapping->SetValue(value);
         break;
     case kPitchShiftUseDefaultSettings:
-        if (fUseDefaultSettings) fUseDefaultSettings->SetValue(value >= kOn);
+        if (fUseDefaultSettings) fUseDefaultSettings->SetValue(IsOn(index));
         UpdateSettingsControlStatus();
         break;
     default: break;
@@ -263,12 +262,12 @@ void PitchShiftEditorView::InitEditNumber(EditNumberPtr field, bool invert) {
 
 void PitchShiftEditorView::InitHotTextNumber(HotTextNumberPtr field, ParameterIndex index, bool flag) {
     if (!field) return;
-    const auto* const info = GetAudioComponent()->GetParameterInfo(index);
-    if (const auto* const generic = dynamic_cast<const qoc::components::GenericParameterInfo*>(info)) {
+    if (const auto* const generic = GetGenericInfo(index)) {
         field->SetMinValue(generic->GetLoBound());
         field->SetMaxValue(generic->GetHiBound());
     }
-    if (info) field->SetDefaultValue(info->ToNatural(info->GetDefault()));
+    if (const auto* const info = GetAudioComponent()->GetParameterInfo(index))
+        field->SetDefaultValue(info->ToNatural(info->GetDefault()));
     const double value = GetNaturalValue(index);
     const bool isInside = value >= field->GetMinValue() && value <= field->GetMaxValue();
     field->SetValue(isInside ? value : field->GetMinValue());
@@ -289,7 +288,7 @@ void PitchShiftEditorView::InitRadioButtonGroup(ParameterIndex index) {
 
 void PitchShiftEditorView::InitCheckBox(CheckboxPtr box, ParameterIndex index) {
     if (!box) return;
-    box->SetValue(GetAudioComponent()->GetParameterValue(index) >= kOn);
+    box->SetValue(IsOn(index));
     EnableSettings(!box->IsChecked());
     box->NotifyWhenChanged(boost::bind(&PitchShiftEditorView::OnLinkCheckboxChanged, this, boost::placeholders::_1));
 }
@@ -301,15 +300,11 @@ void PitchShiftEditorView::SetBoxLabel(OutlineBoxPtr& box, std::string_view id, 
 
 // A filter that does not describe itself keeps natural values.
 float PitchShiftEditorView::GetNaturalValue(ParameterIndex index) {
-    const float stored = GetAudioComponent()->GetParameterValue(index);
-    const auto* const info = GetAudioComponent()->GetParameterInfo(index);
-    return info ? info->ToNatural(stored) : stored;
+    return GetNatural(index).value_or(GetAudioComponent()->GetParameterValue(index));
 }
 
 void PitchShiftEditorView::SetNaturalParameter(ParameterIndex index, double natural) {
-    const auto value = static_cast<float>(natural);
-    const auto* const info = GetAudioComponent()->GetParameterInfo(index);
-    SetParameter(index, info ? info->ToNormalised(value) : value);
+    SetParameter(index, ToNormalised(index, natural).value_or(static_cast<float>(natural)));
 }
 
 double PitchShiftEditorView::GetRatioOfFields() const {

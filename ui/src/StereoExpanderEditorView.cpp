@@ -51,8 +51,7 @@ void StereoExpanderEditorView::InitEditNumber(boost::intrusive_ptr<UI_EditNumber
     if (!slider) return;
     slider->SetHotTextScale(kLinearScale);
     slider->SetHotTextNumberAlignment(kAlignLeft);
-    const auto* const info = GetAudioComponent()->GetParameterInfo(index);
-    if (const auto* const generic = dynamic_cast<const qoc::components::GenericParameterInfo*>(info)) {
+    if (const auto* const generic = GetGenericInfo(index)) {
         const float lo = generic->GetLoBound();
         const float hi = generic->GetHiBound();
         slider->SetMinValue(lo);
@@ -60,10 +59,9 @@ void StereoExpanderEditorView::InitEditNumber(boost::intrusive_ptr<UI_EditNumber
         const float rulerLo = lo == 0 ? kRulerStart : lo;
         slider->GetRuler()->SetValueRange(invert ? hi : rulerLo, invert ? rulerLo : hi);
     }
-    if (info) {
-        slider->SetValue(info->ToNatural(GetAudioComponent()->GetParameterValue(index)));
+    if (const auto natural = GetNatural(index)) slider->SetValue(*natural);
+    if (const auto* const info = GetAudioComponent()->GetParameterInfo(index))
         slider->SetDefaultValue(info->ToNatural(info->GetDefault()));
-    }
     slider->NotifyWhenChangedInteractively(
         boost::bind(&StereoExpanderEditorView::OnEditNumberChangedInteractively, this, boost::placeholders::_1));
     if (invert) slider->SetInvertSlider(true);
@@ -72,11 +70,10 @@ void StereoExpanderEditorView::InitEditNumber(boost::intrusive_ptr<UI_EditNumber
 
 void StereoExpanderEditorView::UpdateControlFromParameterValueChange(ParameterIndex index) {
     if (fIsSettingParameter) return;
-    const auto* const info = GetAudioComponent()->GetParameterInfo(index);
-    if (!info) return;
-    const float natural = info->ToNatural(GetAudioComponent()->GetParameterValue(index));
-    if (index == kStereoExpanderPan && fPan) fPan->SetValue(natural);
-    if (index == kStereoExpanderExpand && fExpand) fExpand->SetValue(natural);
+    const auto natural = GetNatural(index);
+    if (!natural) return;
+    if (index == kStereoExpanderPan && fPan) fPan->SetValue(*natural);
+    if (index == kStereoExpanderExpand && fExpand) fExpand->SetValue(*natural);
 }
 
 void StereoExpanderEditorView::SetParameter(ParameterIndex index, float normalised) {
@@ -95,8 +92,7 @@ void StereoExpanderEditorView::OnEditNumberChangedInteractively(UI_InteractiveCo
     }
     if (!sender || (sender != fPan.get() && sender != fExpand.get())) return;
     const ParameterIndex index = sender == fPan.get() ? kStereoExpanderPan : kStereoExpanderExpand;
-    if (const auto* const info = GetAudioComponent()->GetParameterInfo(index))
-        SetParameter(index, info->ToNormalised(static_cast<float>(sender->GetValue())));
+    if (const auto stored = ToNormalised(index, sender->GetValue())) SetParameter(index, *stored);
 }
 
 } // namespace qocui::ui

@@ -3,10 +3,15 @@
 #include "kroui/ui/UI_NodeBuilder.h"
 #include "qocui/controls/AudioComponentEditorViewBase.h"
 
+#include <optional>
 #include <string>
 
 namespace kroui::utility {
 class ResourceManager;
+}
+
+namespace qoc::components {
+class GenericParameterInfo;
 }
 
 namespace qocui::controls {
@@ -44,6 +49,16 @@ protected:
         return dynamic_cast<Node*>(FindNamedNode(id));
     }
     kroui::ui::UI_Node* FindNamedNode(std::string_view id) const;
+
+    // A parameter's value in its unit, and a value in the unit as it is stored; nothing if the filter does not describe
+    // the parameter.
+    std::optional<float> GetNatural(int parameterIndex) const;
+    std::optional<float> ToNormalised(int parameterIndex, double natural) const;
+    // The description with the bounds; null for filters that describe themselves otherwise.
+    const qoc::components::GenericParameterInfo* GetGenericInfo(int parameterIndex) const;
+    // A switch is on from 0.5 on; it is stored as 0 or 1.
+    bool IsOn(int parameterIndex) const;
+    static float Stored(bool on) { return on ? 1.0F : 0.0F; }
 
 private:
     std::string fResourceName;

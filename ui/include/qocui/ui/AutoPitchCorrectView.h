@@ -3,7 +3,6 @@
 #include "qocui/controls/AudioComponentEditorXMLView.h"
 
 #include <cstdint>
-#include <optional>
 
 namespace kroui::controls {
 class UI_ControlChangedMessage;
@@ -13,9 +12,6 @@ class UI_InteractiveControlChangedMessage;
 class UI_Popup;
 class UI_StaticText;
 } // namespace kroui::controls
-namespace qoc::components {
-class GenericParameterInfo;
-}
 namespace uit::controls {
 class UI_EditNumber;
 }
@@ -67,11 +63,6 @@ private:
     void OnCalibrationChangedInteractively(kroui::controls::UI_InteractiveControlChangedMessage* message);
     void OnEditNumberChangedInteractively(kroui::controls::UI_InteractiveControlChangedMessage* message);
 
-    // Null when the filter describes the parameter in another way, or not at all.
-    const qoc::components::GenericParameterInfo* GetGenericInfo(int index);
-    // The parameter's present value in its unit; nothing when the filter does not describe it.
-    std::optional<float> GetNatural(int index);
-    std::optional<float> ToNormalised(int index, double natural);
     void ShowItem(kroui::controls::UI_Popup* popup, int index, std::int32_t itemCount);
     void ShowNatural(uit::controls::UI_EditNumber* slider, int index);
     // Notes of all keys are the same in the chromatic scale.

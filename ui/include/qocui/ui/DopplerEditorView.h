@@ -69,7 +69,6 @@ private:
 
     // The field of one of the five natural parameters; null if the archive lacks it.
     HotText* FieldOf(int parameterIndex) const;
-    bool IsOn(int parameterIndex);
 
     DopplerGraph* fGraph = nullptr;
     kroui::controls::UI_RadioButton* fStraightLine = nullptr;
