@@ -97,7 +97,14 @@ void AudioFilter::RemoveListener(AudioFilterListener& listener) {
     }
 }
 
-bool AudioFilter::GetMagnitudeResponse(std::size_t /*count*/, std::vector<float>& /*decibels*/) const {
+double FrequencyAxis::HertzAt(std::size_t index, std::size_t count) const {
+    if (count < 2) return start;
+    const double place = static_cast<double>(index) / static_cast<double>(count - 1);
+    return logarithmic ? start * std::pow(end / start, place) : start + place * (end - start);
+}
+
+bool AudioFilter::GetMagnitudeResponse(std::size_t /*count*/, const FrequencyAxis& /*axis*/,
+                                       std::vector<float>& /*decibels*/) const {
     return false;
 }
 

@@ -24,6 +24,16 @@ struct AudioFilterBlock {
     std::size_t frames = 0;
 };
 
+// Frequencies evenly spaced on a linear or logarithmic axis, first and last at its ends.
+struct FrequencyAxis {
+    double start = 0; // hertz; above 0 when logarithmic
+    double end = 0;   // hertz
+    bool logarithmic = false;
+
+    // Hertz of place `index` of `count`; the start if there is only one.
+    double HertzAt(std::size_t index, std::size_t count) const;
+};
+
 // One instance of an audio effect: numbered parameters, buses, and the processing. Shared by the engine that runs it
 // and the panel that shows it.
 //
@@ -77,10 +87,9 @@ public:
     // Null when the filter runs without a host.
     AudioFilterHost* GetAudioFilterHost() const noexcept { return fHost; }
 
-    // Response in decibels at `count` frequencies, evenly spaced from 0 Hz (the first) to half the sample rate (the
-    // last), as the processing works with the present parameters. False, with the vector untouched, when the effect
-    // has none or `count` is 0.
-    virtual bool GetMagnitudeResponse(std::size_t count, std::vector<float>& decibels) const;
+    // Response in decibels at `count` places along a frequency axis, as the processing works with the present
+    // parameters. False, with the vector untouched, when the effect has none or `count` is 0.
+    virtual bool GetMagnitudeResponse(std::size_t count, const FrequencyAxis& axis, std::vector<float>& decibels) const;
     // `size` samples of a curve that a panel shows; which curves there are, and their scales, is for each effect to
     // say. False, with the vector untouched, when there is no such curve or `size` is 0.
     virtual bool GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const;
