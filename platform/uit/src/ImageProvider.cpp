@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace uit {
 
@@ -51,6 +52,8 @@ kroui::limner::ImagePtr ImageProvider::ProvideImage(const krocore::string8& name
 }
 
 kroui::limner::ImagePtr ImageProvider::Decoded(const std::string& resourceName, float scale) {
+    const std::uint32_t generation = krocore::ResourceGeneration();
+    if (std::exchange(fGeneration, generation) != generation) fDecoded.clear();
     const auto [entry, isNew] = fDecoded.try_emplace(resourceName);
     if (isNew) {
         const auto bytes = fResources->GetResource(resourceName, kResourceType);

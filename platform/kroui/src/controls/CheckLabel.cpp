@@ -1,5 +1,10 @@
 #include "CheckLabel.h"
 
+#include "kroui/controls/TextMeasure.h"
+
+#include <algorithm>
+#include <cmath>
+
 namespace kroui::controls::drawing {
 
 namespace {
@@ -23,6 +28,11 @@ MarkColors ColorsOfMark(const UI_Button& button, bool filledWhenOn) {
 Rect MarkRect(const UI_Button& button, const PixelGrid& grid, float side) {
     const Rect area = button.UI_GetLocalRect().Offset(button.ContentOffsetX(), button.ContentOffsetY());
     return grid.Square({area.left + kHaloWidth + side / 2, area.Centre().y}, side);
+}
+
+Size NaturalMarkSize(const UI_Button& button, float side, std::u16string_view text, float fontSize) {
+    const float width = kHaloWidth + std::ceil(side) + (text.empty() ? kHaloWidth : kTextGap);
+    return {width + TextWidth(button, text, {fontSize}), std::max(kRowHeight, side + 2 * kHaloWidth)};
 }
 
 void DrawMarkText(limner::Limner& context, const UI_Button& button, const Rect& mark, std::u16string_view text,

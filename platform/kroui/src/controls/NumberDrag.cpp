@@ -16,9 +16,10 @@ float NumberDrag::MoveTo(Point point) {
     const float fromPress = std::max(std::abs(point.x - fPress.x), std::abs(point.y - fPress.y));
     fHasMoved = fHasMoved || fromPress >= kPlay;
     if (!fHasMoved) return 0;
-    const float moved = (point.x - fLast.x) - (point.y - fLast.y);
+    const float right = fDirection == Direction::kVertical ? 0 : point.x - fLast.x;
+    const float up = fDirection == Direction::kHorizontal ? 0 : fLast.y - point.y;
     fLast = point;
-    return moved;
+    return right + up;
 }
 
 double NumberDrag::Travel(double stepCount) {

@@ -4,12 +4,16 @@
 #include "krocore/NumberFormat.h"
 #include "kroui/ui/UI_Window.h"
 
+#include <algorithm>
+
 namespace kroui::controls {
 
 using Finish = UI_TextField::Finish;
 
 NumberEntry::~NumberEntry() {
-    if (fField) fField->SetFinishHandler({});
+    if (!fField) return;
+    fField->SetFinishHandler({});
+    if (fField->UI_GetWindow()) fField->UI_GetWindow()->HideOverlay(fField.get());
 }
 
 void NumberEntry::Open(const Rect& frame, std::u16string_view text, std::u16string_view unit, const limner::Font& font,
@@ -23,8 +27,8 @@ void NumberEntry::Open(const Rect& frame, std::u16string_view text, std::u16stri
     fField->SetAlignment(alignment);
     fField->SetText(text);
     fField->SetError({});
-    fField->UI_SetFrame(frame);
-    fField->UI_Show(true);
+    PlaceField(frame);
+    fIsOpen = true;
     fField->UI_TakeFocus();
     fField->SelectAll();
     fNode.UI_Invalidate();
@@ -34,8 +38,9 @@ void NumberEntry::Close() {
     if (!IsOpen()) return;
     const boost::intrusive_ptr<ui::UI_Node> keepAlive(&fNode);
     fField->SetError({});
+    fIsOpen = false;
     if (fField->UI_HasFocus()) fNode.UI_TakeFocus();
-    fField->UI_Show(false);
+    RemoveField();
     fNode.UI_Invalidate();
 }
 
@@ -46,16 +51,41 @@ bool NumberEntry::IsNumberStart(std::u16string_view text) {
 
 void NumberEntry::MakeField() {
     fField = boost::intrusive_ptr<UI_TextField>(new UI_TextField);
-    fField->UI_Show(false);
     fField->SetFinishHandler([this](Finish finish) { OnFinish(finish); });
-    fNode.ChildPushBack(fField);
+}
+
+// A field that is wider than its number's control would lie behind the control's neighbours.
+void NumberEntry::PlaceField(const Rect& frame) {
+    const Rect own = fNode.UI_GetLocalRect();
+    const bool fits = frame.left >= own.left && frame.Right() <= own.Right();
+    if (fits) {
+        fField->SetTheme(nullptr);
+        fField->UI_SetFrame(frame);
+        fNode.ChildPushBack(fField);
+        return;
+    }
+    const Point origin = fNode.UI_LocalToWindow({});
+    Rect inWindow = frame.Offset(origin.x, origin.y);
+    const float rightmost = std::max(0.0F, fNode.UI_GetWindow()->GetSize().width - inWindow.width);
+    inWindow.left = std::clamp(inWindow.left, 0.0F, rightmost);
+    fField->SetTheme(&fNode.GetTheme());
+    fNode.UI_GetWindow()->ShowOverlay(fField, inWindow, false);
+}
+
+void NumberEntry::RemoveField() {
+    if (fField->UI_GetParent()) {
+        fField->UI_Invalidate();
+        fNode.ChildRemove(fField.get());
+    } else if (fField->UI_GetWindow()) {
+        fField->UI_GetWindow()->HideOverlay(fField.get());
+    }
 }
 
 void NumberEntry::OnFinish(Finish finish) {
     if (!IsOpen()) return;
     const boost::intrusive_ptr<ui::UI_Node> keepAlive(&fNode);
-    double value = 0;
-    const bool isNumber = Read(value);
+    const std::optional<double> value = Read();
+    const bool isNumber = value.has_value();
     const bool isChanged = fField->GetText() != fTextBefore;
     const bool isLeft = finish == Finish::kEscape || finish == Finish::kFocusLost;
     if (!isNumber && isChanged && !isLeft) {
@@ -63,15 +93,13 @@ void NumberEntry::OnFinish(Finish finish) {
         return;
     }
     Close();
-    if (finish != Finish::kEscape && isNumber && isChanged) fGesture.SetOnce(value);
+    if (finish != Finish::kEscape && isNumber && isChanged) fGesture.SetOnce(*value);
     const bool isTab = finish == Finish::kTab || finish == Finish::kBackTab;
     if (isTab && fNode.UI_GetWindow()) fNode.UI_GetWindow()->MoveFocus(finish == Finish::kTab);
 }
 
-bool NumberEntry::Read(double& value) const {
-    const std::optional<double> typed = krocore::ParseTypedNumber(fField->GetText(), fUnit);
-    value = typed.value_or(0);
-    return typed.has_value();
+std::optional<double> NumberEntry::Read() const {
+    return fReader ? fReader(fField->GetText()) : krocore::ParseTypedNumber(fField->GetText(), fUnit);
 }
 
 void NumberEntry::ShowError() {

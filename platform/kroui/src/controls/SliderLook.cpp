@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
+#include <utility>
 
 namespace kroui::controls {
 
@@ -15,7 +17,11 @@ constexpr float kKnobDiameter = 16;
 constexpr float kKnobLine = 1.5F;
 constexpr float kDotDiameter = 6;
 constexpr float kVerticalKnobRadius = 4;
-constexpr float kVerticalMarkWidth = 12;
+constexpr float kHorizontalCapLength = 16; // as far across the track as the disc
+constexpr float kMarkMargin = 4;           // from the mark to the cap's edges
+constexpr float kArrowWidth = 12;
+constexpr float kArrowLength = 16;
+constexpr float kArrowDotDiameter = 4;
 
 } // namespace
 
@@ -41,8 +47,12 @@ double SliderLook::Fraction(float dx, float dy) const {
 
 Rect SliderLook::KnobRect() const {
     const Point middle = At(position);
-    const float width = vertical ? kVerticalKnobWidth : kKnobDiameter;
-    const float height = vertical ? kVerticalKnobHeight : kKnobDiameter;
+    float width = kKnobDiameter;
+    float height = kKnobDiameter;
+    if (HasCap()) width = vertical ? kVerticalKnobWidth : kHorizontalCapLength, height = kVerticalKnobHeight;
+    if (HasCap() && !vertical) std::swap(width, height);
+    if (arrow != Arrow::kNone) width = kArrowWidth, height = kArrowLength;
+    if (arrow != Arrow::kNone && vertical) std::swap(width, height);
     return {middle.x - width / 2, middle.y - height / 2, width, height};
 }
 
@@ -92,20 +102,68 @@ void SliderLook::DrawTrack(limner::Limner& context, const ui::UI_Node& node) con
 
 void SliderLook::DrawKnob(limner::Limner& context, const ui::UI_Node& node) const {
     const drawing::PixelGrid grid(node, context);
-    const Rect knob = vertical ? grid.Snap(KnobRect()) : grid.Square(At(position), kKnobDiameter);
-    const float radius = vertical ? kVerticalKnobRadius : knob.width / 2;
+    const bool isDisc = arrow == Arrow::kNone && !HasCap();
+    const Rect shape = isDisc ? grid.Square(At(position), kKnobDiameter) : grid.Snap(KnobRect());
     const bool isLit = enabled && (hovered || pressed || focused);
     const int line = isLit ? ui::kColorAccent : enabled ? ui::kColorKnobLine : ui::kColorDisabledText;
-    context.FillRoundRect(knob, radius, node.GetColor(ui::kColorKnob));
-    context.FrameRoundRect(knob, radius, node.GetColor(line), grid.Line(kKnobLine));
+    const limner::Color fill = node.GetColor(ui::kColorKnob);
+    const float width = grid.Line(kKnobLine);
+    if (arrow != Arrow::kNone) {
+        DrawArrow(context, shape, fill, {.color = node.GetColor(line), .width = width});
+    } else {
+        const float radius = HasCap() ? kVerticalKnobRadius : shape.width / 2;
+        context.FillRoundRect(shape, radius, fill);
+        context.FrameRoundRect(shape, radius, node.GetColor(line), width);
+    }
+    DrawMark(context, node, shape);
+}
+
+// A pentagon: a box with a tip towards the marks.
+void SliderLook::DrawArrow(limner::Limner& context, const Rect& knob, const limner::Color& fill,
+                           const limner::Pen& line) const {
+    const Rect box = knob.Inset(line.width / 2, line.width / 2);
+    const float along = vertical ? box.height : box.width;
+    const float across = vertical ? box.width : box.height;
+    const float start = vertical ? box.top : box.left;
+    const bool isUpLeft = arrow == Arrow::kUpLeft;
+    const float base = (vertical ? box.left : box.top) + (isUpLeft ? across : 0);
+    const float inwards = isUpLeft ? -1.0F : 1.0F;
+    const auto at = [&](float a, float c) {
+        const float first = start + a * along;
+        const float second = base + inwards * c * across;
+        return vertical ? Point{second, first} : Point{first, second};
+    };
+    constexpr float kShoulder = 0.55F; // where the tip begins
+    const Point corners[] = {at(0, 0), at(1, 0), at(1, kShoulder), at(0.5F, 1), at(0, kShoulder)};
+    const auto outline = [&] {
+        context.NewPath();
+        context.MoveTo(corners[0].x, corners[0].y);
+        for (const Point corner : std::span(corners).subspan(1))
+            context.LineTo(corner.x, corner.y);
+        context.ClosePath();
+    };
+    outline();
+    context.Fill({fill});
+    outline();
+    limner::Pen pen = line;
+    pen.join = limner::LineJoin::kRound;
+    context.Stroke(pen);
+}
+
+// What tells a cap's middle, and a knob that is held or has the focus.
+void SliderLook::DrawMark(limner::Limner& context, const ui::UI_Node& node, const Rect& shape) const {
+    const drawing::PixelGrid grid(node, context);
     const bool isMarked = enabled && (pressed || focused);
-    if (vertical) {
-        const float middle = grid.Y(knob.Centre().y) - grid.Line() / 2;
-        const Rect mark{knob.Centre().x - kVerticalMarkWidth / 2, grid.Y(middle), kVerticalMarkWidth, grid.Line()};
+    if (arrow == Arrow::kNone && HasCap()) {
+        const float line = grid.Line();
+        const Point middle = shape.Centre();
+        const float half = (vertical ? shape.width : shape.height) / 2 - kMarkMargin;
+        const Rect mark = vertical ? Rect{middle.x - half, grid.Y(middle.y - line / 2), 2 * half, line}
+                                   : Rect{grid.X(middle.x - line / 2), middle.y - half, line, 2 * half};
         const int color = isMarked ? ui::kColorAccent : enabled ? ui::kColorText : ui::kColorDisabledText;
         context.FillRect(grid.Snap(mark), node.GetColor(color));
     } else if (isMarked) {
-        const Rect dot = grid.Square(knob.Centre(), kDotDiameter);
+        const Rect dot = grid.Square(shape.Centre(), arrow == Arrow::kNone ? kDotDiameter : kArrowDotDiameter);
         context.FillRoundRect(dot, dot.width / 2, node.GetColor(ui::kColorAccent));
     }
 }

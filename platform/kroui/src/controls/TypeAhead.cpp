@@ -30,6 +30,11 @@ bool BeginsWith(std::u16string_view text, std::u16string_view folded) {
 
 } // namespace
 
+bool TypeAhead::Contains(std::u16string_view text, std::u16string_view part) {
+    const auto isSame = [](char16_t a, char16_t b) { return Folded(a) == Folded(b); };
+    return std::search(text.begin(), text.end(), part.begin(), part.end(), isSame) != text.end() || part.empty();
+}
+
 bool TypeAhead::IsOneLetterRepeated() const {
     return std::all_of(fTyped.begin(), fTyped.end(), [this](char16_t c) { return c == fTyped.front(); });
 }

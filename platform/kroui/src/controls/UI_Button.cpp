@@ -212,27 +212,28 @@ float UI_Button::AccentOfState() const {
 }
 
 UI_Button::Face UI_Button::FaceOfState() const {
-    return {AccentOfState(), IsEnabled() && (IsHovered() || fPressed), ShowsFocus() && !fPressed};
+    return {AccentOfState(), IsEnabled() && (IsHovered() || fPressed), ShowsFocus() && !fPressed, false};
 }
 
 void UI_Button::DrawFace(limner::Limner& context, const Face& face) const {
     const drawing::PixelGrid grid(*this, context);
     const Rect rect = grid.Snap(UI_GetLocalRect());
+    const float corner = face.isRound ? rect.height / 2 : fCornerRadius;
     const limner::Color ground = GetColor(face.hot ? ui::kColorRaisedHover : ui::kColorRaised);
     const limner::Color accent = GetColor(ui::kColorAccent);
-    if (face.accent < 1) context.FillRoundRect(rect, fCornerRadius, ground);
-    if (face.accent > 0) context.FillRoundRect(rect, fCornerRadius, accent.WithAlpha(face.accent));
+    if (face.accent < 1) context.FillRoundRect(rect, corner, ground);
+    if (face.accent > 0) context.FillRoundRect(rect, corner, accent.WithAlpha(face.accent));
 
     const float outline = grid.Line(fStrokeSize1);
     const float ring = grid.Line(fStrokeSize2);
     if (face.focused && face.IsLit()) {
         // On the accent the ring stands inside, in the colour of what is written there.
-        const float radius = std::max(0.0F, fCornerRadius - ring);
+        const float radius = std::max(0.0F, corner - ring);
         context.FrameRoundRect(rect.Inset(ring, ring), radius, GetColor(ui::kColorAccentText), outline);
     } else if (face.focused) {
-        context.FrameRoundRect(rect, fCornerRadius, accent, ring);
+        context.FrameRoundRect(rect, corner, accent, ring);
     } else if (!face.IsLit() && outline > 0) {
-        context.FrameRoundRect(rect, fCornerRadius, face.hot ? accent : GetColor(ui::kColorLine), outline);
+        context.FrameRoundRect(rect, corner, face.hot ? accent : GetColor(ui::kColorLine), outline);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "kroui/controls/UI_Checkbox.h"
 
 #include "CheckLabel.h"
+#include "kroui/controls/TextMeasure.h"
 #include "kroui/ui/AdapterRegistry.h"
 
 namespace kroui::controls {
@@ -40,6 +41,14 @@ void UI_Checkbox::SetFontSize(float size) {
 
 void UI_Checkbox::SetCheckSize(float size) {
     if (Assign(fCheckSize, drawing::Bounded(size, kSmallestBox, kLargestBox))) UI_Invalidate();
+}
+
+Size UI_Checkbox::UI_GetNaturalSize() const {
+    return drawing::NaturalMarkSize(*this, fCheckSize, fText.Text(), fFontSize);
+}
+
+float UI_Checkbox::UI_GetBaseline() const {
+    return CentredBaseline(*this, UI_GetNaturalSize().height, {fFontSize});
 }
 
 void UI_Checkbox::UI_Draw(limner::Limner* context) {

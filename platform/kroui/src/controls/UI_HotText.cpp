@@ -1,6 +1,7 @@
 #include "kroui/controls/UI_HotText.h"
 
 #include "ControlDrawing.h"
+#include "kroui/controls/TextMeasure.h"
 
 #include "kroui/ui/AdapterRegistry.h"
 
@@ -47,6 +48,20 @@ void UI_HotText::SetNumberAlignment(int alignment) {
     const bool isKnown = alignment >= 0 && alignment <= static_cast<int>(limner::TextAlignment::kRight);
     const auto wanted = isKnown ? static_cast<limner::TextAlignment>(alignment) : limner::TextAlignment::kLeft;
     if (drawing::Assign(fAlignment, wanted)) UI_Invalidate();
+}
+
+Size UI_HotText::UI_GetNaturalSize() const {
+    const krocore::string8& unit = fTextLabel.Reference();
+    const float unitWidth = unit.empty() ? 0 : HotTextLook::kUnitGap + TextWidth(*this, fTextLabel.Text(), fFont);
+    return {NaturalTextWidth() + unitWidth + 2 * HotTextLook::kPadding, kRowHeight};
+}
+
+float UI_HotText::UI_GetBaseline() const {
+    return CentredBaseline(*this, kRowHeight, fFont);
+}
+
+float UI_HotText::NaturalTextWidth() const {
+    return TextWidth(*this, ShownText(), fFont);
 }
 
 void UI_HotText::UI_Draw(limner::Limner* context) {

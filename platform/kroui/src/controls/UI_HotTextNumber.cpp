@@ -1,6 +1,9 @@
 #include "kroui/controls/UI_HotTextNumber.h"
 
+#include "kroui/controls/TextMeasure.h"
 #include "kroui/ui/AdapterRegistry.h"
+
+#include <algorithm>
 
 namespace kroui::controls {
 
@@ -26,12 +29,30 @@ constexpr ui::PropertyRow FormatRow(std::string_view key) {
 
 } // namespace
 
-UI_HotTextNumber::UI_HotTextNumber() = default;
+UI_HotTextNumber::UI_HotTextNumber() {
+    fEntry.SetReader([this](std::u16string_view typed) { return ReadEntry(typed); });
+}
+
+krocore::string16 UI_HotTextNumber::EntryText() const {
+    constexpr std::uint32_t kWithoutPadding = krocore::kFormatNoTrailingZeros | krocore::kFormatNoLocalization;
+    return krocore::FormatNumber(GetValue(), GetDecimalPlaces(), GetFormatFlags() & kWithoutPadding);
+}
+
+std::optional<double> UI_HotTextNumber::ReadEntry(std::u16string_view typed) const {
+    return krocore::ParseTypedNumber(typed, GetTextLabel());
+}
+
+float UI_HotTextNumber::NaturalTextWidth() const {
+    float widest = 0;
+    for (const double bound : {GetMinValue(), GetMaxValue()})
+        widest = std::max(widest, TextWidth(*this, FormatOf(bound), GetFont()));
+    return widest;
+}
 
 void UI_HotTextNumber::UI_Draw(limner::Limner* context) {
     const limner::SupplierInterface* const supplier = UI_GetDrawSupplier();
     if (!supplier) return;
-    const krocore::string16 text = FormatValue();
+    const krocore::string16 text = ShownText();
     HotTextLook look = Look(text);
     look.hovered = look.hovered || fGesture.IsDragging();
     const HotTextLook::Places places = look.PlaceIn(UI_GetLocalRect(), *supplier);
@@ -116,7 +137,7 @@ ui::AccessibleInfo UI_HotTextNumber::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_HotText::UI_GetAccessibleInfo();
     info.role = ui::Role::kNumber;
     info.name = fName;
-    info.value = FormatValue();
+    info.value = ShownText();
     if (!GetTextLabel().empty()) info.value.append(u" ").append(GetTextLabel());
     return info;
 }
@@ -167,13 +188,10 @@ bool UI_HotTextNumber::OpenEntry() {
     const limner::SupplierInterface* const supplier = UI_GetDrawSupplier();
     if (!fNumericInput || !supplier || !UI_IsAttached()) return false;
     SettleGesture();
-    const krocore::string16 shown = FormatValue();
+    const krocore::string16 shown = ShownText();
     const HotTextLook::Places places = Look(shown).PlaceIn(UI_GetLocalRect(), *supplier);
     const Rect frame = HotTextLook::FieldFrame(UI_GetLocalRect(), places, Alignment());
-    constexpr std::uint32_t kWithoutPadding = krocore::kFormatNoTrailingZeros | krocore::kFormatNoLocalization;
-    const std::uint32_t flags = GetFormatFlags() & kWithoutPadding;
-    fEntry.Open(frame, krocore::FormatNumber(GetValue(), GetDecimalPlaces(), flags), GetTextLabel(), GetFont(),
-                Alignment());
+    fEntry.Open(frame, EntryText(), GetTextLabel(), GetFont(), Alignment());
     return true;
 }
 

@@ -1,6 +1,6 @@
 #include "kroui/controls/UI_Menu.h"
 
-#include "ControlDrawing.h"
+#include "MenuMeasures.h"
 #include "kroui/ui/UI_NodeManager.h"
 
 #include <algorithm>
@@ -12,23 +12,9 @@ namespace kroui::controls {
 using ui::Key;
 using ui::MouseEvent;
 
-namespace {
+using namespace menu;
 
-// Measures in view units.
-constexpr float kShadow = 8;       // around the panel
-constexpr float kWindowMargin = 4; // between panel and window edge
-constexpr float kAnchorGap = 2;    // between anchor and panel below or above it
-constexpr float kPanelRadius = 6;  //
-constexpr float kPadding = 4;      // between panel edge and rows
-constexpr float kRowRadius = 3;    //
-constexpr float kTextLeft = 26;    // text from the panel's edge; the mark stands before it
-constexpr float kTextRight = 16;   //
-constexpr float kMarkSize = 14;    //
-constexpr float kSeparatorHeight = 9;
-constexpr float kLeastRowHeight = 22;
-constexpr float kRowLead = 10; // row height above font size
-constexpr float kArrowStripHeight = 16;
-constexpr float kArrowWidth = 8;
+namespace {
 
 // A release within this time and distance of the press that opened the menu leaves it open.
 constexpr double kClickSeconds = 0.5;
@@ -47,17 +33,22 @@ float RoundedToPixel(float value, float scale) {
 
 } // namespace
 
+void UI_Menu::SetImages(ImageSupplier supplier, Size size) {
+    fImageSupplier = std::move(supplier);
+    fImageSize = size;
+}
+
 void UI_Menu::OpenOver(ui::UI_Window& window, const Rect& anchor, float textInset, ClosedHandler closed) {
-    if (!CanChoose(fMarked)) return OpenBelow(window, anchor, std::move(closed));
+    if (!CanChoose(fMarked) || fIsSearchable) return OpenBelow(window, anchor, std::move(closed));
     if (!Prepare(window, std::move(closed))) return;
     fAnchor = anchor;
     const Size room = window.GetSize();
-    const float width = std::max(WidthOfItems(window.Supplier()), anchor.width - textInset + kTextLeft);
-    const float height = std::min(ContentHeight() + 2 * kPadding, room.height - 2 * kWindowMargin);
-    const float left = anchor.left + textInset - kTextLeft;
+    const float width = std::max(WidthOfItems(window.Supplier()), anchor.width - textInset + TextLeft());
+    const float height = std::min(PanelHeight(), room.height - 2 * kWindowMargin);
+    const float left = anchor.left + textInset - TextLeft();
     const float markedCentre = kPadding + (fTops[fMarked] + fTops[fMarked + 1]) / 2;
     const float wantedTop = anchor.Centre().y - markedCentre;
-    const bool scrolls = ContentHeight() + 2 * kPadding > height;
+    const bool scrolls = PanelHeight() > height;
     const float top = scrolls ? kWindowMargin : wantedTop;
     fScroll = scrolls ? top - wantedTop : 0;
     Show(window, {left, top, width, height});
@@ -67,22 +58,27 @@ void UI_Menu::OpenBelow(ui::UI_Window& window, const Rect& anchor, ClosedHandler
     if (!Prepare(window, std::move(closed))) return;
     fAnchor = anchor;
     const Size room = window.GetSize();
-    const float wanted = ContentHeight() + 2 * kPadding;
+    const float wanted = PanelHeight();
     const float below = room.height - kWindowMargin - anchor.Bottom() - kAnchorGap;
     const float above = anchor.top - kAnchorGap - kWindowMargin;
     const bool goesUp = below < wanted && above > below;
     // Where neither side has room for some rows, the menu may cover its anchor.
     const float side = goesUp ? above : below;
-    const float height = side >= std::min(wanted, 4 * RowHeight()) ? std::min(wanted, side) : wanted;
+    const float height = side >= std::min(wanted, HeaderHeight() + 4 * RowHeight()) ? std::min(wanted, side) : wanted;
     const float top = goesUp ? anchor.top - kAnchorGap - height : anchor.Bottom() + kAnchorGap;
     Show(window, {anchor.left, top, std::max(WidthOfItems(window.Supplier()), anchor.width), height});
 }
 
 bool UI_Menu::Prepare(ui::UI_Window& window, ClosedHandler closed) {
     if (IsOpen() || fItems.empty() || window.GetSize().height <= 2 * kWindowMargin + RowHeight()) return false;
-    fTops.assign(1, 0);
-    for (const Item& item : fItems)
-        fTops.push_back(fTops.back() + (item.separator ? kSeparatorHeight : RowHeight()));
+    fImages.clear();
+    for (const Item& item : fItems) {
+        if (!fImageSupplier) break;
+        fImages.emplace_back().SetSupplier(fImageSupplier);
+        fImages.back().SetName(item.image);
+    }
+    if (fSearchField) fSearchField->SetText({});
+    PlaceItems();
     fClosed = std::move(closed);
     fScroll = 0;
     fHighlighted = CanChoose(fMarked) ? fMarked : -1;
@@ -106,13 +102,15 @@ void UI_Menu::Show(ui::UI_Window& window, const Rect& panel) {
     window.ShowOverlay(this, frame, true);
     fScroll = std::clamp(fScroll, 0.0F, MostScroll());
     if (fHighlighted >= 0) ScrollToItem(fHighlighted);
+    if (fIsSearchable) ShowSearchField(window);
 }
 
 float UI_Menu::WidthOfItems(const limner::SupplierInterface& supplier) const {
     float widest = 0;
     for (const Item& item : fItems)
         widest = std::max(widest, supplier.MeasureText(item.text, {fFontSize}).width);
-    return std::ceil(widest) + kTextLeft + kTextRight;
+    if (fIsSearchable) widest = std::max(widest, kFewestCharacters * supplier.MeasureText(u"0", {fFontSize}).width);
+    return std::ceil(widest) + TextLeft() + kTextRight;
 }
 
 void UI_Menu::Close() {
@@ -128,7 +126,10 @@ void UI_Menu::Finish(int item) {
     const ClosedHandler closed = std::move(fClosed);
     fClosed.clear();
     fHeldFrom.reset();
-    if (UI_IsAttached()) UI_GetWindow()->HideOverlay(this);
+    if (UI_IsAttached()) {
+        ReturnFocus();
+        UI_GetWindow()->HideOverlay(this);
+    }
     if (closed) closed(item);
 }
 
@@ -136,6 +137,7 @@ void UI_Menu::UI_NodeChanged(NodeChange change) {
     UI_Node::UI_NodeChanged(change);
     if (change != kDetaching) return;
     SetAutoScroll(0);
+    ReturnFocus();
     // Taken away by somebody else: the handler is still there.
     if (!fClosed) return;
     const ClosedHandler closed = std::move(fClosed);
@@ -144,7 +146,20 @@ void UI_Menu::UI_NodeChanged(NodeChange change) {
 }
 
 float UI_Menu::RowHeight() const {
-    return std::max(kLeastRowHeight, std::ceil(fFontSize + kRowLead));
+    const float image = fImageSupplier ? fImageSize.height + 2 * kImageMargin : 0;
+    return std::max({kLeastRowHeight, std::ceil(fFontSize + kRowLead), image});
+}
+
+float UI_Menu::TextLeft() const {
+    return fImageSupplier && fImageSize.width > 0 ? kTextLeft + fImageSize.width + kImageGap : kTextLeft;
+}
+
+float UI_Menu::HeaderHeight() const {
+    return fIsSearchable ? kSearchHeight + kSearchGap : 0;
+}
+
+float UI_Menu::PanelHeight() const {
+    return HeaderHeight() + ContentHeight() + 2 * kPadding;
 }
 
 Rect UI_Menu::Panel() const {
@@ -152,7 +167,8 @@ Rect UI_Menu::Panel() const {
 }
 
 Rect UI_Menu::ListArea() const {
-    return Panel().Inset(kPadding, kPadding);
+    const Rect inside = Panel().Inset(kPadding, kPadding);
+    return {inside.left, inside.top + HeaderHeight(), inside.width, inside.height - HeaderHeight()};
 }
 
 float UI_Menu::MostScroll() const {
@@ -178,7 +194,8 @@ Rect UI_Menu::ArrowStrip(int direction) const {
 }
 
 bool UI_Menu::CanChoose(int item) const {
-    return item >= 0 && item < static_cast<int>(fItems.size()) && fItems[item].enabled && !fItems[item].separator;
+    if (item < 0 || item >= static_cast<int>(fItems.size())) return false;
+    return fItems[item].enabled && !fItems[item].separator && !IsFiltered(item);
 }
 
 int UI_Menu::ItemAt(Point point) const {
@@ -309,6 +326,7 @@ void UI_Menu::Wheel(float notches) {
 
 bool UI_Menu::UI_DoKeyEvent(const ui::KeyEvent& event) {
     const boost::intrusive_ptr<UI_Menu> keepAlive(this);
+    if (fIsSearchable && DoSearchKey(event)) return true;
     if (event.Has(ui::kCommand)) return true;
     const double now = ui::UI_NodeManager::Get().Now();
     if (event.key == Key::kSpace && fTypeAhead.IsTyping(now)) {
@@ -338,6 +356,7 @@ void UI_Menu::HandleKey(Key key) {
 }
 
 bool UI_Menu::UI_DoTextEvent(const ui::TextEvent& event) {
+    if (fIsSearchable) return fSearchField->UI_DoTextEvent(event);
     // The space bar comes as a key too, and is taken there.
     if (event.text != u" ") Search(event.text);
     return true;
@@ -349,66 +368,6 @@ void UI_Menu::Search(std::u16string_view typed) {
     };
     HighlightByKey(
         fTypeAhead.Type(typed, ui::UI_NodeManager::Get().Now(), fHighlighted, static_cast<int>(fItems.size()), textOf));
-}
-
-void UI_Menu::UI_Draw(limner::Limner* context) {
-    const Rect panel = Panel();
-    DrawShadow(*context, panel);
-    context->FillRoundRect(panel, kPanelRadius, GetColor(ui::kColorMenu));
-    const drawing::PixelGrid grid(*this, *context);
-    context->FrameRoundRect(panel, kPanelRadius, GetColor(ui::kColorLine), grid.Line());
-
-    context->Save();
-    context->ClipRect(ListArea());
-    const Rect seen = context->ClipBounds();
-    for (int i = 0; i < static_cast<int>(fItems.size()); ++i)
-        if (RowRect(i).Intersects(seen)) DrawRow(*context, i);
-    DrawArrow(*context, -1);
-    DrawArrow(*context, 1);
-    context->Restore();
-}
-
-void UI_Menu::DrawShadow(limner::Limner& context, const Rect& panel) const {
-    // Rounded boxes on top of each other make a soft edge; it falls a little downwards.
-    constexpr int kLayers = 8;
-    constexpr float kStrength = 0.8F;
-    const limner::Color shadow = GetColor(ui::kColorShadow);
-    for (int i = 1; i <= kLayers; ++i) {
-        const float spread = kShadow * static_cast<float>(i) / kLayers;
-        const Rect layer{panel.left - spread, panel.top - spread / 2, panel.width + 2 * spread,
-                         panel.height + spread * 3 / 2};
-        context.FillRoundRect(layer, kPanelRadius + spread, shadow.WithAlpha(shadow.alpha * kStrength / kLayers));
-    }
-}
-
-void UI_Menu::DrawRow(limner::Limner& context, int index) const {
-    const Item& item = fItems[index];
-    const drawing::PixelGrid grid(*this, context);
-    const Rect row = grid.Snap(RowRect(index));
-    if (item.separator) {
-        const float line = grid.Line();
-        context.FillRect({row.left, grid.Y(row.Centre().y - line / 2), row.width, line}, GetColor(ui::kColorLine));
-        return;
-    }
-    const bool isHighlighted = index == fHighlighted;
-    if (isHighlighted) context.FillRoundRect(row, kRowRadius, GetColor(ui::kColorAccent));
-    const limner::Color color = GetColor(isHighlighted  ? ui::kColorAccentText
-                                         : item.enabled ? ui::kColorText
-                                                        : ui::kColorDisabledText);
-    const float textLeft = Panel().left + kTextLeft;
-    if (index == fMarked) {
-        const Point centre{(row.left + textLeft) / 2, row.Centre().y};
-        drawing::DrawCheckMark(context, grid.Square(centre, kMarkSize), color);
-    }
-    context.DrawText(item.text, {fFontSize}, color, {textLeft, row.top, row.Right() - textLeft - kPadding, row.height},
-                     {limner::TextAlignment::kLeft, limner::TextTruncation::kEnd});
-}
-
-void UI_Menu::DrawArrow(limner::Limner& context, int direction) const {
-    const Rect strip = ArrowStrip(direction);
-    if (strip.IsEmpty()) return;
-    context.FillRect(strip, GetColor(ui::kColorMenu));
-    drawing::DrawChevron(context, strip.Centre(), kArrowWidth, direction, GetColor(ui::kColorDimText));
 }
 
 ui::AccessibleInfo UI_Menu::UI_GetAccessibleInfo() const {

@@ -1,8 +1,11 @@
 #include "kroui/controls/UI_PictureButton.h"
 
 #include "ControlDrawing.h"
+#include "kroui/controls/TextMeasure.h"
 #include "kroui/ui/AdapterRegistry.h"
+#include "kroui/ui/UI_Window.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kroui::controls {
@@ -40,6 +43,11 @@ void UI_PictureButton::SetDisplayBorderNever(bool on) {
 bool UI_PictureButton::ShowsGround(const Face& face) const {
     if (face.focused) return true;
     return !fBorderNever && (fBorderAlways || face.hot || face.accent > 0);
+}
+
+Size UI_PictureButton::UI_GetNaturalSize() const {
+    const Size picture = fImage.PictureSize(IsEnabled(), UI_GetWindow() ? UI_GetWindow()->ScaleFactor() : 1.0F);
+    return {std::max(kRowHeight, picture.width + 2 * kMargin), std::max(kRowHeight, picture.height + 2 * kMargin)};
 }
 
 void UI_PictureButton::UI_Draw(limner::Limner* context) {

@@ -1,8 +1,11 @@
 #include "kroui/controls/UI_PictureTextButton.h"
 
 #include "ControlDrawing.h"
+#include "kroui/controls/TextMeasure.h"
 #include "kroui/ui/AdapterRegistry.h"
+#include "kroui/ui/UI_Window.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kroui::controls {
@@ -15,6 +18,7 @@ namespace {
 
 const ui::AdapterRegistrar<UI_PictureTextButton> sRegistrar("kroui::controls::UI_PictureTextButton");
 
+constexpr float kPictureMargin = 2; // above and below the picture
 constexpr float kLargestFactor = 10;
 constexpr float kLargestDistance = 1000;
 
@@ -92,6 +96,18 @@ void UI_PictureTextButton::DrawContent(limner::Limner& context, const limner::Co
     DrawPicture(context, grid.Snap({pictureLeft, pictureTop, size.width, size.height}));
     context.DrawText(fText.Text(), {}, textColor, {textLeft, area.top, textRight - textLeft, area.height},
                      {limner::TextAlignment::kLeft, limner::TextTruncation::kEnd});
+}
+
+Size UI_PictureTextButton::UI_GetNaturalSize() const {
+    const Size natural = PictureSize(UI_GetWindow() ? UI_GetWindow()->ScaleFactor() : 1.0F);
+    const Size picture{natural.width * fPictureScale.x, natural.height * fPictureScale.y};
+    const float text = TextWidth(*this, fText.Text());
+    const float between = picture.width > 0 && text > 0 ? fSpacing : 0;
+    return {2 * fIndent + picture.width + between + text, std::max(kRowHeight, picture.height + 2 * kPictureMargin)};
+}
+
+float UI_PictureTextButton::UI_GetBaseline() const {
+    return CentredBaseline(*this, UI_GetNaturalSize().height);
 }
 
 void UI_PictureTextButton::UI_Draw(limner::Limner* context) {

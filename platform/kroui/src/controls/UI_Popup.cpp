@@ -1,6 +1,7 @@
 #include "kroui/controls/UI_Popup.h"
 
 #include "ControlDrawing.h"
+#include "kroui/controls/TextMeasure.h"
 #include "kroui/controls/UI_Menu.h"
 #include "kroui/ui/AdapterRegistry.h"
 #include "kroui/ui/UI_NodeManager.h"
@@ -29,7 +30,14 @@ constexpr float kArrowWidth = 8;
 constexpr float kDividerInset = 5;
 constexpr float kDividerOpacity = 0.4F;
 
+constexpr float kImageGap = 8;
+constexpr float kLeastWidth = 60; // of the natural size
+
 constexpr std::string_view kSeparatorReference = "-";
+
+krocore::string16 CustomText() {
+    return krocore::Localize("$$$/kroui/Popup/Custom=Custom");
+}
 
 } // namespace
 
@@ -103,6 +111,32 @@ int UI_Popup::SetValueString(std::u16string_view text, bool select) {
     return item;
 }
 
+void UI_Popup::SetItemImage(int item, std::string_view imageName) {
+    if (item < 0 || item >= GetItemCount()) return;
+    Close();
+    fItems[item].image.SetSupplier(fImageSupplier);
+    if (fItems[item].image.SetName(imageName) && item == fValue) UI_Invalidate();
+}
+
+void UI_Popup::SetImages(ImageSupplier supplier, Size size) {
+    Close();
+    fImageSupplier = std::move(supplier);
+    fImageSize = size;
+    for (Item& item : fItems)
+        item.image.SetSupplier(fImageSupplier);
+    UI_Invalidate();
+}
+
+void UI_Popup::SetIncludesCustomItem(bool include) {
+    if (!Assign(fIncludesCustomItem, include)) return;
+    Close();
+    UI_Invalidate();
+}
+
+krocore::string16 UI_Popup::ShownText() const {
+    return fValue < 0 && fIncludesCustomItem ? CustomText() : GetItemText(fValue);
+}
+
 void UI_Popup::SetDrawDivider(bool on) {
     if (Assign(fDrawDivider, on)) UI_Invalidate();
 }
@@ -125,21 +159,30 @@ void UI_Popup::Open() {
 
 void UI_Popup::OpenMenu(const Point* heldFrom) {
     if (fMenu || fItems.empty() || !IsEnabled() || !UI_IsVisibleInWindow()) return;
-    std::vector<UI_Menu::Item> items;
-    items.reserve(fItems.size());
-    for (const Item& item : fItems)
-        items.push_back({item.text.Text(), item.enabled, item.separator});
     const boost::intrusive_ptr<UI_Menu> menu(new UI_Menu);
-    menu->SetItems(std::move(items));
-    menu->SetMarkedItem(fValue);
-    menu->SetFontSize(fFontSize);
-    menu->SetTheme(&GetTheme());
+    FillMenu(*menu);
     if (heldFrom) menu->SetHeldFrom(UI_LocalToWindow(*heldFrom));
     const Point origin = UI_LocalToWindow({});
-    menu->OpenOver(*UI_GetWindow(), UI_GetLocalRect().Offset(origin.x, origin.y), kTextInset + ContentOffsetX(),
+    const float textInset = kTextInset + (HasImages() ? fImageSize.width + kImageGap : 0);
+    menu->OpenOver(*UI_GetWindow(), UI_GetLocalRect().Offset(origin.x, origin.y), textInset + ContentOffsetX(),
                    [this](int item) { MenuClosed(item); });
     if (menu->IsOpen()) fMenu = menu;
     UI_Invalidate();
+}
+
+// The custom item stands first in the menu.
+void UI_Popup::FillMenu(UI_Menu& menu) const {
+    std::vector<UI_Menu::Item> items;
+    items.reserve(fItems.size() + 1);
+    if (fIncludesCustomItem) items.push_back({CustomText(), fValue < 0, false});
+    for (const Item& item : fItems)
+        items.push_back({item.text.Text(), item.enabled, item.separator, item.image.Name()});
+    menu.SetItems(std::move(items));
+    menu.SetMarkedItem(fIncludesCustomItem ? fValue + 1 : fValue);
+    menu.SetFontSize(fFontSize);
+    menu.SetTheme(&GetTheme());
+    menu.SetSearchable(fIsSearchable);
+    if (HasImages()) menu.SetImages(fImageSupplier, fImageSize);
 }
 
 void UI_Popup::Close() {
@@ -149,7 +192,7 @@ void UI_Popup::Close() {
 void UI_Popup::MenuClosed(int item) {
     fMenu.reset();
     UI_Invalidate();
-    if (item >= 0) ChooseByUser(item);
+    ChooseByUser(fIncludesCustomItem ? item - 1 : item);
 }
 
 void UI_Popup::ChooseByUser(int item) {
@@ -243,12 +286,30 @@ bool UI_Popup::Search(std::u16string_view typed) {
 
 void UI_Popup::UI_NodeChanged(NodeChange change) {
     UI_Button::UI_NodeChanged(change);
+    if (change == kThemeChanged)
+        for (Item& item : fItems)
+            item.image.Forget();
     if (change == kDetaching || change == kHidden) Close();
 }
 
 void UI_Popup::ControlStateChanged() {
     if (!IsEnabled()) Close();
     UI_Button::ControlStateChanged();
+}
+
+Size UI_Popup::UI_GetNaturalSize() const {
+    const limner::Font font{fFontSize};
+    float text = fIncludesCustomItem ? TextWidth(*this, CustomText(), font) : 0;
+    for (const Item& item : fItems)
+        text = std::max(text, TextWidth(*this, item.text.Text(), font));
+    if (fMaximumWidthCharacters > 0) text = std::min(text, DigitsWidth(*this, fMaximumWidthCharacters, font));
+    const float image = HasImages() ? fImageSize.width + kImageGap : 0;
+    const float height = HasImages() ? std::max(kRowHeight, fImageSize.height + kImageGap) : kRowHeight;
+    return {std::max(kLeastWidth, kTextInset + image + text + kArrowRoom), height};
+}
+
+float UI_Popup::UI_GetBaseline() const {
+    return CentredBaseline(*this, UI_GetNaturalSize().height, {fFontSize});
 }
 
 void UI_Popup::UI_Draw(limner::Limner* context) {
@@ -261,8 +322,13 @@ void UI_Popup::UI_Draw(limner::Limner* context) {
     const drawing::PixelGrid grid(*this, *context);
     const limner::Color color = ContentColor(face);
     const float textRight = area.Right() - kArrowRoom;
-    context->DrawText(GetItemText(fValue), {fFontSize}, color,
-                      {area.left + kTextInset, area.top, textRight - area.left - kTextInset, area.height},
+    float textLeft = area.left + kTextInset;
+    if (HasImages() && fValue >= 0) {
+        const Rect room{textLeft, area.Centre().y - fImageSize.height / 2, fImageSize.width, fImageSize.height};
+        fItems[fValue].image.Draw(*context, grid.Snap(room), IsEnabled());
+        textLeft = room.Right() + kImageGap;
+    }
+    context->DrawText(ShownText(), {fFontSize}, color, {textLeft, area.top, textRight - textLeft, area.height},
                       {limner::TextAlignment::kLeft, limner::TextTruncation::kEnd});
     if (fDrawDivider) {
         const Rect line{grid.X(textRight), area.top + kDividerInset, grid.Line(), area.height - 2 * kDividerInset};
@@ -275,7 +341,8 @@ void UI_Popup::UI_Draw(limner::Limner* context) {
 ui::AccessibleInfo UI_Popup::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_Button::UI_GetAccessibleInfo();
     info.role = ui::Role::kPopup;
-    info.value = GetItemText(fValue);
+    if (info.name.empty()) info.name = fName;
+    info.value = ShownText();
     return info;
 }
 

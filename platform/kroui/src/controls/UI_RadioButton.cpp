@@ -1,6 +1,7 @@
 #include "kroui/controls/UI_RadioButton.h"
 
 #include "CheckLabel.h"
+#include "kroui/controls/TextMeasure.h"
 #include "kroui/ui/AdapterRegistry.h"
 
 #include <algorithm>
@@ -20,14 +21,14 @@ const ui::AdapterRegistrar<UI_RadioButton> sRegistrar("kroui::controls::UI_Radio
 constexpr float kDiscSize = 14;
 constexpr float kDotSize = 6;
 
-// Calls `visit` for each radio button under the parent, in order; `visit` returns whether to go on.
+// Calls `visit` for each button of the group under the parent, in order; `visit` returns whether to go on.
 template <class Visit>
 void ForEachInGroup(const UI_RadioButton& button, Visit visit) {
     const ui::UI_Node* const parent = button.UI_GetParent();
     if (!parent) return;
     for (const auto& child : parent->Children()) {
         auto* const other = dynamic_cast<UI_RadioButton*>(child.get());
-        if (other && !visit(*other)) return;
+        if (other && other->Group() == button.Group() && !visit(*other)) return;
     }
 }
 
@@ -94,6 +95,14 @@ bool UI_RadioButton::UI_CanTakeFocus() const {
         return !other.IsChecked();
     });
     return !stop || stop == this;
+}
+
+Size UI_RadioButton::UI_GetNaturalSize() const {
+    return drawing::NaturalMarkSize(*this, kDiscSize, fText.Text(), fFontSize);
+}
+
+float UI_RadioButton::UI_GetBaseline() const {
+    return CentredBaseline(*this, UI_GetNaturalSize().height, {fFontSize});
 }
 
 void UI_RadioButton::UI_Draw(limner::Limner* context) {

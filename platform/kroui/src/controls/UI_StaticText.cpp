@@ -1,7 +1,10 @@
 #include "kroui/controls/UI_StaticText.h"
 
 #include "ControlDrawing.h"
+#include "kroui/controls/TextMeasure.h"
 #include "kroui/ui/AdapterRegistry.h"
+
+#include <cmath>
 
 namespace kroui::controls {
 
@@ -48,6 +51,25 @@ void UI_StaticText::SetBold(bool bold) {
 
 void UI_StaticText::SetColorRole(int role) {
     if (Assign(fColorRole, role)) UI_Invalidate();
+}
+
+Size UI_StaticText::UI_GetNaturalSize() const {
+    const limner::Font font{fFontSize, fBold};
+    const limner::SupplierInterface* const supplier = UI_GetDrawSupplier();
+    const float width = UI_GetFrame().width;
+    if (fMultiLine && supplier && width > 0)
+        return {width, std::ceil(supplier->MeasureParagraph(fText.Text(), font, width).height)};
+    const float needed = fCharacters > 0 ? DigitsWidth(*this, fCharacters, font) : TextWidth(*this, fText.Text(), font);
+    return {needed, kRowHeight};
+}
+
+float UI_StaticText::UI_GetBaseline() const {
+    const limner::Font font{fFontSize, fBold};
+    // Lines start at the top.
+    const bool isParagraph = fMultiLine && UI_GetFrame().width > 0;
+    const limner::SupplierInterface* const supplier = UI_GetDrawSupplier();
+    if (isParagraph && supplier) return supplier->MeasureText(u"0", font).ascent;
+    return CentredBaseline(*this, kRowHeight, font);
 }
 
 void UI_StaticText::UI_Draw(limner::Limner* context) {

@@ -1,6 +1,7 @@
 #include "kroui/controls/UI_TextButton.h"
 
 #include "ControlDrawing.h"
+#include "kroui/controls/TextMeasure.h"
 #include "kroui/ui/AdapterRegistry.h"
 
 #include <algorithm>
@@ -19,6 +20,10 @@ constexpr float kLargestIndent = 1000;
 // A centred text may come nearer to the edges.
 constexpr float kLeastIndent = 3;
 
+// Of the natural size.
+constexpr float kNaturalMargin = 14;
+constexpr float kLeastWidth = 36;
+
 } // namespace
 
 void UI_TextButton::SetText(std::u16string_view text) {
@@ -36,13 +41,27 @@ void UI_TextButton::SetTextAlignment(limner::TextAlignment alignment) {
     if (Assign(fAlignment, drawing::KnownAlignment(alignment))) UI_Invalidate();
 }
 
+void UI_TextButton::SetButtonStyle(ButtonStyle style) {
+    if (Assign(fStyle, style)) UI_Invalidate();
+}
+
 void UI_TextButton::SetTextIndent(float indent) {
     if (Assign(fIndent, drawing::Bounded(indent, 0, kLargestIndent))) UI_Invalidate();
 }
 
+Size UI_TextButton::UI_GetNaturalSize() const {
+    return {std::max(kLeastWidth, TextWidth(*this, fText.Text()) + 2 * kNaturalMargin), kRowHeight};
+}
+
+float UI_TextButton::UI_GetBaseline() const {
+    return CentredBaseline(*this, kRowHeight);
+}
+
 void UI_TextButton::UI_Draw(limner::Limner* context) {
-    const Face face = FaceOfState();
-    DrawFace(*context, face);
+    Face face = FaceOfState();
+    face.isRound = fStyle == ButtonStyle::kRound;
+    const bool isBare = fStyle == ButtonStyle::kFlat && !face.hot && !face.focused && face.accent <= 0;
+    if (!isBare) DrawFace(*context, face);
     const bool isCentred = fAlignment == limner::TextAlignment::kCentre;
     const float indent = isCentred ? std::min(fIndent, kLeastIndent) : fIndent;
     context->DrawText(fText.Text(), {}, ContentColor(face), ContentRect().Inset(indent, 0),

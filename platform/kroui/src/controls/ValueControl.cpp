@@ -71,6 +71,12 @@ void ValueControl::SetDecimalPlaces(int places) {
     ValueLookChanged();
 }
 
+void ValueControl::SetMaxDigits(int digits) {
+    if (digits == fMaxDigits) return;
+    fMaxDigits = digits;
+    ValueLookChanged();
+}
+
 void ValueControl::SetFormatFlags(std::uint32_t flags) {
     if (flags == fFormatFlags) return;
     fFormatFlags = flags;
@@ -89,15 +95,28 @@ void ValueControl::SetScale(int scale) {
     ValueLookChanged();
 }
 
-krocore::string16 ValueControl::FormatValue() const {
+krocore::string16 ValueControl::FormatOf(double value) const {
     constexpr double kThousand = 1000;
     constexpr int kAbbreviatedPlaces = 2;
-    if (!fAbbreviates || std::abs(fValue) < kThousand)
-        return krocore::FormatNumber(fValue, fDecimalPlaces, fFormatFlags, fFormatWidth);
-    krocore::string16 text = krocore::FormatNumber(fValue / kThousand, kAbbreviatedPlaces,
+    if (!fAbbreviates || std::abs(value) < kThousand)
+        return krocore::FormatNumber(value, PlacesFor(value), fFormatFlags, fFormatWidth);
+    krocore::string16 text = krocore::FormatNumber(value / kThousand, kAbbreviatedPlaces,
                                                    fFormatFlags | krocore::kFormatNoTrailingZeros, fFormatWidth - 1);
     text += u'k';
     return text;
+}
+
+int ValueControl::PlacesFor(double value) const {
+    int places = fDecimalPlaces;
+    if (fMaxDigits <= 0 || !std::isfinite(value)) return places;
+    // With the places that are left the number may round up to one more digit.
+    const auto isTooLong = [&] {
+        const double limit = std::pow(10.0, fMaxDigits - places);
+        return std::abs(value) >= limit - 0.5 / kPowersOfTen[static_cast<std::size_t>(places)];
+    };
+    while (places > 0 && isTooLong())
+        --places;
+    return places;
 }
 
 bool ValueControl::HandleWheel(const ui::MouseEvent& event) {

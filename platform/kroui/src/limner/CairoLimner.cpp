@@ -223,6 +223,31 @@ void CairoLimner::Fill(const Brush& brush) {
     Finish(brush.color, cairo_fill);
 }
 
+void CairoLimner::StrokeFunction(std::span<const Point> points, const Pen& pen) {
+    if (!(pen.width > 0) || fState.clip.IsEmpty()) return;
+    const double radius = Clamped(pen.width * fScale) / 2;
+    FunctionShape shape(fState.clip, radius);
+    AddPieces(points, shape);
+    shape.Stroke(Canvas(), PixelFor(pen.color), fState.smooth);
+}
+
+void CairoLimner::FillFunction(std::span<const Point> points, float base, const Brush& brush) {
+    if (std::isnan(base) || fState.clip.IsEmpty()) return;
+    FunctionShape shape(fState.clip, 0);
+    AddPieces(points, shape);
+    shape.Fill(Canvas(), DeviceY(base), PixelFor(brush.color));
+}
+
+void CairoLimner::AddPieces(std::span<const Point> points, FunctionShape& shape) const {
+    const auto isPoint = [](const Point& point) { return AreNumbers(point.x, point.y); };
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const Point& from = points[i - 1];
+        const Point& to = points[i];
+        if (isPoint(from) && isPoint(to))
+            shape.AddPiece(DeviceX(from.x), DeviceY(from.y), DeviceX(to.x), DeviceY(to.y));
+    }
+}
+
 void CairoLimner::Finish(const Color& color, void (*draw)(cairo_t*)) {
     cairo_t* context = Context();
     ApplyClip();

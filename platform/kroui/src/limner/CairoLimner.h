@@ -2,6 +2,7 @@
 
 #include "CairoHandle.h"
 #include "DrawingCaches.h"
+#include "FunctionShape.h"
 #include "PixelCanvas.h"
 #include "kroui/limner/Limner.h"
 
@@ -37,6 +38,8 @@ public:
     void ClosePath() override;
     void Stroke(const Pen& pen) override;
     void Fill(const Brush& brush) override;
+    void StrokeFunction(std::span<const Point> points, const Pen& pen) override;
+    void FillFunction(std::span<const Point> points, float base, const Brush& brush) override;
     void DrawText(std::u16string_view text, const Font& font, const Color& color, const Rect& rect,
                   const TextPlacement& placement) override;
     void DrawImage(const Image& image, const Rect& rect, float opacity) override;
@@ -63,6 +66,8 @@ private:
     void DrawRoundRect(const Rect& rect, float radius, const Color& color, double lineWidth);
     // Draws the path with what `draw` sets up and leaves it empty.
     void Finish(const Color& color, void (*draw)(cairo_t*));
+
+    void AddPieces(std::span<const Point> points, FunctionShape& shape) const;
 
     struct Origin {
         double x;

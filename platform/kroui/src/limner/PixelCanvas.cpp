@@ -94,6 +94,23 @@ void PixelCanvas::Blend(const Mask& mask, int x, int y, const PixelRect& clip, s
     }
 }
 
+void PixelCanvas::BlendColumn(int x, int top, std::span<const std::uint8_t> coverage, const PixelRect& clip,
+                              std::uint32_t pixel) {
+    const int bottom = top + static_cast<int>(coverage.size());
+    const PixelRect visible = Intersection({x, top, x + 1, bottom}, clip);
+    if (visible.IsEmpty()) return;
+    for (int y = visible.top; y < visible.bottom; ++y)
+        BlendSpan(Row(y) + x, &coverage[static_cast<std::size_t>(y - top)], 1, pixel);
+}
+
+void PixelCanvas::BlendRow(int left, int y, std::span<const std::uint8_t> coverage, const PixelRect& clip,
+                           std::uint32_t pixel) {
+    const int right = left + static_cast<int>(coverage.size());
+    const PixelRect visible = Intersection({left, y, right, y + 1}, clip);
+    if (visible.IsEmpty()) return;
+    BlendSpan(Row(y) + visible.left, &coverage[static_cast<std::size_t>(visible.left - left)], visible.Width(), pixel);
+}
+
 void PixelCanvas::BlendStretched(const Mask& mask, const PixelRect& rect, const PixelRect& clip, std::uint32_t pixel) {
     const PixelRect visible = Intersection(rect, clip);
     if (visible.IsEmpty()) return;

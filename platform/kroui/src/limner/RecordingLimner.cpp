@@ -53,6 +53,15 @@ std::string Quoted(std::u16string_view utf16) {
     return text + '"';
 }
 
+std::string Text(std::span<const Point> points) {
+    std::string text;
+    for (const Point& point : points) {
+        if (!text.empty()) text += ' ';
+        text += Text(point.x) + ',' + Text(point.y);
+    }
+    return text;
+}
+
 std::string Text(std::string word) {
     return word;
 }
@@ -170,6 +179,14 @@ void RecordingLimner::Stroke(const Pen& pen) {
 
 void RecordingLimner::Fill(const Brush& brush) {
     Record(Words("Fill", brush.color));
+}
+
+void RecordingLimner::StrokeFunction(std::span<const Point> points, const Pen& pen) {
+    Record(Words("StrokeFunction", pen.color, pen.width, points));
+}
+
+void RecordingLimner::FillFunction(std::span<const Point> points, float base, const Brush& brush) {
+    Record(Words("FillFunction", brush.color, base, points));
 }
 
 void RecordingLimner::DrawText(std::u16string_view text, const Font& font, const Color& color, const Rect& rect,

@@ -162,8 +162,29 @@ bool UI_Window::MouseMoved(Point position, std::uint8_t modifiers) {
     return Deliver(target, event, position);
 }
 
+// One thing the user does. It ends with the scope unless a press is still held then; the scope of its release ends it.
+class UI_Window::InputScope {
+public:
+    explicit InputScope(UI_Window& window) : fWindow(window) { Tell(true); }
+    ~InputScope() {
+        if (!fWindow.fCapture) Tell(false);
+    }
+    InputScope(const InputScope&) = delete;
+    InputScope& operator=(const InputScope&) = delete;
+
+private:
+    void Tell(bool begins) {
+        if (fWindow.fInputIsOpen == begins) return;
+        fWindow.fInputIsOpen = begins;
+        if (fWindow.fInputObserver) fWindow.fInputObserver(begins);
+    }
+
+    UI_Window& fWindow;
+};
+
 bool UI_Window::MousePressed(Point position, int button, int clickCount, std::uint8_t modifiers) {
     if (fCapture) return true; // a second button in a drag
+    const InputScope input(*this);
     fTooltips->Dismiss();
     UI_Node* const target = HitTest(position);
     SetHover(target, position, modifiers);
@@ -179,6 +200,7 @@ bool UI_Window::MousePressed(Point position, int button, int clickCount, std::ui
 
 bool UI_Window::MouseReleased(Point position, int button, std::uint8_t modifiers) {
     if (!fCapture || button != fCaptureButton) return false;
+    const InputScope input(*this);
     const boost::intrusive_ptr<UI_Node> captured = std::move(fCapture);
     fCapture.reset();
     MouseEvent event;
@@ -194,6 +216,7 @@ bool UI_Window::MouseReleased(Point position, int button, std::uint8_t modifiers
 
 bool UI_Window::MouseWheel(Point position, float notchesX, float notchesY, std::uint8_t modifiers) {
     fTooltips->Dismiss();
+    const InputScope input(*this);
     MouseEvent event;
     event.action = MouseEvent::Action::kWheel;
     event.wheelX = notchesX;
@@ -208,6 +231,7 @@ void UI_Window::MouseLeft() {
 
 bool UI_Window::KeyPressed(const KeyEvent& event) {
     fTooltips->Dismiss();
+    const InputScope input(*this);
     if (DeliverKey(event)) return true;
     if (event.key == Key::kTab && !event.Has(kCommand) && !event.Has(kAlt) && MoveFocus(!event.Has(kShift)))
         return true;
@@ -228,6 +252,7 @@ bool UI_Window::DeliverKey(const KeyEvent& event) {
 }
 
 bool UI_Window::TextTyped(std::u16string_view text) {
+    const InputScope input(*this);
     const TextEvent event{text};
     if (HasModalOverlay()) {
         const boost::intrusive_ptr<UI_Node> overlay(TopOverlay());
@@ -290,6 +315,7 @@ bool UI_Window::MoveFocus(bool forward) {
 
 void UI_Window::ReleaseCapture() {
     if (!fCapture) return;
+    const InputScope input(*this);
     const boost::intrusive_ptr<UI_Node> captured = std::move(fCapture);
     fCapture.reset();
     MouseEvent event;

@@ -1,9 +1,7 @@
 #include "uit/controls/UI_EditNumber.h"
 
+#include "kroui/controls/TextMeasure.h"
 #include "kroui/ui/AdapterRegistry.h"
-#include "kroui/utility/DecibelRuler.h"
-#include "kroui/utility/LinearRuler.h"
-#include "kroui/utility/LogRuler.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,8 +9,9 @@
 namespace uit::controls {
 
 using kroui::Size;
+using kroui::controls::DigitsWidth;
+using kroui::controls::TextWidth;
 using kroui::limner::Font;
-using kroui::limner::SupplierInterface;
 using kroui::limner::TextAlignment;
 
 namespace {
@@ -20,21 +19,7 @@ namespace {
 const kroui::ui::AdapterRegistrar<UI_EditNumber> sRegistrar("uit::controls::UI_EditNumber");
 
 constexpr float kUsualSliderLength = 200;
-constexpr float kRulerFontSize = 9;
-constexpr float kEstimatedAdvance = 0.64F; // of the font's size, while nothing can measure
-constexpr float kSpareHeight = 3;          // below the letters of the ruler's labels
-constexpr std::uint32_t kMostCharacters = 100;
-
-float WidthOf(const SupplierInterface* supplier, std::u16string_view text) {
-    const Font font;
-    if (text.empty()) return 0;
-    if (supplier) return supplier->MeasureText(text, font).width;
-    return static_cast<float>(text.size()) * font.size * kEstimatedAdvance;
-}
-
-float WidthOfDigits(const SupplierInterface* supplier, std::uint32_t count) {
-    return WidthOf(supplier, u"0") * static_cast<float>(std::min(count, kMostCharacters));
-}
+constexpr float kSpareHeight = 3; // below the letters of the ruler's labels
 
 } // namespace
 
@@ -71,7 +56,25 @@ void UI_EditNumber::SetLabelWidth(float width) {
 }
 
 float UI_EditNumber::MeasureLabelWidth() const {
-    return std::ceil(WidthOf(UI_GetDrawSupplier(), GetLabel()));
+    return TextWidth(*this, GetLabel(), {fFontSize});
+}
+
+void UI_EditNumber::SetDescription1(std::u16string_view text) {
+    if (text == fDescription1) return;
+    fDescription1 = text;
+    LayoutChanged();
+}
+
+void UI_EditNumber::SetDescription2(std::u16string_view text) {
+    if (text == fDescription2) return;
+    fDescription2 = text;
+    LayoutChanged();
+}
+
+void UI_EditNumber::SetFontSize(float size) {
+    if (!(size > 0) || size == fFontSize) return;
+    fFontSize = size;
+    LayoutChanged();
 }
 
 void UI_EditNumber::SetDigits(std::uint32_t digits) {
@@ -90,9 +93,30 @@ void UI_EditNumber::SetHotTextNumberAlignment(int alignment) {
     UI_Invalidate();
 }
 
+void UI_EditNumber::SetHotTextScaleRange(double low, double high) {
+    const bool isUsable = low > 0 && high > low && std::isfinite(high);
+    fHotTextLow = isUsable ? low : 0;
+    fHotTextHigh = isUsable ? high : 0;
+}
+
 void UI_EditNumber::SetUseSlider(bool use) {
     fUseSlider = use;
     LayoutChanged();
+}
+
+void UI_EditNumber::SetVertical(bool vertical) {
+    fVertical = vertical;
+    LayoutChanged();
+}
+
+void UI_EditNumber::SetSliderKnob(SliderLook::Knob knob) {
+    fKnob = knob;
+    UI_Invalidate();
+}
+
+void UI_EditNumber::SetSliderArrow(SliderLook::Arrow arrow) {
+    fArrow = arrow;
+    UI_Invalidate();
 }
 
 void UI_EditNumber::SetSliderLength(float length) {
@@ -123,6 +147,20 @@ void UI_EditNumber::SetRuler(boost::intrusive_ptr<RulerBase> ruler, RulerPlaceme
     fRulerPlacement = placement + 1;
     fRulerTextPlacement = textPlacement;
     if (fRuler && !label.empty()) fRuler->SetLabel1(label);
+    LayoutChanged();
+}
+
+void UI_EditNumber::SetRulerSettings(const RulerSettings& settings) {
+    boost::intrusive_ptr<RulerBase> ruler;
+    if (settings.type != kNoRuler) ruler = settings.MakeRuler();
+    if (ruler) ruler->SetVertical(IsVertical());
+    const auto texts = static_cast<RulerTextPlacement>(settings.textPlacement);
+    SetRuler(std::move(ruler), RulerPlacement::kRulerRightBottom, texts, {});
+}
+
+void UI_EditNumber::SetSecondRulerSettings(const RulerSettings& settings) {
+    fSecondRuler.reset();
+    if (settings.type != kNoRuler) fSecondRuler = settings.MakeRuler();
     LayoutChanged();
 }
 
@@ -196,6 +234,11 @@ Size UI_EditNumber::NaturalSize() const {
     return EditNumberLayout::Natural(Needs());
 }
 
+float UI_EditNumber::UI_GetBaseline() const {
+    return EditNumberLayout::NaturalRowTop(Needs()) +
+           kroui::controls::CentredBaseline(*this, kroui::controls::kRowHeight, {fFontSize});
+}
+
 const EditNumberLayout& UI_EditNumber::Layout() const {
     if (fLayoutIsValid) return fLayout;
     const Size size{UI_GetFrame().width, UI_GetFrame().height};
@@ -209,7 +252,7 @@ const EditNumberLayout& UI_EditNumber::Layout() const {
 }
 
 bool UI_EditNumber::IsVertical() const {
-    return fRulerIsGiven && fRuler->IsVertical();
+    return fVertical || (fRulerIsGiven && fRuler->IsVertical());
 }
 
 bool UI_EditNumber::IsRulerShown() const {
@@ -222,6 +265,7 @@ SliderRuler UI_EditNumber::Ruler() const {
     SliderRuler ruler;
     if (!IsRulerShown()) return ruler;
     if (!fRuler) const_cast<UI_EditNumber*>(this)->MakeRuler();
+    if (IsVertical()) fRuler->SetVertical(true);
     ruler.ruler = fRuler.get();
     ruler.textPlacement =
         fRulerTextPlacement == RulerTextPlacement::kTextLeftTop || fRulerTextPlacement == RulerTextPlacement::kTextBoth
@@ -230,34 +274,41 @@ SliderRuler UI_EditNumber::Ruler() const {
     return ruler;
 }
 
-void UI_EditNumber::MakeRuler() {
-    switch (fRulerType) {
-    case kLogRuler: fRuler.reset(new kroui::utility::LogRuler); break;
-    case kDecibelRuler:
-    case kFaderRuler: fRuler.reset(new kroui::utility::DecibelRuler); break;
-    default: fRuler.reset(new kroui::utility::LinearRuler); break;
-    }
-    if (fRulerType == kFaderRuler) fRuler->SetStyle(RulerBase::kFader);
-    fRuler->SetFontSize(kRulerFontSize);
-    fRulerLow = GetMinValue();
-    fRulerHigh = GetMaxValue();
-    fRuler->SetValueRange(fRulerLow, fRulerHigh);
-    ConfigureRuler();
+// The second ruler, where the first one has no marks; none if that has them on both sides.
+SliderRuler UI_EditNumber::SecondRuler() const {
+    SliderRuler second;
+    const SliderRuler first = Ruler();
+    if (!fUseSlider || !fSecondRuler) return second;
+    if (first.ruler && first.textPlacement == RulerTextPlacement::kTextBoth) return second;
+    fSecondRuler->SetVertical(IsVertical());
+    second.ruler = fSecondRuler.get();
+    const bool isFirstBehind = !first.ruler || first.textPlacement == RulerTextPlacement::kTextRightBottom;
+    second.textPlacement = isFirstBehind ? RulerTextPlacement::kTextLeftTop : RulerTextPlacement::kTextRightBottom;
+    return second;
 }
 
-void UI_EditNumber::ConfigureRuler() {
-    fRuler->SetStepFactor(fStepFactor);
-    fRuler->SetAbbreviateNumbers(fAbbreviateNumbers);
-    fRuler->SetLabel1(fRulerLabel1.Text());
-    fRuler->SetLabel2(fRulerLabel2.Text());
-    if (auto* const logarithmic = dynamic_cast<kroui::utility::LogRuler*>(fRuler.get())) {
-        logarithmic->SetLogSeed(fLogSeed);
-        logarithmic->SetLogStep(fLogStep);
-    }
+RulerSettings UI_EditNumber::ArchiveRuler() const {
+    RulerSettings settings;
+    settings.type = fRulerType;
+    settings.stepFactor = fStepFactor;
+    settings.logSeed = fLogSeed;
+    settings.logStep = fLogStep;
+    settings.value1 = GetMinValue();
+    settings.value2 = GetMaxValue();
+    settings.label1 = fRulerLabel1.Text();
+    settings.label2 = fRulerLabel2.Text();
+    settings.abbreviateNumbers = fAbbreviateNumbers;
+    return settings;
+}
+
+void UI_EditNumber::MakeRuler() {
+    fRuler = ArchiveRuler().MakeRuler();
+    fRulerLow = GetMinValue();
+    fRulerHigh = GetMaxValue();
 }
 
 void UI_EditNumber::RulerPropertyChanged() {
-    if (fRuler && !fRulerIsGiven) ConfigureRuler();
+    if (fRuler && !fRulerIsGiven) ArchiveRuler().Configure(*fRuler);
     LayoutChanged();
 }
 
@@ -267,18 +318,22 @@ void UI_EditNumber::LayoutChanged() {
 }
 
 EditNumberLayout::Needs UI_EditNumber::Needs() const {
-    const SupplierInterface* const supplier = UI_GetDrawSupplier();
+    const Font font{fFontSize};
     const SliderRuler ruler = Ruler();
+    const SliderRuler second = SecondRuler();
     EditNumberLayout::Needs needs;
     const bool hasLabel = fUseLabel && (fLabelWidth > 0 || !GetLabel().empty());
-    if (hasLabel) needs.labelWidth = fLabelWidth > 0 ? fLabelWidth : WidthOf(supplier, GetLabel());
-    needs.numberWidth = WidthOfDigits(supplier, fDigits);
-    needs.unitWidth = WidthOf(supplier, GetUnitLabel());
-    if (fUnitLabelLength > 0) needs.unitWidth = WidthOfDigits(supplier, fUnitLabelLength);
+    if (hasLabel) needs.labelWidth = fLabelWidth > 0 ? fLabelWidth : TextWidth(*this, GetLabel(), font);
+    needs.numberWidth = DigitsWidth(*this, fDigits, font);
+    needs.unitWidth = TextWidth(*this, GetUnitLabel(), font);
+    if (fUnitLabelLength > 0) needs.unitWidth = DigitsWidth(*this, fUnitLabelLength, font);
     if (fUseSlider) needs.sliderLength = fSliderLength > 0 ? fSliderLength : kUsualSliderLength;
-    needs.rulerBefore = ruler.ReachBefore();
-    needs.rulerBehind = ruler.ReachBehind();
-    needs.hasRuler = ruler.ruler != nullptr;
+    needs.rulerBefore = std::max(ruler.ReachBefore(), second.ReachBefore());
+    needs.rulerBehind = std::max(ruler.ReachBehind(), second.ReachBehind());
+    needs.hasRuler = ruler.ruler != nullptr || second.ruler != nullptr;
+    const Font smallest{kSmallestDescription};
+    needs.description1Width = TextWidth(*this, fDescription1, smallest);
+    needs.description2Width = TextWidth(*this, fDescription2, smallest);
     needs.stretches = fSliderStretches;
     needs.isInline = fUseInline;
     needs.isVertical = IsVertical();

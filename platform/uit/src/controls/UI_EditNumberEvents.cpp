@@ -1,4 +1,4 @@
-// What UI_EditNumber shows and how it answers the user.
+// How UI_EditNumber answers the user.
 
 #include "uit/controls/UI_EditNumber.h"
 
@@ -12,7 +12,6 @@ using kroui::controls::HotTextLook;
 using kroui::controls::NumberDrag;
 using kroui::controls::NumberEntry;
 using kroui::controls::SliderLook;
-using kroui::limner::Limner;
 using kroui::ui::Key;
 using kroui::ui::MouseEvent;
 
@@ -20,52 +19,9 @@ namespace {
 
 // Steps of the slider wider than this are felt, so the knob goes from one to the next.
 constexpr double kWideStep = 4;
+constexpr float kNarrowestEntry = 56; // of the field that a number is typed into
 
 } // namespace
-
-void UI_EditNumber::UI_Draw(Limner* context) {
-    DrawLabel(*context);
-    if (fUseSlider) DrawSlider(*context);
-    DrawNumber(*context);
-}
-
-void UI_EditNumber::DrawLabel(Limner& context) const {
-    const Rect& place = Layout().label;
-    if (place.IsEmpty() || !context.ClipBounds().Intersects(place)) return;
-    kroui::limner::TextPlacement placement{fAlignment, kroui::limner::TextTruncation::kEnd, false};
-    placement.alignment = fUseInline ? kroui::limner::TextAlignment::kRight : kroui::limner::TextAlignment::kLeft;
-    if (IsVertical()) placement.alignment = kroui::limner::TextAlignment::kCentre;
-    const int color = IsEnabled() ? kroui::ui::kColorText : kroui::ui::kColorDisabledText;
-    context.DrawText(GetLabel(), {}, GetColor(color), place, placement);
-}
-
-void UI_EditNumber::DrawSlider(Limner& context) const {
-    const SliderLook look = Slider();
-    if (const SliderRuler ruler = Ruler(); ruler.ruler && fRulerFits) {
-        fRuler->SetVertical(look.vertical);
-        fRuler->SetPixelRange(look.PixelAt(SliderPosition(fRuler->GetFirstValue())),
-                              look.PixelAt(SliderPosition(fRuler->GetLastValue())));
-        ruler.Draw(context, *this, look, Layout().rulerRoom);
-    }
-    if (context.ClipBounds().Intersects(Layout().slider)) look.Draw(context, *this);
-}
-
-void UI_EditNumber::DrawNumber(Limner& context) const {
-    const EditNumberLayout& layout = Layout();
-    const kroui::limner::SupplierInterface* const supplier = UI_GetDrawSupplier();
-    if (!supplier || !context.ClipBounds().Intersects(Union(layout.number, layout.unit))) return;
-    const krocore::string16 text = FormatValue();
-    HotTextLook look = Number(text);
-    HotTextLook::Places places = look.PlaceIn(layout.number, *supplier);
-    places.unit = layout.unit;
-    look.unit = GetUnitLabel();
-    if (fEntry.IsOpen()) {
-        look.text = {};
-        look.focused = false;
-        places.text.width = 0;
-    }
-    look.Draw(context, *this, places);
-}
 
 bool UI_EditNumber::UI_DoMouseEvent(UI_Node* node, const MouseEvent& event) {
     UI_InteractiveControlView::UI_DoMouseEvent(node, event);
@@ -172,6 +128,8 @@ void UI_EditNumber::UI_NodeChanged(NodeChange change) {
         fLayoutIsValid = false;
         TakeNaturalSize();
     }
+    // A field over the window would stay.
+    if (change == kHidden) fEntry.Close();
     if (change == kDetaching) {
         fEntry.Close();
         SettleGesture();
@@ -188,7 +146,9 @@ void UI_EditNumber::UI_SizeChanged(const kroui::RectT<float>& rect) {
 
 kroui::ui::Cursor UI_EditNumber::UI_GetCursor(Point point) const {
     const bool isNumber = IsEnabled() && PartAt(point) == Part::kNumber;
-    return isNumber ? kroui::ui::Cursor::kHorizontal : kroui::ui::Cursor::kArrow;
+    if (!isNumber) return kroui::ui::Cursor::kArrow;
+    const bool isVertical = fNumberDrag.GetDirection() == DragDirection::kVertical;
+    return isVertical ? kroui::ui::Cursor::kVertical : kroui::ui::Cursor::kHorizontal;
 }
 
 kroui::ui::AccessibleInfo UI_EditNumber::UI_GetAccessibleInfo() const {
@@ -233,11 +193,15 @@ void UI_EditNumber::ControlStateChanged() {
 }
 
 double UI_EditNumber::GesturePosition(double value) const {
-    return fPressedPart == Part::kNumber ? ScalePosition(value, GetScale()) : SliderPosition(value);
+    if (fPressedPart != Part::kNumber) return SliderPosition(value);
+    if (GetScale() != kLogarithmic || fHotTextLow <= 0) return ScalePosition(value, GetScale());
+    return value > fHotTextLow ? std::log(value / fHotTextLow) / std::log(fHotTextHigh / fHotTextLow) : 0;
 }
 
 double UI_EditNumber::GestureValueAt(double position) const {
-    return fPressedPart == Part::kNumber ? ScaleValueAt(position, GetScale()) : SliderValueAt(position);
+    if (fPressedPart != Part::kNumber) return SliderValueAt(position);
+    if (GetScale() != kLogarithmic || fHotTextLow <= 0) return ScaleValueAt(position, GetScale());
+    return fHotTextLow * std::pow(fHotTextHigh / fHotTextLow, position);
 }
 
 UI_EditNumber::Part UI_EditNumber::PartAt(Point point) const {
@@ -264,34 +228,19 @@ bool UI_EditNumber::IsSliderLinear() const {
     return std::abs(SliderPosition((GestureMinimum() + GestureMaximum()) / 2) - 0.5) < kTolerance;
 }
 
-SliderLook UI_EditNumber::Slider() const {
-    SliderLook look;
-    look.track = Layout().track;
-    look.position = SliderPosition(GetValue());
-    look.origin = GestureMinimum() < 0 && GestureMaximum() > 0 ? SliderPosition(0) : 0;
-    look.vertical = IsVertical();
-    look.inverted = fInvertSlider;
-    look.enabled = IsEnabled();
-    look.hovered = fHoverPart == Part::kSlider;
-    look.pressed = fPressedPart == Part::kSlider;
-    look.focused = ShowsFocus();
-    return look;
-}
-
-HotTextLook UI_EditNumber::Number(std::u16string_view text) const {
-    HotTextLook look;
-    look.text = text;
-    look.alignment = fAlignment;
-    look.enabled = IsEnabled();
-    look.hovered = fHoverPart == Part::kNumber || fPressedPart == Part::kNumber;
-    look.focused = ShowsFocus() && !fUseSlider;
-    return look;
-}
-
 void UI_EditNumber::SetHoverPart(Part part) {
     if (part == fHoverPart || fPressedPart != Part::kNone) return;
     fHoverPart = part;
     UI_Invalidate();
+}
+
+// A field in a narrow column reaches out of it.
+Rect UI_EditNumber::EntryFrame(const HotTextLook::Places& places) const {
+    const Rect& number = Layout().number;
+    if (!IsVertical() || number.width >= kNarrowestEntry)
+        return HotTextLook::FieldFrame(number, places, NumberAlignment());
+    const Rect wide{number.Centre().x - kNarrowestEntry / 2, number.top, kNarrowestEntry, number.height};
+    return HotTextLook::FieldFrame(wide, {wide.Inset(HotTextLook::kPadding, 0), {}}, NumberAlignment());
 }
 
 bool UI_EditNumber::OpenEntry() {
@@ -304,8 +253,8 @@ bool UI_EditNumber::OpenEntry() {
     places.unit = layout.unit;
     constexpr std::uint32_t kWithoutPadding = krocore::kFormatNoTrailingZeros | krocore::kFormatNoLocalization;
     const std::uint32_t flags = GetFormatFlags() & kWithoutPadding;
-    fEntry.Open(HotTextLook::FieldFrame(layout.number, places, fAlignment),
-                krocore::FormatNumber(GetValue(), GetDecimalPlaces(), flags), GetUnitLabel(), {}, fAlignment);
+    const krocore::string16 written = krocore::FormatNumber(GetValue(), GetDecimalPlaces(), flags);
+    fEntry.Open(EntryFrame(places), written, GetUnitLabel(), {fFontSize}, NumberAlignment());
     return true;
 }
 

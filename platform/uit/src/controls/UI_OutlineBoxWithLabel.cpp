@@ -2,6 +2,7 @@
 
 #include "PixelSnap.h"
 
+#include "kroui/controls/TextMeasure.h"
 #include "kroui/ui/AdapterRegistry.h"
 
 #include <algorithm>
@@ -37,6 +38,10 @@ void UI_OutlineBoxWithLabel::SetLabel(const krocore::string16& label) {
     if (label == fLabel.Text()) return;
     fLabel.SetText(label);
     UI_InvalidateRect({0, 0, UI_GetFrame().width, kLabelHeight});
+}
+
+kroui::Size UI_OutlineBoxWithLabel::UI_GetNaturalSize() const {
+    return {2 * kLabelInset + kroui::controls::TextWidth(*this, Label(), kLabelFont), kLabelHeight};
 }
 
 void UI_OutlineBoxWithLabel::UI_Draw(kroui::limner::Limner* limner) {

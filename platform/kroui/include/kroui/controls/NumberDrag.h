@@ -4,10 +4,14 @@
 
 namespace kroui::controls {
 
-// The pointer's way while a number is dragged: right and up together count, and nothing counts before the pointer has
-// left the spot of the press.
+// The pointer's way while a number is dragged: right and up together count, unless only one of them is to, and nothing
+// counts before the pointer has left the spot of the press.
 class NumberDrag {
 public:
+    enum class Direction : unsigned char { kBoth, kHorizontal, kVertical };
+    void SetDirection(Direction direction) { fDirection = direction; }
+    Direction GetDirection() const { return fDirection; }
+
     void Begin(Point press) { fLast = fPress = press, fHasMoved = false; }
     bool HasMoved() const { return fHasMoved; }
     // Pixels towards greater values since the last call.
@@ -21,6 +25,7 @@ public:
 private:
     Point fPress;
     Point fLast;
+    Direction fDirection = Direction::kBoth;
     bool fHasMoved = false;
 };
 

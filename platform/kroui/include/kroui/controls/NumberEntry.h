@@ -3,6 +3,11 @@
 #include "kroui/controls/UI_TextField.h"
 #include "kroui/controls/ValueGesture.h"
 
+#include <boost/function.hpp>
+
+#include <optional>
+#include <utility>
+
 namespace kroui::controls {
 
 // Typing a number in place: a text field over the control that shows the number. Enter, Tab or a click elsewhere sets
@@ -16,11 +21,15 @@ public:
     NumberEntry(const NumberEntry&) = delete;
     NumberEntry& operator=(const NumberEntry&) = delete;
 
+    // Reads what was typed; nothing if it is no value. In place of a plain number with its unit.
+    using Reader = boost::function<std::optional<double>(std::u16string_view text)>;
+    void SetReader(Reader reader) { fReader = std::move(reader); }
+
     // Shows the field with all of `text` selected. `unit` may be typed behind the number; `font` and `alignment` are
-    // those of the number.
+    // those of the number. A frame that reaches out of the node is shown over the window.
     void Open(const Rect& frame, std::u16string_view text, std::u16string_view unit, const limner::Font& font,
               limner::TextAlignment alignment);
-    bool IsOpen() const { return fField && fField->UI_IsVisible(); }
+    bool IsOpen() const { return fIsOpen; }
     // Leaves the value as it is.
     void Close();
     // While open; otherwise what it was then, or null.
@@ -31,15 +40,19 @@ public:
 
 private:
     void MakeField();
+    void PlaceField(const Rect& frame);
+    void RemoveField();
     void OnFinish(UI_TextField::Finish finish);
-    bool Read(double& value) const;
+    std::optional<double> Read() const;
     void ShowError();
 
     ui::UI_Node& fNode;
     ValueGesture& fGesture;
     boost::intrusive_ptr<UI_TextField> fField; // made when first needed
+    Reader fReader;
     krocore::string16 fUnit;
     krocore::string16 fTextBefore;
+    bool fIsOpen = false;
 };
 
 } // namespace kroui::controls

@@ -7,6 +7,11 @@ namespace kroui::controls {
 // How a slider lies in its node and what it shows; drawn by all controls that have one. Horizontal values grow to the
 // right, vertical ones upwards, the other way round if inverted.
 struct SliderLook {
+    // The knob: by the slider's direction (a disc on a horizontal one, a fader's cap on a vertical one), or always one.
+    enum class Knob : unsigned char { kByDirection = 0, kDisc = 1, kCap = 2 };
+    // A knob that points across the track, at a ruler's marks.
+    enum class Arrow : unsigned char { kNone = 0, kUpLeft = 1, kDownRight = 2 };
+
     // From the knob's middle at one end to its middle at the other; its thickness counts for nothing.
     Rect track;
     double position = 0; // of the knob, 0...1
@@ -17,6 +22,8 @@ struct SliderLook {
     bool hovered = false;
     bool pressed = false;
     bool focused = false;
+    Knob knob = Knob::kByDirection;
+    Arrow arrow = Arrow::kNone;
 
     // How far the knob reaches beyond its middle along and across the track.
     static constexpr float kKnobReach = 8;
@@ -39,6 +46,9 @@ private:
     Point At(double at) const;
     void DrawTrack(limner::Limner& context, const ui::UI_Node& node) const;
     void DrawKnob(limner::Limner& context, const ui::UI_Node& node) const;
+    void DrawArrow(limner::Limner& context, const Rect& knob, const limner::Color& fill, const limner::Pen& line) const;
+    void DrawMark(limner::Limner& context, const ui::UI_Node& node, const Rect& knob) const;
+    bool HasCap() const { return knob == Knob::kByDirection ? vertical : knob == Knob::kCap; }
 };
 
 } // namespace kroui::controls

@@ -22,6 +22,9 @@ public:
     // Whether a letter typed at `now` would go on with what was typed before.
     bool IsTyping(double now) const { return !fTyped.empty() && now - fLast < kPauseSeconds; }
 
+    // Whether a text holds another somewhere; case does not count. Every text holds the empty one.
+    static bool Contains(std::u16string_view text, std::u16string_view part);
+
     static constexpr double kPauseSeconds = 1;
 
 private:

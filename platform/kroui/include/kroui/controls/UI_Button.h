@@ -66,6 +66,7 @@ protected:
         float accent = 0;
         bool hot = false;
         bool focused = false;
+        bool isRound = false; // half-discs at the ends, whatever the corner radius
 
         bool IsLit() const { return accent > 0.5F; }
     };

@@ -22,6 +22,8 @@ public:
     void SetCheckSize(float size);
     float CheckSize() const { return fCheckSize; }
 
+    Size UI_GetNaturalSize() const override;
+    float UI_GetBaseline() const override;
     void UI_Draw(limner::Limner* context) override;
     ui::AccessibleInfo UI_GetAccessibleInfo() const override;
     const ui::PropertyTable& UI_GetPropertyTable() const override;

@@ -24,6 +24,8 @@ public:
     void SetNumberAlignment(int alignment);
     int GetNumberAlignment() const { return static_cast<int>(fAlignment); }
 
+    Size UI_GetNaturalSize() const override;
+    float UI_GetBaseline() const override;
     void UI_Draw(limner::Limner* context) override;
     bool UI_DoMouseEvent(UI_Node* node, const ui::MouseEvent& event) override;
     bool UI_DoKeyEvent(const ui::KeyEvent& event) override;
@@ -41,6 +43,8 @@ protected:
     void TrackHover(UI_Node* node, const ui::MouseEvent& event) {
         UI_InteractiveControlView::UI_DoMouseEvent(node, event);
     }
+    // What the text takes at most, for the natural size.
+    virtual float NaturalTextWidth() const;
     const limner::Font& GetFont() const { return fFont; }
     HotTextLook Look(std::u16string_view text) const;
     limner::TextAlignment Alignment() const { return fAlignment; }

@@ -49,6 +49,10 @@ protected:
     ~UI_HotTextNumber() override = default;
 
     krocore::string16 ShownText() const override { return FormatValue(); }
+    float NaturalTextWidth() const override;
+    // What stands in the field at first, and what a typed text means; for values that are no plain numbers.
+    virtual krocore::string16 EntryText() const;
+    virtual std::optional<double> ReadEntry(std::u16string_view typed) const;
     ui::UI_Node& ValueNode() override { return *this; }
     void ValueChanged(double /*oldValue*/) override { UI_Invalidate(); }
     void ValueLookChanged() override { UI_Invalidate(); }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "kroui/controls/ImageSlot.h"
 #include "kroui/controls/TypeAhead.h"
+#include "kroui/controls/UI_TextField.h"
 #include "kroui/ui/UI_Window.h"
 
 #include <boost/function.hpp>
@@ -12,13 +14,15 @@ namespace kroui::controls {
 
 // A list of items over everything else in a window, until one is chosen or the user turns away. Opened by a pop-up or
 // by a program's own menu button. While open it takes all keys: arrows, Page, Home and End go through the items, typed
-// letters find one, Enter and Space choose, Escape and Tab close. It stays inside the window and scrolls when long.
+// letters find one, Enter and Space choose, Escape and Tab close. It stays inside the window and scrolls when long. A
+// searchable one has a field on top: what is typed goes there and leaves only the items that hold it.
 class UI_Menu : public ui::UI_Node {
 public:
     struct Item {
         krocore::string16 text;
         bool enabled = true;
-        bool separator = false; // a line; can't be chosen
+        bool separator = false;      // a line; can't be chosen
+        krocore::string8 image = {}; // the name of a picture before the text
     };
     // Gets the number of the item chosen, -1 if none was; called once for each time the menu is opened, when it is
     // closed already; may release the menu.
@@ -29,6 +33,11 @@ public:
     // The item with the mark, under the pointer at first; -1: none.
     void SetMarkedItem(int item) { fMarked = item; }
     void SetFontSize(float size) { fFontSize = size; }
+    // Who finds the items' pictures, and the size that each gets; none are drawn without.
+    void SetImages(ImageSupplier supplier, Size size);
+    void SetSearchable(bool searchable) { fIsSearchable = searchable; }
+    // What has been typed into the field; null if the menu is not searchable or not open.
+    UI_TextField* SearchField() const { return IsOpen() ? fSearchField.get() : nullptr; }
     // The press that opens the menu is still held, at this point of the window: its release chooses if it comes
     // elsewhere, or late.
     void SetHeldFrom(Point windowPoint) { fHeldFrom = windowPoint; }
@@ -62,6 +71,15 @@ private:
     void Show(ui::UI_Window& window, const Rect& panel);
     float WidthOfItems(const limner::SupplierInterface& supplier) const;
     float RowHeight() const;
+    float TextLeft() const;
+    float HeaderHeight() const;
+    float PanelHeight() const;
+    void ShowSearchField(ui::UI_Window& window);
+    void ReturnFocus();
+    bool IsFiltered(int item) const;
+    void FilterItems();
+    void PlaceItems();
+    bool DoSearchKey(const ui::KeyEvent& event);
     float ContentHeight() const { return fTops.back(); }
     float MostScroll() const;
     Rect Panel() const; // without the shadow
@@ -88,10 +106,16 @@ private:
     void SetAutoScroll(int direction);
     void DrawShadow(limner::Limner& context, const Rect& panel) const;
     void DrawRow(limner::Limner& context, int item) const;
+    void DrawNothingFound(limner::Limner& context) const;
     void DrawArrow(limner::Limner& context, int direction) const;
 
     std::vector<Item> fItems;
-    std::vector<float> fTops; // of each item from the top of the list, and the height of all
+    std::vector<ImageSlot> fImages; // an item each; empty if there are none
+    ImageSupplier fImageSupplier;
+    Size fImageSize;
+    boost::intrusive_ptr<UI_TextField> fSearchField;
+    boost::intrusive_ptr<ui::UI_Node> fFocusBefore; // where the focus goes back to
+    std::vector<float> fTops;                       // of each item from the top of the list, and the height of all
     ClosedHandler fClosed;
     TypeAhead fTypeAhead;
     Rect fAnchor; // of the owner, in the window
@@ -104,6 +128,7 @@ private:
     int fMarked = -1;
     int fHighlighted = -1;
     int fAutoScroll = 0; // -1 up, 1 down
+    bool fIsSearchable = false;
 };
 
 } // namespace kroui::controls

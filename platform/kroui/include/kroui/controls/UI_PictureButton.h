@@ -18,6 +18,7 @@ public:
     void SetDisplayBorderNever(bool on);
     bool DisplayBorderNever() const { return fBorderNever; }
 
+    Size UI_GetNaturalSize() const override;
     void UI_Draw(limner::Limner* context) override;
     void UI_NodeChanged(NodeChange change) override;
     const ui::PropertyTable& UI_GetPropertyTable() const override;

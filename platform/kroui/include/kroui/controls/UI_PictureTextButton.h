@@ -34,6 +34,8 @@ public:
     void SetRelationship(Relationship relationship);
     Relationship GetRelationship() const { return fRelationship; }
 
+    Size UI_GetNaturalSize() const override;
+    float UI_GetBaseline() const override;
     void UI_Draw(limner::Limner* context) override;
     void UI_NodeChanged(NodeChange change) override;
     ui::AccessibleInfo UI_GetAccessibleInfo() const override;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kroui/controls/ImageSlot.h"
 #include "kroui/controls/TypeAhead.h"
 #include "kroui/controls/UI_Button.h"
 
@@ -30,12 +31,30 @@ public:
     void SetItemReferences(const std::vector<krocore::string8>& references);
     std::vector<krocore::string8> ItemReferences() const;
 
+    // A picture before an item's text, in the control and in the menu; all get the same size. Names are found by the
+    // supplier. No effect on an item that does not exist.
+    void SetItemImage(int item, std::string_view imageName);
+    void SetImages(ImageSupplier supplier, Size size);
+    // An item before the others that stands for values that no item has: it is shown while none of the others is, and
+    // can't be chosen. It is not counted.
+    void SetIncludesCustomItem(bool include);
+    bool IncludesCustomItem() const { return fIncludesCustomItem; }
+    // A field on top of the open menu leaves only the items that hold what is typed.
+    void SetSearchable(bool searchable) { fIsSearchable = searchable; }
+    bool IsSearchable() const { return fIsSearchable; }
+    // The natural size has room for no more than so many characters of text, 0: for every item.
+    void SetMaximumWidthCharacters(std::uint32_t characters) { fMaximumWidthCharacters = characters; }
+    std::uint32_t MaximumWidthCharacters() const { return fMaximumWidthCharacters; }
+
     // The number of the item that is shown, -1 for none. Setting one that does not exist shows none.
     void SetValue(int item) override;
     int GetValue() const override { return fValue; }
     // The first item with the text, none if there is no such item. `select`: show it (or none) now; otherwise only its
     // number is told. Returns the number or -1.
     int SetValueString(std::u16string_view text, bool select);
+
+    // The name that the accessible information gives where there is no tip.
+    void SetName(std::u16string_view name) { fName = name; }
 
     // Tells listeners also when the user chooses the item that is shown already.
     void SetAlwaysNotify(bool on) { fAlwaysNotify = on; }
@@ -55,6 +74,8 @@ public:
     void Open();
     void Close();
 
+    Size UI_GetNaturalSize() const override;
+    float UI_GetBaseline() const override;
     void UI_Draw(limner::Limner* context) override;
     bool UI_DoMouseEvent(UI_Node* node, const ui::MouseEvent& event) override;
     bool UI_DoKeyEvent(const ui::KeyEvent& event) override;
@@ -74,8 +95,12 @@ private:
         ui::LocalizedText text;
         bool enabled = true;
         bool separator = false;
+        ImageSlot image;
     };
 
+    krocore::string16 ShownText() const;
+    bool HasImages() const { return fImageSupplier && fImageSize.width > 0; }
+    void FillMenu(UI_Menu& menu) const;
     bool CanChoose(int item) const;
     bool DoPlainKey(const ui::KeyEvent& event);
     TypeAhead::TextOfItem TextOfItem() const;
@@ -87,12 +112,18 @@ private:
     bool Wheel(const ui::MouseEvent& event);
 
     std::vector<Item> fItems;
+    krocore::string16 fName;
     boost::intrusive_ptr<UI_Menu> fMenu;
     TypeAhead fTypeAhead;
+    ImageSupplier fImageSupplier;
+    Size fImageSize;
     float fWheelRest = 0;
     float fFontSize = 12;
     int fValue = -1;
     int fPopupType = 0;
+    std::uint32_t fMaximumWidthCharacters = 0;
+    bool fIncludesCustomItem = false;
+    bool fIsSearchable = false;
     bool fAlwaysNotify = false;
     bool fDrawDivider = false;
 };

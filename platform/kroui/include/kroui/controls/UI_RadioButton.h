@@ -4,8 +4,8 @@
 
 namespace kroui::controls {
 
-// One of several choices. The radio buttons under one parent are a group: a click turns one on and the others off, and
-// only the one clicked tells its listeners. The group is one stop of the Tab key, at the button that is on; the arrow
+// One of several choices. The radio buttons under one parent are a group, or several: a click turns one on and the
+// others off, and only the one clicked tells its listeners. The group is one stop of the Tab key, at the button that is on; the arrow
 // keys go round the group and choose.
 class UI_RadioButton : public UI_Button {
 public:
@@ -15,7 +15,12 @@ public:
     const krocore::string8& TextReference() const { return fText.Reference(); }
     void SetFontSize(float size);
     float FontSize() const { return fFontSize; }
+    // Of the buttons under one parent those with the same number belong together; 0 at first.
+    void SetGroup(std::size_t group) { fGroup = group; }
+    std::size_t Group() const { return fGroup; }
 
+    Size UI_GetNaturalSize() const override;
+    float UI_GetBaseline() const override;
     void UI_Draw(limner::Limner* context) override;
     bool UI_DoKeyEvent(const ui::KeyEvent& event) override;
     bool UI_CanTakeFocus() const override;
@@ -34,6 +39,7 @@ private:
     UI_RadioButton* Neighbour(bool forward) const;
 
     ui::LocalizedText fText;
+    std::size_t fGroup = 0;
     float fFontSize = 12;
 };
 

@@ -14,10 +14,17 @@ public:
     // Centre at first.
     void SetTextAlignment(limner::TextAlignment alignment);
     limner::TextAlignment TextAlignment() const { return fAlignment; }
+    // Raised as buttons are at first; flat: the ground shows while it is pointed at, pressed, on or focused; round:
+    // with half-discs at its ends.
+    enum class ButtonStyle : unsigned char { kRaised = 0, kFlat = 1, kRound = 2 };
+    void SetButtonStyle(ButtonStyle style);
+    ButtonStyle GetButtonStyle() const { return fStyle; }
     // Distance of a text that is not centred from its edge, view units.
     void SetTextIndent(float indent);
     float TextIndent() const { return fIndent; }
 
+    Size UI_GetNaturalSize() const override;
+    float UI_GetBaseline() const override;
     void UI_Draw(limner::Limner* context) override;
     ui::AccessibleInfo UI_GetAccessibleInfo() const override;
     const ui::PropertyTable& UI_GetPropertyTable() const override;
@@ -30,6 +37,7 @@ private:
     ui::LocalizedText fText;
     float fIndent = 8;
     limner::TextAlignment fAlignment = limner::TextAlignment::kCentre;
+    ButtonStyle fStyle = ButtonStyle::kRaised;
 };
 
 } // namespace kroui::controls

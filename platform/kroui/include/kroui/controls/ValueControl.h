@@ -45,6 +45,9 @@ public:
     // Digits behind the point, 0...15; the value itself is not rounded by it, what the user chooses is.
     void SetDecimalPlaces(int places);
     int GetDecimalPlaces() const { return fDecimalPlaces; }
+    // Digits altogether: a greater number shows fewer places. 0: as many as it takes.
+    void SetMaxDigits(int digits);
+    int GetMaxDigits() const { return fMaxDigits; }
     // krocore::NumberFormatFlags.
     void SetFormatFlags(std::uint32_t flags);
     std::uint32_t GetFormatFlags() const { return fFormatFlags; }
@@ -60,7 +63,9 @@ public:
     int GetScale() const { return fScale; }
 
     bool IsInGesture() const { return fGesture.IsActive(); }
-    krocore::string16 FormatValue() const;
+    krocore::string16 FormatValue() const { return FormatOf(fValue); }
+    // Another value as this control would show it.
+    krocore::string16 FormatOf(double value) const;
 
 protected:
     ValueControl() : fGesture(*this) {}
@@ -101,6 +106,7 @@ protected:
 
 private:
     double Held(double value) const;
+    int PlacesFor(double value) const;
 
     double fValue = 0;
     double fMinValue = 0;
@@ -111,6 +117,7 @@ private:
     double fCommandIncrement = 0;
     std::uint32_t fFormatFlags = krocore::kFormatNormal;
     int fDecimalPlaces = 0;
+    int fMaxDigits = 0;
     int fFormatWidth = 0;
     int fScale = kLinear;
     bool fAbbreviates = false;

@@ -48,6 +48,13 @@ public:
     virtual void Stroke(const Pen& pen) = 0;
     virtual void Fill(const Brush& brush) = 0;
 
+    // A line that is a function of x: through points whose x never descends; one that is no number interrupts it. With
+    // round joins and ends, in the pen's colour and width. Costs a small part of a path of as many points. The current
+    // path stays as it is.
+    virtual void StrokeFunction(std::span<const Point> points, const Pen& pen) = 0;
+    // Fills what lies between such a line and the horizontal at `base`.
+    virtual void FillFunction(std::span<const Point> points, float base, const Brush& brush) = 0;
+
     // A line of text (or, with multiLine, a paragraph) in a rectangle, clipped to nothing: truncation "end" and "start"
     // put an ellipsis where the text would be wider than the rectangle.
     virtual void DrawText(std::u16string_view text, const Font& font, const Color& color, const Rect& rect,

@@ -24,6 +24,7 @@ enum class Role : std::uint8_t {
     kMenuItem,
     kList,
     kListItem,
+    kTabGroup,
 };
 
 // What a node is for somebody who cannot see it, and for a test driver: its role, the name beside it, its value as the

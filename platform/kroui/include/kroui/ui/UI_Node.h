@@ -40,6 +40,9 @@ public:
     void UI_SetLocalRect(const Rect& rect) { UI_SetFrame({fFrame.left, fFrame.top, rect.width, rect.height}); }
     // The size that the node would like to have. Views that arrange their children ask it of those that have none yet.
     virtual Size UI_GetNaturalSize() const { return {fFrame.width, fFrame.height}; }
+    // Where the baseline of its (first) line of text lies in a node of that size, from its top; below 0 for a node that
+    // has no text to be aligned with others.
+    virtual float UI_GetBaseline() const { return -1; }
     // From the node's coordinates to those of its window's content, and back.
     Point UI_LocalToWindow(Point point) const;
     Point UI_WindowToLocal(Point point) const;

@@ -84,6 +84,9 @@ public:
     bool HasModalOverlay() const;
     UI_Node* TopOverlay() const;
 
+    // Is told before (true) and after (false) each thing the user does: a press until its release, a key, typed text, a
+    // wheel notch. What happens in between belongs together, for undo. Calls don't nest.
+    void SetInputObserver(boost::function<void(bool begins)> observer) { fInputObserver = std::move(observer); }
     // Keys that nothing handled, for the program's own shortcuts.
     void SetUnhandledKeyHandler(boost::function<bool(const KeyEvent&)> handler) { fUnhandledKey = std::move(handler); }
 
@@ -92,6 +95,7 @@ public:
 
 private:
     class TooltipController;
+    class InputScope;
     struct Overlay {
         boost::intrusive_ptr<UI_Node> node;
         bool modal;
@@ -115,6 +119,8 @@ private:
     boost::intrusive_ptr<UI_Node> fCapture;
     boost::intrusive_ptr<UI_Node> fHover;
     boost::function<bool(const KeyEvent&)> fUnhandledKey;
+    boost::function<void(bool)> fInputObserver;
+    bool fInputIsOpen = false; // the observer has been told of a beginning
     std::unique_ptr<TooltipController> fTooltips;
     DamageRegion fDamage;
     Size fSize;

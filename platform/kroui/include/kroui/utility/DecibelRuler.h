@@ -14,6 +14,7 @@ protected:
     void CollectTicks(std::vector<Candidate>& candidates) const override;
 
 private:
+    bool HasRoom(int decibels, int step) const;
     double DecibelsOf(double value) const;
     double ValueOf(double decibels) const;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "uit/controls/EditNumberLayout.h"
+#include "uit/controls/RulerSettings.h"
 #include "uit/controls/SliderRuler.h"
 
 #include "kroui/controls/HotTextLook.h"
@@ -11,14 +12,24 @@ namespace uit::controls {
 
 // A number with everything around it: a label that ends at its colon, a slider with a ruler, the number itself to drag
 // or type, and its unit. One control: whatever part the user takes hold of, its own messages tell of one gesture. It is
-// vertical if the ruler given in code is. Texts are measured and the ruler's marks computed when it is first drawn.
+// vertical if it is told to be or the ruler given in code is: then the parts stand one above the other, so narrow if
+// wanted that the band of an equaliser takes 22 view units, with the number in as small a font as that takes. Texts are
+// measured and the ruler's marks computed when it is first drawn.
 class UI_EditNumber : public kroui::controls::UI_InteractiveControlView, public kroui::controls::ValueControl {
 public:
     using RulerBase = kroui::utility::RulerBase;
     using RulerPlacement = UI_RulerSliderContainer::RulerPlacement;
     using RulerTextPlacement = UI_RulerSliderContainer::RulerTextPlacement;
+    using SliderLook = kroui::controls::SliderLook;
+    using DragDirection = kroui::controls::NumberDrag::Direction;
     // The ruler that an archive asks for.
-    enum RulerType : int { kNoRuler = 0, kLinearRuler = 1, kLogRuler = 2, kDecibelRuler = 3, kFaderRuler = 4 };
+    enum RulerType : int {
+        kNoRuler = RulerSettings::kNone,
+        kLinearRuler = RulerSettings::kLinear,
+        kLogRuler = RulerSettings::kLogarithmic,
+        kDecibelRuler = RulerSettings::kDecibels,
+        kFaderRuler = RulerSettings::kFader,
+    };
 
     UI_EditNumber();
 
@@ -38,6 +49,14 @@ public:
     void SetLabelWidth(float width);
     float MeasureLabelWidth() const;
 
+    // Small texts over and under the slider, in its middle.
+    void SetDescription1(std::u16string_view text);
+    void SetDescription2(std::u16string_view text);
+    // Of the label, the number and the unit; 12 at first. Descriptions are smaller.
+    void SetFontSize(float size);
+    static constexpr float kLargestDescription = 10;
+    static constexpr float kSmallestDescription = 7.5F;
+
     // --- number ---
 
     // Characters that the number has room for, and the unit (0: as it needs).
@@ -49,10 +68,19 @@ public:
     void SetHotTextNumberAlignment(int alignment);
     // How a drag of the number goes through the range: 0 linear, 1 logarithmic.
     void SetHotTextScale(int scale) { SetScale(scale); }
+    // The values between which that drag is logarithmic, where the bounds would not do (a lower one of 0); nothing if
+    // they are not above 0 and different.
+    void SetHotTextScaleRange(double low, double high);
+    // Which movements of the pointer drag the number; both at first.
+    void SetNumberDragDirection(DragDirection direction) { fNumberDrag.SetDirection(direction); }
 
     // --- slider and ruler ---
 
     void SetUseSlider(bool use);
+    // The parts one above the other.
+    void SetVertical(bool vertical);
+    void SetSliderKnob(SliderLook::Knob knob);
+    void SetSliderArrow(SliderLook::Arrow arrow);
     // The track's length in view units; the least one if the slider stretches with the control, as it does at first.
     void SetSliderLength(float length);
     void SetSliderStretches(bool stretches);
@@ -65,6 +93,10 @@ public:
     // Shares the ruler; null takes it away. Its range is the caller's; `label` becomes its first label if not empty.
     void SetRuler(boost::intrusive_ptr<RulerBase> ruler, RulerPlacement placement, RulerTextPlacement textPlacement,
                   std::u16string_view label);
+    // The same from a script's settings; type kNone takes it away.
+    void SetRulerSettings(const RulerSettings& settings);
+    // Another ruler, at the side that the first one leaves free. It has no say in where values lie.
+    void SetSecondRulerSettings(const RulerSettings& settings);
     // The ruler, made from the archive's properties if none has been given. Never null; not shown if its type or its
     // placement is none. After changing it call RecalcLayout.
     const boost::intrusive_ptr<RulerBase>& GetRuler();
@@ -103,6 +135,8 @@ public:
     // when it gets into a window.
     kroui::Size NaturalSize() const;
     kroui::Size UI_GetNaturalSize() const override { return NaturalSize(); }
+    // Of the number.
+    float UI_GetBaseline() const override;
     // Where the parts are, in the control's coordinates.
     const EditNumberLayout& Layout() const;
     // The field while the number is being typed; null otherwise.
@@ -140,8 +174,9 @@ private:
 
     bool IsRulerShown() const;
     SliderRuler Ruler() const;
+    SliderRuler SecondRuler() const;
+    RulerSettings ArchiveRuler() const;
     void MakeRuler();
-    void ConfigureRuler();
     void RulerPropertyChanged();
     void LayoutChanged();
     EditNumberLayout::Needs Needs() const;
@@ -151,10 +186,15 @@ private:
     double SliderPosition(double value) const;
     double SliderValueAt(double position) const;
     bool IsSliderLinear() const;
-    kroui::controls::SliderLook Slider() const;
+    SliderLook Slider() const;
+    kroui::limner::Font NumberFont(std::u16string_view text) const;
+    kroui::limner::TextAlignment NumberAlignment() const;
+    kroui::Rect EntryFrame(const kroui::controls::HotTextLook::Places& places) const;
     kroui::controls::HotTextLook Number(std::u16string_view text) const;
     void DrawLabel(kroui::limner::Limner& context) const;
+    void DrawDescription(kroui::limner::Limner& context, std::u16string_view text, const kroui::Rect& place) const;
     void DrawSlider(kroui::limner::Limner& context) const;
+    void DrawRuler(kroui::limner::Limner& context, const SliderRuler& ruler, const SliderLook& look) const;
     void DrawNumber(kroui::limner::Limner& context) const;
     void SetHoverPart(Part part);
 
@@ -176,12 +216,18 @@ private:
     kroui::ui::LocalizedText fUnitLabel;
     kroui::ui::LocalizedText fRulerLabel1;
     kroui::ui::LocalizedText fRulerLabel2;
+    krocore::string16 fDescription1;
+    krocore::string16 fDescription2;
     boost::intrusive_ptr<RulerBase> fRuler;
+    boost::intrusive_ptr<RulerBase> fSecondRuler;
     double fStepFactor = 40;
     double fLogSeed = 1;
     double fLogStep = 10;
     double fRulerLow = 0; // bounds that the archive's ruler was last given
     double fRulerHigh = 0;
+    double fHotTextLow = 0; // not below the other one: the bounds serve
+    double fHotTextHigh = 0;
+    float fFontSize = 12;
     float fLabelWidth = 0;
     float fSliderLength = 0;
     std::uint32_t fDigits = 5;
@@ -190,6 +236,9 @@ private:
     int fRulerPlacement = 2;
     int fRulerTextPlacement = RulerTextPlacement::kTextRightBottom;
     kroui::limner::TextAlignment fAlignment = kroui::limner::TextAlignment::kRight;
+    SliderLook::Knob fKnob = SliderLook::Knob::kByDirection;
+    SliderLook::Arrow fArrow = SliderLook::Arrow::kNone;
+    bool fVertical = false;
     bool fRulerIsGiven = false;
     bool fAbbreviateNumbers = false;
     bool fUseLabel = true;

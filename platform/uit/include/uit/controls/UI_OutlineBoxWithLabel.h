@@ -12,6 +12,8 @@ public:
     void SetLabel(const krocore::string16& label);
     const krocore::string16& Label() const { return fLabel.Text(); }
 
+    // Room for the label.
+    kroui::Size UI_GetNaturalSize() const override;
     void UI_Draw(kroui::limner::Limner* limner) override;
     kroui::ui::AccessibleInfo UI_GetAccessibleInfo() const override;
     const kroui::ui::PropertyTable& UI_GetPropertyTable() const override;
