@@ -29,6 +29,11 @@ UndoHistory::~UndoHistory() {
     fFilter->RemoveListener(*this);
 }
 
+void UndoHistory::InputEnds() {
+    fInInput = false;
+    CloseIfDone();
+}
+
 bool UndoHistory::Undo() {
     if (!CanUndo()) return false;
     fLastIsLoose = false;
@@ -59,29 +64,41 @@ void UndoHistory::Clear() noexcept {
 }
 
 void UndoHistory::ParameterChanged(AudioFilter& /*filter*/, const AudioFilterParameterChange& change) {
-    if (fRestoring || change.quiet) return;
+    if (fRestoring || (change.quiet && !fInInput)) return;
     const auto known = std::ranges::find(fOpenStep, change.index, &Change::index);
     if (known != fOpenStep.end()) {
         known->after = change.newValue;
+        known->quiet = known->quiet && change.quiet;
     } else {
-        fOpenStep.push_back({change.index, change.oldValue, change.newValue});
+        fOpenStep.push_back({change.index, change.oldValue, change.newValue, change.quiet});
     }
-    if (fOpenBrackets.empty()) CloseLooseStep();
+    CloseIfDone();
 }
 
 void UndoHistory::ParameterEditBegun(AudioFilter& /*filter*/, int index) {
     fOpenBrackets.push_back(index);
+    fIsLoose = false;
 }
 
 void UndoHistory::ParameterEditEnded(AudioFilter& /*filter*/, int index) {
     const auto bracket = std::ranges::find(fOpenBrackets, index);
     if (bracket == fOpenBrackets.end()) return;
     fOpenBrackets.erase(bracket);
-    if (fOpenBrackets.empty()) CloseStep();
+    CloseIfDone();
+}
+
+void UndoHistory::CloseIfDone() {
+    if (fInInput || !fOpenBrackets.empty()) return;
+    std::erase_if(fOpenStep, [](const Change& change) { return change.before == change.after; });
+    if (std::ranges::all_of(fOpenStep, &Change::quiet)) fOpenStep.clear();
+    if (fIsLoose && fOpenStep.size() == 1)
+        CloseLooseStep();
+    else
+        CloseStep();
+    fIsLoose = true;
 }
 
 void UndoHistory::CloseStep() {
-    std::erase_if(fOpenStep, [](const Change& change) { return change.before == change.after; });
     if (fOpenStep.empty()) return;
     fSteps.resize(fPosition);
     fSteps.push_back(std::exchange(fOpenStep, {}));

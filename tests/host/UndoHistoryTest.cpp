@@ -58,6 +58,38 @@ TEST_F(UndoHistoryTest, BracketForAllParametersHoldsNestedOnes) {
     EXPECT_EQ(CountSteps(), 1);
 }
 
+// What a drag in a curve does: no brackets, its number of points written quietly.
+TEST_F(UndoHistoryTest, OnePieceOfInputIsOneStepAndTakesItsQuietChangesAlong) {
+    fHistory.InputBegins();
+    fFilter->SetParameterValueQuietly(0, 0.5F);
+    fFilter->SetParameterValue(1, 0.25F);
+    fFilter->SetParameterValue(1, 0.5F);
+    EXPECT_FALSE(fHistory.CanUndo());
+    fHistory.InputEnds();
+    fHistory.InputBegins();
+    fFilter->SetParameterValueQuietly(2, 0.75F);
+    fHistory.InputEnds();
+    ASSERT_TRUE(fHistory.Undo());
+    EXPECT_EQ(Value(0), 0.0F);
+    EXPECT_EQ(Value(1), 0.0F);
+    EXPECT_EQ(Value(2), 0.75F) << "quiet changes alone are no step";
+    EXPECT_FALSE(fHistory.CanUndo());
+    ASSERT_TRUE(fHistory.Redo());
+    EXPECT_EQ(Value(0), 0.5F);
+    EXPECT_EQ(Value(1), 0.5F);
+}
+
+TEST_F(UndoHistoryTest, ABracketThatOutlastsTheInputKeepsTheStepOpen) {
+    fHistory.InputBegins();
+    fFilter->BeginParameterEdit(0);
+    fFilter->SetParameterValue(0, 0.5F);
+    fHistory.InputEnds();
+    EXPECT_FALSE(fHistory.CanUndo());
+    fFilter->SetParameterValue(0, 0.75F);
+    fFilter->EndParameterEdit(0);
+    EXPECT_EQ(CountSteps(), 1);
+}
+
 TEST_F(UndoHistoryTest, OnlyWhatChangedAndIsNotQuietLeavesAStep) {
     fFilter->SetParameterValueQuietly(0, 0.5F);
     fFilter->EndParameterEdit(0); // without a beginning

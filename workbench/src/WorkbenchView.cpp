@@ -195,10 +195,12 @@ void WorkbenchView::UI_NodeChanged(NodeChange change) {
         UI_InstallTimer(kPollSeconds, fTimer);
         fIsIdle = false;
         UI_GetWindow()->SetUnhandledKeyHandler([this](const KeyEvent& event) { return HandleKey(event); });
+        UI_GetWindow()->SetInputObserver([this](bool begins) { FollowInput(begins); });
         ShowState();
     } else if (change == kDetaching) {
         UI_RemoveTimer(fTimer, false);
         UI_GetWindow()->SetUnhandledKeyHandler({});
+        UI_GetWindow()->SetInputObserver({});
     } else if (change == kThemeChanged) {
         ShowState();
     }
@@ -213,6 +215,14 @@ bool WorkbenchView::UI_DoTimerNotify(long timerID) {
     fPanelCard->FollowPanel();
     SetPace();
     return true;
+}
+
+// What the user does is one step to take back, however the panel writes it.
+void WorkbenchView::FollowInput(bool begins) {
+    if (begins)
+        fSession.History().InputBegins();
+    else
+        fSession.History().InputEnds();
 }
 
 void WorkbenchView::SetPace() {

@@ -12,7 +12,9 @@ namespace qohost {
 
 // The changes of one filter's parameters that a user can take back. One step is a whole gesture - all that is committed
 // from the first BeginParameterEdit until every bracket is closed again, however the brackets nest or interleave - or
-// one committed change outside a gesture. Quiet changes are no steps, nor are gestures that leave everything as it was.
+// all that one piece of input does (a press until its release, a key), or else one committed change. Quiet changes
+// alone are no step, but those that come with committed ones in one piece of input are taken back with them, such as
+// the number of points of a curve. What leaves everything as it was is no step.
 //
 // Owned by whoever owns the document; keeps the filter alive. User-interface thread.
 class UndoHistory final : public kroaudiofilterhost::AudioFilterListener {
@@ -29,9 +31,13 @@ public:
     UndoHistory& operator=(const UndoHistory&) = delete;
     ~UndoHistory() override;
 
+    // The program tells when the user begins and ends to do something. Beginning twice is beginning once.
+    void InputBegins() noexcept { fInInput = true; }
+    void InputEnds();
+
     // False while a gesture is open.
-    bool CanUndo() const noexcept { return fOpenBrackets.empty() && fPosition > 0; }
-    bool CanRedo() const noexcept { return fOpenBrackets.empty() && fPosition < fSteps.size(); }
+    bool CanUndo() const noexcept { return IsClosed() && fPosition > 0; }
+    bool CanRedo() const noexcept { return IsClosed() && fPosition < fSteps.size(); }
 
     // Writes the values of before or after a step back with the committed setter. False, with nothing done, when there
     // is no such step or a gesture is open.
@@ -55,9 +61,12 @@ private:
         int index;
         float before;
         float after;
+        bool quiet;
     };
     using Step = std::vector<Change>;
 
+    bool IsClosed() const noexcept { return fOpenBrackets.empty() && fOpenStep.empty(); }
+    void CloseIfDone();
     void CloseStep();
     void CloseLooseStep();
     bool GoesOnFromLastStep() const;
@@ -70,6 +79,8 @@ private:
     std::size_t fPosition = 0; // steps before it can be undone, those from it on redone
     Step fOpenStep;
     std::vector<int> fOpenBrackets; // indices, one entry for each bracket that is open
+    bool fInInput = false;
+    bool fIsLoose = true; // the open step has seen no bracket
     bool fRestoring = false;
     Clock fClock;
     bool fLastIsLoose = false; // the newest step came without brackets

@@ -66,6 +66,7 @@ private:
     void ShowEffect();
     void ShowHistory();
     void ShowState();
+    void FollowInput(bool begins);
     void SetPace();
     void FollowTransport();
     void FollowHistory();
