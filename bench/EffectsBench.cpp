@@ -2,7 +2,9 @@
 // "times_real_time" is seconds of sound a second of one core.
 
 #include "host/TestSignal.h"
+#include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
+#include "qoc/components/ParameterIndices.h"
 
 #include <benchmark/benchmark.h>
 
@@ -21,14 +23,62 @@ void ProcessAll(kroaudiofilterhost::AudioFilter& filter, const qohost::Sound& so
     benchmark::DoNotOptimize(output.data());
 }
 
-void RunEffect(benchmark::State& state, const qoc::components::EffectDescription& effect) {
+using Filter = boost::intrusive_ptr<kroaudiofilterhost::AudioFilter>;
+
+void RunFilter(benchmark::State& state, const Filter& filter) {
     static const qohost::Sound sSound = qohost::MakeTestSignal(kSeconds);
-    const auto filter = effect.create();
     filter->SetDuration(static_cast<double>(sSound.Frames()));
     filter->Prepare(sSound.sampleRate, kBlock, sSound.layout);
     for (auto _ : state)
         ProcessAll(*filter, sSound);
     state.counters["times_real_time"] = benchmark::Counter(kSeconds, benchmark::Counter::kIsIterationInvariantRate);
+}
+
+void RunEffect(benchmark::State& state, const qoc::components::EffectDescription& effect) {
+    RunFilter(state, effect.create());
+}
+
+// A curve of all 128 points, up and down.
+Filter DrawnFFTFilter() {
+    using namespace qoc::components;
+    Filter filter = CreateEffect(kFFTFilterComponentID);
+    filter->SetParameterValueQuietly(kFFTFilterUpdating, 1);
+    filter->SetParameterValueQuietly(kFFTFilterPointCount, 1);
+    for (int point = 0; point < 128; ++point) {
+        const float place = static_cast<float>(point) / 127;
+        filter->SetParameterValue(kFFTFilterFirstPoint + 2 * point, place * place * place);
+        filter->SetParameterValue(kFFTFilterFirstPoint + 2 * point + 1, point % 2 == 0 ? 0.5F : 0.7F);
+    }
+    filter->SetParameterValueQuietly(kFFTFilterUpdating, 0);
+    return filter;
+}
+
+// Defaults let the sound through untransformed.
+void RunDrawnFFTFilter(benchmark::State& state) {
+    RunFilter(state, DrawnFFTFilter());
+}
+
+// A flat one does nothing.
+void RunSetGraphicEQ(benchmark::State& state) {
+    using namespace qoc::components;
+    const Filter filter = CreateEffect(kGraphicEQ30BandsComponentID);
+    for (int band = 0; band < 30; ++band)
+        filter->SetParameterValue(kGraphicEQFirstGain + band, band % 2 == 0 ? 0.4F : 0.6F);
+    RunFilter(state, filter);
+}
+
+// What one step of a drag costs: the filter is made anew and its response is asked for.
+void DragFFTFilterPoint(benchmark::State& state) {
+    const Filter filter = DrawnFFTFilter();
+    filter->Prepare(44100, kBlock, kromediatypes::AudioChannelLayout::Stereo());
+    std::vector<float> decibels;
+    float level = 0;
+    for (auto _ : state) {
+        level = level < 0.9F ? level + 0.001F : 0.1F;
+        filter->SetParameterValue(qoc::components::kFFTFilterFirstPoint + 101, level);
+        filter->GetMagnitudeResponse(4096, {20, 22050, true}, decibels);
+        benchmark::DoNotOptimize(decibels.data());
+    }
 }
 
 } // namespace
@@ -40,6 +90,9 @@ int main(int argc, char** argv) {
             RunEffect(state, effect);
         })->Unit(benchmark::kMillisecond);
     }
+    benchmark::RegisterBenchmark("fftfilter/128_points", RunDrawnFFTFilter)->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark("graphiceq30bands/set", RunSetGraphicEQ)->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark("fftfilter/drag", DragFFTFilterPoint)->Unit(benchmark::kMicrosecond);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

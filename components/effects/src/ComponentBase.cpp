@@ -63,7 +63,13 @@ bool ComponentBase::IsOn(int index) const noexcept {
 void ComponentBase::OnPrepare(std::size_t maximumBlock) {
     constexpr float kNyquistPerSampleRate = 0.5F;
     for (int index = 0; index < fTable.Size(); ++index) {
-        if (GenericParameterInfo* info = fTable.Find(index)) info->SetNyquist(GetSampleRate() * kNyquistPerSampleRate);
+        GenericParameterInfo* const info = fTable.Find(index);
+        if (info == nullptr) continue;
+        const float oldDefault = info->GetDefault();
+        info->SetNyquist(GetSampleRate() * kNyquistPerSampleRate);
+        // A frequency that nobody has set stays the default frequency at whatever rate.
+        const bool isDefault = StoredParameter(static_cast<std::size_t>(index)) == oldDefault;
+        if (isDefault && info->GetDefault() != oldDefault) StoreParameter(index, info->GetDefault());
     }
     PrepareProcessing(maximumBlock);
     Reset();

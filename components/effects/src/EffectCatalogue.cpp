@@ -4,8 +4,14 @@
 #include "qoc/components/Amplify.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/Doppler.h"
+#include "qoc/components/FFTFilter.h"
+#include "qoc/components/GraphicEQ.h"
+#include "qoc/components/GraphicPhaseShifter.h"
+#include "qoc/components/HardLimiter.h"
+#include "qoc/components/Notch.h"
 #include "qoc/components/PitchCorrect.h"
 #include "qoc/components/PitchShift.h"
+#include "qoc/components/ScientificFilter.h"
 #include "qoc/components/StereoExpander.h"
 
 #include <algorithm>
@@ -18,6 +24,11 @@ namespace {
 template <typename Effect>
 boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> Create() {
     return new Effect;
+}
+
+template <GraphicEQ::Bands kBands>
+boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> CreateGraphicEQ() {
+    return new GraphicEQ(kBands);
 }
 
 using enum EffectCategory;
@@ -38,20 +49,21 @@ constexpr std::array<EffectDescription, 28> kEffects = {{
     {kDopplerComponentID, "doppler", "$$$/qoc/Effect/Doppler=Doppler Shifter", kTimeAndPitch, Create<Doppler>},
     {kDynamicsComponentID, "dynamics", "$$$/qoc/Effect/Dynamics=Dynamics", kAmplitude, nullptr},
     {kEchoComponentID, "echo", "$$$/qoc/Effect/Echo=Echo", kDelay, nullptr},
-    {kFFTFilterComponentID, "fftfilter", "$$$/qoc/Effect/FFTFilter=FFT Filter", kFilter, nullptr},
+    {kFFTFilterComponentID, "fftfilter", "$$$/qoc/Effect/FFTFilter=FFT Filter", kFilter, Create<FFTFilter>},
     {kFlangerComponentID, "flanger", "$$$/qoc/Effect/Flanger=Flanger", kModulation, nullptr},
     {kFullReverbComponentID, "fullreverb", "$$$/qoc/Effect/FullReverb=Full Reverb", kReverb, nullptr},
     {kGraphicEQ10BandsComponentID, "graphiceq10bands", "$$$/qoc/Effect/GraphicEQ10Bands=Graphic Equalizer (10 Bands)",
-     kFilter, nullptr},
+     kFilter, CreateGraphicEQ<GraphicEQ::Bands::kOctave>},
     {kGraphicEQ20BandsComponentID, "graphiceq20bands", "$$$/qoc/Effect/GraphicEQ20Bands=Graphic Equalizer (20 Bands)",
-     kFilter, nullptr},
+     kFilter, CreateGraphicEQ<GraphicEQ::Bands::kHalfOctave>},
     {kGraphicEQ30BandsComponentID, "graphiceq30bands", "$$$/qoc/Effect/GraphicEQ30Bands=Graphic Equalizer (30 Bands)",
-     kFilter, nullptr},
+     kFilter, CreateGraphicEQ<GraphicEQ::Bands::kThirdOctave>},
     {kGraphicPhaseShifterComponentID, "graphicphaseshifter", "$$$/qoc/Effect/GraphicPhaseShifter=Graphic Phase Shifter",
-     kFilter, nullptr},
-    {kHardLimiterComponentID, "hardlimiter", "$$$/qoc/Effect/HardLimiter=Hard Limiter", kAmplitude, nullptr},
+     kFilter, Create<GraphicPhaseShifter>},
+    {kHardLimiterComponentID, "hardlimiter", "$$$/qoc/Effect/HardLimiter=Hard Limiter", kAmplitude,
+     Create<HardLimiter>},
     {kIntraClipComponentComponentID, "intraclip", "$$$/qoc/Effect/IntraClip=Clip Restoration", kRestoration, nullptr},
-    {kNotchComponentID, "notch", "$$$/qoc/Effect/Notch=Notch Filter", kFilter, nullptr},
+    {kNotchComponentID, "notch", "$$$/qoc/Effect/Notch=Notch Filter", kFilter, Create<Notch>},
     {kParametricEQComponentID, "parametriceq", "$$$/qoc/Effect/ParametricEQ=Parametric Equalizer", kFilter, nullptr},
     {kPitchCorrectComponentID, "pitchcorrect", "$$$/qoc/Effect/PitchCorrect=Automatic Pitch Correction", kTimeAndPitch,
      Create<PitchCorrect>},
@@ -59,7 +71,7 @@ constexpr std::array<EffectDescription, 28> kEffects = {{
      Create<PitchShift>},
     {kReverbComponentID, "reverb", "$$$/qoc/Effect/Reverb=Reverb", kReverb, nullptr},
     {kScientificFilterComponentID, "scientificfilter", "$$$/qoc/Effect/ScientificFilter=Scientific Filter", kFilter,
-     nullptr},
+     Create<ScientificFilter>},
     {kStereoExpanderComponentID, "stereoexpander", "$$$/qoc/Effect/StereoExpander=Stereo Expander", kStereo,
      Create<StereoExpander>},
     {kStudioReverbComponentID, "studioreverb", "$$$/qoc/Effect/StudioReverb=Studio Reverb", kReverb, nullptr},

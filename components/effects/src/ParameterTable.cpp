@@ -10,8 +10,15 @@ ParameterTable& ParameterTable::Add(std::span<const ParameterRow> rows) {
     return *this;
 }
 
-ParameterTable& ParameterTable::AddRepeated(std::span<const ParameterRow> rows, int count) {
-    for (int number = 1; number <= count; ++number) {
+ParameterTable& ParameterTable::AddNumbered(std::span<const ParameterRow> rows) {
+    int number = 0;
+    for (const ParameterRow& row : rows)
+        AddRow(row, ++number);
+    return *this;
+}
+
+ParameterTable& ParameterTable::AddRepeated(std::span<const ParameterRow> rows, int count, int first) {
+    for (int number = first; number < first + count; ++number) {
         for (const ParameterRow& row : rows)
             AddRow(row, number);
     }

@@ -60,7 +60,8 @@ krocore::string16 GenericParameterInfo::GetUnit() const {
 }
 
 float GenericParameterInfo::GetDefault() const {
-    return ToNormalised(fRow.defaultValue);
+    const bool isBounded = fRow.scale == ParameterScale::kNyquist;
+    return ToNormalised(isBounded ? std::min(fRow.defaultValue, fHi) : fRow.defaultValue);
 }
 
 GenericParameterInfo::Kind GenericParameterInfo::GetKind() const {

@@ -14,8 +14,10 @@ class ParameterTable {
 public:
     // Rows that stand once.
     ParameterTable& Add(std::span<const ParameterRow> rows);
-    // The whole group of rows `count` times in a row, numbered from 1.
-    ParameterTable& AddRepeated(std::span<const ParameterRow> rows, int count);
+    // Rows that number their parameters from 1, each with its own default.
+    ParameterTable& AddNumbered(std::span<const ParameterRow> rows);
+    // The whole group of rows `count` times in a row, numbered from `first`.
+    ParameterTable& AddRepeated(std::span<const ParameterRow> rows, int count, int first = 1);
 
     int Size() const noexcept { return static_cast<int>(fInfos.size()); }
     // Null for a free index and for one that is none.

@@ -79,4 +79,37 @@ enum PitchCorrectParameterIndex : int {
     kPitchCorrectCorrection = 8, // measured; read only
 };
 
+enum HardLimiterParameterIndex : int {
+    kHardLimiterMaximumAmplitude = 0,
+    kHardLimiterInputBoost = 1,
+    kHardLimiterLookAhead = 2,
+    kHardLimiterRelease = 3,
+    kHardLimiterLinkChannels = 4,
+};
+
+// Of all three; index 3 is free.
+enum GraphicEQParameterIndex : int {
+    kGraphicEQRange = 0,
+    kGraphicEQAccuracy = 1,
+    kGraphicEQMasterGain = 2,
+    kGraphicEQFirstGain = 4, // of 10, 20 or 30 bands, followed by the highest gain of the curve; read only
+};
+
+enum SFParameterIndex : int {
+    kSFType = 0,
+    kSFMode = 1,
+    kSFOrder = 2,
+    kSFCutoff = 3,
+    kSFHighCutoff = 4,          // of band filters
+    kSFTransitionBandwidth = 5, // follows from the others; read only
+    kSFPassRipple = 6,
+    kSFStopAttenuation = 7,
+    kSFMasterGain = 8,
+    kSFView = 9, // what the graph shows: 0 magnitude, 1 phase, 2 group delay
+    kSFLogarithmicAxis = 10,
+    kSFLevelRange = 11, // of the graph's magnitude
+    kSFViewStart = 12,  // frequencies that the graph shows
+    kSFViewEnd = 13,
+};
+
 } // namespace qoc::components

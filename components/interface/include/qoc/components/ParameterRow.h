@@ -31,7 +31,7 @@ struct ParameterRow {
     const char* unit = "";
     float lo = 0;
     float hi = 1;
-    float defaultValue = 0; // natural
+    float defaultValue = 0; // natural; the upper end where a range that follows the sample rate ends below it
     int decimals = 2;
     ParameterScale scale = ParameterScale::kLinear;
     ParameterKind kind = ParameterKind::kNumber;

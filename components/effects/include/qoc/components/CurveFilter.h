@@ -1,0 +1,99 @@
+#pragma once
+
+#include "qoc/components/ComponentBase.h"
+#include "qoc/components/CurveFIR.h"
+#include "qoc/components/FilterPartitions.h"
+#include "qoc/components/HandOver.h"
+#include "qoc/components/OverlapAdd.h"
+
+#include <optional>
+
+namespace qoc::components {
+
+// Base of the effects whose filter is drawn: a curve of points becomes an impulse response, which the sound is
+// convolved with.
+//
+// The setters make the response, on the user-interface thread, and the sound thread takes it over at the next frame.
+// Frames overlap by half under a Hann window of 10 ms or more, so that one filter fades into the next. While the
+// parameter that marks a curve as being rewritten is on, the last complete curve stays; it is the setting of that
+// parameter to off that makes the new one.
+//
+// The size, in samples, decides how finely the response can follow the curve, and the latency. The latency stays as it
+// was when the effect was prepared: of a size chosen since, no more takes effect than the prepared one until the effect
+// is prepared again.
+class CurveFilter : public ComponentBase, private SpectrumProcessor {
+public:
+    void SetParameterValue(int index, float value) override;
+    void SetParameterValueQuietly(int index, float value) override;
+
+    std::size_t Latency() const noexcept override { return fStream.Latency() + fSize / 2; }
+    std::size_t Tail() const noexcept override { return fSize / 2; }
+    bool GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
+                              std::vector<float>& decibels) const override;
+
+protected:
+    struct Indices {
+        int updating;   // marks a curve that is being rewritten
+        int firstPoint; // frequency and value of the points by turns, up to the last parameter
+    };
+    static constexpr std::size_t kMostPoints = 128;
+    static constexpr double kLowestFrequency = 20; // hertz, where the axis begins
+
+    CurveFilter(const char16_t* componentID, ParameterTable table, const Indices& indices);
+    ~CurveFilter() override;
+
+    // The impulse response of `size` samples for the present parameters, its middle at size / 2.
+    virtual std::vector<float> DesignFIR(std::size_t size, CurveFIR& designer) const = 0;
+    virtual std::size_t ChosenSize() const noexcept = 0;
+    // Whether the parameter, none of the points', has a part in the response.
+    virtual bool Shapes(int index) const noexcept = 0;
+    // How many points the curve has.
+    virtual std::size_t PointCount() const noexcept = 0;
+    // The only channel that is filtered, or nothing for all. Sound thread.
+    virtual std::optional<std::size_t> OnlyChannel() const noexcept { return {}; }
+
+    // The number of points that a stored value stands for.
+    static std::size_t CountOf(float stored) noexcept;
+    double Nyquist() const noexcept { return 0.5 * GetSampleRate(); }
+    // Of a point, as stored, brought into 0...1.
+    double StoredFrequency(std::size_t point) const noexcept;
+    double StoredValue(std::size_t point) const noexcept;
+
+    void PrepareProcessing(std::size_t maximumBlock) override;
+    void ResetProcessing() noexcept override;
+    void ReadParameters(bool settle) noexcept override;
+    void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
+
+private:
+    void ProcessSpectra(std::span<const Spectrum> spectra) noexcept override;
+    void Convolve(std::size_t channel, Spectrum spectrum) noexcept;
+    std::span<float> Past(std::size_t channel, std::size_t frames) noexcept;
+
+    bool IsPrepared() const noexcept { return fSize > 0; }
+    bool IsHeard(int index) const noexcept;
+    void ParameterHasChanged(int index, float oldValue);
+    void Redesign() const;
+    std::unique_ptr<FilterPartitions> MakePartitions(std::span<const float> fir) const;
+
+    Indices fIndices;
+    // User-interface thread; mutable, since asking for the response may find the design wanting.
+    mutable CurveFIR fDesigner;
+    mutable std::vector<float> fFIR; // the last complete curve's; empty before the first
+    mutable bool fIsStale = true;    // parameters have changed since
+    mutable FIRResponse fResponse;   // of the impulse response, once somebody has asked
+    mutable bool fHasResponse = false;
+    std::unique_ptr<RealFFT> fPartitionTransform;
+    HandOver<FilterPartitions> fHandOver;
+    std::size_t fSize = 0; // as prepared
+    // Sound thread.
+    OverlapAdd fStream;
+    std::unique_ptr<FilterPartitions> fFilter;
+    std::unique_ptr<FilterPartitions> fIdentity; // for channels that are not filtered
+    std::optional<std::size_t> fOnlyChannel;
+    std::vector<float> fPast; // split spectra of the last frames, by channel and frame
+    std::vector<float> fSum;  // a split spectrum
+    std::size_t fKept = 0;    // frames
+    std::size_t fFrame = 0;   // the present one's place among them
+};
+
+} // namespace qoc::components

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "qoc/components/Biquad.h"
+#include "qoc/components/ComponentBase.h"
+#include "qoc/components/GraphicEQDesign.h"
+#include "qoc/components/HandOver.h"
+#include "qoc/components/ParameterIndices.h"
+#include "qoc/components/SmoothedValue.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace qoc::components {
+
+// A graphic equaliser: a slider a band, on octaves from 31.25 Hz (10 bands), half octaves up to 16 kHz (20) or the
+// third octaves from 25 Hz to 20 kHz (30). The response meets the sliders at the bands' centres; see GraphicEQDesign
+// for how. Bands too near half the sample rate are not there.
+//
+// The gains are stored on one scale; the range says how much of it may be used, half of the range to either side of
+// 0 dB, and holds sliders beyond that at its end. The accuracy is the number of passes of the solver. The last
+// parameter tells the highest gain of the resulting response, master gain included: what is left of the headroom.
+// With all gains at 0 dB the sound comes out bit by bit as it went in.
+//
+// The setters solve, on the user-interface thread; the sound thread glides from the old coefficients to the new.
+class GraphicEQ : public ComponentBase {
+public:
+    enum class Bands : std::uint8_t { kOctave, kHalfOctave, kThirdOctave };
+
+    explicit GraphicEQ(Bands bands);
+
+    // In hertz, ascending.
+    static std::span<const double> Centres(Bands bands);
+
+    void SetParameterValue(int index, float value) override;
+    void SetParameterValueQuietly(int index, float value) override;
+
+    // Until the slowest section has decayed by 100 dB.
+    std::size_t Tail() const noexcept override;
+    bool GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
+                              std::vector<float>& decibels) const override;
+
+protected:
+    ~GraphicEQ() override;
+
+    void PrepareProcessing(std::size_t maximumBlock) override;
+    void ResetProcessing() noexcept override;
+    void ReadParameters(bool settle) noexcept override;
+    void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
+
+private:
+    using Sections = std::vector<BiquadCoefficients>;
+
+    void ParameterHasChanged(int index, float oldValue);
+    int HighestGainIndex() const noexcept { return kGraphicEQFirstGain + static_cast<int>(fCentres.size()); }
+    void Redesign();
+    void StoreHighestGain();
+    double DecibelsAt(double hertz) const noexcept;
+    double MasterGain() const noexcept;
+
+    void TakeSections() noexcept;
+    void Glide() noexcept;
+    void ProcessGliding(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frames) noexcept;
+    void ProcessSettled(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin) noexcept;
+
+    std::span<const double> fCentres;
+    // User-interface thread.
+    std::unique_ptr<GraphicEQDesign> fDesign;
+    Sections fDesigned;
+    HandOver<Sections> fHandOver;
+    // Sound thread.
+    std::vector<std::vector<Biquad>> fBiquads; // by channel
+    std::unique_ptr<Sections> fTarget;
+    Sections fStart;      // where the glide began
+    Sections fNow;        // and has come to
+    SmoothedValue fGlide; // 0...1
+    SmoothedValue fMaster;
+    bool fIsFlat = true; // and was, since the last reset
+    std::vector<double> fScratch;
+};
+
+} // namespace qoc::components

@@ -1,0 +1,158 @@
+#include "qoc/components/FFTFilter.h"
+
+#include "krocore/FaderTranslator.h"
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/ParameterIndices.h"
+#include "qoc/components/WindowFunction.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace qoc::components {
+
+namespace {
+
+constexpr const char* kSizeNames[] = {"32",   "64",   "128",  "256",   "512",  "1024",
+                                      "2048", "4096", "8192", "16384", "32768"};
+constexpr float kSizes[] = {32, 64, 128, 256, 512, 1024, 2048, 4096, 8192, 16384, 32768};
+
+constexpr const char* kWindowNames[] = {
+    "$$$/FFTFilter/WindowType/Triangular=Triangular",     "$$$/FFTFilter/WindowType/Hann=Hann",
+    "$$$/FFTFilter/WindowType/Hamming=Hamming",           "$$$/FFTFilter/WindowType/Blackman=Blackman",
+    "$$$/FFTFilter/WindowType/Gaussian=Gaussian",         "$$$/FFTFilter/WindowType/BlackmanHarris=Blackman-Harris",
+    "$$$/FFTFilter/WindowType/Kaiser140=Kaiser (140 dB)", "$$$/FFTFilter/WindowType/Kaiser180=Kaiser (180 dB)",
+};
+
+constexpr const char* kScaleNames[] = {"$$$/FFTFilterUI/Logarithmic=Logarithmic", "$$$/FFTFilterUI/Linear=Linear"};
+
+constexpr float kHighestFrequency = 1e6F;  // hertz: half of any sample rate is less
+constexpr float kUnityLevel = 0.63095734F; // of a fader at 0 dB: 10^(-12 / 60)
+
+constexpr ParameterRow kCommonRows[] = {
+    {.id = "spline", .name = "$$$/FFTFilter/SplineCurves=Spline Curves", .kind = ParameterKind::kSwitch},
+    // The scale ends below the largest size, which is stored as a value above 1.
+    {.id = "fftSize",
+     .name = "$$$/FFTFilter/FFTSize=FFT Size",
+     .lo = 32,
+     .hi = 24000,
+     .defaultValue = 4096,
+     .decimals = 0,
+     .kind = ParameterKind::kChoice,
+     .flags = kParameterNotAutomatable,
+     .items = kSizeNames,
+     .itemValues = kSizes},
+    // An eighth an item.
+    {.id = "window",
+     .name = "$$$/FFTFilter/Window=Window",
+     .hi = 8,
+     .defaultValue = 1,
+     .decimals = 0,
+     .kind = ParameterKind::kChoice,
+     .flags = kParameterNotAutomatable,
+     .items = kWindowNames},
+    {}, // marks a curve that is being rewritten: nobody's setting
+    {.id = "scale",
+     .name = "$$$/FFTFilter/Scale=Frequency Scale",
+     .kind = ParameterKind::kChoice,
+     .flags = kParameterNotAutomatable,
+     .items = kScaleNames},
+    {.id = "viewStart",
+     .name = "$$$/FFTFilter/ViewStart=Lowest Frequency Shown",
+     .unit = "Hz",
+     .defaultValue = 20,
+     .decimals = 1,
+     .scale = ParameterScale::kNyquist,
+     .flags = kParameterNotAutomatable},
+    {.id = "viewEnd",
+     .name = "$$$/FFTFilter/ViewEnd=Highest Frequency Shown",
+     .unit = "Hz",
+     .defaultValue = kHighestFrequency,
+     .decimals = 1,
+     .scale = ParameterScale::kNyquist,
+     .flags = kParameterNotAutomatable},
+    {},
+    {},
+    {.id = "points", .name = "$$$/FFTFilter/Points=Curve Points", .hi = 128, .defaultValue = 2, .decimals = 0},
+};
+
+constexpr ParameterRow PointFrequency(float defaultHertz) {
+    return {.id = "frequency",
+            .name = "$$$/FFTFilter/PointFrequency=Frequency @0",
+            .unit = "Hz",
+            .defaultValue = defaultHertz,
+            .decimals = 1,
+            .scale = ParameterScale::kNyquist};
+}
+
+// A place on a fader's travel, of which 1 is +12 dB and 0 silence.
+constexpr ParameterRow kPointLevel = {
+    .id = "level", .name = "$$$/FFTFilter/PointLevel=Level @0", .defaultValue = kUnityLevel, .decimals = 4};
+
+constexpr ParameterRow kFirstPointRows[] = {PointFrequency(20), kPointLevel};
+constexpr ParameterRow kPointRows[] = {PointFrequency(kHighestFrequency), kPointLevel};
+
+// The travel of a fader is the cube root of an amplitude.
+double AmplitudeOf(double level) noexcept {
+    static const double sTop = std::pow(10.0, krocore::FaderTranslator<double>::kTopDecibels / 20);
+    return sTop * level * level * level;
+}
+
+} // namespace
+
+FFTFilter::FFTFilter()
+    : CurveFilter(kFFTFilterComponentID,
+                  std::move(ParameterTable()
+                                .Add(kCommonRows)
+                                .AddRepeated(kFirstPointRows, 1)
+                                .AddRepeated(kPointRows, static_cast<int>(kMostPoints) - 1, 2)),
+                  {.updating = kFFTFilterUpdating, .firstPoint = kFFTFilterFirstPoint}) {
+}
+
+FFTFilter::~FFTFilter() = default;
+
+std::vector<float> FFTFilter::DesignFIR(std::size_t size, CurveFIR& designer) const {
+    const FrequencyCurve curve = ReadCurve();
+    const std::size_t last = size / 2;
+    const std::vector<double> levels = curve.Sample(last + 1, Nyquist());
+    CurveFIR::Spectrum spectrum(last + 1);
+    std::ranges::transform(levels, spectrum.begin(),
+                           [](double level) { return static_cast<float>(AmplitudeOf(level)); });
+    std::vector<CurveFIR::Node> nodes;
+    for (const FrequencyCurve::Point& point : curve.Points())
+        nodes.push_back({point.hertz / Nyquist() * static_cast<double>(last), AmplitudeOf(point.value)});
+    return designer.Design(std::move(spectrum), nodes, Window(size), CurveFIR::Kind::kMagnitude);
+}
+
+std::size_t FFTFilter::ChosenSize() const noexcept {
+    return static_cast<std::size_t>(kSizes[Item(kFFTFilterSize)]);
+}
+
+bool FFTFilter::Shapes(int index) const noexcept {
+    return index == kFFTFilterSplineCurves || index == kFFTFilterSize || index == kFFTFilterWindowType ||
+           index == kFFTFilterScale || index == kFFTFilterPointCount;
+}
+
+std::size_t FFTFilter::PointCount() const noexcept {
+    return CountOf(StoredParameter(kFFTFilterPointCount));
+}
+
+FrequencyCurve FFTFilter::ReadCurve() const {
+    std::vector<FrequencyCurve::Point> points(PointCount());
+    for (std::size_t i = 0; i < points.size(); ++i)
+        points[i] = {std::max(StoredFrequency(i) * Nyquist(), kLowestFrequency), StoredValue(i)};
+    const auto axis = IsOn(kFFTFilterScale) ? FrequencyCurve::Axis::kLinear : FrequencyCurve::Axis::kLogarithmic;
+    return {std::move(points), axis, IsOn(kFFTFilterSplineCurves), kUnityLevel};
+}
+
+const FIRWindow& FFTFilter::Window(std::size_t size) const {
+    const int item = Item(kFFTFilterWindowType);
+    if (fWindow == nullptr || fWindow->Size() != size || fWindowItem != item) {
+        const auto shape = [kind = static_cast<WindowKind>(item)](double place) { return WindowAt(kind, place); };
+        fWindow = std::make_unique<FIRWindow>(shape, size);
+        fWindowItem = item;
+    }
+    return *fWindow;
+}
+
+} // namespace qoc::components

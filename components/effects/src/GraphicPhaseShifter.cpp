@@ -1,0 +1,164 @@
+#include "qoc/components/GraphicPhaseShifter.h"
+
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/ParameterIndices.h"
+#include "qoc/components/WindowFunction.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <utility>
+
+namespace qoc::components {
+
+namespace {
+
+constexpr const char* kSizeNames[] = {"512", "1024", "2048", "4096", "8192", "16384", "32768", "65536"};
+constexpr float kSizes[] = {512, 1024, 2048, 4096, 8192, 16384, 32768, 65536};
+
+constexpr const char* kRangeNames[] = {"$$$/GraphicPhaseShifterUI/Range180=180#{deg}",
+                                       "$$$/GraphicPhaseShifterUI/Range360=360#{deg}"};
+constexpr double kNarrowRange = 180; // degrees to either side
+constexpr double kWideRange = 360;
+
+constexpr const char* kScaleNames[] = {"$$$/GraphicPhaseShifterUI/Log=Logarithmic",
+                                       "$$$/GraphicPhaseShifterUI/Linear=Linear"};
+
+constexpr float kHighestFrequency = 1e6F; // hertz: half of any sample rate is less
+constexpr float kLastChannelItem = 33;
+
+constexpr ParameterRow kCommonRows[] = {
+    {.id = "spline", .name = "$$$/GraphicPhaseShifter/SplineCurves=Spline Curves", .kind = ParameterKind::kSwitch},
+    {.id = "fftSize",
+     .name = "$$$/GraphicPhaseShifter/FFTSize=FFT Size",
+     .lo = 32,
+     .hi = 65536,
+     .defaultValue = 16384,
+     .decimals = 0,
+     .kind = ParameterKind::kChoice,
+     .flags = kParameterNotAutomatable,
+     .items = kSizeNames,
+     .itemValues = kSizes},
+    {}, // marks a curve that is being rewritten: nobody's setting
+    // 0: all channels
+    {.id = "channel", .name = "$$$/GraphicPhaseShifter/Channel=Channel", .hi = kLastChannelItem, .decimals = 0},
+    {.id = "range",
+     .name = "$$$/GraphicPhaseShifter/Range=Phase Range",
+     .kind = ParameterKind::kChoice,
+     .flags = kParameterNotAutomatable,
+     .items = kRangeNames},
+    {.id = "scale",
+     .name = "$$$/GraphicPhaseShifter/Scale=Frequency Scale",
+     .kind = ParameterKind::kChoice,
+     .flags = kParameterNotAutomatable,
+     .items = kScaleNames},
+    {.id = "viewStart",
+     .name = "$$$/GraphicPhaseShifter/ViewStart=Lowest Frequency Shown",
+     .unit = "Hz",
+     .defaultValue = 20,
+     .decimals = 1,
+     .scale = ParameterScale::kNyquist,
+     .flags = kParameterNotAutomatable},
+    {.id = "viewEnd",
+     .name = "$$$/GraphicPhaseShifter/ViewEnd=Highest Frequency Shown",
+     .unit = "Hz",
+     .defaultValue = kHighestFrequency,
+     .decimals = 1,
+     .scale = ParameterScale::kNyquist,
+     .flags = kParameterNotAutomatable},
+    {},
+    {},
+    {.id = "points",
+     .name = "$$$/GraphicPhaseShifter/Points=Curve Points",
+     .hi = 128,
+     .defaultValue = 2,
+     .decimals = 0},
+};
+
+// Places on the graph's axes: 0 at 20 Hz and 1 at half the sample rate, 0 at the bottom of the phase range and 1 at its
+// top.
+constexpr ParameterRow PointPosition(float defaultPlace) {
+    return {.id = "position",
+            .name = "$$$/GraphicPhaseShifter/PointPosition=Position @0",
+            .defaultValue = defaultPlace,
+            .decimals = 4};
+}
+
+constexpr ParameterRow kPointPhase = {
+    .id = "phase", .name = "$$$/GraphicPhaseShifter/PointPhase=Phase @0", .defaultValue = 0.5F, .decimals = 4};
+
+constexpr ParameterRow kFirstPointRows[] = {PointPosition(0), kPointPhase};
+constexpr ParameterRow kPointRows[] = {PointPosition(1), kPointPhase};
+
+// Flat in the middle, so that what is delayed or advanced by the phase keeps its level, and as smooth at the ends as a
+// Hann window, whose complement to the sixth power it lacks.
+double FlatWindow(double place) noexcept {
+    return 1 - std::pow(1 - WindowAt(WindowKind::kHann, place), 6);
+}
+
+std::complex<double> Turn(double degrees) noexcept {
+    return std::polar(1.0, degrees * std::numbers::pi / 180);
+}
+
+} // namespace
+
+GraphicPhaseShifter::GraphicPhaseShifter()
+    : CurveFilter(kGraphicPhaseShifterComponentID,
+                  std::move(ParameterTable()
+                                .Add(kCommonRows)
+                                .AddRepeated(kFirstPointRows, 1)
+                                .AddRepeated(kPointRows, static_cast<int>(kMostPoints) - 1, 2)),
+                  {.updating = kPhaseShifterUpdating, .firstPoint = kPhaseShifterFirstPoint}) {
+}
+
+GraphicPhaseShifter::~GraphicPhaseShifter() = default;
+
+std::vector<float> GraphicPhaseShifter::DesignFIR(std::size_t size, CurveFIR& designer) const {
+    const FrequencyCurve curve = ReadCurve();
+    const std::size_t last = size / 2;
+    const std::vector<double> degrees = curve.Sample(last + 1, Nyquist());
+    CurveFIR::Spectrum spectrum(last + 1);
+    std::ranges::transform(degrees, spectrum.begin(), [](double phase) { return std::complex<float>(Turn(phase)); });
+    std::vector<CurveFIR::Node> nodes;
+    for (const FrequencyCurve::Point& point : curve.Points())
+        nodes.push_back({point.hertz / Nyquist() * static_cast<double>(last), Turn(point.value)});
+    if (fWindow == nullptr || fWindow->Size() != size) fWindow = std::make_unique<FIRWindow>(FlatWindow, size);
+    return designer.Design(std::move(spectrum), nodes, *fWindow, CurveFIR::Kind::kPhase);
+}
+
+std::size_t GraphicPhaseShifter::ChosenSize() const noexcept {
+    return static_cast<std::size_t>(kSizes[Item(kPhaseShifterSize)]);
+}
+
+bool GraphicPhaseShifter::Shapes(int index) const noexcept {
+    return index == kPhaseShifterSplineCurves || index == kPhaseShifterSize || index == kPhaseShifterRange ||
+           index == kPhaseShifterScale || index == kPhaseShifterPointCount;
+}
+
+std::size_t GraphicPhaseShifter::PointCount() const noexcept {
+    return CountOf(StoredParameter(kPhaseShifterPointCount));
+}
+
+std::optional<std::size_t> GraphicPhaseShifter::OnlyChannel() const noexcept {
+    constexpr float kRounding = 1e-3F; // what storing an item as a fraction may take from it
+    const auto item = static_cast<std::size_t>(Natural(kPhaseShifterChannel) + kRounding);
+    if (item == 0) return {};
+    return item - 1;
+}
+
+FrequencyCurve GraphicPhaseShifter::ReadCurve() const {
+    const bool isLinear = IsOn(kPhaseShifterScale);
+    const double range = IsOn(kPhaseShifterRange) ? kWideRange : kNarrowRange;
+    const double ratio = Nyquist() / kLowestFrequency;
+    std::vector<FrequencyCurve::Point> points(PointCount());
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const double place = StoredFrequency(i);
+        const double hertz = isLinear ? kLowestFrequency + place * (Nyquist() - kLowestFrequency)
+                                      : kLowestFrequency * std::pow(ratio, place);
+        points[i] = {hertz, (2 * StoredValue(i) - 1) * range};
+    }
+    const auto axis = isLinear ? FrequencyCurve::Axis::kLinear : FrequencyCurve::Axis::kLogarithmic;
+    return {std::move(points), axis, IsOn(kPhaseShifterSplineCurves), 0};
+}
+
+} // namespace qoc::components

@@ -1,0 +1,342 @@
+#include "qoc/components/Notch.h"
+
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/ParameterIndices.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <utility>
+
+namespace qoc::components {
+
+namespace {
+
+// The half hertz belongs to the stored form.
+constexpr ParameterRow Frequency(float hertz) {
+    return {.id = "frequency",
+            .name = "$$$/Notch/Frequency=Frequency @0",
+            .unit = "Hz",
+            .lo = 0.5F,
+            .defaultValue = hertz,
+            .decimals = 1,
+            .scale = ParameterScale::kNyquist};
+}
+
+// Mains hum of 60 Hz and its harmonics.
+constexpr ParameterRow kFrequencyRows[] = {Frequency(60),  Frequency(120), Frequency(180),
+                                           Frequency(240), Frequency(300), Frequency(360)};
+
+constexpr float kLargestGain = 96; // dB, either way
+constexpr float kDefaultGain = -36;
+
+constexpr ParameterRow kGainRows[] = {
+    {.id = "gain",
+     .name = "$$$/Notch/Gain=Gain @0",
+     .unit = "dB",
+     .lo = -kLargestGain,
+     .hi = kLargestGain,
+     .defaultValue = kDefaultGain,
+     .decimals = 1},
+};
+
+constexpr ParameterRow Enable(bool on) {
+    return {.id = "enable",
+            .name = "$$$/Notch/Enable=Notch @0",
+            .defaultValue = on ? 1.0F : 0.0F,
+            .kind = ParameterKind::kSwitch};
+}
+
+// Only the fundamental is taken away until the user asks for more.
+constexpr ParameterRow kEnableRows[] = {Enable(true),  Enable(false), Enable(false),
+                                        Enable(false), Enable(false), Enable(false)};
+
+constexpr const char* kWidthNames[] = {"$$$/NotchFilterUI/Narrow=Narrow", "$$$/NotchFilterUI/VeryNarrow=Very Narrow",
+                                       "$$$/NotchFilterUI/SuperNarrow=Super Narrow"};
+// Frequency / width for each of them. At 60 Hz: 6, 2 and 0.6 Hz wide, ringing down by 60 dB in 0.4, 1.1 and 3.7 s.
+constexpr float kQualities[] = {10, 30, 100};
+
+constexpr ParameterRow kFree = {};
+
+constexpr ParameterRow kCommonRows[] = {
+    {.id = "fixgain",
+     .name = "$$$/Notch/FixGain=Fixed Gain",
+     .unit = "dB",
+     .lo = -kLargestGain,
+     .hi = kLargestGain,
+     .defaultValue = kDefaultGain,
+     .decimals = 1},
+    kFree,
+    kFree,
+    {.id = "width",
+     .name = "$$$/Notch/NotchWidth=Notch Width",
+     .hi = 2,
+     .kind = ParameterKind::kChoice,
+     .items = kWidthNames},
+    {.id = "fixgainenable", .name = "$$$/Notch/FixGainTo=Fix Gain", .kind = ParameterKind::kSwitch},
+    kFree,
+    kFree,
+    {.id = "ultraquiet", .name = "$$$/NotchFilterUI/UltraQuiet=Ultra Quiet", .kind = ParameterKind::kSwitch},
+    kFree,
+    // The frequencies that the panel's graph shows.
+    {.id = "viewstart",
+     .name = "$$$/Notch/ViewStart=View Start",
+     .unit = "Hz",
+     .lo = 0.5F,
+     .defaultValue = 20,
+     .decimals = 1,
+     .scale = ParameterScale::kNyquist,
+     .flags = kParameterNotAutomatable},
+    {.id = "viewend",
+     .name = "$$$/Notch/ViewEnd=View End",
+     .unit = "Hz",
+     .lo = 0.5F,
+     .defaultValue = 22050,
+     .decimals = 1,
+     .scale = ParameterScale::kNyquist,
+     .flags = kParameterNotAutomatable},
+};
+
+constexpr float kLowestFrequency = 20;        // hertz
+constexpr float kHighestFrequency = 0.49995F; // of the sample rate: at half of it there is nothing to notch
+constexpr float kLargestInput = 1e6F;         // sum of all boosts, 576 dB, stays within a float
+constexpr std::size_t kChunk = 64;            // frames
+
+float ToGain(float decibels) noexcept {
+    return static_cast<float>(std::pow(10.0, decibels / 20.0));
+}
+
+// Not-a-number compares false.
+float Cleaned(float sample) noexcept {
+    return std::abs(sample) <= kLargestInput ? sample : 0.0F;
+}
+
+// The sections' common response.
+class Cascade {
+public:
+    explicit Cascade(double sampleRate) : fSampleRate(sampleRate) {}
+
+    void Add(const NotchSection::Setting& setting) {
+        fFilters[fCount++] = NotchSection::ToBiquad(fSampleRate, setting);
+    }
+    float DecibelsAt(double hertz) const {
+        const ResponsePoint point(fSampleRate, hertz);
+        double squared = 1;
+        for (std::size_t i = 0; i < fCount; ++i)
+            squared *= fFilters[i].MagnitudeSquared(point);
+        return static_cast<float>(10 * std::log10(squared));
+    }
+
+private:
+    double fSampleRate;
+    std::array<BiquadCoefficients, Notch::kSections> fFilters;
+    std::size_t fCount = 0;
+};
+
+bool IsSame(const kroaudiofilterhost::FrequencyAxis& a, const kroaudiofilterhost::FrequencyAxis& b) {
+    return a.start == b.start && a.end == b.end && a.logarithmic == b.logarithmic;
+}
+
+// The place that shows `hertz`; `count` or more when it is none.
+std::size_t PlaceOf(double hertz, const kroaudiofilterhost::FrequencyAxis& axis, std::size_t count) {
+    const double part = axis.logarithmic ? std::log(hertz / axis.start) / std::log(axis.end / axis.start)
+                                         : (hertz - axis.start) / (axis.end - axis.start);
+    const double place = std::round(part * static_cast<double>(count - 1));
+    return place >= 0 && place < static_cast<double>(count) ? static_cast<std::size_t>(place) : count;
+}
+
+// One register of channels, which all do the same.
+template <class Real>
+struct LanesOf {
+    static constexpr std::size_t kBytes = 16;
+    static constexpr std::size_t kCount = kBytes / sizeof(Real);
+    typedef Real Type __attribute__((vector_size(kBytes)));
+};
+
+} // namespace
+
+// A section's coefficients for each frame of a chunk; a stride of 0 repeats the first.
+template <class Real>
+struct Notch::Run {
+    struct Coefficients {
+        Real tuning;
+        Real feedback;
+        Real input;
+        Real mix;
+    };
+
+    void Fill(NotchSection& filter, std::size_t frames) noexcept {
+        stride = filter.IsSettled() ? 0 : 1;
+        for (std::size_t i = 0; i < (stride == 0 ? 1 : frames); ++i) {
+            const NotchSection::Coefficients& next = filter.Next();
+            coefficients[i] = {static_cast<Real>(next.tuning), static_cast<Real>(next.feedback),
+                               static_cast<Real>(next.input), static_cast<Real>(next.mix)};
+        }
+    }
+
+    std::array<Coefficients, kChunk> coefficients;
+    std::size_t stride;
+    std::size_t section;
+};
+
+Notch::Notch()
+    : ComponentBase(kNotchComponentID, std::move(ParameterTable()
+                                                     .AddNumbered(kFrequencyRows)
+                                                     .AddRepeated(kGainRows, kSections)
+                                                     .AddNumbered(kEnableRows)
+                                                     .Add(kCommonRows))) {
+}
+
+Notch::~Notch() = default;
+
+bool Notch::GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
+                                 std::vector<float>& decibels) const {
+    if (count == 0) return false;
+    const std::int32_t dirtyCount = GetParameterDirtyCount();
+    const bool isKnown = fResponse.decibels.size() == count && fResponse.dirtyCount == dirtyCount &&
+                         fResponse.sampleRate == GetSampleRate() && IsSame(fResponse.axis, axis);
+    if (!isKnown) fResponse = {dirtyCount, GetSampleRate(), axis, ComputeResponse(count, axis)};
+    decibels = fResponse.decibels;
+    return true;
+}
+
+std::size_t Notch::Tail() const noexcept {
+    const double kSixtyDecibels = std::log(1000.0);
+    double longest = 0; // seconds
+    for (int i = 0; i < kSections; ++i) {
+        const NotchSection::Setting setting = SettingOf(i);
+        const double timeConstant = setting.q / (std::numbers::pi * setting.frequency);
+        if (IsHeard(i)) longest = std::max(longest, kSixtyDecibels * timeConstant);
+    }
+    return static_cast<std::size_t>(std::ceil(longest * GetSampleRate()));
+}
+
+void Notch::PrepareProcessing(std::size_t /*maximumBlock*/) {
+    for (NotchSection& section : fSections)
+        section.Prepare(GetSampleRate());
+}
+
+void Notch::ResetProcessing() noexcept {
+    for (int section = 0; section < kSections; ++section)
+        ForgetSound(section);
+}
+
+void Notch::ReadParameters(bool settle) noexcept {
+    for (int i = 0; i < kSections; ++i) {
+        NotchSection& section = fSections[static_cast<std::size_t>(i)];
+        if (section.IsNeutral()) ForgetSound(i);
+        section.Set(SettingOf(i), settle);
+    }
+    fUltraQuiet = IsOn(kNotchUltraQuiet);
+}
+
+void Notch::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
+    for (std::size_t begin = 0; begin < block.frames; begin += kChunk) {
+        const std::size_t frames = std::min(kChunk, block.frames - begin);
+        if (IsNeutral()) {
+            for (std::size_t c = 0; c < block.outputs.size(); ++c) {
+                if (block.inputs[c] != block.outputs[c])
+                    std::copy_n(block.inputs[c] + begin, frames, block.outputs[c] + begin);
+            }
+        } else if (fUltraQuiet) {
+            ProcessChunk<double>(block, begin, frames);
+        } else {
+            ProcessChunk<float>(block, begin, frames);
+        }
+    }
+}
+
+std::vector<float> Notch::ComputeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis) const {
+    Cascade cascade(GetSampleRate());
+    for (int i = 0; i < kSections; ++i)
+        if (IsHeard(i)) cascade.Add(SettingOf(i));
+    std::vector<float> decibels(count);
+    for (std::size_t i = 0; i < count; ++i)
+        decibels[i] = cascade.DecibelsAt(axis.HertzAt(i, count));
+    for (int i = 0; i < kSections; ++i) {
+        const float centre = SettingOf(i).frequency;
+        const std::size_t place = PlaceOf(centre, axis, count);
+        if (IsHeard(i) && place < count) decibels[place] = cascade.DecibelsAt(centre);
+    }
+    return decibels;
+}
+
+NotchSection::Setting Notch::SettingOf(int section) const noexcept {
+    NotchSection::Setting setting;
+    setting.frequency =
+        std::clamp(Natural(kNotchFirstFrequency + section), kLowestFrequency, kHighestFrequency * GetSampleRate());
+    setting.q = kQualities[Item(kNotchWidth)];
+    const int gainIndex = IsOn(kNotchFixGainEnable) ? static_cast<int>(kNotchFixGain) : kNotchFirstGain + section;
+    if (IsOn(kNotchFirstEnable + section)) setting.gain = ToGain(Natural(gainIndex));
+    return setting;
+}
+
+bool Notch::IsHeard(int section) const noexcept {
+    return SettingOf(section).gain != 1;
+}
+
+bool Notch::IsNeutral() const noexcept {
+    return std::ranges::all_of(fSections, &NotchSection::IsNeutral);
+}
+
+void Notch::ForgetSound(int section) noexcept {
+    for (auto& channel : fStates)
+        channel[static_cast<std::size_t>(section)] = {};
+}
+
+template <class Real>
+void Notch::ProcessChunk(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin,
+                         std::size_t frames) noexcept {
+    std::array<Run<Real>, kSections> runs;
+    std::size_t runCount = 0;
+    for (std::size_t section = 0; section < fSections.size(); ++section) {
+        if (fSections[section].IsNeutral()) continue;
+        runs[runCount].section = section;
+        runs[runCount++].Fill(fSections[section], frames);
+    }
+    for (std::size_t channel = 0; channel < block.outputs.size(); channel += LanesOf<Real>::kCount)
+        ProcessLanes<Real>(block, channel, begin, frames, runs.data(), runCount);
+}
+
+// All sections work on a sample before the next comes, so that the processor can overlap them.
+template <class Real>
+void Notch::ProcessLanes(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t firstChannel, std::size_t begin,
+                         std::size_t frames, const Run<Real>* runs, std::size_t runCount) noexcept {
+    using Lanes = typename LanesOf<Real>::Type;
+    const std::size_t channels = std::min(LanesOf<Real>::kCount, block.outputs.size() - firstChannel);
+    Lanes sound[kChunk] = {};
+    Lanes first[kSections] = {};
+    Lanes second[kSections] = {};
+    for (std::size_t lane = 0; lane < channels; ++lane) {
+        const float* const input = block.inputs[firstChannel + lane] + begin;
+        for (std::size_t i = 0; i < frames; ++i)
+            sound[i][lane] = static_cast<Real>(Cleaned(input[i]));
+        for (std::size_t run = 0; run < runCount; ++run) {
+            const State& state = fStates[firstChannel + lane][runs[run].section];
+            first[run][lane] = static_cast<Real>(state.first);
+            second[run][lane] = static_cast<Real>(state.second);
+        }
+    }
+    for (std::size_t i = 0; i < frames; ++i) {
+        Lanes x = sound[i];
+        for (std::size_t run = 0; run < runCount; ++run) {
+            const auto& c = runs[run].coefficients[i * runs[run].stride];
+            const Lanes band = first[run] + c.input * (x - second[run] - c.feedback * first[run]);
+            const Lanes low = second[run] + c.tuning * band;
+            first[run] = band + band - first[run];
+            second[run] = low + low - second[run];
+            x += c.mix * band;
+        }
+        sound[i] = x;
+    }
+    for (std::size_t lane = 0; lane < channels; ++lane) {
+        float* const output = block.outputs[firstChannel + lane] + begin;
+        for (std::size_t i = 0; i < frames; ++i)
+            output[i] = static_cast<float>(sound[i][lane]);
+        for (std::size_t run = 0; run < runCount; ++run)
+            fStates[firstChannel + lane][runs[run].section] = {static_cast<double>(first[run][lane]),
+                                                               static_cast<double>(second[run][lane])};
+    }
+}
+
+} // namespace qoc::components

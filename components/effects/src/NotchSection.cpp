@@ -1,0 +1,46 @@
+#include "qoc/components/NotchSection.h"
+
+#include <cmath>
+#include <initializer_list>
+#include <numbers>
+
+namespace qoc::components {
+
+void NotchSection::Prepare(double sampleRate) noexcept {
+    fSampleRate = sampleRate;
+    for (SmoothedValue* value : {&fPitch, &fDamping, &fGain})
+        value->Prepare(sampleRate);
+}
+
+void NotchSection::Set(const Setting& setting, bool settle) noexcept {
+    const bool isHeard = !IsNeutral();
+    const auto set = [](SmoothedValue& value, float target, bool jump) {
+        jump ? value.Settle(target) : value.SetTarget(target);
+    };
+    fTargetFrequency = setting.frequency;
+    set(fPitch, std::log(setting.frequency), settle || !isHeard);
+    set(fDamping, 1 / setting.q, settle || !isHeard);
+    set(fGain, setting.gain, settle);
+    if (IsSettled()) fCoefficients = Design(fTargetFrequency, fDamping.Target(), fGain.Target());
+}
+
+const NotchSection::Coefficients& NotchSection::Next() noexcept {
+    if (IsSettled()) return fCoefficients;
+    const double pitch = fPitch.Next();
+    fCoefficients = Design(fPitch.IsSettled() ? fTargetFrequency : std::exp(pitch), fDamping.Next(), fGain.Next());
+    return fCoefficients;
+}
+
+BiquadCoefficients NotchSection::ToBiquad(double sampleRate, const Setting& setting) noexcept {
+    const double gain = 20 * std::log10(static_cast<double>(setting.gain));
+    const double q = setting.q / std::sqrt(static_cast<double>(setting.gain));
+    return BiquadCoefficients::Peaking(sampleRate, setting.frequency, q, gain);
+}
+
+NotchSection::Coefficients NotchSection::Design(double frequency, double damping, double gain) const noexcept {
+    const double tuning = std::tan(std::numbers::pi * frequency / fSampleRate);
+    const double feedback = tuning + damping;
+    return {tuning, feedback, tuning / (1 + tuning * feedback), (gain - 1) * damping};
+}
+
+} // namespace qoc::components
