@@ -32,21 +32,29 @@ PlaybackCore::PlaybackCore(std::shared_ptr<const Sound> sound,
                            std::size_t maximumBlock)
     : fSound(std::move(sound)), fFilter(std::move(filter)), fMaximumBlock(std::max<std::size_t>(maximumBlock, 1)),
       fFadeStep(static_cast<float>(1.0 / (kFadeSeconds * fSound->sampleRate))) {
+    Prepare();
+    fMatrix = ChannelMatrix(fFilter->GetOutputBuses().front().GetLayout(), deviceChannels);
+}
+
+void PlaybackCore::Prepare() {
     fFilter->SetDuration(static_cast<double>(fSound->Frames()));
     fFilter->Prepare(fSound->sampleRate, fMaximumBlock, fSound->layout);
-    fMatrix = ChannelMatrix(fFilter->GetOutputBuses().front().GetLayout(), deviceChannels);
     fLatency = fFilter->Latency();
     fTail = std::min(fFilter->Tail(), static_cast<std::size_t>(kMaximumTailSeconds * fSound->sampleRate));
     fInput.assign(fFilter->GetNumberOfInputChannels(), std::vector<float>(fMaximumBlock));
     fOutput.assign(fFilter->GetNumberOfOutputChannels(), std::vector<float>(fMaximumBlock));
     fDelay.assign(fInput.size(), std::vector<float>(fLatency));
+    fDelayPosition = 0;
+    fInputPointers.clear();
+    fOutputPointers.clear();
     for (const auto& channel : fInput)
         fInputPointers.push_back(channel.data());
     for (auto& channel : fOutput)
         fOutputPointers.push_back(channel.data());
 }
 
-void PlaybackCore::Start(bool bypassed) noexcept {
+void PlaybackCore::Start(bool bypassed) {
+    Prepare();
     JumpTo(Position() < Frames() ? Position() : 0);
     fFade = 0;
     fDryMix = bypassed ? 1.0F : 0.0F;

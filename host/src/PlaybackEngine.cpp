@@ -46,7 +46,7 @@ void PlaybackEngine::Close() noexcept {
     fPosition.store(0);
 }
 
-void PlaybackEngine::Play() noexcept {
+void PlaybackEngine::Play() {
     if (!fCore || (fPlaying.load() && !fStop.load())) return;
     const Pause pause(*this);
     fStop.store(false);

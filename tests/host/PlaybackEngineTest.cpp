@@ -4,6 +4,7 @@
 #include "host/TestSignal.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
+#include "qoc/components/ParameterIndices.h"
 
 #include <gtest/gtest.h>
 
@@ -42,6 +43,16 @@ protected:
     boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter;
     PlaybackEngine fEngine;
 };
+
+TEST_F(PlaybackEngineTest, WhatIsFixedByPreparingFollowsTheSettingsAtTheNextStart) {
+    fFilter = qoc::components::CreateEffect(qoc::components::kFFTFilterComponentID);
+    fEngine.Open(Ramp(2000), fFilter, 1, 256);
+    const std::size_t opened = fFilter->Latency();
+    fFilter->SetParameterValue(qoc::components::kFFTFilterSize, (32768.0F - 32) / 23968);
+    EXPECT_EQ(fFilter->Latency(), opened);
+    fEngine.Play();
+    EXPECT_GT(fFilter->Latency(), opened);
+}
 
 TEST_F(PlaybackEngineTest, PlaysToTheEndAndRewinds) {
     OpenAmplify(Ramp(2000));

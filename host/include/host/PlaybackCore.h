@@ -23,7 +23,7 @@ struct PlaybackRequest {
 };
 
 // The sound-thread part of PlaybackEngine, which owns it: fetches the sound, runs the filter, fades, mixes down. Knows
-// nothing of threads; constructed and started while nobody renders, and allocates only in the constructor.
+// nothing of threads; constructed and started while nobody renders, and allocates only then.
 class PlaybackCore {
 public:
     // Prepares the filter; see PlaybackEngine::Open.
@@ -34,8 +34,9 @@ public:
     std::size_t MaximumBlock() const noexcept { return fMaximumBlock; }
     std::size_t Frames() const noexcept { return fSound->Frames(); }
 
-    // To go on from the present position, with a filter that has forgotten all sound.
-    void Start(bool bypassed) noexcept;
+    // To go on from the present position. Prepares the filter again: what is fixed from one Prepare to the next, such
+    // as its latency, may follow parameters that were changed while it was stopped.
+    void Start(bool bypassed);
     // Without a fade: for while nothing is heard. Beyond the end means the end.
     void JumpTo(std::size_t frame) noexcept;
     // What is heard next, in samples from the start of the sound.
@@ -52,6 +53,7 @@ public:
     std::span<const std::vector<float>> LastOutput() const noexcept { return fOutput; }
 
 private:
+    void Prepare();
     using Buffers = std::vector<std::vector<float>>;
 
     void FetchInput(std::size_t frames, const PlaybackRequest& request) noexcept;

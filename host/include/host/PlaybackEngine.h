@@ -34,7 +34,7 @@ public:
     void Close() noexcept;
 
     // Goes on where it stopped; from the start when it has come to the end.
-    void Play() noexcept;
+    void Play();
     // Fades out, and is over when IsPlaying says so.
     void Stop() noexcept;
     bool IsPlaying() const noexcept { return fPlaying.load(); }
