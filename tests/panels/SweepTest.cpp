@@ -32,9 +32,15 @@ constexpr Control kControls[] = {
     {qoc::components::kDopplerComponentID, "StartingAngle", 3},
     {qoc::components::kDopplerComponentID, "CenterFront", 4},
     {qoc::components::kDopplerComponentID, "CenterRight", 5},
+    {qoc::components::kNotchComponentID, "Frequency1", 0},
+    {qoc::components::kNotchComponentID, "Gain1", 6},
     {qoc::components::kPitchCorrectComponentID, "CalibrationID", 3},
     {qoc::components::kPitchCorrectComponentID, "SensitivityID", 6},
     {qoc::components::kPitchCorrectComponentID, "AttackID", 7},
+    {qoc::components::kScientificFilterComponentID, "Order", 2},
+    {qoc::components::kScientificFilterComponentID, "Cutoff", 3},
+    {qoc::components::kScientificFilterComponentID, "MasterGain", 8},
+    {qoc::components::kScientificFilterComponentID, "LevelRange", 11},
 };
 
 class SweepTest : public testing::TestWithParam<Control> {

@@ -8,7 +8,8 @@ import pathlib
 import sys
 
 HERE = pathlib.Path(__file__).resolve().parent
-PANELS = ["amplify", "autopitchcorrect", "doppler", "pitchshift", "stereoexpander"]
+PANELS = ["amplify", "autopitchcorrect", "doppler", "fft_filter", "graphic_phase_shifter", "notch_filter", "pitchshift",
+          "scientific_filter", "stereoexpander"]
 
 
 def main():
@@ -17,7 +18,7 @@ def main():
     nodes = importlib.import_module("nodes")
     for panel in PANELS:
         description = importlib.import_module(panel)
-        (folder / f"{panel.upper()}.xml").write_bytes(nodes.write(description.root()))
+        (folder / f"{panel.replace('_', '').upper()}.xml").write_bytes(nodes.write(description.root()))
     return 0
 
 

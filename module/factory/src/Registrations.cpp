@@ -5,7 +5,11 @@
 #include "qocui/ui/AmplifyEditorView.h"
 #include "qocui/ui/AutoPitchCorrectView.h"
 #include "qocui/ui/DopplerEditorView.h"
+#include "qocui/ui/FFTFilterEditorView.h"
+#include "qocui/ui/GraphicPhaseShifterEditorView.h"
+#include "qocui/ui/NotchFilterEditorView.h"
 #include "qocui/ui/PitchShiftEditorView.h"
+#include "qocui/ui/ScientificFilterEditorView.h"
 #include "qocui/ui/StereoExpanderEditorView.h"
 
 namespace qocui::module {
@@ -37,10 +41,10 @@ const Creator kNone;
 
 const ComponentUIFactoryRegistrar sRegistrars[] = {
     {kPitchShiftComponentID, &CreateView<ui::PitchShiftEditorView>},
-    {kGraphicPhaseShifterComponentID, kNone},
+    {kGraphicPhaseShifterComponentID, &CreateView<ui::GraphicPhaseShifterEditorView>},
     {kDopplerComponentID, &CreateView<ui::DopplerEditorView>},
     {kStereoExpanderComponentID, &CreateView<ui::StereoExpanderEditorView>},
-    {kNotchComponentID, kNone},
+    {kNotchComponentID, &CreateView<ui::NotchFilterEditorView>},
     {kAdaptiveNoiseReductionComponentID, kNone},
     {kAutoClickRemoverComponentID, kNone},
     {kAutoPhaseCorrectionComponentID, kNone},
@@ -59,11 +63,11 @@ const ComponentUIFactoryRegistrar sRegistrars[] = {
     {kParametricEQComponentID, kNone},
     {kReverbComponentID, kNone},
     {kStudioReverbComponentID, kNone},
-    {kScientificFilterComponentID, kNone},
+    {kScientificFilterComponentID, &CreateView<ui::ScientificFilterEditorView>},
     {kPitchCorrectComponentID, &CreateView<ui::AutoPitchCorrectView>},
     {kAmplifyComponentID, &CreateView<ui::AmplifyEditorView>},
     {kDynamicsComponentID, kNone},
-    {kFFTFilterComponentID, kNone},
+    {kFFTFilterComponentID, &CreateView<ui::FFTFilterEditorView>},
 };
 
 } // namespace
