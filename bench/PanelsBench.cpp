@@ -1,14 +1,15 @@
-// What a panel costs its user: opening it (beside what pugixml alone needs for the same bytes), painting it, showing
-// one changed value, and the poll of an open view.
+// What a panel costs its user: opening it (beside what reading its files alone needs), painting it, showing one changed
+// value, the poll of an open view, and a drag of one of 128 points of a curve, the whole way from the pointer to the
+// picture.
 
 #include "kroui/limner/CairoSupplier.h"
 #include "kroui/ui/HeadlessWindow.h"
-#include "kroui/ui/UI_NodeManager.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/ParameterIndices.h"
 #include "qocui/module/ComponentUIFactory.h"
 #include "qocui/module/Module.h"
+#include "uit/controls/UI_CurveEditor.h"
 
 #include <benchmark/benchmark.h>
 #include <pugixml.hpp>
@@ -34,23 +35,27 @@ Library& TheLibrary() {
     return sLibrary;
 }
 
-Filter MakeAmplify() {
-    Filter filter = qoc::components::CreateEffect(qoc::components::kAmplifyComponentID);
+Filter MakeEffect(std::u16string_view component) {
+    Filter filter = qoc::components::CreateEffect(component);
     filter->Prepare(44100, 512, kromediatypes::AudioChannelLayout::Stereo());
     return filter;
+}
+
+Filter MakeAmplify() {
+    return MakeEffect(qoc::components::kAmplifyComponentID);
 }
 
 View OpenView(const Filter& filter) {
     return qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(filter);
 }
 
-std::string ArchiveBytes() {
-    std::ifstream file(QO_SOURCE_DIR "/resources/archives/AMPLIFY.xml", std::ios::binary);
+std::string ResourceBytes(const char* path) {
+    std::ifstream file(std::string(QO_SOURCE_DIR "/resources/") + path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void AmplifyArchive_PugixmlAlone(benchmark::State& state) {
-    const std::string bytes = ArchiveBytes();
+    const std::string bytes = ResourceBytes("archives/AMPLIFY.xml");
     for (auto _ : state) {
         pugi::xml_document document;
         benchmark::DoNotOptimize(document.load_buffer(bytes.data(), bytes.size()));
@@ -67,44 +72,96 @@ void AmplifyPanel_Open(benchmark::State& state) {
 }
 BENCHMARK(AmplifyPanel_Open);
 
-class OpenPanel : public benchmark::Fixture {
-public:
-    void SetUp(const benchmark::State&) override {
-        fFilter = MakeAmplify();
-        fView = OpenView(fFilter);
-        const kroui::Rect frame = fView->UI_GetFrame();
-        fWindow =
-            std::make_unique<kroui::ui::HeadlessWindow>(TheLibrary().supplier, kroui::Size{frame.width, frame.height});
-        fWindow->Window().SetContent(fView);
-        fWindow->Paint();
-    }
-    void TearDown(const benchmark::State&) override {
-        fWindow.reset();
-        fView.reset();
-        fFilter.reset();
+// A panel in a window of its size.
+struct OpenPanel {
+    explicit OpenPanel(Filter itsFilter, float scale = 1) : filter(std::move(itsFilter)), view(OpenView(filter)) {
+        const kroui::Rect frame = view->UI_GetFrame();
+        window = std::make_unique<kroui::ui::HeadlessWindow>(TheLibrary().supplier,
+                                                             kroui::Size{frame.width, frame.height}, scale);
+        window->Window().SetContent(view);
+        window->Paint();
     }
 
-protected:
-    Filter fFilter;
-    View fView;
-    std::unique_ptr<kroui::ui::HeadlessWindow> fWindow;
+    Filter filter;
+    View view;
+    std::unique_ptr<kroui::ui::HeadlessWindow> window;
 };
 
-BENCHMARK_F(OpenPanel, FullRepaint)(benchmark::State& state) {
+void AmplifyPanel_FullRepaint(benchmark::State& state) {
+    const OpenPanel panel(MakeAmplify());
     for (auto _ : state) {
-        fWindow->Window().InvalidateAll();
-        benchmark::DoNotOptimize(fWindow->Paint());
+        panel.window->Window().InvalidateAll();
+        benchmark::DoNotOptimize(panel.window->Paint());
+    }
+}
+BENCHMARK(AmplifyPanel_FullRepaint);
+
+void AmplifyPanel_OneValueChangedPolledAndRepainted(benchmark::State& state) {
+    const OpenPanel panel(MakeAmplify());
+    bool high = false;
+    for (auto _ : state) {
+        panel.filter->SetParameterValue(qoc::components::kAmplifyFirstGain, (high = !high) ? 0.7F : 0.5F);
+        panel.window->Advance(0.01);
+        benchmark::DoNotOptimize(panel.window->LastDamage().data());
+    }
+}
+BENCHMARK(AmplifyPanel_OneValueChangedPolledAndRepainted);
+
+// Lays `count` points out along a curve: where an effect keeps their number and the first of them.
+void StoreCurve(kroaudiofilterhost::AudioFilter& filter, int countIndex, int firstIndex, int count) {
+    constexpr float kMostPoints = 128;
+    filter.SetParameterValue(countIndex, static_cast<float>(count) / kMostPoints);
+    for (int i = 0; i < count; ++i) {
+        filter.SetParameterValue(firstIndex + 2 * i, static_cast<float>(i) / static_cast<float>(count - 1));
+        filter.SetParameterValue(firstIndex + 2 * i + 1, 0.5F + 0.1F * static_cast<float>(i % 3));
     }
 }
 
-BENCHMARK_F(OpenPanel, OneValueChangedPolledAndRepainted)(benchmark::State& state) {
-    bool high = false;
+// One step of a drag of the graph's point in the middle: pointer, parameter writes, response, poll, picture.
+void DragOnePoint(benchmark::State& state, const Filter& filter, const char* graph) {
+    const OpenPanel panel(filter, static_cast<float>(state.range(0)));
+    auto& editor = dynamic_cast<uit::controls::UI_CurveEditor&>(*panel.view->UI_FindNode(graph));
+    panel.window->Advance(0.1);
+    const auto& points = editor.GetCurvePoints();
+    const kroui::Point start =
+        editor.UI_LocalToWindow(editor.GetPixelForCoordinatePair(points[points.size() / 2].coordinates));
+    panel.window->Press(start);
+    int step = 0;
     for (auto _ : state) {
-        fFilter->SetParameterValue(qoc::components::kAmplifyFirstGain, (high = !high) ? 0.7F : 0.5F);
-        fWindow->Advance(0.01);
-        benchmark::DoNotOptimize(fWindow->LastDamage().data());
+        ++step;
+        panel.window->MoveTo({start.x, start.y + static_cast<float>(step % 40 - 20)});
+        panel.window->Advance(0.01);
     }
+    panel.window->Release();
 }
+
+void FFTFilter_DragOneOf128Points(benchmark::State& state) {
+    using namespace qoc::components;
+    TheLibrary();
+    const Filter filter = MakeEffect(kFFTFilterComponentID);
+    StoreCurve(*filter, kFFTFilterPointCount, kFFTFilterFirstPoint, 128);
+    DragOnePoint(state, filter, "FFTFilterGraph");
+}
+BENCHMARK(FFTFilter_DragOneOf128Points)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+
+void PhaseShifter_DragOneOf128Points(benchmark::State& state) {
+    using namespace qoc::components;
+    TheLibrary();
+    const Filter filter = MakeEffect(kGraphicPhaseShifterComponentID);
+    StoreCurve(*filter, kPhaseShifterPointCount, kPhaseShifterFirstPoint, 128);
+    DragOnePoint(state, filter, "GraphicPhaseShifterGraph");
+}
+BENCHMARK(PhaseShifter_DragOneOf128Points)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+
+void Notch_DragOneOfSixPoints(benchmark::State& state) {
+    using namespace qoc::components;
+    TheLibrary();
+    const Filter filter = MakeEffect(kNotchComponentID);
+    for (int section = 0; section < 6; ++section)
+        filter->SetParameterValue(kNotchFirstEnable + section, 1);
+    DragOnePoint(state, filter, "Graph");
+}
+BENCHMARK(Notch_DragOneOfSixPoints)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
 // A view with as many observers as the state says, and nothing else.
 class ObservingView : public qocui::controls::AudioComponentEditorViewBase {
