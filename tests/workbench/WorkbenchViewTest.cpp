@@ -52,9 +52,9 @@ TEST_F(WorkbenchFixture, EachEffectKeepsItsSettingsPanelAndHistoryWhilePlayingGo
     EXPECT_TRUE(fSession.Engine().IsPlaying());
     EXPECT_GT(fSession.Position(), 0.1);
 
-    // Up from there with the keyboard: the list is in the order of its categories.
+    // To the top with the keyboard: the list is in the order of its categories.
     Node("effects").UI_TakeFocus();
-    PressKey(Key::kUp);
+    PressKey(Key::kHome);
     EXPECT_EQ(fSession.Effect().shortName, "amplify");
     EXPECT_FLOAT_EQ(Gain(), gain);
     EXPECT_NE(fView->UI_FindNode("GainControlsContainer"), nullptr);
