@@ -33,8 +33,10 @@ float NumberAndUnitWidth(const Needs& needs) {
     return NumberWidth(needs) + (needs.unitWidth > 0 ? kUnitGap + std::ceil(needs.unitWidth) : 0);
 }
 
+// Labels beside a vertical track reach no farther over its end than the knob, so that tracks side by side are alike
+// whether they have rulers or not.
 float EndMargin(const Needs& needs) {
-    return needs.hasRuler ? SliderRuler::kOverhang : SliderLook::kKnobReach;
+    return needs.hasRuler && !needs.isVertical ? SliderRuler::kOverhang : SliderLook::kKnobReach;
 }
 
 bool HasLabelBeside(const Needs& needs) {
@@ -131,9 +133,9 @@ EditNumberLayout InColumn(Size size, const Needs& needs) {
         needs.sliderLength > 0 ? Rect{layout.track.left - reach, 0, 2 * reach, 0} : Rect{0, 0, size.width, 0};
     if (labelHeight > 0) layout.label = {along.left, 0, along.width, kLabelLine};
     PlaceDescriptions(layout, needs, along, sliderTop, rowTop - description2);
-    const float left = std::max(0.0F, std::round(along.Centre().x - NumberAndUnitWidth(needs) / 2));
+    const float left = std::max(along.left, std::round(along.Centre().x - NumberAndUnitWidth(needs) / 2));
     const float unit = needs.unitWidth > 0 ? kUnitGap + std::ceil(needs.unitWidth) : 0;
-    layout.number = {left, rowTop, std::max(0.0F, std::min(NumberWidth(needs), size.width - left - unit)), kRow};
+    layout.number = {left, rowTop, std::max(0.0F, std::min(NumberWidth(needs), along.Right() - left - unit)), kRow};
     if (needs.unitWidth > 0) layout.unit = {layout.number.Right() + kUnitGap, rowTop, std::ceil(needs.unitWidth), kRow};
     return layout;
 }

@@ -154,7 +154,8 @@ kroui::ui::Cursor UI_EditNumber::UI_GetCursor(Point point) const {
 kroui::ui::AccessibleInfo UI_EditNumber::UI_GetAccessibleInfo() const {
     kroui::ui::AccessibleInfo info = UI_InteractiveControlView::UI_GetAccessibleInfo();
     info.role = kroui::ui::Role::kNumber;
-    info.name = GetLabel();
+    // The band of an equaliser has its name under the slider.
+    info.name = !GetLabel().empty() ? GetLabel() : !fDescription2.empty() ? fDescription2 : fDescription1;
     info.value = FormatValue();
     if (!GetUnitLabel().empty()) info.value.append(u" ").append(GetUnitLabel());
     return info;

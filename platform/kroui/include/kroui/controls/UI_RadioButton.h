@@ -5,8 +5,8 @@
 namespace kroui::controls {
 
 // One of several choices. The radio buttons under one parent are a group, or several: a click turns one on and the
-// others off, and only the one clicked tells its listeners. The group is one stop of the Tab key, at the button that is on; the arrow
-// keys go round the group and choose.
+// others off, and only the one clicked tells its listeners. The group is one stop of the Tab key, at the button that is
+// on; the arrow keys go round the group and choose.
 class UI_RadioButton : public UI_Button {
 public:
     void SetText(std::u16string_view text);
