@@ -58,5 +58,51 @@ TEST(ModuleResources, CopiesBytesOnlyOfAResourceThatIsThere) {
     EXPECT_TRUE(bytes.empty());
 }
 
+std::span<const std::byte> Bytes(std::string_view text) {
+    return std::as_bytes(std::span(text));
+}
+
+std::string TextOf(std::string_view name, std::string_view type) {
+    const auto found = FindResource(kModule, name, type);
+    return {reinterpret_cast<const char*>(found.data()), found.size()};
+}
+
+TEST(ModuleResources, AnOverrideStandsInFrontOfEveryModuleUntilItIsRemoved) {
+    const std::uint32_t generation = ResourceGeneration();
+    std::string edited = "<b>";
+    SetResourceOverride("Amplify", "xml", Bytes(edited));
+    edited = "gone";
+    SetResourceOverride("NEW", "TRN", {});
+    EXPECT_EQ(TextOf("AMPLIFY", "XML"), "<b>");
+    EXPECT_EQ(FindResource(kModule, "AMPLIFY", "PNG").data(), kPicture.data());
+    EXPECT_NE(FindResource(kModule, "new", "trn").data(), nullptr); // there, though it has no bytes
+    EXPECT_EQ(FindResource(nullptr, "AMPLIFY", "XML").data(), nullptr);
+    EXPECT_NE(ResourceGeneration(), generation);
+
+    SetResourceOverride("AMPLIFY", "XML", Bytes("<c/>"));
+    EXPECT_EQ(TextOf("amplify", "xml"), "<c/>");
+
+    RemoveResourceOverride("amplify", "Xml");
+    RemoveResourceOverride("New", "TRN");
+    EXPECT_EQ(TextOf("AMPLIFY", "XML"), "<a>");
+    EXPECT_EQ(FindResource(kModule, "NEW", "TRN").data(), nullptr);
+    const std::uint32_t last = ResourceGeneration();
+    RemoveResourceOverride("NEW", "TRN"); // is not there any more: nothing happens
+    EXPECT_EQ(ResourceGeneration(), last);
+}
+
+TEST(ModuleResources, AnObserverHearsWhatIsLookedForWhetherItIsThereOrNot) {
+    std::vector<std::string> heard;
+    SetResourceObserver([&](std::string_view name, std::string_view type) {
+        heard.push_back(std::string(name) + "." + std::string(type));
+    });
+    FindResource(kModule, "AMPLIFY", "XML");
+    std::vector<std::uint8_t> bytes;
+    utility::GetBinaryFromModule(kModule, u"Missing", u"TRN", bytes);
+    SetResourceObserver({});
+    FindResource(kModule, "EMPTY", "TRN");
+    EXPECT_EQ(heard, (std::vector<std::string>{"AMPLIFY.XML", "Missing.TRN"}));
+}
+
 } // namespace
 } // namespace krocore

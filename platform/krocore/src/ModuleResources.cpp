@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <mutex>
+#include <string>
+#include <utility>
 
 namespace krocore {
 namespace {
@@ -22,6 +24,36 @@ struct Registry {
 Registry& Modules() {
     static Registry sRegistry;
     return sRegistry;
+}
+
+struct Override {
+    std::string name;
+    std::string type;
+    std::vector<std::byte> bytes;
+};
+
+// What stands in front of the modules' resources. Empty but in programs for authors.
+struct Overrides {
+    std::vector<Override> entries;
+    std::uint32_t generation = 0;
+    ResourceObserver observer;
+};
+
+Overrides& AllOverrides() {
+    static Overrides sOverrides;
+    return sOverrides;
+}
+
+auto FindOverride(std::string_view name, std::string_view type) {
+    return std::ranges::find_if(AllOverrides().entries, [name, type](const Override& entry) {
+        return EqualsIgnoringCase(entry.name, name) && EqualsIgnoringCase(entry.type, type);
+    });
+}
+
+// Bytes that are there even if they are none.
+std::span<const std::byte> BytesOf(const Override& entry) {
+    static constexpr std::byte kNoByte{};
+    return entry.bytes.empty() ? std::span(&kNoByte, 0) : std::span(entry.bytes);
 }
 
 } // namespace
@@ -46,6 +78,9 @@ ModuleInstance ModuleFromAddress(const void* codeAddress) {
 
 std::span<const std::byte> FindResource(ModuleInstance module, std::string_view name, std::string_view type) noexcept {
     if (module == nullptr) return {};
+    if (AllOverrides().observer) AllOverrides().observer(name, type);
+    const auto instead = FindOverride(name, type);
+    if (instead != AllOverrides().entries.end()) return BytesOf(*instead);
     const ResourceEntry* const first = module->entries;
     const ResourceEntry* const last = first + module->count;
     const ResourceEntry* const found = std::find_if(first, last, [name, type](const ResourceEntry& entry) {
@@ -53,6 +88,31 @@ std::span<const std::byte> FindResource(ModuleInstance module, std::string_view 
     });
     if (found == last) return {};
     return {found->data, static_cast<std::size_t>(found->size)};
+}
+
+void SetResourceOverride(std::string_view name, std::string_view type, std::span<const std::byte> bytes) {
+    std::vector<std::byte> copy(bytes.begin(), bytes.end());
+    const auto present = FindOverride(name, type);
+    if (present != AllOverrides().entries.end())
+        present->bytes = std::move(copy);
+    else
+        AllOverrides().entries.push_back({std::string(name), std::string(type), std::move(copy)});
+    ++AllOverrides().generation;
+}
+
+void RemoveResourceOverride(std::string_view name, std::string_view type) {
+    const auto present = FindOverride(name, type);
+    if (present == AllOverrides().entries.end()) return;
+    AllOverrides().entries.erase(present);
+    ++AllOverrides().generation;
+}
+
+std::uint32_t ResourceGeneration() noexcept {
+    return AllOverrides().generation;
+}
+
+void SetResourceObserver(ResourceObserver observer) {
+    AllOverrides().observer = std::move(observer);
 }
 
 namespace utility {

@@ -2,6 +2,8 @@
 
 #include "krocore/String.h"
 
+#include <boost/function.hpp>
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -43,8 +45,23 @@ private:
 // The registered module whose code contains the address, or null.
 ModuleInstance ModuleFromAddress(const void* codeAddress);
 
-// A resource by type and name, case ignored; empty span with null data if the module is null or has no such resource.
+// A resource by type and name, case ignored: the override if there is one, otherwise the module's own. Empty span with
+// null data if the module is null or there is no such resource. With overrides: user-interface thread.
 std::span<const std::byte> FindResource(ModuleInstance module, std::string_view name, std::string_view type) noexcept;
+
+// For programs in which panels are written: these bytes stand in front of the resource of every module, from now on and
+// until they are replaced or removed; what FindResource gave for it before ends then. Copied. User-interface thread, as
+// all below.
+void SetResourceOverride(std::string_view name, std::string_view type, std::span<const std::byte> bytes);
+void RemoveResourceOverride(std::string_view name, std::string_view type);
+// Another number whenever an override has been set or removed: whoever keeps what it has made of a resource makes it
+// again.
+std::uint32_t ResourceGeneration() noexcept;
+
+// Is told of everything that is looked for in a module, found or not, so that a program knows what a panel is made of.
+// Must not throw. Empty for none.
+using ResourceObserver = boost::function<void(std::string_view name, std::string_view type)>;
+void SetResourceObserver(ResourceObserver observer);
 
 namespace utility {
 
