@@ -2,11 +2,15 @@
 // value, the poll of an open view, and a drag of one of 128 points of a curve, the whole way from the pointer to the
 // picture.
 
+#include "krocore/ModuleResources.h"
 #include "kroui/limner/CairoSupplier.h"
 #include "kroui/ui/HeadlessWindow.h"
+#include "orrin/sheet.h"
+#include "orrin/token_reader.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/ParameterIndices.h"
+#include "qocui/controls/TarnLioAudioComponentEditorView.h"
 #include "qocui/module/ComponentUIFactory.h"
 #include "qocui/module/Module.h"
 #include "uit/controls/UI_CurveEditor.h"
@@ -181,5 +185,75 @@ void Poll_ByObserver(benchmark::State& state) {
     state.SetItemsProcessed(static_cast<long>(state.iterations()) * state.range(0));
 }
 BENCHMARK(Poll_ByObserver)->Arg(1)->Arg(34)->Arg(1000);
+
+// The sheet of the 30-band equaliser: read, initialised, solved.
+void GraphicEQ30_SheetAlone(benchmark::State& state) {
+    const std::string script = ResourceBytes("scripts/GRAPHICEQ30BANDSUI.trn");
+    for (auto _ : state) {
+        orrin::sheet_t sheet;
+        sheet.machine().set_variable_lookup([](orrin::name_t name) { return name; });
+        sheet.load(script, "sheet");
+        benchmark::DoNotOptimize(sheet);
+    }
+    state.SetBytesProcessed(static_cast<long>(state.iterations()) * static_cast<long>(script.size()));
+}
+BENCHMARK(GraphicEQ30_SheetAlone)->Unit(benchmark::kMicrosecond);
+
+// The words of its layout, without what they make.
+void GraphicEQ30_LayoutWordsAlone(benchmark::State& state) {
+    const std::string script = ResourceBytes("scripts/GRAPHICEQ30BANDSUI.lio");
+    for (auto _ : state) {
+        orrin::token_reader_t reader(script, "layout");
+        while (!reader.at_end())
+            benchmark::DoNotOptimize(reader.next());
+    }
+    state.SetBytesProcessed(static_cast<long>(state.iterations()) * static_cast<long>(script.size()));
+}
+BENCHMARK(GraphicEQ30_LayoutWordsAlone)->Unit(benchmark::kMicrosecond);
+
+void GraphicEQ30_Open(benchmark::State& state) {
+    TheLibrary();
+    const Filter filter = MakeEffect(qoc::components::kGraphicEQ30BandsComponentID);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(OpenView(filter));
+}
+BENCHMARK(GraphicEQ30_Open)->Unit(benchmark::kMicrosecond);
+
+// The 30-band equaliser's panel, with its poll at hand.
+class EqualiserView : public qocui::controls::TarnLioAudioComponentEditorView {
+public:
+    explicit EqualiserView(Filter filter)
+        : TarnLioAudioComponentEditorView(
+              std::move(filter), &TheLibrary().supplier, u"GraphicEQ30BandsUI",
+              krocore::ModuleFromAddress(reinterpret_cast<const void*>(&qocui::module::Initialize))) {
+        CreateLayout();
+    }
+    using TarnLioAudioComponentEditorView::SyncParameters;
+};
+
+void GraphicEQ30_PollWithoutChange(benchmark::State& state) {
+    TheLibrary();
+    const boost::intrusive_ptr<EqualiserView> view(
+        new EqualiserView(MakeEffect(qoc::components::kGraphicEQ30BandsComponentID)));
+    for (auto _ : state)
+        view->SyncParameters();
+}
+BENCHMARK(GraphicEQ30_PollWithoutChange);
+
+// The effect's own work on a new value is not the panel's.
+void GraphicEQ30_PollWithOneChangedParameter(benchmark::State& state) {
+    TheLibrary();
+    const Filter filter = MakeEffect(qoc::components::kGraphicEQ30BandsComponentID);
+    const boost::intrusive_ptr<EqualiserView> view(new EqualiserView(filter));
+    constexpr int kBand = 10;
+    bool high = false;
+    for (auto _ : state) {
+        state.PauseTiming();
+        filter->SetParameterValue(kBand, (high = !high) ? 0.6F : 0.5F);
+        state.ResumeTiming();
+        view->SyncParameters();
+    }
+}
+BENCHMARK(GraphicEQ30_PollWithOneChangedParameter)->Unit(benchmark::kMicrosecond);
 
 } // namespace

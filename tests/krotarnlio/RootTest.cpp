@@ -1,6 +1,7 @@
 #include "LioFixture.h"
 
 #include "kroui/controls/UI_Checkbox.h"
+#include "kroui/limner/RecordingLimner.h"
 
 using namespace krotarnlio;
 using namespace krotarnlio::test;
@@ -32,6 +33,26 @@ TEST_F(RootTest, ComputedCell_DisablesItsWidget) {
     EXPECT_FALSE(The<UI_Checkbox>("box").IsEnabled());
     Set("gain", 1);
     EXPECT_FALSE(The<UI_Checkbox>("box").IsChecked());
+}
+
+TEST_F(RootTest, FalseInvariant_FramesTheWidgetsAtFaultUntilItHolds) {
+    LoadWidgets("interface: low: false; high: true; other: false; invariant: ordered <== !low || high;",
+                "checkbox(identifier: 'low', name: 'Low', bind: @low);"
+                "checkbox(identifier: 'high', name: 'High', bind: @high);"
+                "checkbox(identifier: 'other', name: 'Other', bind: @other);");
+    const auto framed = [this] {
+        kroui::limner::RecordingLimner recording;
+        fRoot->GetTopNode()->UI_DrawOver(&recording);
+        return std::ranges::count_if(recording.Operations(), [](const std::string& operation) {
+            return operation.starts_with("FrameRoundRect");
+        });
+    };
+    EXPECT_EQ(framed(), 0);
+    Set("high", false);
+    Click("low");
+    EXPECT_EQ(framed(), 2) << "both contribute, the other one does not";
+    Click("high");
+    EXPECT_EQ(framed(), 0);
 }
 
 TEST_F(RootTest, SeveralPartsThatCome_ChangeTheSizeOnce) {

@@ -97,6 +97,10 @@ kroui::Size LioLayout::Place() {
     return {static_cast<float>(whole.width), static_cast<float>(whole.height)};
 }
 
+kroui::Rect LioLayout::FrameOf(const LioWidget& widget) const {
+    return ToRect(fBoxes.frame(widget.controlBox));
+}
+
 void LioLayout::AddBoxes(LioWidget& widget, const LioWidget* parent) {
     const layout_attributes_t place = PlaceOf(widget, parent);
     const layout_t::index_t around = parent ? parent->contentBox : layout_t::kNone;

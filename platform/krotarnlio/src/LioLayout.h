@@ -13,6 +13,8 @@ public:
 
     // Measures and places every widget, shows and hides what has come or gone. Returns the size of the whole.
     kroui::Size Place();
+    // Of the widget's control as placed last, in the coordinates of the whole.
+    kroui::Rect FrameOf(const LioWidget& widget) const;
 
 private:
     void AddBoxes(LioWidget& widget, const LioWidget* parent);

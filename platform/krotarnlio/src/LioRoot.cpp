@@ -1,31 +1,44 @@
 #include "LioRoot.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace krotarnlio {
 
 using kroui::ui::UI_Node;
 using orrin::any_regular_t;
 using orrin::name_t;
 
-namespace {
-
 // Holds the widgets of a layout.
-class LioTopNode final : public kroui::ui::UI_SubView {
+class LioRoot::TopNode final : public kroui::ui::UI_SubView {
 public:
-    explicit LioTopNode(const kroui::limner::SupplierInterface* supplier) : fSupplier(supplier) {
+    explicit TopNode(const kroui::limner::SupplierInterface* supplier) : fSupplier(supplier) {
         SetLayoutChildren(false);
+    }
+    void SetFaults(std::vector<kroui::Rect> frames) {
+        if (frames == fFaults) return;
+        fFaults = std::move(frames);
+        UI_Invalidate();
     }
     const kroui::limner::SupplierInterface* UI_GetDrawSupplier() const override {
         return fSupplier ? fSupplier : UI_SubView::UI_GetDrawSupplier();
     }
 
+    void UI_DrawOver(kroui::limner::Limner* limner) override {
+        constexpr float kRadius = 4;
+        constexpr float kReach = 2; // around the widget
+        for (const kroui::Rect& frame : fFaults)
+            limner->FrameRoundRect(frame.Inset(-kReach, -kReach), kRadius, GetColor(kroui::ui::kColorWarning), 1);
+        UI_SubView::UI_DrawOver(limner);
+    }
+
 private:
     const kroui::limner::SupplierInterface* fSupplier;
+    std::vector<kroui::Rect> fFaults; // of widgets
 };
 
-} // namespace
-
 LioRoot::LioRoot(const LioScript& script, std::shared_ptr<orrin::sheet_t> sheet, const Making& making)
-    : fTop(new LioTopNode(making.supplier)), fSheet(std::move(sheet)), fSelf(std::make_shared<LioRoot*>(this)) {
+    : fTop(new TopNode(making.supplier)), fSheet(std::move(sheet)), fSelf(std::make_shared<LioRoot*>(this)) {
     if (script.name.empty()) return;
     fContext = {making.supplier, making.image, [this] { fLayoutIsDue = true; }};
     LioBuilder::Environment environment;
@@ -37,16 +50,23 @@ LioRoot::LioRoot(const LioScript& script, std::shared_ptr<orrin::sheet_t> sheet,
     fWidgets = LioBuilder(script, std::move(environment), fHolder, fConnections).Build();
     AddNodes(*fWidgets, *fTop);
     fLayout = std::make_unique<LioLayout>(*fWidgets);
+    fHasInvariants = std::ranges::any_of(
+        fSheet->cells(), [](const orrin::cell_info_t& cell) { return cell.kind == orrin::cell_kind_t::invariant; });
 }
 
 LioRoot::~LioRoot() {
     *fSelf = nullptr;
 }
 
+UI_Node* LioRoot::GetTopNode() const {
+    return fTop.get();
+}
+
 void LioRoot::Layout() {
     fLayoutIsDue = false;
     if (!fLayout) return;
     const kroui::Size size = fLayout->Place();
+    MarkFaults();
     const kroui::Rect frame = fTop->UI_GetFrame();
     if (size == kroui::Size{frame.width, frame.height}) return;
     fTop->UI_SetFrame({frame.left, frame.top, size.width, size.height});
@@ -54,7 +74,11 @@ void LioRoot::Layout() {
 }
 
 void LioRoot::Refresh() {
-    if (fUpdates == 0 && fLayoutIsDue) Layout();
+    if (fUpdates != 0) return;
+    if (fLayoutIsDue)
+        Layout();
+    else
+        MarkFaults();
 }
 
 // Counts the updates under way in a root that may go while one runs.
@@ -89,6 +113,23 @@ void LioRoot::AddNodes(const LioWidget& widget, UI_Node& parent) {
     UI_Node& holder = node && widget.HoldsChildNodes() ? *node : parent;
     for (const auto& child : widget.children)
         AddNodes(*child, holder);
+}
+
+void LioRoot::MarkFaults() {
+    if (!fHasInvariants) return;
+    std::vector<kroui::Rect> frames;
+    if (const auto cells = fSheet->at_fault(); !cells.empty()) CollectFaults(*fWidgets, cells, frames);
+    fTop->SetFaults(std::move(frames));
+}
+
+void LioRoot::CollectFaults(const LioWidget& widget, const orrin::vector<name_t>& cells,
+                            std::vector<kroui::Rect>& frames) const {
+    const auto isAtFault = [&cells](name_t cell) { return std::ranges::find(cells, cell) != cells.end(); };
+    const auto node = widget.adapter->GetNode();
+    if (node && node->UI_IsVisible() && std::ranges::any_of(widget.cells, isAtFault))
+        frames.push_back(fLayout->FrameOf(widget));
+    for (const auto& child : widget.children)
+        CollectFaults(*child, cells, frames);
 }
 
 } // namespace krotarnlio

@@ -23,18 +23,23 @@ public:
     LioRoot(const LioScript& script, std::shared_ptr<orrin::sheet_t> sheet, const Making& making);
     ~LioRoot() override;
 
-    kroui::ui::UI_Node* GetTopNode() const override { return fTop.get(); }
+    kroui::ui::UI_Node* GetTopNode() const override;
     UI_LioViewHolder& GetViewHolder() override { return fHolder; }
     void Layout() override;
     void Refresh() override;
 
 private:
+    class TopNode;
     class UpdateScope;
 
     void Write(orrin::name_t cell, const orrin::any_regular_t& value);
     void AddNodes(const LioWidget& widget, kroui::ui::UI_Node& parent);
+    // Frames the widgets whose cells make an invariant false.
+    void MarkFaults();
+    void CollectFaults(const LioWidget& widget, const orrin::vector<orrin::name_t>& cells,
+                       std::vector<kroui::Rect>& frames) const;
 
-    boost::intrusive_ptr<kroui::ui::UI_SubView> fTop;
+    boost::intrusive_ptr<TopNode> fTop;
     UI_LioViewHolder fHolder;
     std::shared_ptr<orrin::sheet_t> fSheet;
     uit::lio::WidgetContext fContext;
@@ -44,6 +49,7 @@ private:
     std::shared_ptr<LioRoot*> fSelf; // null behind it once the root has gone
     int fUpdates = 0;                // under way, nested
     bool fLayoutIsDue = true;
+    bool fHasInvariants = false;
 };
 
 } // namespace krotarnlio
