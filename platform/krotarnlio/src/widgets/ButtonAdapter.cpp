@@ -1,7 +1,7 @@
 #include "ButtonAdapter.h"
 
 #include "ToggleButtonAdapter.h"
-#include "Values.h"
+#include "uit/lio/AttributeValues.h"
 
 #include "kroui/controls/UI_PictureButton.h"
 #include "kroui/controls/UI_PictureTextButton.h"
@@ -19,6 +19,7 @@ using kroui::controls::UI_PictureTextButton;
 using kroui::controls::UI_TextButton;
 using uit::lio::AttributeKind;
 using uit::lio::AttributeRow;
+using uit::lio::TextOf;
 
 namespace {
 

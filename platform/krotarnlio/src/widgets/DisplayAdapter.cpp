@@ -1,6 +1,6 @@
 #include "DisplayAdapter.h"
 
-#include "Values.h"
+#include "uit/lio/AttributeValues.h"
 
 #include "krocore/NumberFormat.h"
 #include "orrin/error.h"
@@ -14,6 +14,9 @@ namespace krotarnlio {
 using kroui::limner::TextAlignment;
 using uit::lio::AttributeKind;
 using uit::lio::AttributeRow;
+using uit::lio::EndsWithColon;
+using uit::lio::TextOf;
+using uit::lio::WholeNumberWithin;
 
 namespace {
 
@@ -80,7 +83,7 @@ void DisplayTextAdapter::SetAttribute(int row, const orrin::any_regular_t& value
     switch (row) {
     case kTextName: SetLabel(TextOf(value)); break;
     case kCharacters:
-        fControl->SetDigits(WholeNumberOf(value, kMostCharacters));
+        fControl->SetDigits(static_cast<unsigned>(WholeNumberWithin(value, 0, kMostCharacters)));
         fHasRoom = true;
         break;
     default: SetShown(ShownTextOf(value)); break;
@@ -109,11 +112,11 @@ void DisplayNumberAdapter::SetAttribute(int row, const orrin::any_regular_t& val
     case kNumberName: SetLabel(TextOf(value)); break;
     case kUnits: SetUnits(TextOf(value)); break;
     case kDigits:
-        fDigits = WholeNumberOf(value, kMostDigits);
+        fDigits = static_cast<unsigned>(WholeNumberWithin(value, 0, kMostDigits));
         fControl->SetDigits(fDigits > 0 ? fDigits + kSignAndPoint : 0);
         break;
     case kDecimalPlaces:
-        fControl->SetDecimalPlaces(static_cast<int>(WholeNumberOf(value, kMostDigits)));
+        fControl->SetDecimalPlaces(WholeNumberWithin(value, 0, kMostDigits));
         fControl->SetFormatFlags(krocore::kFormatNormal);
         fHasPlaces = true;
         break;

@@ -1,6 +1,6 @@
 #include "PanelAdapter.h"
 
-#include "Values.h"
+#include "uit/lio/AttributeValues.h"
 
 #include <utility>
 
@@ -8,6 +8,7 @@ namespace krotarnlio {
 
 using uit::lio::AttributeKind;
 using uit::lio::AttributeRow;
+using uit::lio::TextOf;
 
 namespace {
 

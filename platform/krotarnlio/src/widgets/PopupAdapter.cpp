@@ -1,6 +1,6 @@
 #include "PopupAdapter.h"
 
-#include "Values.h"
+#include "uit/lio/AttributeValues.h"
 
 #include "uit/lio/PictureSupplier.h"
 
@@ -13,6 +13,9 @@ namespace krotarnlio {
 
 using uit::lio::AttributeKind;
 using uit::lio::AttributeRow;
+using uit::lio::EndsWithColon;
+using uit::lio::TextOf;
+using uit::lio::WholeNumberWithin;
 
 namespace {
 
@@ -49,10 +52,12 @@ void PopupAdapter::SetAttribute(int row, const orrin::any_regular_t& value) {
         break;
     case kName: return SetName(TextOf(value));
     case kCustomItem: fPopup->SetIncludesCustomItem(value.get<bool>()); break;
-    case kImageWidth: fImageSize.width = static_cast<float>(WholeNumberOf(value, kLargestImage)); break;
-    case kImageHeight: fImageSize.height = static_cast<float>(WholeNumberOf(value, kLargestImage)); break;
+    case kImageWidth: fImageSize.width = static_cast<float>(WholeNumberWithin(value, 0, kLargestImage)); break;
+    case kImageHeight: fImageSize.height = static_cast<float>(WholeNumberWithin(value, 0, kLargestImage)); break;
     case kSearchable: fPopup->SetSearchable(value.get<bool>()); break;
-    default: fPopup->SetMaximumWidthCharacters(WholeNumberOf(value, kMostCharacters)); break;
+    default:
+        fPopup->SetMaximumWidthCharacters(static_cast<unsigned>(WholeNumberWithin(value, 0, kMostCharacters)));
+        break;
     }
 }
 

@@ -1,11 +1,12 @@
 #include "RadioButtonAdapter.h"
 
-#include "Values.h"
+#include "uit/lio/AttributeValues.h"
 
 namespace krotarnlio {
 
 using uit::lio::AttributeKind;
 using uit::lio::AttributeRow;
+using uit::lio::TextOf;
 
 namespace {
 

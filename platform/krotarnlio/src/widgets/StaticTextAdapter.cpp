@@ -1,6 +1,6 @@
 #include "StaticTextAdapter.h"
 
-#include "Values.h"
+#include "uit/lio/AttributeValues.h"
 
 #include "kroui/controls/TextMeasure.h"
 
@@ -11,6 +11,9 @@ namespace krotarnlio {
 
 using uit::lio::AttributeKind;
 using uit::lio::AttributeRow;
+using uit::lio::EndsWithColon;
+using uit::lio::TextOf;
+using uit::lio::WholeNumberWithin;
 using uit::lio::WidgetExtent;
 
 namespace {
@@ -30,7 +33,7 @@ void StaticTextAdapter::SetAttribute(int row, const orrin::any_regular_t& value)
     if (row == kName)
         SetText(TextOf(value));
     else
-        fCharacters = WholeNumberOf(value, kMostCharacters);
+        fCharacters = static_cast<unsigned>(WholeNumberWithin(value, 0, kMostCharacters));
 }
 
 WidgetExtent StaticTextAdapter::Measure(std::optional<float> width) {

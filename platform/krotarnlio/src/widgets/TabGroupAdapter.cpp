@@ -1,6 +1,6 @@
 #include "TabGroupAdapter.h"
 
-#include "Values.h"
+#include "uit/lio/AttributeValues.h"
 
 #include <algorithm>
 #include <utility>
@@ -10,6 +10,7 @@ namespace krotarnlio {
 using kroui::controls::UI_TabGroup;
 using uit::lio::AttributeKind;
 using uit::lio::AttributeRow;
+using uit::lio::TextOf;
 
 namespace {
 

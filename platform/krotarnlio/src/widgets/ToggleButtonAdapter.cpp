@@ -1,6 +1,6 @@
 #include "ToggleButtonAdapter.h"
 
-#include "Values.h"
+#include "uit/lio/AttributeValues.h"
 
 #include <stdexcept>
 
@@ -9,6 +9,7 @@ namespace krotarnlio {
 using kroui::controls::UI_TextButton;
 using uit::lio::AttributeKind;
 using uit::lio::AttributeRow;
+using uit::lio::TextOf;
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "WidgetItems.h"
 
-#include "Values.h"
+#include "uit/lio/AttributeValues.h"
 
 #include "orrin/dictionary.h"
 
@@ -13,6 +13,7 @@ using orrin::any_regular_t;
 using orrin::array_t;
 using orrin::dictionary_t;
 using orrin::name_t;
+using uit::lio::TextOf;
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "AttributeValues.h"
+#include "uit/lio/AttributeValues.h"
 
 #include "krocore/Localizer.h"
 #include "krocore/NumberFormat.h"
@@ -81,6 +81,10 @@ bool BoolOf(const any_regular_t& value) {
 krocore::string16 TextOf(const any_regular_t& value) {
     const std::string& text = value.get<std::string>();
     return text.starts_with("$$$/") ? krocore::Localize(text) : krocore::ToUTF16(text);
+}
+
+bool EndsWithColon(std::u16string_view text) {
+    return text.ends_with(u':') || text.ends_with(u'\uFF1A'); // the full-width colon of East Asian texts
 }
 
 Bounds BoundsOf(const any_regular_t& value) {

@@ -1,7 +1,7 @@
 #include "CompExpListAdapter.h"
 
 #include "AttributeTable.h"
-#include "AttributeValues.h"
+#include "uit/lio/AttributeValues.h"
 
 #include <boost/bind/bind.hpp>
 

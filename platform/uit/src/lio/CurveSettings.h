@@ -1,7 +1,7 @@
 #pragma once
 
 #include "AttributeTable.h"
-#include "AttributeValues.h"
+#include "uit/lio/AttributeValues.h"
 
 #include "uit/controls/UI_CurveEditor.h"
 

@@ -1,6 +1,6 @@
 #include "CurveValue.h"
 
-#include "AttributeValues.h"
+#include "uit/lio/AttributeValues.h"
 
 #include <algorithm>
 #include <stdexcept>

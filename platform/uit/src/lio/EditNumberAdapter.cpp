@@ -40,11 +40,6 @@ constexpr NamedMeaning<Arrow> kArrows[] = {
     {"arrow_down_right", Arrow::kDownRight},
 };
 
-// A label's last character, in whichever width.
-bool EndsWithColon(std::u16string_view label) {
-    return label.ends_with(u':') || label.ends_with(u'\uFF1A');
-}
-
 } // namespace
 
 struct EditNumberAdapter::Table {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AttributeValues.h"
+#include "uit/lio/AttributeValues.h"
 #include "ControlAdapter.h"
 
 #include "kroui/controls/UI_InteractiveControlView.h"

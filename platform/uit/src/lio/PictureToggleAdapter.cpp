@@ -1,7 +1,7 @@
 #include "PictureToggleAdapter.h"
 
 #include "AttributeTable.h"
-#include "AttributeValues.h"
+#include "uit/lio/AttributeValues.h"
 #include "uit/lio/PictureSupplier.h"
 
 #include <boost/bind/bind.hpp>

@@ -1,8 +1,8 @@
 #include "TimecodeDisplayAdapter.h"
 
 #include "AttributeTable.h"
-#include "AttributeValues.h"
 #include "TimecodeSettingsValue.h"
+#include "uit/lio/AttributeValues.h"
 
 namespace uit::lio {
 

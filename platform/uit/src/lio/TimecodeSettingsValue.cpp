@@ -1,6 +1,6 @@
 #include "TimecodeSettingsValue.h"
 
-#include "AttributeValues.h"
+#include "uit/lio/AttributeValues.h"
 
 namespace uit::lio {
 

@@ -26,6 +26,8 @@ float LengthOf(const orrin::any_regular_t& value);
 bool BoolOf(const orrin::any_regular_t& value);
 // A localisation key's text, or the text itself.
 krocore::string16 TextOf(const orrin::any_regular_t& value);
+// Whether a text is a label whose colon is to be aligned with those of its neighbours.
+bool EndsWithColon(std::u16string_view text);
 
 // { min_value: a, max_value: b } in either order. Held within +-kFarthestBound, so that their distance is a number.
 struct Bounds {
