@@ -104,6 +104,7 @@ TarnLioAudioComponentEditorView::TarnLioAudioComponentEditorView(boost::intrusiv
             SetCell(Cells().sampleRate, static_cast<double>(GetAudioFilter()->GetSampleRate()));
             RecalculateSheet();
         }
+        TakeDefaults();
     }
     AskHostForTime();
     fLastSuspended = !GetAudioFilter()->IsSuspended();
@@ -193,6 +194,16 @@ void TarnLioAudioComponentEditorView::ParseLayout(const std::string& script, HIN
     parser.SetClientWidgetAdpaterFactory(uit::lio::GetAdapterFactoryProc());
     std::istringstream stream(script);
     fLayoutRoot.reset(parser.ParseLioScript(stream, fSheet));
+}
+
+// The sheet tells what a control shows when every parameter has its default.
+void TarnLioAudioComponentEditorView::TakeDefaults() {
+    const boost::intrusive_ptr<AudioFilter> filter = GetAudioFilter();
+    for (int i = 0; i < filter->GetParameterCount(); ++i)
+        if (const auto* const info = filter->GetParameterInfo(i))
+            SetCell(Numbered("in", i), static_cast<double>(info->GetDefault()));
+    RecalculateSheet();
+    fLayoutRoot->TakeDefaults();
 }
 
 void TarnLioAudioComponentEditorView::AskHostForTime() {

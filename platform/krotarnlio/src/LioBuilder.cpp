@@ -58,8 +58,7 @@ std::unique_ptr<LioWidget> LioBuilder::Make(const LioElement& element) {
     widget->container = dynamic_cast<ContainerAdapter*>(widget->adapter.get());
     for (const Given& given : SortAttributes(element, *widgetClass, *widget))
         SetAttribute(*widget, widgetClass->attributes[given.row], given);
-    for (const auto& [row, cell] : fBoundCells)
-        widget->cells.push_back(cell);
+    widget->cells.assign(fBoundCells.begin(), fBoundCells.end());
     BindWriter(*widget, std::exchange(fBoundCells, {}));
     widget->adapter->Complete();
     for (const int row : std::exchange(fReadOnlyRows, {}))

@@ -81,6 +81,17 @@ void LioRoot::Refresh() {
         MarkFaults();
 }
 
+void LioRoot::TakeDefaults() {
+    if (fWidgets) TakeDefaults(*fWidgets);
+}
+
+void LioRoot::TakeDefaults(const LioWidget& widget) {
+    for (const auto& [row, cell] : widget.cells)
+        widget.adapter->SetDefault(row, fSheet->get(cell));
+    for (const auto& child : widget.children)
+        TakeDefaults(*child);
+}
+
 // Counts the updates under way in a root that may go while one runs.
 class LioRoot::UpdateScope {
 public:
@@ -124,7 +135,9 @@ void LioRoot::MarkFaults() {
 
 void LioRoot::CollectFaults(const LioWidget& widget, const orrin::vector<name_t>& cells,
                             std::vector<kroui::Rect>& frames) const {
-    const auto isAtFault = [&cells](name_t cell) { return std::ranges::find(cells, cell) != cells.end(); };
+    const auto isAtFault = [&cells](const auto& bound) {
+        return std::ranges::find(cells, bound.second) != cells.end();
+    };
     const auto node = widget.adapter->GetNode();
     if (node && node->UI_IsVisible() && std::ranges::any_of(widget.cells, isAtFault))
         frames.push_back(fLayout->FrameOf(widget));

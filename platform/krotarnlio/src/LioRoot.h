@@ -27,6 +27,7 @@ public:
     UI_LioViewHolder& GetViewHolder() override { return fHolder; }
     void Layout() override;
     void Refresh() override;
+    void TakeDefaults() override;
 
 private:
     class TopNode;
@@ -34,6 +35,7 @@ private:
 
     void Write(orrin::name_t cell, const orrin::any_regular_t& value);
     void AddNodes(const LioWidget& widget, kroui::ui::UI_Node& parent);
+    void TakeDefaults(const LioWidget& widget);
     // Frames the widgets whose cells make an invariant false.
     void MarkFaults();
     void CollectFaults(const LioWidget& widget, const orrin::vector<orrin::name_t>& cells,

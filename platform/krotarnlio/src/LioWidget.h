@@ -5,6 +5,7 @@
 #include "orrin/layout.h"
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace krotarnlio {
@@ -15,7 +16,7 @@ struct LioWidget {
     std::unique_ptr<uit::lio::WidgetAdapter> adapter;
     ContainerAdapter* container = nullptr; // the adapter, if it is one
     LayoutAttributes layout;
-    std::vector<orrin::name_t> cells; // that the user sets with it
+    std::vector<std::pair<int, orrin::name_t>> cells; // that the user sets with it, with their attributes' rows
     // In the layout's boxes: the whole widget, its control, and where the children are.
     orrin::layout_t::index_t box = orrin::layout_t::kNone;
     orrin::layout_t::index_t controlBox = orrin::layout_t::kNone; // the whole box unless the control stands beside

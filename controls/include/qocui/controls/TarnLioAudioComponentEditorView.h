@@ -73,6 +73,7 @@ private:
     void ClearInputs();
     void SubscribeOutputs();
     void ParseLayout(const std::string& script, HINSTANCE module);
+    void TakeDefaults();
     void AskHostForTime();
 
     // --- what the scripts can call and name ---

@@ -25,6 +25,8 @@ public:
     virtual void Layout() = 0;
     // Shows what the sheet's cells hold now; lays out again if a part has come or gone.
     virtual void Refresh() = 0;
+    // What the cells hold now is what the widgets go back to when the user resets them.
+    virtual void TakeDefaults() = 0;
 
     // Raised once a pass when the top node has got another size.
     using SizeChangedSignal = kroui::ui::Signal<>;

@@ -12,6 +12,10 @@ NumberAdapter::NumberAdapter(const WidgetContext& context,
         boost::bind(&NumberAdapter::OnInteractiveChange, this, boost::placeholders::_1));
 }
 
+void NumberAdapter::SetDefault(int row, const orrin::any_regular_t& value) {
+    if (row == fRow) fNumber.SetDefaultValue(NumberOf(value));
+}
+
 void NumberAdapter::SetBoundValue(double value) {
     fCell = value;
     fNumber.SetValue(value);

@@ -10,6 +10,9 @@ namespace uit::lio {
 
 // Base of the adapters whose value is a number: the cell follows every change of a gesture, and the control the cell.
 class NumberAdapter : public ControlAdapter {
+public:
+    void SetDefault(int row, const orrin::any_regular_t& value) override;
+
 protected:
     // `Control` is a ValueControl and a UI_InteractiveControlView. `valueRow`: its bound attribute.
     template <class Control>

@@ -74,6 +74,8 @@ public:
     }
     // Whether the cell behind a bound row may be written (an invariant or a plan can forbid it); shown as disabled.
     virtual void SetWritable(int /*row*/, bool /*writable*/) {}
+    // What a bound row goes back to when the user resets the control.
+    virtual void SetDefault(int /*row*/, const orrin::any_regular_t& /*value*/) {}
 
     // Who is told of the user's changes to a bound row. Set once, before anything else. The value that is written comes
     // back through SetAttribute if the cell takes another one.
