@@ -1,7 +1,9 @@
 // The components that have an editor, a row each, in the order in which they are registered.
 
 #include "qoc/components/ComponentIDs.h"
+#include "qocui/controls/TarnLioAudioComponentEditorView.h"
 #include "qocui/module/ComponentUIFactoryRegistrar.h"
+#include "qocui/module/Module.h"
 #include "qocui/ui/AmplifyEditorView.h"
 #include "qocui/ui/AutoPitchCorrectView.h"
 #include "qocui/ui/DopplerEditorView.h"
@@ -11,6 +13,8 @@
 #include "qocui/ui/PitchShiftEditorView.h"
 #include "qocui/ui/ScientificFilterEditorView.h"
 #include "qocui/ui/StereoExpanderEditorView.h"
+
+#include <boost/bind/bind.hpp>
 
 namespace qocui::module {
 
@@ -36,6 +40,17 @@ CreateView(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter) {
     return view;
 }
 
+boost::intrusive_ptr<controls::AudioComponentEditorViewBase>
+CreateScriptView(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter, const char* name) {
+    return controls::TarnLioAudioComponentEditorView::Create(std::move(filter), GetDrawSupplier(),
+                                                             krocore::ToUTF16(name), GetModuleInstance());
+}
+
+// An editor that is a pair of scripts of this name.
+Creator ScriptView(const char* name) {
+    return boost::bind(&CreateScriptView, boost::placeholders::_1, name);
+}
+
 // A component whose editor this version does not have: not registered, so no view is made for it.
 const Creator kNone;
 
@@ -55,10 +70,10 @@ const ComponentUIFactoryRegistrar sRegistrars[] = {
     {kEchoComponentID, kNone},
     {kFlangerComponentID, kNone},
     {kFullReverbComponentID, kNone},
-    {kGraphicEQ10BandsComponentID, kNone},
-    {kGraphicEQ20BandsComponentID, kNone},
-    {kGraphicEQ30BandsComponentID, kNone},
-    {kHardLimiterComponentID, kNone},
+    {kGraphicEQ10BandsComponentID, ScriptView("GraphicEQ10Bands")},
+    {kGraphicEQ20BandsComponentID, ScriptView("GraphicEQ20BandsUI")},
+    {kGraphicEQ30BandsComponentID, ScriptView("GraphicEQ30BandsUI")},
+    {kHardLimiterComponentID, ScriptView("HardLimiterUI")},
     {kIntraClipComponentComponentID, kNone},
     {kParametricEQComponentID, kNone},
     {kReverbComponentID, kNone},
