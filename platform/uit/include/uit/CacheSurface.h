@@ -17,9 +17,8 @@ public:
 
     // Draws the picture into `rect` of `context`; `draw` paints it, in coordinates whose origin is the rectangle's left
     // top. Without a supplier, or with a size that no picture can have, `draw` paints straight into the context.
-    void Draw(kroui::limner::Limner& context, const kroui::Rect& rect,
-              const kroui::limner::SupplierInterface* supplier, const kroui::ui::Theme& theme,
-              const boost::function<void(kroui::limner::Limner&)>& draw);
+    void Draw(kroui::limner::Limner& context, const kroui::Rect& rect, const kroui::limner::SupplierInterface* supplier,
+              const kroui::ui::Theme& theme, const boost::function<void(kroui::limner::Limner&)>& draw);
 
 private:
     kroui::limner::ImagePtr fImage;
