@@ -50,6 +50,12 @@ std::string ResourceText(const krocore::string16& name, std::u16string_view type
     return {bytes.begin(), bytes.end()};
 }
 
+// Scripts may name a picture as the file that it comes from: "P_Plus_N.png".
+std::string_view Stem(std::string_view picture) {
+    constexpr std::string_view kExtension = ".png";
+    return picture.ends_with(kExtension) ? picture.substr(0, picture.size() - kExtension.size()) : picture;
+}
+
 // Sets a flag and gives it back its former value at the end.
 class FlagScope {
 public:
@@ -187,7 +193,7 @@ void TarnLioAudioComponentEditorView::ParseLayout(const std::string& script, HIN
     if (module)
         parser.SetResourceProvider([module](name_t name) {
             std::vector<std::uint8_t> bytes;
-            krocore::utility::GetBinaryFromModule(module, krocore::ToUTF16(name.text()), u"PNG", bytes);
+            krocore::utility::GetBinaryFromModule(module, krocore::ToUTF16(Stem(name.text())), u"PNG", bytes);
             return bytes;
         });
     SetupVirtualMachine(parser.GetLayoutEngineVM());

@@ -23,6 +23,11 @@ public:
     const kroui::limner::SupplierInterface* UI_GetDrawSupplier() const override {
         return fSupplier ? fSupplier : UI_SubView::UI_GetDrawSupplier();
     }
+    // The ground between the widgets is that of whoever shows them.
+    UI_Node* UI_HitTest(kroui::Point point) override {
+        UI_Node* const hit = UI_SubView::UI_HitTest(point);
+        return hit != this ? hit : nullptr;
+    }
 
     void UI_DrawOver(kroui::limner::Limner* limner) override {
         constexpr float kRadius = 4;

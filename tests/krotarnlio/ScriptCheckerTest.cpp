@@ -1,0 +1,115 @@
+#include "krotarnlio/ScriptChecker.h"
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+
+namespace krotarnlio {
+namespace {
+
+using orrin::any_regular_t;
+using orrin::name_t;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class ScriptCheckerTest : public testing::Test {
+protected:
+    static any_regular_t Call(name_t name, const any_regular_t& arguments) {
+        if (name == name_t("trace")) return arguments.get<orrin::array_t>().front();
+        throw std::invalid_argument("no such function");
+    }
+    static void SetUpMachine(orrin::virtual_machine_t& machine, orrin::sheet_t* sheet) {
+        machine.set_function_lookup(&ScriptCheckerTest::Call);
+        machine.set_variable_lookup([sheet](name_t name) -> any_regular_t {
+            if (name == name_t("align_fill")) return name;
+            if (sheet) return sheet->get(name);
+            throw std::runtime_error("Variable lookup failed");
+        });
+    }
+    static std::vector<std::string> Texts(const std::vector<ScriptProblem>& problems) {
+        std::vector<std::string> texts;
+        for (const ScriptProblem& problem : problems)
+            texts.push_back(problem.ToString());
+        return texts;
+    }
+    std::vector<std::string> CheckSheet(const std::string& text) { return Texts(fChecker.CheckSheet({"a.trn", text})); }
+    std::vector<std::string> CheckLayout(const std::string& widgets, const std::string& sheet = kSheet) {
+        return Texts(
+            fChecker.CheckLayout({"a.lio", "layout a { view subview() {\n" + widgets + "\n} }"}, {"a.trn", sheet}));
+    }
+
+    static constexpr const char* kSheet = "sheet a { interface: gain: 3; on: true; output: out0 <== gain; }";
+
+    const ScriptChecker fChecker{{&ScriptCheckerTest::SetUpMachine, {name_t("trace")}, {}, nullptr}};
+};
+
+TEST_F(ScriptCheckerTest, Sheet_TellsEveryFunctionThatIsNotThereAlsoWhereItIsNotCalled) {
+    EXPECT_THAT(CheckSheet("sheet a {\n"
+                           "input: in0: 0.5;\n"
+                           "interface: unlink a: in0 > 2 ? nothing(in0) : trace(in0);\n"
+                           "output: out0 <== none(a);\n"
+                           "out1 <== out0 + 1;\n"
+                           "}"),
+                ElementsAre("a.trn:3:32: there is no function 'nothing'", "a.trn:4:18: there is no function 'none'"));
+}
+
+TEST_F(ScriptCheckerTest, Sheet_IsRunAtBothEndsOfItsInputs) {
+    const std::string sheet = "sheet a {\n"
+                              "constant: names: ['a', 'b'];\n"
+                              "input: in0: 0;\n"
+                              "interface: unlink a: in0;\n"
+                              "output: out0 <== names[a * 2] == 'a' ? 1 : 0;\n"
+                              "}";
+    // At the initial value, 0, nothing is wrong.
+    EXPECT_THAT(CheckSheet(sheet),
+                ElementsAre("a.trn:5:23: cell 'out0': the index 2 is outside the array, which has 2 elements"));
+}
+
+TEST_F(ScriptCheckerTest, Sheet_ThatCannotBeReadTellsWhereReadingEnds) {
+    EXPECT_THAT(CheckSheet("sheet a {\ninput: in0 0.5;\n}"), ElementsAre(testing::StartsWith("a.trn:2:12: expected ")));
+    EXPECT_THAT(CheckSheet("sheet a {\noutput: out0 <== gain;\n}"), ElementsAre(testing::StartsWith("a.trn:2:18: ")));
+}
+
+TEST_F(ScriptCheckerTest, Sheet_WarnsOfCellsThatNothingSets) {
+    EXPECT_THAT(CheckSheet("sheet a {\ninterface:\n  gain;\noutput: out0 <== gain;\n}"),
+                ElementsAre(testing::StartsWith("a.trn:3:3: warning: ")));
+    EXPECT_THAT(CheckSheet(kSheet), IsEmpty());
+}
+
+TEST_F(ScriptCheckerTest, Layout_TellsEveryFaultOnceInOrder) {
+    EXPECT_THAT(
+        CheckLayout("knob(bind: @nothing) { checkbox(nane: 'a'); }\n"
+                    "checkbox(bind: @nothing, name: 3);\n"
+                    "checkbox(bind: @gain, identifier: 'x') { knob(); }\n"
+                    "checkbox(bind: @on, identifier: 'x', name: nowhere(localize('$$$/A=a')));\n"
+                    "column(horizontal: align_fil, spacing: -1);\n"
+                    "display_text(value: true || bad(gain));\n"
+                    "row(horizontal: align_fill) { checkbox(bind: @on, name: 'fine'); }"),
+        ElementsAre("a.lio:2:1: there is no widget 'knob'", //
+                    "a.lio:2:33: 'checkbox' has no attribute 'nane'",
+                    "a.lio:3:10: 'bind' needs the name of a cell; the sheet has no 'nothing'",
+                    "a.lio:3:26: 'name' needs a string, not a number", "a.lio:4:10: 'bind' needs a bool, not a number",
+                    "a.lio:4:42: 'checkbox' takes no widgets inside", //
+                    "a.lio:5:1: the identifier 'x' is taken already", //
+                    "a.lio:5:44: there is no function 'nowhere'",
+                    "a.lio:6:20: there is nothing named 'align_fil' in a layout; a cell of the sheet is written "
+                    "@align_fil",
+                    "a.lio:6:31: 'spacing' needs a length from 0 to 100000",
+                    "a.lio:7:14: 'value' needs a string, a number or a name, not a bool",
+                    "a.lio:7:29: there is no function 'bad'",
+                    "a.lio:7:33: there is nothing named 'gain' in a layout; a cell of the sheet is written "
+                    "@gain"));
+}
+
+TEST_F(ScriptCheckerTest, Layout_OfABrokenSheetIsNotBlamedForTheCells) {
+    EXPECT_THAT(CheckLayout("checkbox(bind: @nothing, name: 3);", "sheet a {"),
+                ElementsAre("a.lio:2:26: 'name' needs a string, not a number"));
+}
+
+TEST_F(ScriptCheckerTest, Layout_ThatCannotBeReadTellsWhereReadingEnds) {
+    EXPECT_THAT(CheckLayout("checkbox(name 3);"), ElementsAre(testing::StartsWith("a.lio:2:15: expected ")));
+    EXPECT_THAT(Texts(fChecker.CheckLayout({"a.lio", ""}, {"a.trn", ""})), IsEmpty());
+}
+
+} // namespace
+} // namespace krotarnlio
