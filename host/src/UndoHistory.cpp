@@ -34,6 +34,10 @@ void UndoHistory::InputEnds() {
     CloseIfDone();
 }
 
+bool UndoHistory::IsGestureOpen(int index) const {
+    return std::ranges::find(fOpenBrackets, index) != fOpenBrackets.end();
+}
+
 bool UndoHistory::Undo() {
     if (!CanUndo()) return false;
     fLastIsLoose = false;

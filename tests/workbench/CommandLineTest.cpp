@@ -89,7 +89,9 @@ TEST_F(CommandLine, WrongUsageExitsWithTwoAndAShortUsage) {
         {"render", "--effect", "amplify", "--volume", "3", "in.wav", "out.wav"},
         {"snapshot", "--effect", "amplify", "--theme", "pink", "x.png"},
         {"snapshot", "--effect", "amplify", "--channels", "33", "x.png"},
+        {"snapshot", "--effect", "amplify", "--scripts", "hardlimiterui", "x.png"},
         {"params"},
+        {"check"},
         {"--nonsense"},
     };
     for (const auto& arguments : cases) {

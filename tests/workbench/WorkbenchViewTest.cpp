@@ -45,6 +45,7 @@ TEST_F(WorkbenchFixture, EachEffectKeepsItsSettingsPanelAndHistoryWhilePlayingGo
     DragGain(40);
     const float gain = Gain();
     PressKey(Key::kSpace);
+    fWindow.Wheel(HeadlessWindow::CentreOf(Node("effects")), -1000); // to the end of the list
     Click("effect-stereoexpander");
     EXPECT_EQ(fView->UI_FindNode("GainControlsContainer"), nullptr);
     EXPECT_EQ(krocore::ToStdString(fView->Title()), "Test sound - Stereo Expander - Workbench");

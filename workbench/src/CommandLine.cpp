@@ -1,6 +1,7 @@
 #include "workbench/CommandLine.h"
 
 #include "krocore/config/Error.h"
+#include "workbench/CheckCommand.h"
 #include "workbench/EffectTables.h"
 #include "workbench/OpenCommand.h"
 #include "workbench/PanelsLibrary.h"
@@ -19,12 +20,13 @@ namespace workbench {
 
 namespace {
 
-constexpr const char* kUsage = R"(usage: workbench [open] [--effect NAME] [FILE]
+constexpr const char* kUsage = R"(usage: workbench [open] [--effect NAME | --scripts NAME] [--watch DIR] [FILE]
        workbench list
        workbench params EFFECT
        workbench render --effect NAME [--set PARAM=VALUE]... IN OUT
-       workbench snapshot --effect NAME [--theme dark|light] [--scale F] [--channels N] OUT.png
+       workbench snapshot (--effect NAME | --scripts NAME) [--watch DIR] [--theme dark|light] [--scale F] [--channels N] OUT.png
        workbench gallery DIR
+       workbench check FILE...
 )";
 
 constexpr double kSmallestScale = 0.5;
@@ -38,6 +40,7 @@ struct Request {
     SnapshotRequest snapshot;
     std::string parametersOf;
     std::filesystem::path gallery;
+    CheckRequest check;
 };
 
 CLI::Option* AddTheme(CLI::App& command, std::string& theme) {
@@ -60,9 +63,20 @@ void AddSettings(CLI::App& command, std::vector<std::string>& settings) {
         ->take_all();
 }
 
+// What a panel is for: an effect, or scripts that belong to none; and where its author edits it.
+template <class PanelRequest>
+CLI::Option_group& AddPanel(CLI::App& command, PanelRequest& request, const char* effectHelp) {
+    CLI::Option_group& choice = *command.add_option_group("panel");
+    choice.add_option("--effect", request.effect, effectHelp)->type_name("NAME");
+    choice.add_option("--scripts", request.scripts, "a pair of scripts, NAME.trn and NAME.lio")->type_name("NAME");
+    choice.require_option(0, 1);
+    AddPath(command, request.watch, "--watch", "use the scripts, archives and pictures in this folder");
+    return choice;
+}
+
 void DescribeOpen(CLI::App& app, OpenRequest& request) {
     CLI::App& command = *app.add_subcommand("open", "open the window (what happens without a command)");
-    command.add_option("--effect", request.effect, "the effect to begin with")->type_name("NAME");
+    AddPanel(command, request, "the effect to begin with");
     AddTheme(command, request.theme);
     AddScale(command, request.scale, "--scale", "pixels a unit of the picture, 0.5 to 4");
     AddScale(command, request.zoom, "--zoom", "magnification on top of that, 0.5 to 4");
@@ -79,7 +93,7 @@ void DescribeRender(CLI::App& app, RenderRequest& request) {
 
 void DescribeSnapshot(CLI::App& app, SnapshotRequest& request) {
     CLI::App& command = *app.add_subcommand("snapshot", "draw a panel into a PNG file");
-    command.add_option("--effect", request.effect, R"(see "workbench list")")->type_name("NAME")->required();
+    AddPanel(command, request, R"(see "workbench list")").require_option(1);
     AddSettings(command, request.settings);
     AddTheme(command, request.theme);
     AddScale(command, request.scale, "--scale", "pixels a unit of the picture, 0.5 to 4");
@@ -99,12 +113,15 @@ void Describe(CLI::App& app, Request& request) {
     DescribeSnapshot(app, request.snapshot);
     CLI::App& gallery = *app.add_subcommand("gallery", "draw every panel, in both themes, into a folder");
     AddPath(gallery, request.gallery, "DIR", "the folder; made if it is not there")->required();
+    CLI::App& check = *app.add_subcommand("check", "say what is wrong in layout archives, sheets and layouts");
+    check.add_option("FILE", request.check.files, "NAME.xml, NAME.trn or NAME.lio")->required();
 }
 
 int Run(const CLI::App& app, const Request& request) {
     const std::string command = app.get_subcommands().front()->get_name();
     if (command == "open") return Open(request.open);
     if (command == "render") return Render(request.render);
+    if (command == "check") return Check(request.check);
     if (command == "list") {
         const PanelsLibrary library;
         fmt::print("{}", EffectTable());

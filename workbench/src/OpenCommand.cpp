@@ -3,6 +3,7 @@
 #include "krocore/config/Error.h"
 #include "workbench/CommandLine.h"
 #include "workbench/EffectNames.h"
+#include "workbench/ScriptEffect.h"
 #include "workbench/SdlSoundOutput.h"
 #include "workbench/SdlWindow.h"
 #include "workbench/TreeText.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <optional>
 #include <system_error>
 
 namespace workbench {
@@ -44,14 +46,18 @@ void WriteTreeIfWanted(const std::filesystem::path& file, const kroui::ui::UI_Wi
 
 int Open(const OpenRequest& request) {
     const PanelsLibrary library;
-    const EffectList::Effects effects = AvailableEffects();
-    const EffectDescription& effect = EffectToBeginWith(request.effect, effects);
+    EffectList::Effects effects = AvailableEffects();
+    PanelSource panels(library);
+    if (!request.watch.empty()) panels.Watch(request.watch);
+    std::optional<ScriptEffect> scripts;
+    if (!request.scripts.empty()) effects.push_back(&scripts.emplace(request.scripts).Description());
+    const EffectDescription& effect = scripts ? scripts->Description() : EffectToBeginWith(request.effect, effects);
     SdlWindow window(library.Supplier(), {WorkbenchView::kDefaultSize, WorkbenchView::kSmallestSize, request.scale});
     SdlSoundOutput output;
-    Session session(output, effect);
+    Session session(output, effect, scripts ? scripts->Filter() : nullptr);
     if (!request.file.empty()) session.OpenFile(request.file);
 
-    const boost::intrusive_ptr<WorkbenchView> view(new WorkbenchView(session, effects));
+    const boost::intrusive_ptr<WorkbenchView> view(new WorkbenchView(session, effects, &panels));
     window.Window().SetTheme(request.theme == Theme::Light().Name() ? Theme::Light() : Theme::Dark());
     window.Window().SetContent(view);
     view->SetLargestZoom(window.LargestZoom());

@@ -1,5 +1,6 @@
 #include "workbench/PanelCard.h"
 
+#include "qocui/controls/TarnLioAudioComponentEditorView.h"
 #include "workbench/PixelSnap.h"
 
 #include <algorithm>
@@ -12,6 +13,7 @@ namespace {
 constexpr float kRadius = 6;
 constexpr kroui::Size kMessageSize = {420, 160};
 constexpr float kMessageMargin = 24;
+constexpr float kProblemWidth = 560; // of the text
 
 // The right bottom corner of what can be seen of a subtree, in the coordinates of the node that it stands in.
 kroui::Point FarCorner(const kroui::ui::UI_Node& node) {
@@ -42,7 +44,19 @@ void PanelCard::SetPanel(PanelPtr panel) {
 
 void PanelCard::SetMessage(std::u16string_view message) {
     fMessage = message;
+    fIsProblem = false;
     UI_Invalidate();
+}
+
+void PanelCard::SetProblem(std::u16string_view problem) {
+    fMessage = problem;
+    fIsProblem = true;
+    UI_Invalidate();
+}
+
+void PanelCard::ReleaseControls() {
+    auto* const panel = dynamic_cast<qocui::controls::TarnLioAudioComponentEditorView*>(fPanel.get());
+    if (panel) panel->ControlReleased();
 }
 
 void PanelCard::FollowPanel() {
@@ -53,17 +67,26 @@ void PanelCard::FollowPanel() {
 }
 
 kroui::Size PanelCard::UI_GetNaturalSize() const {
-    if (!fPanel) return kMessageSize;
+    if (!fPanel) return MessageSize();
     const kroui::Point corner = FarCorner(*fPanel);
     return {std::ceil(corner.x), std::ceil(corner.y)};
+}
+
+kroui::Size PanelCard::MessageSize() const {
+    const kroui::limner::SupplierInterface* const supplier = UI_GetDrawSupplier();
+    if (!fIsProblem || !supplier) return kMessageSize;
+    const float height = std::ceil(supplier->MeasureParagraph(fMessage, {}, kProblemWidth).height);
+    return {kProblemWidth + 2 * kMessageMargin, std::max(kMessageSize.height, height + 2 * kMessageMargin)};
 }
 
 void PanelCard::UI_Draw(kroui::limner::Limner* limner) {
     const kroui::Rect rect = Snapped(*this, *limner, UI_GetLocalRect());
     limner->FillRoundRect(rect, fIsRounded ? kRadius : 0, GetColor(kroui::ui::kColorPanel));
     if (fPanel) return;
-    limner->DrawText(fMessage, {}, GetColor(kroui::ui::kColorDimText), rect.Inset(kMessageMargin, kMessageMargin),
-                     {.alignment = kroui::limner::TextAlignment::kCentre, .multiLine = true});
+    using kroui::limner::TextAlignment;
+    limner->DrawText(fMessage, {}, GetColor(fIsProblem ? kroui::ui::kColorText : kroui::ui::kColorDimText),
+                     rect.Inset(kMessageMargin, kMessageMargin),
+                     {.alignment = fIsProblem ? TextAlignment::kLeft : TextAlignment::kCentre, .multiLine = true});
 }
 
 kroui::ui::AccessibleInfo PanelCard::UI_GetAccessibleInfo() const {

@@ -3,6 +3,7 @@
 #include "host/AudioFile.h"
 #include "host/TestSignal.h"
 #include "krocore/Localizer.h"
+#include "uit/TimecodeFormat.h"
 #include "workbench/EffectNames.h"
 
 #include <algorithm>
@@ -12,8 +13,8 @@ namespace workbench {
 
 using qoc::components::EffectDescription;
 
-Session::Session(SoundOutput& output, const EffectDescription& effect)
-    : fOutput(output), fEffect(&effect), fCurrent(&UseOf(effect)),
+Session::Session(SoundOutput& output, const EffectDescription& effect, FilterPtr filter)
+    : fOutput(output), fEffect(&effect), fCurrent(filter ? &AddUse(effect, filter) : &UseOf(effect)),
       fSound(std::make_shared<const qohost::Sound>(qohost::MakeTestSignal())),
       fSoundName(krocore::Localize("$$$/Workbench/TestSound=Test sound")) {
     LoadEngine(fSound, fCurrent->filter);
@@ -30,9 +31,26 @@ Session::~Session() {
 Session::Use& Session::UseOf(const EffectDescription& effect) {
     const auto known = fUses.find(&effect);
     if (known != fUses.end()) return known->second;
-    const FilterPtr filter = NewFilter(effect);
+    return AddUse(effect, NewFilter(effect));
+}
+
+Session::Use& Session::AddUse(const EffectDescription& effect, const FilterPtr& filter) {
     filter->SetAudioFilterHost(this);
     return fUses.try_emplace(&effect, filter).first->second;
+}
+
+// Minutes, seconds and thousandths, as the transport shows time.
+kroaudiofilterhost::AudioFilterTimeFormat Session::GetTimeFormat() const {
+    constexpr double kFramesPerSecond = 30;
+    return {uit::TimecodeSettings::kDecimal, kFramesPerSecond, kFramesPerSecond};
+}
+
+// A sound has no tempo of its own: the usual one, from the start.
+kroaudiofilterhost::AudioFilterTempo Session::GetTempo() const {
+    constexpr std::int32_t kTicksPerQuarter = 480;
+    constexpr double kBeatsPerMinute = 120;
+    constexpr std::int32_t kFour = 4; // quarters in a bar of four
+    return {kTicksPerQuarter, kBeatsPerMinute, kFour, kFour, 0};
 }
 
 // Leaves the engine with what it had when that fails.

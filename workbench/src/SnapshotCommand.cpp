@@ -4,7 +4,7 @@
 #include "kroui/ui/HeadlessWindow.h"
 #include "workbench/EffectNames.h"
 #include "workbench/PanelCard.h"
-#include "workbench/PanelsLibrary.h"
+#include "workbench/PanelSource.h"
 
 #include <fmt/format.h>
 
@@ -36,6 +36,7 @@ kroui::limner::ImagePtr Draw(const PanelsLibrary& library, const PanelPtr& panel
     window.Advance(kSettleSeconds);
     // Some panels find their size only in a window.
     const kroui::Size size = card->UI_GetNaturalSize();
+    if (size.width < 1 || size.height < 1) throw Error("the panel is empty: its scripts are missing");
     card->UI_SetFrame({0, 0, size.width, size.height});
     window.Window().SetSize(size);
     kroui::limner::ImagePtr picture = window.Snapshot();
@@ -43,8 +44,7 @@ kroui::limner::ImagePtr Draw(const PanelsLibrary& library, const PanelPtr& panel
     return picture;
 }
 
-FilterPtr PreparedFilter(const EffectDescription& effect, std::size_t channels) {
-    FilterPtr filter = NewFilter(effect);
+FilterPtr Prepared(FilterPtr filter, std::size_t channels) {
     filter->Prepare(kSampleRate, kBlock, kromediatypes::AudioChannelLayout::ForChannelCount(channels));
     filter->SetDuration(kSoundSeconds * kSampleRate);
     return filter;
@@ -53,12 +53,16 @@ FilterPtr PreparedFilter(const EffectDescription& effect, std::size_t channels) 
 } // namespace
 
 void Snapshot(const SnapshotRequest& request) {
-    const EffectDescription& effect = EffectFromName(request.effect);
-    const FilterPtr filter = PreparedFilter(effect, request.channels);
-    ApplySettings(*filter, request.settings);
     const PanelsLibrary library;
-    const PanelPtr panel = NewPanel(filter);
-    if (!panel) throw Error(fmt::format(R"(the effect "{}" has no panel in this version)", effect.shortName));
+    PanelSource panels(library);
+    if (!request.watch.empty()) panels.Watch(request.watch);
+    const FilterPtr filter =
+        Prepared(request.scripts.empty() ? NewFilter(EffectFromName(request.effect)) : NewScriptFilter(request.scripts),
+                 request.channels);
+    ApplySettings(*filter, request.settings);
+    const auto [panel, problem] = panels.Make(filter);
+    if (!panel && !problem.empty()) throw Error(krocore::ToStdString(problem));
+    if (!panel) throw Error(fmt::format(R"(the effect "{}" has no panel in this version)", request.effect));
     const Theme& theme = request.theme == Theme::Light().Name() ? Theme::Light() : Theme::Dark();
     kroui::limner::WritePNG(*Draw(library, panel, theme, request.scale), request.output);
 }
@@ -72,7 +76,7 @@ int Gallery(const std::filesystem::path& folder) {
     int files = 0;
     for (const EffectDescription& effect : qoc::components::AllEffects()) {
         if (effect.create == nullptr) continue;
-        const PanelPtr panel = NewPanel(PreparedFilter(effect, 2));
+        const PanelPtr panel = NewPanel(Prepared(NewFilter(effect), 2));
         if (!panel) continue;
         for (const Theme* const theme : {&Theme::Dark(), &Theme::Light()})
             for (const int scale : {1, 2}) {

@@ -22,6 +22,8 @@ namespace {
 constexpr float kPollSeconds = 1.0F / 30;
 // While nothing moves.
 constexpr float kIdlePollSeconds = 0.1F;
+// How often the files of a panel are looked at.
+constexpr float kWatchSeconds = 0.25F;
 constexpr float kZoomStep = 1.25F;
 constexpr float kSmallestZoom = 0.64F; // two steps down
 
@@ -49,7 +51,8 @@ std::vector<krocore::string16> ChannelNames(const kromediatypes::AudioChannelLay
 
 } // namespace
 
-WorkbenchView::WorkbenchView(Session& session, const EffectList::Effects& effects) : fSession(session) {
+WorkbenchView::WorkbenchView(Session& session, const EffectList::Effects& effects, PanelSource* panels)
+    : fSession(session), fPanels(panels) {
     UI_SetID("workbench");
     BuildParts(effects);
     ShowSound();
@@ -122,9 +125,7 @@ void WorkbenchView::ShowSound() {
 void WorkbenchView::ShowEffect() {
     const Session::FilterPtr& filter = fSession.Filter();
     fEffects->Select(fSession.Effect());
-    fPanelCard->SetMessage(krocore::ReplacePlaceholders(krocore::Localize("$$$/Workbench/NoPanel=@0 has no panel yet."),
-                                                        {fSession.Effect().DisplayName()}));
-    fPanelCard->SetPanel(NewPanel(filter));
+    ShowPanel();
     fPanelPlace->ScrollTo({});
     fMeters->SetChannels(ChannelNames(filter->GetInputBuses().front().GetLayout()),
                          ChannelNames(filter->GetOutputBuses().front().GetLayout()));
@@ -132,6 +133,31 @@ void WorkbenchView::ShowEffect() {
     Arrange();
     ShowHistory();
     if (fTitleListener) fTitleListener();
+}
+
+void WorkbenchView::ShowPanel() {
+    const Session::FilterPtr& filter = fSession.Filter();
+    fPanelIsStale = false;
+    const PanelSource::Made made = fPanels ? fPanels->Make(filter) : PanelSource::Made{NewPanel(filter), {}};
+    if (made.problem.empty())
+        fPanelCard->SetMessage(krocore::ReplacePlaceholders(
+            krocore::Localize("$$$/Workbench/NoPanel=@0 has no panel yet."), {fSession.Effect().DisplayName()}));
+    else
+        fPanelCard->SetProblem(made.problem);
+    fPanelCard->SetPanel(made.panel);
+    if (!fPanels || !fPanels->IsWatching()) return;
+    if (made.panel && !made.problem.empty())
+        fStatus->ShowProblem(made.problem.substr(0, made.problem.find(u'\n')));
+    else
+        fStatus->ShowHint(Hint());
+}
+
+// What the user is doing is not cut off: the new panel waits for its end.
+void WorkbenchView::FollowFiles() {
+    fPanelIsStale = fPanels->HasChanged() || fPanelIsStale;
+    if (!fPanelIsStale || fIsInInput) return;
+    ShowPanel();
+    Arrange();
 }
 
 void WorkbenchView::ShowHistory() {
@@ -194,11 +220,14 @@ void WorkbenchView::UI_NodeChanged(NodeChange change) {
         fLastPoll = kroui::ui::UI_NodeManager::Get().Now();
         UI_InstallTimer(kPollSeconds, fTimer);
         fIsIdle = false;
+        fWatchTimer = kroui::ui::UI_NodeManager::Get().GetUniqueTimerID();
+        if (fPanels && fPanels->IsWatching()) UI_InstallTimer(kWatchSeconds, fWatchTimer);
         UI_GetWindow()->SetUnhandledKeyHandler([this](const KeyEvent& event) { return HandleKey(event); });
         UI_GetWindow()->SetInputObserver([this](bool begins) { FollowInput(begins); });
         ShowState();
     } else if (change == kDetaching) {
         UI_RemoveTimer(fTimer, false);
+        UI_RemoveTimer(fWatchTimer, false);
         UI_GetWindow()->SetUnhandledKeyHandler({});
         UI_GetWindow()->SetInputObserver({});
     } else if (change == kThemeChanged) {
@@ -207,6 +236,10 @@ void WorkbenchView::UI_NodeChanged(NodeChange change) {
 }
 
 bool WorkbenchView::UI_DoTimerNotify(long timerID) {
+    if (timerID == fWatchTimer) {
+        FollowFiles();
+        return true;
+    }
     if (timerID != fTimer) return UI_Node::UI_DoTimerNotify(timerID);
     fSession.Poll();
     FollowTransport();
@@ -219,10 +252,11 @@ bool WorkbenchView::UI_DoTimerNotify(long timerID) {
 
 // What the user does is one step to take back, however the panel writes it.
 void WorkbenchView::FollowInput(bool begins) {
-    if (begins)
-        fSession.History().InputBegins();
-    else
-        fSession.History().InputEnds();
+    fIsInInput = begins;
+    if (begins) return fSession.History().InputBegins();
+    qohost::UndoHistory& history = fSession.History();
+    if (history.IsGestureOpen(kroaudiofilterhost::AudioFilter::kAllParameters)) fPanelCard->ReleaseControls();
+    history.InputEnds();
 }
 
 void WorkbenchView::SetPace() {

@@ -35,6 +35,9 @@ public:
     void InputBegins() noexcept { fInInput = true; }
     void InputEnds();
 
+    // Whether a bracket with the index is open.
+    bool IsGestureOpen(int index) const;
+
     // False while a gesture is open.
     bool CanUndo() const noexcept { return IsClosed() && fPosition > 0; }
     bool CanRedo() const noexcept { return IsClosed() && fPosition < fSteps.size(); }

@@ -6,10 +6,12 @@
 namespace workbench {
 
 struct OpenRequest {
-    std::filesystem::path file; // empty: the built-in sound
-    std::string effect;         // empty: the first one
-    std::string theme = "dark"; // or "light"
-    float scale = 1;            // the host's factor, on top of the screen's own
+    std::filesystem::path file;  // empty: the built-in sound
+    std::string effect;          // empty: the first one
+    std::string scripts;         // the name of a pair of scripts to open instead of an effect, or empty
+    std::filesystem::path watch; // a folder whose files stand in front of the library's, or empty
+    std::string theme = "dark";  // or "light"
+    float scale = 1;             // the host's factor, on top of the screen's own
     float zoom = 1;
 };
 

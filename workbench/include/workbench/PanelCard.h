@@ -14,6 +14,10 @@ public:
     void SetPanel(PanelPtr panel);
     const PanelPtr& Panel() const { return fPanel; }
     void SetMessage(std::u16string_view message);
+    // What keeps the panel from being there, in lines; all of it is shown.
+    void SetProblem(std::u16string_view problem);
+    // The user has let go of everything: ends the gesture that a press on the ground of a script panel has begun.
+    void ReleaseControls();
     // On a window: corners are round. Off: the ground goes to the edges, as in a picture of the panel alone.
     void SetRounded(bool rounded) { fIsRounded = rounded; }
     // Called when the natural size is another.
@@ -26,9 +30,12 @@ public:
     kroui::ui::AccessibleInfo UI_GetAccessibleInfo() const override;
 
 private:
+    kroui::Size MessageSize() const;
+
     PanelPtr fPanel;
     boost::signals2::scoped_connection fConnection;
     krocore::string16 fMessage;
+    bool fIsProblem = false;
     boost::function<void()> fListener;
     kroui::Size fToldSize;
     bool fIsRounded = false;

@@ -18,8 +18,9 @@ class Session final : private kroaudiofilterhost::AudioFilterHost {
 public:
     using FilterPtr = boost::intrusive_ptr<kroaudiofilterhost::AudioFilter>;
 
-    // With the built-in sound and the effect. The output lives longer.
-    Session(SoundOutput& output, const qoc::components::EffectDescription& effect);
+    // With the built-in sound and the effect. The output and the description live longer. `filter`: runs the effect,
+    // for one that the library can't make; null otherwise.
+    Session(SoundOutput& output, const qoc::components::EffectDescription& effect, FilterPtr filter = {});
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
     ~Session() override;
@@ -60,8 +61,9 @@ private:
         qohost::UndoHistory history;
     };
 
-    kroaudiofilterhost::AudioFilterTimeFormat GetTimeFormat() const override { return {}; }
-    kroaudiofilterhost::AudioFilterTempo GetTempo() const override { return {}; }
+    kroaudiofilterhost::AudioFilterTimeFormat GetTimeFormat() const override;
+    kroaudiofilterhost::AudioFilterTempo GetTempo() const override;
+    Use& AddUse(const qoc::components::EffectDescription& effect, const FilterPtr& filter);
     Use& UseOf(const qoc::components::EffectDescription& effect);
     void LoadEngine(const std::shared_ptr<const qohost::Sound>& sound, const FilterPtr& filter);
 

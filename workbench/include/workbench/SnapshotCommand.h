@@ -9,6 +9,8 @@ namespace workbench {
 
 struct SnapshotRequest {
     std::string effect;
+    std::string scripts;               // the name of a pair of scripts instead of an effect
+    std::filesystem::path watch;       // a folder whose files stand in front of the library's, or empty
     std::vector<std::string> settings; // "PARAM=VALUE"
     std::string theme = "dark";        // or "light"
     float scale = 1;

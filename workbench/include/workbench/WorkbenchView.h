@@ -4,6 +4,7 @@
 #include "workbench/HeaderBar.h"
 #include "workbench/LevelMeters.h"
 #include "workbench/PanelCard.h"
+#include "workbench/PanelSource.h"
 #include "workbench/Session.h"
 #include "workbench/StatusLine.h"
 #include "workbench/TransportBar.h"
@@ -18,8 +19,9 @@ public:
     static constexpr kroui::Size kDefaultSize = {1280, 800};
     static constexpr kroui::Size kSmallestSize = {900, 600};
 
-    // The session outlives the view.
-    WorkbenchView(Session& session, const EffectList::Effects& effects);
+    // Session and source outlive the view. `panels` makes the panels; null: they are as the library has them. If it
+    // watches a folder, the panel follows the files in it, keeping the filter with its values and history.
+    WorkbenchView(Session& session, const EffectList::Effects& effects, PanelSource* panels = nullptr);
 
     // False, with a message on the status line and everything as before, when that is not possible.
     bool OpenFile(const std::filesystem::path& file);
@@ -64,6 +66,8 @@ private:
     void ArrangePanel();
     void ShowSound();
     void ShowEffect();
+    void ShowPanel();
+    void FollowFiles();
     void ShowHistory();
     void ShowState();
     void FollowInput(bool begins);
@@ -73,6 +77,7 @@ private:
     void FollowLevels();
 
     Session& fSession;
+    PanelSource* fPanels;
     boost::function<void()> fTitleListener;
     boost::intrusive_ptr<HeaderBar> fHeader;
     boost::intrusive_ptr<EffectList> fEffects;
@@ -84,7 +89,10 @@ private:
     boost::intrusive_ptr<StatusLine> fStatus;
     std::vector<float> fPeaks; // reused at every poll
     long fTimer = 0;
-    double fLastPoll = 0; // seconds
+    long fWatchTimer = 0;
+    bool fIsInInput = false;    // the user is doing something
+    bool fPanelIsStale = false; // its files have changed
+    double fLastPoll = 0;       // seconds
     float fZoom = 1;
     float fLargestZoom = 3;
     std::int32_t fSeenDirtyCount = 0;

@@ -1,0 +1,104 @@
+#include "workbench/CheckCommand.h"
+
+#include "TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+namespace workbench {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+constexpr const char* kSheet = "sheet a {\n"
+                               "input: in0: 0.5;\n"
+                               "interface: unlink gain: in0; unlink names: get_output_channel_name_array();\n"
+                               "output: out0 <== gain;\n"
+                               "}\n";
+constexpr const char* kLayout = "layout a { view subview() {\n"
+                                "aud_edit_number(bind: @gain, name: localize('$$$/A/Gain=Gain:'));\n"
+                                "popup(items: @names, horizontal: align_fill);\n"
+                                "} }\n";
+
+class CheckCommand : public testing::Test {
+protected:
+    // What is said about the files, which stand in the folder.
+    int Run(const std::vector<std::string>& files) {
+        CheckRequest request;
+        for (const std::string& file : files)
+            request.files.push_back(fFolder.Path(file));
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        const int code = Check(request);
+        std::fflush(stdout);
+        fOutput = testing::internal::GetCapturedStdout();
+        fErrors = testing::internal::GetCapturedStderr();
+        return code;
+    }
+
+    TemporaryFolder fFolder;
+    std::string fOutput;
+    std::string fErrors;
+};
+
+TEST_F(CheckCommand, GoodFilesAreSilent) {
+    fFolder.Write("A.trn", kSheet);
+    fFolder.Write("a.lio", kLayout);
+    fFolder.Write("panel.xml", TemporaryFolder::Contents(QO_SOURCE_DIR "/resources/archives/AMPLIFY.xml"));
+    EXPECT_EQ(Run({"A.trn", "a.lio", "panel.xml"}), 0);
+    EXPECT_EQ(fOutput, "");
+    EXPECT_EQ(fErrors, "");
+}
+
+TEST_F(CheckCommand, TellsTheFaultsOfALayoutAndOfTheSheetBesideIt) {
+    fFolder.Write("A.trn", "sheet a {\ninput: in0: 0.5;\ninterface: unlink b: wrong(in0);\noutput: out0 <== b;\n}");
+    fFolder.Write("a.lio", kLayout);
+    EXPECT_EQ(Run({"a.lio"}), 1);
+    EXPECT_EQ(fOutput, fFolder.Path("A.trn").string() + ":3:22: there is no function 'wrong'\n" +
+                           fFolder.Path("a.lio").string() +
+                           ":2:17: 'bind' needs the name of a cell; the sheet has no 'gain'\n" +
+                           fFolder.Path("a.lio").string() + ":3:7: 'items' needs an array, not a name\n");
+}
+
+TEST_F(CheckCommand, TakesTheSheetThatIsGivenAndNotTheOneBesideTheLayout) {
+    fFolder.Write("a.trn", "sheet a {}");
+    fFolder.Write("a.lio", kLayout);
+    fFolder.Write("new/a.trn", kSheet);
+    EXPECT_EQ(Run({"a.lio", "new/a.trn"}), 0) << fOutput;
+}
+
+TEST_F(CheckCommand, ALayoutWithoutSheetIsAFault) {
+    fFolder.Write("a.lio", kLayout);
+    EXPECT_EQ(Run({"a.lio"}), 1);
+    EXPECT_EQ(fOutput, fFolder.Path("a.lio").string() + ":1:1: the layout has no sheet, expected a.trn beside it\n");
+}
+
+TEST_F(CheckCommand, WarningsAloneAreNoFailure) {
+    fFolder.Write("a.trn", "sheet a {\ninterface: gain;\noutput: out0 <== gain;\n}");
+    EXPECT_EQ(Run({"a.trn"}), 0);
+    EXPECT_THAT(fOutput, StartsWith(fFolder.Path("a.trn").string() + ":2:12: warning: "));
+}
+
+TEST_F(CheckCommand, ArchivesTellEveryFaultWithItsPlace) {
+    std::string archive = TemporaryFolder::Contents(QO_SOURCE_DIR "/resources/archives/AMPLIFY.xml");
+    const std::size_t at = archive.find("kroui::controls::UI_Checkbox");
+    ASSERT_NE(at, std::string::npos);
+    const auto line = 1 + std::count(archive.begin(), archive.begin() + static_cast<std::ptrdiff_t>(at), '\n');
+    archive.replace(at, 5, "krouy");
+    fFolder.Write("panel.xml", archive);
+    EXPECT_EQ(Run({"panel.xml"}), 1);
+    EXPECT_THAT(fOutput, HasSubstr("panel.xml:" + std::to_string(line) + ":"));
+    EXPECT_THAT(fOutput, HasSubstr("krouy::controls::UI_Checkbox"));
+}
+
+TEST_F(CheckCommand, FilesThatCannotBeReadExitWithTwoAndTheOthersAreCheckedAllTheSame) {
+    fFolder.Write("a.trn", "sheet");
+    fFolder.Write("a.txt", "text");
+    EXPECT_EQ(Run({"missing.trn", "a.txt", "a.trn"}), 2);
+    EXPECT_THAT(fErrors, HasSubstr("missing.trn"));
+    EXPECT_THAT(fErrors, HasSubstr("a.txt is no layout archive"));
+    EXPECT_THAT(fOutput, HasSubstr("a.trn:1:6: expected a name for the sheet"));
+}
+
+} // namespace
+} // namespace workbench
