@@ -67,6 +67,27 @@ void RunSetGraphicEQ(benchmark::State& state) {
     RunFilter(state, filter);
 }
 
+// All bands, the passes at their steepest.
+void RunSetParametricEQ(benchmark::State& state) {
+    using namespace qoc::components;
+    const Filter filter = CreateEffect(kParametricEQComponentID);
+    for (int band = 0; band < 9; ++band)
+        filter->SetParameterValue(kParametricEQFirstEnable + band, 1);
+    for (int band = 0; band < 7; ++band)
+        filter->SetParameterValue(kParametricEQFirstGain + band, band % 2 == 0 ? 0.4F : 0.6F);
+    for (int pass = 0; pass < 2; ++pass)
+        filter->SetParameterValue(kParametricEQFirstSlope + pass, 1);
+    RunFilter(state, filter);
+}
+
+// A sound of -6 dB at its peaks as if it had been clipped at -12 dB: every peak is restored.
+void RunClippedIntraClip(benchmark::State& state) {
+    using namespace qoc::components;
+    const Filter filter = CreateEffect(kIntraClipComponentComponentID);
+    filter->SetParameterValue(kIntraClipLevel, filter->GetParameterInfo(kIntraClipLevel)->ToNormalised(-12));
+    RunFilter(state, filter);
+}
+
 // What one step of a drag costs: the filter is made anew and its response is asked for.
 void DragFFTFilterPoint(benchmark::State& state) {
     const Filter filter = DrawnFFTFilter();
@@ -92,6 +113,8 @@ int main(int argc, char** argv) {
     }
     benchmark::RegisterBenchmark("fftfilter/128_points", RunDrawnFFTFilter)->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark("graphiceq30bands/set", RunSetGraphicEQ)->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark("parametriceq/set", RunSetParametricEQ)->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark("intraclip/clipped", RunClippedIntraClip)->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark("fftfilter/drag", DragFFTFilterPoint)->Unit(benchmark::kMicrosecond);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

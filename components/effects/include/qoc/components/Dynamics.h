@@ -1,0 +1,78 @@
+#pragma once
+
+#include "qoc/components/BandLimit.h"
+#include "qoc/components/ComponentBase.h"
+#include "qoc/components/LevelDetector.h"
+#include "qoc/components/SmoothedValue.h"
+#include "qoc/components/TransferCurve.h"
+
+#include <vector>
+
+namespace qoc::components {
+
+// Compressor, expander, limiter and gate in one: a curve of up to six points says which level goes out for a level that
+// comes in. A detector measures the level; the curve's gain, in decibels, goes down with the attack's time constant
+// and, after the hold, up with the release's. With a look-ahead the sound comes later by it, so that the gain moves
+// before what moves it; the look-ahead holds from one Prepare to the next. With a limited band the detector hears only
+// the band, and only the band's gain changes. With a 1:1 curve and no make-up gain the sound comes out bit by bit.
+//
+// Response curve 0: the levels that go out for levels from -100 to 0 dB, without make-up gain.
+class Dynamics : public ComponentBase {
+public:
+    static constexpr double kLowestLevel = -100; // decibels, of the curve
+
+    Dynamics();
+
+    std::size_t Latency() const noexcept override { return fLatency; }
+    // Until the filters of a limited band have decayed by 100 dB.
+    std::size_t Tail() const noexcept override;
+    bool GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const override;
+
+protected:
+    ~Dynamics() override;
+
+    void PrepareProcessing(std::size_t maximumBlock) override;
+    void ResetProcessing() noexcept override;
+    void ReadParameters(bool settle) noexcept override;
+    void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
+
+private:
+    // The way from the level to the gain, of one channel or of all.
+    struct Follower {
+        LevelDetector detector;
+        double gain = 0; // decibels
+        std::size_t held = 0;
+    };
+    struct Channel {
+        std::vector<float> sound; // rings: what came in, and what of it belongs to the band
+        std::vector<float> band;
+        double power = 0;
+    };
+
+    TransferCurve Curve() const noexcept;
+    double LimitedGain(double level) const noexcept;
+    double SamplesOf(int timeParameter) const noexcept;
+    double CommonPower() const noexcept;
+    double NextGain(Follower& follower, double power) noexcept;
+    void Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame) noexcept;
+
+    std::vector<Channel> fChannels;
+    std::vector<Follower> fFollowers; // one a channel; the first alone when they are taken together
+    std::size_t fLatency = 0;
+    std::size_t fPosition = 0; // in the rings
+
+    TransferCurve fCurve;
+    double fRange = 0;
+    LevelDetector::Settings fDetector;
+    int fDetectorChannels = 0;
+    double fAttack = 0; // what remains after a sample
+    double fRelease = 0;
+    std::size_t fHold = 0; // samples
+    BandLimit fBand;
+    SmoothedValue fDetectorGain;
+    SmoothedValue fMakeUp; // decibels
+    SmoothedValue fMix;
+    SmoothedValue fListen;
+};
+
+} // namespace qoc::components

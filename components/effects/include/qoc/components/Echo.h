@@ -1,0 +1,90 @@
+#pragma once
+
+#include "qoc/components/Biquad.h"
+#include "qoc/components/ComponentBase.h"
+#include "qoc/components/FadingTap.h"
+#include "qoc/components/GraphicEQDesign.h"
+#include "qoc/components/HandOver.h"
+#include "qoc/components/SmoothedValue.h"
+#include "qoc/components/TapLine.h"
+
+#include <array>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace qoc::components {
+
+// Repeats the sound at a distance, each echo quieter than the one before by the feedback and duller by the equaliser
+// that it goes through once more. The right-hand channels have settings of their own, all others those of the left,
+// unless they are locked to them. Echoes that bounce go over to the channel on the other side with each repeat.
+//
+// The equaliser only takes away: with any feedback the echoes never get louder. The setters solve for it, on the
+// user-interface thread; the sound thread glides from the old coefficients to the new.
+class Echo : public ComponentBase {
+public:
+    static constexpr std::size_t kBands = 8;
+
+    Echo();
+
+    // In hertz, ascending.
+    static std::span<const double, kBands> Centres();
+
+    void SetParameterValue(int index, float value) override;
+    void SetParameterValueQuietly(int index, float value) override;
+
+    // Until the echoes have decayed by 100 dB, at most ten minutes.
+    std::size_t Tail() const noexcept override;
+
+protected:
+    ~Echo() override;
+
+    void PrepareProcessing(std::size_t maximumBlock) override;
+    void ResetProcessing() noexcept override;
+    void ReadParameters(bool settle) noexcept override;
+    void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
+
+private:
+    struct Equaliser {
+        std::array<BiquadCoefficients, kBands> sections;
+        double gain = 1; // keeps the response from rising above 0 dB anywhere
+    };
+    struct Channel {
+        TapLine line;
+        FadingTap tap;
+        std::array<Biquad, kBands> biquads;
+        SmoothedValue feedback;
+        SmoothedValue level;
+        std::size_t mirror = 0; // the channel on the other side
+        int firstParameter = 0; // of its side
+        bool isRight = false;
+        float input = 0; // of the present sample
+        float echo = 0;
+        float fedBack = 0;
+    };
+
+    void ParameterHasChanged(int index, float oldValue);
+    void Redesign();
+    double HighestGain(std::span<const BiquadCoefficients> sections) const;
+    int FirstParameter(bool isRight) const noexcept;
+    std::size_t DelayInSamples(int timeParameter) const noexcept;
+
+    void TakeEqualiser() noexcept;
+    void Glide() noexcept;
+    void Repeat(Channel& channel) noexcept;
+
+    // User-interface thread.
+    std::unique_ptr<GraphicEQDesign> fDesign;
+    Equaliser fDesigned;
+    HandOver<Equaliser> fHandOver;
+    // Sound thread.
+    std::vector<Channel> fChannels;
+    std::unique_ptr<Equaliser> fTarget;
+    Equaliser fStart;      // where the glide began
+    Equaliser fNow;        // and has come to
+    SmoothedValue fGlide;  // 0...1
+    SmoothedValue fBounce; // 0...1
+    bool fIsFlat = true;   // and was, since the last reset
+};
+
+} // namespace qoc::components

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "qoc/components/ComponentBase.h"
+#include "qoc/components/ParametricEQDesign.h"
+#include "qoc/components/SmoothedValue.h"
+
+#include <span>
+#include <vector>
+
+namespace qoc::components {
+
+// A parametric equaliser: high pass, low shelf, five peaks, high shelf and low pass, each with its switch, and a master
+// gain. Peaks are as wide as their Q says or, with constant width, as many hertz as their width says, wherever they are
+// moved. Headroom takes the highest gain of the bands off the output, so that no frequency gets louder than it came in,
+// the master gain aside. With all bands off or at 0 dB the sound comes out bit by bit. Settings glide.
+//
+// Response curve 0: the response in decibels, master gain and headroom included, along a logarithmic axis from 20 Hz to
+// 20 kHz, or to half the sample rate if that is less.
+class ParametricEQ : public ComponentBase {
+public:
+    static constexpr int kBands = 9;
+
+    ParametricEQ();
+
+    void SetParameterValue(int index, float value) override;
+    void SetParameterValueQuietly(int index, float value) override;
+
+    // Until the slowest section has decayed by 100 dB.
+    std::size_t Tail() const noexcept override;
+    bool GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
+                              std::vector<float>& decibels) const override;
+    bool GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const override;
+
+protected:
+    ~ParametricEQ() override;
+
+    void PrepareProcessing(std::size_t maximumBlock) override;
+    void ResetProcessing() noexcept override;
+    void ReadParameters(bool settle) noexcept override;
+    void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
+
+private:
+    using Sections = ParametricEQDesign::Sections;
+
+    ParametricEQDesign::Settings SettingsOfParameters() const noexcept;
+    double GainOf(int band) const noexcept;
+    double OutputDecibels() const noexcept;
+    void StoreHighestGain();
+
+    void GlideTo(const Sections& sections) noexcept;
+    void Glide() noexcept;
+    void ForgetNeutralSections() noexcept;
+    void ProcessGliding(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frames) noexcept;
+    void ProcessSettled(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin) noexcept;
+
+    // Sound thread.
+    std::vector<std::array<Biquad, ParametricEQDesign::kSections>> fBiquads; // by channel
+    Sections fStart;                                                         // where the glide began
+    Sections fNow;                                                           // and has come to
+    Sections fTarget;
+    SmoothedValue fGlide; // 0...1
+    SmoothedValue fGain;
+    std::vector<double> fScratch;
+};
+
+} // namespace qoc::components

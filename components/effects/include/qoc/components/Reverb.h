@@ -1,0 +1,46 @@
+#pragma once
+
+#include "qoc/components/ComponentBase.h"
+#include "qoc/components/FadedDelay.h"
+#include "qoc/components/ReverbTank.h"
+#include "qoc/components/RoomChannels.h"
+#include "qoc/components/SmoothedValue.h"
+
+#include <vector>
+
+namespace qoc::components {
+
+// A room by its sound alone: after the pre-delay it decays by 60 dB in the decay time. Diffusion thickens its start,
+// perception leaves single echoes to be heard. Without reverberation the sound comes out bit by bit as it went in.
+// Two parameters tell what comes of the others: how long the reverberation is heard, and how much louder than it the
+// direct sound is.
+class Reverb : public ComponentBase {
+public:
+    Reverb();
+
+    void SetParameterValue(int index, float value) override;
+    void SetParameterValueQuietly(int index, float value) override;
+
+    // Until the reverberation has decayed by 90 dB.
+    std::size_t Tail() const noexcept override;
+
+protected:
+    ~Reverb() override;
+
+    void PrepareProcessing(std::size_t maximumBlock) override;
+    void ResetProcessing() noexcept override;
+    void ReadParameters(bool settle) noexcept override;
+    void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
+
+private:
+    void Tell() noexcept;
+
+    RoomChannels fRoom;
+    FadedDelay fPredelay;
+    ReverbTank fTank;
+    SmoothedValue fDry;
+    SmoothedValue fWet;
+    std::vector<float> fSound; // of the room's channels
+};
+
+} // namespace qoc::components

@@ -1,0 +1,323 @@
+#include "qoc/components/AutoPhaseCorrection.h"
+
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/ParameterIndices.h"
+#include "qoc/components/WindowFunction.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <numbers>
+#include <utility>
+
+namespace qoc::components {
+
+namespace {
+
+constexpr float kPercent = 100;
+constexpr float kMilliseconds = 1e-3F;
+constexpr float kLongestShift = 20; // milliseconds
+constexpr float kHalfTurn = 180;    // degrees
+constexpr std::size_t kOverlaps = 4;
+
+constexpr const char* kSizeNames[] = {"1024", "2048", "4096", "8192", "16384"};
+constexpr std::size_t kSmallestSize = 1024;
+constexpr int kDefaultSize = 2; // 4096
+
+constexpr const char* kResolutionNames[] = {"$$$/AutoPhaseCorrectionUI/Low=Low",
+                                            "$$$/AutoPhaseCorrectionUI/Medium=Medium",
+                                            "$$$/AutoPhaseCorrectionUI/High=High"};
+constexpr std::size_t kAnalysesPerSize[] = {2, 4, 8};
+
+constexpr const char* kResponseNames[] = {"$$$/AutoPhaseCorrectionUI/Slow=Slow",
+                                          "$$$/AutoPhaseCorrectionUI/Medium=Medium",
+                                          "$$$/AutoPhaseCorrectionUI/Fast=Fast"};
+constexpr float kResponseSeconds[] = {2, 0.5F, 0.12F};
+
+constexpr float kLastChannel = AutoPhaseCorrection::kMaximumChannels - 1;
+
+constexpr ParameterRow kRows[] = {
+    {.id = "globalTimeShift",
+     .name = "$$$/AutoPhaseCorrection/GlobalTimeShift=Global Time Shift",
+     .defaultValue = 1,
+     .kind = ParameterKind::kSwitch,
+     .flags = kParameterNotAutomatable},
+    {.id = "autoAlign",
+     .name = "$$$/AutoPhaseCorrection/AutoAlign=Automatic Alignment",
+     .defaultValue = 1,
+     .kind = ParameterKind::kSwitch},
+    {.id = "channel", .name = "$$$/AutoPhaseCorrection/Channel=Reference Channel", .hi = kLastChannel, .decimals = 0},
+    {.id = "size",
+     .name = "$$$/AutoPhaseCorrection/Size=Analysis Size",
+     .hi = std::size(kSizeNames) - 1,
+     .defaultValue = kDefaultSize,
+     .decimals = 0,
+     .kind = ParameterKind::kChoice,
+     .flags = kParameterNotAutomatable,
+     .items = kSizeNames},
+    {.id = "timeResolution",
+     .name = "$$$/AutoPhaseCorrection/TimeResolution=Time Resolution",
+     .hi = std::size(kResolutionNames) - 1,
+     .defaultValue = 1,
+     .decimals = 0,
+     .kind = ParameterKind::kChoice,
+     .flags = kParameterNotAutomatable,
+     .items = kResolutionNames},
+    {.id = "responsiveness",
+     .name = "$$$/AutoPhaseCorrection/Responsiveness=Responsiveness",
+     .hi = std::size(kResponseNames) - 1,
+     .defaultValue = 1,
+     .decimals = 0,
+     .kind = ParameterKind::kChoice,
+     .flags = kParameterNotAutomatable,
+     .items = kResponseNames},
+    {.id = "strength",
+     .name = "$$$/AutoPhaseCorrection/Strength=Strength",
+     .unit = "%",
+     .hi = kPercent,
+     .defaultValue = kPercent,
+     .decimals = 1},
+    {.id = "smoothing",
+     .name = "$$$/AutoPhaseCorrection/Smoothing=Smoothing",
+     .unit = "%",
+     .hi = kPercent,
+     .defaultValue = 30,
+     .decimals = 1},
+    {.id = "timeShift",
+     .name = "$$$/AutoPhaseCorrection/TimeShift=Time Shift",
+     .unit = "ms",
+     .lo = -kLongestShift,
+     .hi = kLongestShift,
+     .decimals = 3},
+    {.id = "phaseShift",
+     .name = "$$$/AutoPhaseCorrection/PhaseShift=Phase Shift",
+     .unit = "$$$/AutoPhaseCorrection/Degrees=#{deg}",
+     .lo = -kHalfTurn,
+     .hi = kHalfTurn,
+     .decimals = 1},
+    {.id = "longestShift",
+     .name = "$$$/AutoPhaseCorrection/LongestShift=Longest Shift",
+     .unit = "ms",
+     .lo = 1,
+     .hi = kLongestShift,
+     .defaultValue = 5,
+     .decimals = 1},
+    {.id = "balance", .name = "$$$/AutoPhaseCorrection/Balance=Balance Levels", .kind = ParameterKind::kSwitch},
+    {.id = "foundShift",
+     .name = "$$$/AutoPhaseCorrection/FoundShift=Found Shift",
+     .unit = "ms",
+     .lo = -kLongestShift,
+     .hi = kLongestShift,
+     .decimals = 3,
+     .flags = kParameterNotAutomatable | kParameterReadOnly},
+};
+
+constexpr auto kKind = SampleInterpolator::Kind::kSinc32;
+constexpr std::size_t kReach = SampleInterpolator::kLargestHalfWidth;
+constexpr double kGlideSeconds = 0.03; // time constant of a shift's changes
+constexpr double kArrived = 1e-4;      // samples: nobody hears the rest
+constexpr double kNearby = 0.1;        // samples
+
+// 120 dB above full scale: no sound, and small enough for what remembers powers.
+constexpr float kLoudest = 1e6F;
+
+std::vector<float> RootHann(std::size_t size) {
+    std::vector<float> window(size);
+    for (std::size_t i = 0; i < size; ++i)
+        window[i] = static_cast<float>(std::sin(std::numbers::pi * static_cast<double>(i) / static_cast<double>(size)));
+    return window;
+}
+
+} // namespace
+
+AutoPhaseCorrection::AutoPhaseCorrection()
+    : ComponentBase(kAutoPhaseCorrectionComponentID, std::move(ParameterTable().Add(kRows))) {
+}
+
+AutoPhaseCorrection::~AutoPhaseCorrection() = default;
+
+void AutoPhaseCorrection::PrepareProcessing(std::size_t maximumBlock) {
+    fChannels.clear();
+    fLatency = 0;
+    const std::size_t channels = GetNumberOfInputChannels();
+    if (channels < 2) return;
+    fSize = kSmallestSize << Item(kAutoPhaseAnalysisSize);
+    fHop = fSize / kAnalysesPerSize[Item(kAutoPhaseTimeResolution)];
+    fDelay = static_cast<std::size_t>(std::ceil(kLongestShift * kMilliseconds * GetSampleRate())) + kReach + 1;
+    fHistory.Prepare(channels, std::bit_ceil(std::max(fSize, 2 * fDelay + fHop) + maximumBlock));
+    fTransform = std::make_unique<RealFFT>(fSize);
+    fWindow = RootHann(fSize);
+    fScratch.resize(fSize);
+    // Two such windows, at four frames a window, add up to 2.
+    std::vector<float> synthesis = fWindow;
+    for (float& value : synthesis)
+        value *= 2.0F / kOverlaps;
+    fOverlapAdd.Prepare(channels, {.transform = fSize, .frame = fSize, .hop = fSize / kOverlaps}, fWindow, synthesis);
+    fLatency = fDelay + fOverlapAdd.Latency();
+    fGlide = 1 - std::exp(-1 / (kGlideSeconds * GetSampleRate()));
+    fChannels.resize(channels);
+    fMoved.clear();
+    for (Channel& channel : fChannels) {
+        channel.finder.Prepare(fSize);
+        channel.aligner.Prepare(fSize / 2 + 1);
+        channel.level.Prepare(GetSampleRate());
+        channel.spectrum.resize(fSize / 2 + 1);
+        channel.moved.resize(maximumBlock);
+        fMoved.push_back(channel.moved.data());
+    }
+}
+
+void AutoPhaseCorrection::ResetProcessing() noexcept {
+    if (!IsWorking()) return;
+    fHistory.Reset();
+    fOverlapAdd.Reset();
+    fSinceAnalysis = 0;
+    for (Channel& channel : fChannels) {
+        channel.finder.Reset();
+        channel.aligner.Reset();
+        channel.found = 0;
+        channel.level.Settle(1);
+    }
+    StoreFoundShift();
+}
+
+void AutoPhaseCorrection::ReadParameters(bool settle) noexcept {
+    if (!IsWorking()) return;
+    const float sampleRate = GetSampleRate();
+    fReference = std::min(static_cast<std::size_t>(std::lround(Natural(kAutoPhaseChannel))), fChannels.size() - 1);
+    fShiftsTime = IsOn(kAutoPhaseGlobalTimeShift);
+    fIsAutomatic = IsOn(kAutoPhaseAutoAlign);
+    fBalances = IsOn(kAutoPhaseBalance);
+    const float response = kResponseSeconds[Item(kAutoPhaseResponsiveness)] * sampleRate;
+    fKept = std::exp(-static_cast<float>(fHop) / response);
+    fStrength = Natural(kAutoPhaseStrength) / kPercent;
+    fAligning = {.kept = std::exp(-static_cast<float>(fSize / kOverlaps) / response),
+                 .strength = fStrength,
+                 .octaves = Natural(kAutoPhaseSmoothing) / kPercent};
+    fLongestShift = Natural(kAutoPhaseLongestShift) * kMilliseconds * sampleRate;
+    fTimeShift = Natural(kAutoPhaseTimeShift) * kMilliseconds * sampleRate;
+    fTurn = std::polar(1.0F, Natural(kAutoPhasePhaseShift) * std::numbers::pi_v<float> / kHalfTurn);
+    for (std::size_t index = 0; index < fChannels.size(); ++index) {
+        Channel& channel = fChannels[index];
+        FollowSettings(channel, index == fReference);
+        if (!settle) continue;
+        channel.shift = channel.target;
+        ComputeWeights(channel);
+    }
+}
+
+void AutoPhaseCorrection::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
+    if (!IsWorking()) {
+        std::copy_n(block.inputs[0], block.frames, block.outputs[0]);
+        return;
+    }
+    for (std::size_t done = 0; done < block.frames;) {
+        const std::size_t frames = std::min(block.frames - done, fHop - fSinceAnalysis);
+        ProcessChunk(block, done, frames);
+        done += frames;
+    }
+    fOverlapAdd.Process({fMoved, block.outputs, block.frames}, *this);
+}
+
+// Up to the next analysis.
+void AutoPhaseCorrection::ProcessChunk(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t start,
+                                       std::size_t frames) noexcept {
+    fHistory.Write(block.inputs, start, frames);
+    for (std::size_t index = 0; index < fChannels.size(); ++index)
+        Move(fChannels[index], index, start, frames);
+    fSinceAnalysis += frames;
+    if (fSinceAnalysis < fHop) return;
+    fSinceAnalysis = 0;
+    Analyse();
+}
+
+void AutoPhaseCorrection::Move(Channel& channel, std::size_t index, std::size_t start, std::size_t frames) noexcept {
+    std::int64_t time = fHistory.Now() - static_cast<std::int64_t>(frames + fDelay);
+    for (std::size_t i = 0; i < frames; ++i, ++time) {
+        if (channel.shift != channel.target) {
+            const double left = channel.target - channel.shift;
+            channel.shift = std::abs(left) < kArrived ? channel.target : channel.shift + left * fGlide;
+            ComputeWeights(channel);
+        }
+        const float sample = SampleAt(channel, index, time + channel.whole) * channel.level.Next();
+        channel.moved[start + i] = std::clamp(sample, -kLoudest, kLoudest);
+    }
+}
+
+float AutoPhaseCorrection::SampleAt(Channel& channel, std::size_t index, std::int64_t time) noexcept {
+    if (channel.weighted == 0) return *fHistory.At(index, time);
+    const float* const sound = fHistory.At(index, time + channel.weights.first);
+    float sum = 0;
+    for (std::size_t i = 0; i < channel.weights.count; ++i)
+        sum += sound[i] * channel.weights.values[i];
+    return sum;
+}
+
+void AutoPhaseCorrection::ComputeWeights(Channel& channel) noexcept {
+    const double whole = std::floor(channel.shift);
+    channel.whole = static_cast<std::ptrdiff_t>(whole);
+    channel.weighted = channel.shift - whole;
+    fInterpolator.Compute(kKind, channel.weighted, 1, kReach, channel.weights);
+}
+
+void AutoPhaseCorrection::Analyse() noexcept {
+    // A start in the middle of the window would be found to be common to all channels.
+    if (fHistory.Now() < static_cast<std::int64_t>(fSize)) return;
+    for (std::size_t index = 0; index < fChannels.size(); ++index)
+        Transform(fChannels[index], index);
+    const Channel& reference = fChannels[fReference];
+    for (std::size_t index = 0; index < fChannels.size(); ++index) {
+        Channel& channel = fChannels[index];
+        const bool isReference = index == fReference;
+        channel.finder.Add(reference.spectrum, channel.spectrum, fKept);
+        if (isReference)
+            channel.found = 0;
+        else if (const auto found = channel.finder.Find(fLongestShift))
+            channel.found = *found;
+        FollowSettings(channel, isReference);
+    }
+    StoreFoundShift();
+}
+
+void AutoPhaseCorrection::Transform(Channel& channel, std::size_t index) noexcept {
+    const float* const sound = fHistory.At(index, fHistory.Now() - static_cast<std::int64_t>(fSize));
+    for (std::size_t i = 0; i < fSize; ++i)
+        fScratch[i] = std::clamp(sound[i], -kLoudest, kLoudest) * fWindow[i] * fWindow[i];
+    fTransform->Forward(fScratch, channel.spectrum);
+}
+
+void AutoPhaseCorrection::FollowSettings(Channel& channel, bool isReference) noexcept {
+    constexpr float kMostBalance = 4; // 12 dB up or down
+    if (isReference)
+        channel.target = 0;
+    else if (fIsAutomatic)
+        channel.target = fShiftsTime ? channel.found * fStrength : 0;
+    else
+        channel.target = -fTimeShift;
+    const bool balances = fBalances && !isReference;
+    const float level = balances ? std::clamp(channel.finder.LevelRatio(), 1 / kMostBalance, kMostBalance) : 1.0F;
+    if (level != channel.level.Target()) channel.level.SetTarget(level);
+}
+
+void AutoPhaseCorrection::ProcessSpectra(std::span<const Spectrum> spectra) noexcept {
+    for (std::size_t index = 0; index < spectra.size(); ++index) {
+        if (index == fReference) continue;
+        Channel& channel = fChannels[index];
+        // Phases tell nothing while the channel is still on its way.
+        if (std::abs(channel.target - channel.shift) > kNearby) channel.aligner.Reset();
+        if (fIsAutomatic)
+            channel.aligner.Align(spectra[fReference], spectra[index], fAligning);
+        else if (fTurn != std::complex<float>(1))
+            std::ranges::for_each(spectra[index], [this](std::complex<float>& value) { value *= fTurn; });
+    }
+}
+
+// Of the first channel beside the reference.
+void AutoPhaseCorrection::StoreFoundShift() noexcept {
+    const double found = fChannels[fReference == 0 ? 1 : 0].found;
+    const auto milliseconds = static_cast<float>(found / (GetSampleRate() * kMilliseconds));
+    const float stored = GetParameterInfo(kAutoPhaseFoundShift)->ToNormalised(milliseconds);
+    if (stored != StoredParameter(kAutoPhaseFoundShift)) StoreParameter(kAutoPhaseFoundShift, stored);
+}
+
+} // namespace qoc::components

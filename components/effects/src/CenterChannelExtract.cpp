@@ -1,0 +1,376 @@
+#include "qoc/components/CenterChannelExtract.h"
+
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/ParameterIndices.h"
+#include "qoc/components/WindowFunction.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <utility>
+
+namespace qoc::components {
+
+namespace {
+
+constexpr std::size_t kStereo = 2;
+constexpr float kPi = std::numbers::pi_v<float>;
+constexpr float kPercent = 100;
+constexpr float kHalfTurn = 180;          // degrees
+constexpr float kLowestLevel = -48;       // dB: stands for silence
+constexpr float kHighestFrequency = 1e6F; // hertz: half of any sample rate is less
+
+enum Position : int { kCenter, kLeft, kRight, kSurround, kCustomPosition };
+constexpr const char* kPositionNames[] = {
+    "$$$/CenterChannelExtractUI/Center=Center", "$$$/CenterChannelExtractUI/Left=Left",
+    "$$$/CenterChannelExtractUI/Right=Right", "$$$/CenterChannelExtractUI/Surround=Surround",
+    "$$$/CenterChannelExtractUI/Custom=Custom"};
+
+enum Range : int { kMaleVoice, kFemaleVoice, kBass, kFullSpectrum, kCustomRange };
+constexpr const char* kRangeNames[] = {
+    "$$$/CenterChannelExtractUI/MaleVoice=Male Voice", "$$$/CenterChannelExtractUI/FemaleVoice=Female Voice",
+    "$$$/CenterChannelExtractUI/Bass=Bass", "$$$/CenterChannelExtractUI/FullSpectrum=Full Spectrum",
+    "$$$/CenterChannelExtractUI/Custom=Custom"};
+
+constexpr const char* kSizeNames[] = {"1024", "2048", "4096", "8192", "16384", "32768"};
+constexpr std::size_t kSmallestSize = 1024;
+constexpr int kDefaultSize = 2; // 4096
+
+constexpr WindowKind kWindows[] = {WindowKind::kHann, WindowKind::kHamming, WindowKind::kBlackman,
+                                   WindowKind::kBlackmanHarris, WindowKind::kTriangular};
+constexpr const char* kWindowNames[] = {
+    "$$$/CenterChannelExtractUI/Hann=Hann", "$$$/CenterChannelExtractUI/Hamming=Hamming",
+    "$$$/CenterChannelExtractUI/Blackman=Blackman", "$$$/CenterChannelExtractUI/BlackmanHarris=Blackman-Harris",
+    "$$$/CenterChannelExtractUI/Triangular=Triangular"};
+
+constexpr ParameterRow kRows[] = {
+    {.id = "position",
+     .name = "$$$/CenterChannelExtract/Position=Extract",
+     .hi = kCustomPosition,
+     .decimals = 0,
+     .kind = ParameterKind::kChoice,
+     .items = kPositionNames},
+    {.id = "phase",
+     .name = "$$$/CenterChannelExtract/Phase=Phase Angle",
+     .unit = "$$$/CenterChannelExtract/Degrees=#{deg}",
+     .lo = -kHalfTurn,
+     .hi = kHalfTurn,
+     .decimals = 1},
+    {.id = "pan",
+     .name = "$$$/CenterChannelExtract/Pan=Pan",
+     .unit = "%",
+     .lo = -kPercent,
+     .hi = kPercent,
+     .decimals = 1},
+    {.id = "delay", .name = "$$$/CenterChannelExtract/Delay=Delay", .unit = "ms", .lo = -5, .hi = 5},
+    {.id = "range",
+     .name = "$$$/CenterChannelExtract/Range=Frequency Range",
+     .hi = kCustomRange,
+     .defaultValue = kFullSpectrum,
+     .decimals = 0,
+     .kind = ParameterKind::kChoice,
+     .items = kRangeNames},
+    {.id = "low",
+     .name = "$$$/CenterChannelExtract/Low=Lowest Frequency",
+     .unit = "Hz",
+     .defaultValue = 100,
+     .decimals = 0,
+     .scale = ParameterScale::kNyquist},
+    {.id = "high",
+     .name = "$$$/CenterChannelExtract/High=Highest Frequency",
+     .unit = "Hz",
+     .defaultValue = 10000,
+     .decimals = 0,
+     .scale = ParameterScale::kNyquist},
+    {.id = "centerLevel",
+     .name = "$$$/CenterChannelExtract/CenterLevel=Center Level",
+     .unit = "dB",
+     .lo = kLowestLevel,
+     .hi = 12,
+     .decimals = 1},
+    {.id = "sideLevel",
+     .name = "$$$/CenterChannelExtract/SideLevel=Side Level",
+     .unit = "dB",
+     .lo = kLowestLevel,
+     .hi = 12,
+     .defaultValue = kLowestLevel,
+     .decimals = 1},
+    {.id = "phaseDiscrimination",
+     .name = "$$$/CenterChannelExtract/PhaseDiscrimination=Phase Discrimination",
+     .unit = "$$$/CenterChannelExtract/Degrees=#{deg}",
+     .lo = 1,
+     .hi = kHalfTurn,
+     .defaultValue = 45,
+     .decimals = 1},
+    {.id = "amplitudeDiscrimination",
+     .name = "$$$/CenterChannelExtract/AmplitudeDiscrimination=Amplitude Discrimination",
+     .unit = "%",
+     .lo = 1,
+     .hi = kPercent,
+     .defaultValue = 30,
+     .decimals = 1},
+    {.id = "crossover",
+     .name = "$$$/CenterChannelExtract/Crossover=Crossover",
+     .unit = "%",
+     .hi = kPercent,
+     .defaultValue = 50,
+     .decimals = 1},
+    {.id = "bleed", .name = "$$$/CenterChannelExtract/Bleed=Bleed", .unit = "%", .hi = kPercent, .decimals = 1},
+    {.id = "decay",
+     .name = "$$$/CenterChannelExtract/Decay=Spectral Decay",
+     .unit = "ms",
+     .hi = 500,
+     .defaultValue = 20,
+     .decimals = 0},
+    {.id = "size",
+     .name = "$$$/CenterChannelExtract/Size=FFT Size",
+     .hi = std::size(kSizeNames) - 1,
+     .defaultValue = kDefaultSize,
+     .decimals = 0,
+     .kind = ParameterKind::kChoice,
+     .flags = kParameterNotAutomatable,
+     .items = kSizeNames},
+    {.id = "window",
+     .name = "$$$/CenterChannelExtract/Window=Window",
+     .hi = std::size(kWindowNames) - 1,
+     .decimals = 0,
+     .kind = ParameterKind::kChoice,
+     .flags = kParameterNotAutomatable,
+     .items = kWindowNames},
+    {.id = "overlaps",
+     .name = "$$$/CenterChannelExtract/Overlaps=Overlaps",
+     .lo = 2,
+     .hi = 16,
+     .defaultValue = 4,
+     .decimals = 0,
+     .flags = kParameterNotAutomatable},
+    {.id = "mono", .name = "$$$/CenterChannelExtract/Mono=Mix to Mono", .kind = ParameterKind::kSwitch},
+    {.id = "keepOutside",
+     .name = "$$$/CenterChannelExtract/KeepOutside=Keep Frequencies Outside the Range",
+     .kind = ParameterKind::kSwitch},
+    {.id = "hearRemoved",
+     .name = "$$$/CenterChannelExtract/HearRemoved=Hear What Is Removed",
+     .kind = ParameterKind::kSwitch},
+    {.id = "presentLow",
+     .name = "$$$/CenterChannelExtract/PresentLow=Start of the Range",
+     .unit = "Hz",
+     .decimals = 0,
+     .scale = ParameterScale::kNyquist,
+     .flags = kParameterNotAutomatable | kParameterReadOnly},
+    {.id = "presentHigh",
+     .name = "$$$/CenterChannelExtract/PresentHigh=End of the Range",
+     .unit = "Hz",
+     .defaultValue = kHighestFrequency,
+     .decimals = 0,
+     .scale = ParameterScale::kNyquist,
+     .flags = kParameterNotAutomatable | kParameterReadOnly},
+};
+
+constexpr std::size_t kNamedRanges = 3;
+// In hertz: the voices from their lowest tones to the sibilants, the bass to the tones that tell its notes.
+constexpr std::pair<float, float> kRanges[kNamedRanges] = {{80, 8000}, {150, 10000}, {20, 300}};
+
+// The square root of the window, so that it stands once before and once behind the transform.
+std::vector<float> AnalysisWindow(WindowKind kind, std::size_t frame) {
+    std::vector<float> window(frame);
+    for (std::size_t i = 0; i < frame; ++i) {
+        const double place = 2 * (static_cast<double>(i) + 0.5) / static_cast<double>(frame) - 1;
+        window[i] = static_cast<float>(std::sqrt(std::max(0.0, WindowAt(kind, place))));
+    }
+    return window;
+}
+
+// What brings overlapping frames back to the sound, whatever the window (Griffin and Lim, "Signal estimation from
+// modified short-time Fourier transform", 1984).
+std::vector<float> SynthesisWindow(const std::vector<float>& analysis, std::size_t hop, std::size_t transform) {
+    std::vector<float> window(transform);
+    for (std::size_t offset = 0; offset < hop; ++offset) {
+        double sum = 0;
+        for (std::size_t i = offset; i < analysis.size(); i += hop)
+            sum += double{analysis[i]} * analysis[i];
+        for (std::size_t i = offset; i < analysis.size(); i += hop)
+            window[i] = static_cast<float>(analysis[i] / sum);
+    }
+    return window;
+}
+
+// 1 up to `inner`, 0 from `outer` on, without a kink between them.
+float Within(float distance, float inner, float outer) noexcept {
+    if (distance <= inner) return 1;
+    if (distance >= outer) return 0;
+    return 0.5F + 0.5F * std::cos(kPi * (distance - inner) / (outer - inner));
+}
+
+} // namespace
+
+CenterChannelExtract::CenterChannelExtract()
+    : ComponentBase(kCenterChannelExtractComponentID, std::move(ParameterTable().Add(kRows))) {
+    StorePresentBand();
+}
+
+CenterChannelExtract::~CenterChannelExtract() = default;
+
+void CenterChannelExtract::SetParameterValue(int index, float value) {
+    ComponentBase::SetParameterValue(index, value);
+    StorePresentBand();
+}
+
+void CenterChannelExtract::SetParameterValueQuietly(int index, float value) {
+    ComponentBase::SetParameterValueQuietly(index, value);
+    StorePresentBand();
+}
+
+void CenterChannelExtract::PrepareProcessing(std::size_t /*maximumBlock*/) {
+    StorePresentBand();
+    const std::size_t channels = GetNumberOfInputChannels();
+    fOthers.clear();
+    fLatency = 0;
+    if (channels < kStereo) return;
+    const std::size_t size = kSmallestSize << Item(kCenterExtractSize);
+    const auto overlaps = static_cast<std::size_t>(std::lround(Natural(kCenterExtractOverlaps)));
+    const std::size_t hop = size / overlaps;
+    const OverlapAdd::Layout layout{.transform = size, .frame = hop * overlaps, .hop = hop};
+    const std::vector<float> analysis =
+        AnalysisWindow(kWindows[static_cast<std::size_t>(Item(kCenterExtractWindow))], layout.frame);
+    fTransform.Prepare(kStereo, layout, analysis, SynthesisWindow(analysis, hop, size));
+    fLatency = fTransform.Latency();
+    fHertzPerBin = GetSampleRate() / static_cast<float>(size);
+    fFrameSeconds = static_cast<float>(hop) / GetSampleRate();
+    fShares.assign(size / 2 + 1, 0.0F);
+    fOthers.assign(channels - kStereo, std::vector<float>(fLatency));
+}
+
+void CenterChannelExtract::ResetProcessing() noexcept {
+    if (fLatency == 0) return;
+    fTransform.Reset();
+    std::ranges::fill(fShares, 0.0F);
+    for (auto& ring : fOthers)
+        std::ranges::fill(ring, 0.0F);
+    fOthersPosition = 0;
+}
+
+// Frames overlap, so that what changes from one to the next is faded.
+void CenterChannelExtract::ReadParameters(bool /*settle*/) noexcept {
+    fPlace = ReadPlace();
+    fBand = ReadBand();
+    fPhaseEdge = ReadEdge(kCenterExtractPhaseDiscrimination, kPi / kHalfTurn);
+    fPanEdge = ReadEdge(kCenterExtractAmplitudeDiscrimination, 1 / kPercent);
+    fCenterLevel = LevelFrom(kCenterExtractCenterLevel);
+    fSideLevel = LevelFrom(kCenterExtractSideLevel);
+    fBleed = Natural(kCenterExtractBleed) / kPercent;
+    const float decay = Natural(kCenterExtractDecay) / 1000;
+    fKept = decay > 0 ? std::exp(-fFrameSeconds / decay) : 0;
+    fIsMono = IsOn(kCenterExtractMono);
+    fKeepsOutside = IsOn(kCenterExtractKeepOutside);
+    fHearsRemoved = IsOn(kCenterExtractHearRemoved);
+}
+
+void CenterChannelExtract::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
+    if (fLatency == 0) {
+        std::copy_n(block.inputs[0], block.frames, block.outputs[0]);
+        return;
+    }
+    DelayOthers(block);
+    fTransform.Process({block.inputs.first(kStereo), block.outputs.first(kStereo), block.frames}, *this);
+}
+
+void CenterChannelExtract::ProcessSpectra(std::span<const Spectrum> spectra) noexcept {
+    const Spectrum left = spectra[0];
+    const Spectrum right = spectra[1];
+    const float turnPerBin = 2 * kPi * fHertzPerBin * fPlace.delay;
+    for (std::size_t bin = 0; bin < fShares.size(); ++bin) {
+        const auto index = static_cast<float>(bin);
+        const float hertz = index * fHertzPerBin;
+        const bool isInside = hertz >= fBand.low && hertz <= fBand.high;
+        const auto turn = std::polar(1.0F, fPlace.phase + index * turnPerBin);
+        const float found = isInside ? ShareOf(left[bin], right[bin], turn) : 0;
+        fShares[bin] = std::max(found, fShares[bin] * fKept);
+        const float level = LevelOf(fShares[bin], isInside);
+        left[bin] *= level;
+        right[bin] *= level;
+        if (fIsMono) left[bin] = right[bin] = (left[bin] + right[bin]) / 2.0F;
+    }
+}
+
+// How much of a frequency is center. Where one channel is much weaker its phase tells nothing.
+float CenterChannelExtract::ShareOf(std::complex<float> left, std::complex<float> right,
+                                    std::complex<float> turn) const noexcept {
+    const float leftMagnitude = std::abs(left);
+    const float rightMagnitude = std::abs(right);
+    const float power = leftMagnitude * leftMagnitude + rightMagnitude * rightMagnitude;
+    if (!(power > 0)) return 0;
+    const float pan = std::atan2(rightMagnitude, leftMagnitude) * 4 / kPi - 1;
+    const float byPan = Within(std::abs(pan - fPlace.pan), fPanEdge.inner, fPanEdge.outer);
+    if (byPan == 0) return 0;
+    const float apart = std::abs(std::arg(left * std::conj(right * turn)));
+    const float byPhase = Within(apart, fPhaseEdge.inner, fPhaseEdge.outer);
+    const float likeness = 2 * leftMagnitude * rightMagnitude / power;
+    return byPan * (1 - likeness * (1 - byPhase));
+}
+
+float CenterChannelExtract::LevelOf(float share, bool isInside) const noexcept {
+    if (!isInside && fKeepsOutside) return fHearsRemoved ? 0 : 1;
+    const float whole = share + fBleed * (1 - share);
+    const float level = whole * fCenterLevel + (1 - whole) * fSideLevel;
+    return fHearsRemoved ? 1 - level : level;
+}
+
+float CenterChannelExtract::LevelFrom(int index) const noexcept {
+    const float decibels = Natural(index);
+    return decibels <= kLowestLevel ? 0 : std::pow(10.0F, decibels / 20);
+}
+
+CenterChannelExtract::Place CenterChannelExtract::ReadPlace() const noexcept {
+    switch (Item(kCenterExtractPosition)) {
+    case kLeft: return {.pan = -1};
+    case kRight: return {.pan = 1};
+    case kSurround: return {.phase = kPi};
+    case kCustomPosition:
+        return {.phase = Natural(kCenterExtractPhase) * kPi / kHalfTurn,
+                .pan = Natural(kCenterExtractPan) / kPercent,
+                .delay = Natural(kCenterExtractDelay) / 1000};
+    default: return {};
+    }
+}
+
+CenterChannelExtract::Band CenterChannelExtract::ReadBand() const noexcept {
+    const float nyquist = GetSampleRate() / 2;
+    const int range = Item(kCenterExtractRange);
+    if (range == kFullSpectrum) return {0, nyquist};
+    if (range == kCustomRange) {
+        const auto [low, high] =
+            std::minmax({Natural(kCenterExtractLowFrequency), Natural(kCenterExtractHighFrequency)});
+        return {low, high};
+    }
+    const auto [low, high] = kRanges[range];
+    return {std::min(low, nyquist), std::min(high, nyquist)};
+}
+
+// The crossover is the part of the way to the edge, and as much behind it, that is neither quite center nor quite not.
+CenterChannelExtract::Edge CenterChannelExtract::ReadEdge(int index, float unit) const noexcept {
+    const float edge = Natural(index) * unit;
+    const float half = Natural(kCenterExtractCrossover) / kPercent;
+    return {edge * (1 - half), edge * (1 + half)};
+}
+
+void CenterChannelExtract::StorePresentBand() {
+    const Band band = ReadBand();
+    const auto store = [this](int index, float hertz) {
+        const float stored = GetParameterInfo(index)->ToNormalised(hertz);
+        if (stored != GetParameterValue(index)) StoreParameter(index, stored);
+    };
+    store(kCenterExtractPresentLow, band.low);
+    store(kCenterExtractPresentHigh, band.high);
+}
+
+void CenterChannelExtract::DelayOthers(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
+    if (fOthers.empty()) return;
+    for (std::size_t i = 0; i < block.frames; ++i) {
+        for (std::size_t other = 0; other < fOthers.size(); ++other)
+            block.outputs[kStereo + other][i] =
+                std::exchange(fOthers[other][fOthersPosition], block.inputs[kStereo + other][i]);
+        fOthersPosition = fOthersPosition + 1 == fLatency ? 0 : fOthersPosition + 1;
+    }
+}
+
+} // namespace qoc::components

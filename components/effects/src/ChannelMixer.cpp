@@ -1,0 +1,147 @@
+#include "qoc/components/ChannelMixer.h"
+
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/ParameterIndices.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace qoc::components {
+
+namespace {
+
+constexpr float kPercent = 100;
+
+// The largest count has the stored value 1.
+constexpr float kChannelCountScale = static_cast<float>(ChannelMixer::kMaximumChannels);
+
+constexpr ParameterRow kChannelRows[] = {
+    {.id = "channels",
+     .name = "$$$/ChannelMixer/Channels=Channels",
+     .hi = kChannelCountScale,
+     .defaultValue = 2,
+     .decimals = 0,
+     .flags = kParameterNotAutomatable | kParameterReadOnly},
+};
+
+struct OutputTexts {
+    const char* id;
+    const char* name;
+};
+
+constexpr OutputTexts kOutputTexts[ChannelMixer::kMixedChannels] = {
+    {"output1Input", "$$$/ChannelMixer/Output1=Output 1 from Input @0"},
+    {"output2Input", "$$$/ChannelMixer/Output2=Output 2 from Input @0"},
+    {"output3Input", "$$$/ChannelMixer/Output3=Output 3 from Input @0"},
+    {"output4Input", "$$$/ChannelMixer/Output4=Output 4 from Input @0"},
+    {"output5Input", "$$$/ChannelMixer/Output5=Output 5 from Input @0"},
+    {"output6Input", "$$$/ChannelMixer/Output6=Output 6 from Input @0"},
+    {"output7Input", "$$$/ChannelMixer/Output7=Output 7 from Input @0"},
+    {"output8Input", "$$$/ChannelMixer/Output8=Output 8 from Input @0"},
+};
+
+// Every output takes its own input.
+std::array<ParameterRow, ChannelMixer::kMixedChannels> RowsOf(std::size_t output) {
+    std::array<ParameterRow, ChannelMixer::kMixedChannels> rows;
+    for (std::size_t input = 0; input < rows.size(); ++input)
+        rows[input] = {.id = kOutputTexts[output].id,
+                       .name = kOutputTexts[output].name,
+                       .unit = "%",
+                       .lo = -kPercent,
+                       .hi = kPercent,
+                       .defaultValue = input == output ? kPercent : 0,
+                       .decimals = 1};
+    return rows;
+}
+
+ParameterTable MakeTable() {
+    ParameterTable table;
+    for (std::size_t output = 0; output < ChannelMixer::kMixedChannels; ++output)
+        table.AddNumbered(RowsOf(output));
+    table.Add(kChannelRows);
+    return table;
+}
+
+// An amount this small means none: just below 0 it is what an inverted 0 % is stored as.
+constexpr float kNoPercent = 1e-4F;
+// A step of the stored float is 1.2e-5 % at 100 %: anything this near is meant to be 100 %.
+constexpr float kUnityWindow = 2e-5F;
+
+float ToGain(float percent) noexcept {
+    const float magnitude = std::abs(percent);
+    if (magnitude < kNoPercent) return 0;
+    if (kPercent - magnitude < kUnityWindow) return std::copysign(1.0F, percent);
+    return percent / kPercent;
+}
+
+} // namespace
+
+ChannelMixer::ChannelMixer() : ComponentBase(kChannelMixerComponentID, MakeTable()), fOutputs(kMixedChannels) {
+    StoreChannelCount();
+}
+
+ChannelMixer::~ChannelMixer() = default;
+
+void ChannelMixer::PrepareProcessing(std::size_t /*maximumBlock*/) {
+    StoreChannelCount();
+    for (Output& output : fOutputs) {
+        for (std::size_t input = 0; input < kMixedChannels; ++input) {
+            output.paths[input].input = input;
+            output.paths[input].gain.Prepare(GetSampleRate());
+        }
+    }
+}
+
+// A path is heard until the next change of a parameter, be it silent by then: which paths are looked at must not depend
+// on where blocks end.
+void ChannelMixer::ReadParameters(bool settle) noexcept {
+    const std::size_t count = MixedCount();
+    for (std::size_t index = 0; index < count; ++index) {
+        Output& output = fOutputs[index];
+        output.heardCount = 0;
+        for (std::size_t input = 0; input < count; ++input) {
+            Path& path = output.paths[input];
+            const float gain = ToGain(Natural(static_cast<int>(index * kMixedChannels + input)));
+            settle ? path.gain.Settle(gain) : path.gain.SetTarget(gain);
+            if (!path.gain.IsSettled() || gain != 0) output.heard[output.heardCount++] = &path;
+        }
+    }
+}
+
+// Frame by frame, for an output may be the memory of an input.
+void ChannelMixer::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
+    const std::size_t count = MixedCount();
+    std::array<float, kMixedChannels> frame{};
+    for (std::size_t i = 0; i < block.frames; ++i) {
+        for (std::size_t channel = 0; channel < count; ++channel)
+            frame[channel] = block.inputs[channel][i];
+        for (std::size_t channel = 0; channel < count; ++channel)
+            block.outputs[channel][i] = Mix(fOutputs[channel], frame);
+    }
+    for (std::size_t channel = count; channel < block.outputs.size(); ++channel) {
+        if (block.inputs[channel] != block.outputs[channel])
+            std::copy_n(block.inputs[channel], block.frames, block.outputs[channel]);
+    }
+}
+
+std::size_t ChannelMixer::MixedCount() const noexcept {
+    return std::min(GetNumberOfInputChannels(), kMixedChannels);
+}
+
+void ChannelMixer::StoreChannelCount() noexcept {
+    StoreParameter(kChannelMixerChannelCount, static_cast<float>(GetNumberOfInputChannels()) / kChannelCountScale);
+}
+
+float ChannelMixer::Mix(Output& output, const std::array<float, kMixedChannels>& frame) noexcept {
+    if (output.heardCount == 0) return 0;
+    Path& first = *output.heard[0];
+    float sum = frame[first.input] * first.gain.Next();
+    for (std::size_t i = 1; i < output.heardCount; ++i) {
+        Path& path = *output.heard[i];
+        sum += frame[path.input] * path.gain.Next();
+    }
+    return sum;
+}
+
+} // namespace qoc::components

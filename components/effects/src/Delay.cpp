@@ -1,0 +1,117 @@
+#include "qoc/components/Delay.h"
+
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/ParameterIndices.h"
+#include "qoc/components/SaneSample.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace qoc::components {
+
+namespace {
+
+constexpr float kMostChannels = Delay::kMaximumChannels;
+
+constexpr ParameterRow TimeRow(const char* id, const char* name, float defaultValue) {
+    return {.id = id,
+            .name = name,
+            .unit = "ms",
+            .lo = -Delay::kLongestTime,
+            .hi = Delay::kLongestTime,
+            .defaultValue = defaultValue};
+}
+
+constexpr ParameterRow MixRow(const char* id, const char* name) {
+    return {.id = id, .name = name, .unit = "%", .hi = 100, .defaultValue = 50, .decimals = 1};
+}
+
+constexpr ParameterRow kRows[] = {
+    TimeRow("leftDelay", "$$$/Delay/LeftTime=Left Delay Time", 100),
+    MixRow("leftMix", "$$$/Delay/LeftMix=Left Mix"),
+    {.id = "leftInvert", .name = "$$$/Delay/LeftInvert=Left Invert", .kind = ParameterKind::kSwitch},
+    TimeRow("rightDelay", "$$$/Delay/RightTime=Right Delay Time", 200),
+    MixRow("rightMix", "$$$/Delay/RightMix=Right Mix"),
+    {.id = "rightInvert", .name = "$$$/Delay/RightInvert=Right Invert", .kind = ParameterKind::kSwitch},
+    {.id = "showSamples",
+     .name = "$$$/Delay/ShowSamples=Show Times in Samples",
+     .kind = ParameterKind::kSwitch,
+     .flags = kParameterNotAutomatable},
+    {.id = "channels",
+     .name = "$$$/Delay/Channels=Channels",
+     .hi = kMostChannels,
+     .defaultValue = 2,
+     .decimals = 0,
+     .flags = kParameterNotAutomatable | kParameterReadOnly},
+};
+
+constexpr double kMilliseconds = 1e-3;
+constexpr float kPercent = 100;
+
+// Of a side's parameters, after its first.
+constexpr int kTime = kDelayLeftTime - kDelayLeftTime;
+constexpr int kMix = kDelayLeftMix - kDelayLeftTime;
+constexpr int kInvert = kDelayLeftInvert - kDelayLeftTime;
+
+} // namespace
+
+Delay::Delay() : ComponentBase(kDelayComponentID, std::move(ParameterTable().Add(kRows))) {
+}
+
+Delay::~Delay() = default;
+
+std::size_t Delay::Tail() const noexcept {
+    std::ptrdiff_t longest = 0;
+    for (const Channel& channel : fChannels)
+        longest = std::max(longest, DelayInSamples(channel.firstParameter + kTime));
+    return static_cast<std::size_t>(longest);
+}
+
+void Delay::PrepareProcessing(std::size_t /*maximumBlock*/) {
+    StoreParameter(kDelayChannelCount, static_cast<float>(GetNumberOfInputChannels()) / kMostChannels);
+    fLatency = static_cast<std::size_t>(std::llround(double{kLongestTime} * kMilliseconds * GetSampleRate()));
+    fChannels.assign(GetNumberOfInputChannels(), {});
+    const std::vector<ChannelSide> sides = SidesOf(GetInputBuses().front().GetLayout());
+    for (std::size_t i = 0; i < fChannels.size(); ++i) {
+        Channel& channel = fChannels[i];
+        channel.firstParameter = sides[i] == ChannelSide::kRight ? kDelayRightTime : kDelayLeftTime;
+        channel.line.Prepare(2 * fLatency + 1);
+        channel.tap.Prepare(GetSampleRate());
+        channel.original.Prepare(GetSampleRate());
+        channel.delayed.Prepare(GetSampleRate());
+    }
+}
+
+void Delay::ResetProcessing() noexcept {
+    for (Channel& channel : fChannels)
+        channel.line.Reset();
+}
+
+void Delay::ReadParameters(bool settle) noexcept {
+    const auto set = [settle](auto& value, auto target) { settle ? value.Settle(target) : value.SetTarget(target); };
+    for (Channel& channel : fChannels) {
+        const std::ptrdiff_t delay = DelayInSamples(channel.firstParameter + kTime);
+        const float mix = Natural(channel.firstParameter + kMix) / kPercent;
+        set(channel.tap, static_cast<std::size_t>(static_cast<std::ptrdiff_t>(fLatency) + delay));
+        set(channel.original, 1 - mix);
+        set(channel.delayed, IsOn(channel.firstParameter + kInvert) ? -mix : mix);
+    }
+}
+
+void Delay::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
+    for (std::size_t i = 0; i < fChannels.size(); ++i) {
+        Channel& channel = fChannels[i];
+        for (std::size_t frame = 0; frame < block.frames; ++frame) {
+            channel.line.Write(SaneSample(block.inputs[i][frame]));
+            const float original = channel.line.At(fLatency) * channel.original.Next();
+            block.outputs[i][frame] = original + channel.tap.Next(channel.line) * channel.delayed.Next();
+        }
+    }
+}
+
+std::ptrdiff_t Delay::DelayInSamples(int timeParameter) const noexcept {
+    return std::llround(double{Natural(timeParameter)} * kMilliseconds * GetSampleRate());
+}
+
+} // namespace qoc::components

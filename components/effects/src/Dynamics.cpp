@@ -1,0 +1,299 @@
+#include "qoc/components/Dynamics.h"
+
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/ParameterIndices.h"
+#include "qoc/components/SaneSample.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <utility>
+
+namespace qoc::components {
+
+namespace {
+
+constexpr float kLongestLookAhead = 20; // milliseconds
+constexpr int kFewestPoints = 2;
+
+constexpr const char* kModeNames[] = {"$$$/DynamicsUI/Peak=Peak", "$$$/DynamicsUI/RMS=RMS"};
+enum { kPeak, kPower };
+
+constexpr const char* kChannelNames[] = {"$$$/DynamicsUI/Loudest=Loudest", "$$$/DynamicsUI/Average=Average",
+                                         "$$$/DynamicsUI/EachByItself=Each by Itself"};
+enum { kLoudest, kAverage, kEachByItself };
+
+constexpr ParameterRow kRows[] = {
+    {.id = "makeUpGain",
+     .name = "$$$/DynamicsUI/MakeUpGainName=Make-Up Gain",
+     .unit = "dB",
+     .lo = -30,
+     .hi = 30,
+     .decimals = 1},
+    {.id = "attack",
+     .name = "$$$/DynamicsUI/AttackName=Attack",
+     .unit = "ms",
+     .lo = 0.01F,
+     .hi = 2000,
+     .defaultValue = 10},
+    {.id = "release",
+     .name = "$$$/DynamicsUI/ReleaseName=Release",
+     .unit = "ms",
+     .lo = 0.01F,
+     .hi = 9000,
+     .defaultValue = 100},
+    {.id = "hold", .name = "$$$/DynamicsUI/HoldName=Hold", .unit = "ms", .hi = 500, .decimals = 1},
+    {.id = "lookAhead",
+     .name = "$$$/DynamicsUI/LookAheadName=Look-Ahead Time",
+     .unit = "ms",
+     .hi = kLongestLookAhead,
+     .decimals = 1,
+     .flags = kParameterNotAutomatable},
+    {.id = "range",
+     .name = "$$$/DynamicsUI/RangeName=Range",
+     .unit = "dB",
+     .hi = 100,
+     .defaultValue = 100,
+     .decimals = 1},
+    {.id = "mix", .name = "$$$/DynamicsUI/MixName=Mix", .unit = "%", .hi = 100, .defaultValue = 100, .decimals = 0},
+    {.id = "knee", .name = "$$$/DynamicsUI/KneeName=Knee", .unit = "dB", .hi = 24, .decimals = 1},
+    {.id = "smoothCurve", .name = "$$$/DynamicsUI/SmoothCurve=Smooth Curve", .kind = ParameterKind::kSwitch},
+    {.id = "autoMakeUp", .name = "$$$/DynamicsUI/AutoMakeUp=Automatic Make-Up Gain", .kind = ParameterKind::kSwitch},
+    {.id = "detectorMode",
+     .name = "$$$/DynamicsUI/DetectorModeName=Detector Mode",
+     .hi = 1,
+     .defaultValue = 1,
+     .kind = ParameterKind::kChoice,
+     .items = kModeNames},
+    {.id = "detectorGain",
+     .name = "$$$/DynamicsUI/DetectorGainName=Detector Input Gain",
+     .unit = "dB",
+     .lo = -30,
+     .hi = 30,
+     .decimals = 1},
+    {.id = "detectorAttack",
+     .name = "$$$/DynamicsUI/DetectorAttackName=Detector Attack",
+     .unit = "ms",
+     .hi = 500,
+     .decimals = 1},
+    {.id = "detectorRelease",
+     .name = "$$$/DynamicsUI/DetectorReleaseName=Detector Release",
+     .unit = "ms",
+     .hi = 500,
+     .defaultValue = 10,
+     .decimals = 1},
+    {.id = "detectorChannels",
+     .name = "$$$/DynamicsUI/DetectorChannelsName=Detector Channels",
+     .hi = 2,
+     .kind = ParameterKind::kChoice,
+     .items = kChannelNames},
+    {.id = "limitBand", .name = "$$$/DynamicsUI/LimitBand=Limit Frequency Band", .kind = ParameterKind::kSwitch},
+    {.id = "lowCutoff",
+     .name = "$$$/DynamicsUI/LowCutoffName=Low Cutoff",
+     .unit = "Hz",
+     .lo = 20,
+     .hi = 20000,
+     .defaultValue = 20,
+     .decimals = 0},
+    {.id = "highCutoff",
+     .name = "$$$/DynamicsUI/HighCutoffName=High Cutoff",
+     .unit = "Hz",
+     .lo = 20,
+     .hi = 20000,
+     .defaultValue = 20000,
+     .decimals = 0},
+    {.id = "listen", .name = "$$$/DynamicsUI/Listen=Listen to the Detector's Input", .kind = ParameterKind::kSwitch},
+    {.id = "pointCount",
+     .name = "$$$/DynamicsUI/PointCountName=Number of Points",
+     .lo = kFewestPoints,
+     .hi = static_cast<float>(TransferCurve::kMostPoints),
+     .defaultValue = kFewestPoints,
+     .decimals = 0},
+};
+
+constexpr ParameterRow Level(const char* id, const char* name, float level) {
+    return {.id = id,
+            .name = name,
+            .unit = "dB",
+            .lo = static_cast<float>(Dynamics::kLowestLevel),
+            .hi = 0,
+            .defaultValue = level,
+            .decimals = 1};
+}
+
+// The first point stands at the lowest level, the others wait at the highest one.
+ParameterTable Table() {
+    ParameterTable table;
+    table.Add(kRows);
+    for (int point = 1; point <= static_cast<int>(TransferCurve::kMostPoints); ++point) {
+        const float level = point == 1 ? static_cast<float>(Dynamics::kLowestLevel) : 0.0F;
+        const ParameterRow rows[] = {
+            Level("pointInput", "$$$/DynamicsUI/PointInputName=Input Level of Point @0", level),
+            Level("pointOutput", "$$$/DynamicsUI/PointOutputName=Output Level of Point @0", level)};
+        table.AddRepeated(rows, 1, point);
+    }
+    return table;
+}
+
+constexpr double kMilliseconds = 1e-3;
+
+// A step of the stored float is less than that: anything this near is meant to be 0 dB.
+constexpr float kZeroWindow = 2e-5F;
+
+double ToFactor(double decibels) noexcept {
+    return std::abs(decibels) < kZeroWindow ? 1.0 : std::pow(10.0, decibels / 20);
+}
+
+} // namespace
+
+Dynamics::Dynamics() : ComponentBase(kDynamicsComponentID, Table()) {
+}
+
+Dynamics::~Dynamics() = default;
+
+std::size_t Dynamics::Tail() const noexcept {
+    if (!IsOn(kDynamicsLimitBand)) return 0;
+    const double timeConstant = std::numbers::sqrt2 / (2 * std::numbers::pi * Natural(kDynamicsLowCutoff));
+    return static_cast<std::size_t>(std::ceil(std::log(1e5) * timeConstant * GetSampleRate()));
+}
+
+bool Dynamics::GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const {
+    if (index != 0 || size == 0) return false;
+    const TransferCurve curve = Curve();
+    const double range = Natural(kDynamicsRange);
+    values.resize(size);
+    const double step = size > 1 ? -kLowestLevel / static_cast<double>(size - 1) : 0;
+    for (std::size_t i = 0; i < size; ++i) {
+        const double level = kLowestLevel + step * static_cast<double>(i);
+        values[i] = static_cast<float>(level + std::clamp(curve.GainAt(level), -range, range));
+    }
+    return true;
+}
+
+void Dynamics::PrepareProcessing(std::size_t /*maximumBlock*/) {
+    const double sampleRate = GetSampleRate();
+    const std::size_t channels = GetNumberOfInputChannels();
+    fLatency = static_cast<std::size_t>(std::llround(SamplesOf(kDynamicsLookAhead)));
+    fChannels.assign(channels, {});
+    for (Channel& channel : fChannels) {
+        channel.sound.resize(fLatency + 1);
+        channel.band.resize(fLatency + 1);
+    }
+    fFollowers.assign(channels, {});
+    fBand.Prepare(channels, sampleRate);
+    for (SmoothedValue* const value : {&fDetectorGain, &fMakeUp, &fMix, &fListen})
+        value->Prepare(sampleRate);
+}
+
+void Dynamics::ResetProcessing() noexcept {
+    for (Channel& channel : fChannels) {
+        std::ranges::fill(channel.sound, 0.0F);
+        std::ranges::fill(channel.band, 0.0F);
+    }
+    std::ranges::fill(fFollowers, Follower());
+    fBand.Reset();
+    fPosition = 0;
+}
+
+void Dynamics::ReadParameters(bool settle) noexcept {
+    const auto set = [settle](SmoothedValue& value, double target) {
+        settle ? value.Settle(static_cast<float>(target)) : value.SetTarget(static_cast<float>(target));
+    };
+    fCurve = Curve();
+    fRange = Natural(kDynamicsRange);
+    fAttack = LevelDetector::Remainder(SamplesOf(kDynamicsAttack));
+    fRelease = LevelDetector::Remainder(SamplesOf(kDynamicsRelease));
+    fHold = static_cast<std::size_t>(SamplesOf(kDynamicsHold));
+    fDetector = {Item(kDynamicsDetectorMode) == kPower, LevelDetector::Remainder(SamplesOf(kDynamicsDetectorAttack)),
+                 LevelDetector::Remainder(SamplesOf(kDynamicsDetectorRelease))};
+    const int before = std::exchange(fDetectorChannels, Item(kDynamicsDetectorChannels));
+    if (before != kEachByItself) std::ranges::fill(fFollowers, Follower(fFollowers[0]));
+    fBand.Set({IsOn(kDynamicsLimitBand), Natural(kDynamicsLowCutoff), Natural(kDynamicsHighCutoff)}, settle);
+    const double automatic = IsOn(kDynamicsAutoMakeUp) ? -LimitedGain(fCurve.LastInput()) : 0;
+    set(fMakeUp, Natural(kDynamicsMakeUpGain) + automatic);
+    set(fDetectorGain, ToFactor(Natural(kDynamicsDetectorGain)));
+    set(fMix, Natural(kDynamicsMix) / 100);
+    set(fListen, IsOn(kDynamicsListen) ? 1 : 0);
+}
+
+void Dynamics::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
+    const std::size_t size = fLatency + 1;
+    for (std::size_t frame = 0; frame < block.frames; ++frame) {
+        Take(block, frame);
+        const double makeUp = fMakeUp.Next();
+        const double mix = fMix.Next();
+        const double listen = fListen.Next();
+        const bool isTogether = fDetectorChannels != kEachByItself;
+        double common = 0; // what the gain adds, as a share of the band
+        const auto added = [&](Follower& follower, double power) {
+            return mix * (ToFactor(NextGain(follower, power) + makeUp) - 1);
+        };
+        if (isTogether) common = added(fFollowers[0], CommonPower());
+        fPosition = (fPosition + 1) % size;
+        for (std::size_t c = 0; c < fChannels.size(); ++c) {
+            const Channel& channel = fChannels[c];
+            const double share = isTogether ? common : added(fFollowers[c], channel.power);
+            const double sound = channel.sound[fPosition];
+            const double band = channel.band[fPosition];
+            const double processed = sound + share * band;
+            block.outputs[c][frame] = static_cast<float>(processed + listen * (band - processed));
+        }
+    }
+}
+
+TransferCurve Dynamics::Curve() const noexcept {
+    std::array<TransferCurve::Point, TransferCurve::kMostPoints> points;
+    const auto count = static_cast<std::size_t>(std::lround(Natural(kDynamicsPointCount)));
+    for (std::size_t i = 0; i < count; ++i) {
+        const int first = kDynamicsFirstPoint + 2 * static_cast<int>(i);
+        points[i] = {Natural(first), Natural(first + 1)};
+    }
+    return {std::span(points).first(count), {Natural(kDynamicsKnee), IsOn(kDynamicsSmoothCurve)}};
+}
+
+double Dynamics::LimitedGain(double level) const noexcept {
+    return std::clamp(fCurve.GainAt(level), -fRange, fRange);
+}
+
+double Dynamics::SamplesOf(int timeParameter) const noexcept {
+    return Natural(timeParameter) * kMilliseconds * GetSampleRate();
+}
+
+double Dynamics::CommonPower() const noexcept {
+    double largest = 0;
+    double sum = 0;
+    for (const Channel& channel : fChannels) {
+        largest = std::max(largest, channel.power);
+        sum += channel.power;
+    }
+    return fDetectorChannels == kAverage ? sum / static_cast<double>(fChannels.size()) : largest;
+}
+
+double Dynamics::NextGain(Follower& follower, double power) noexcept {
+    const double target = LimitedGain(follower.detector.Next(power, fDetector));
+    if (target <= follower.gain) {
+        follower.gain = target + fAttack * (follower.gain - target);
+        follower.held = fHold;
+    } else if (follower.held > 0) {
+        --follower.held;
+    } else {
+        follower.gain = target + fRelease * (follower.gain - target);
+    }
+    return follower.gain;
+}
+
+// Into the rings, and the power for the detector.
+void Dynamics::Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame) noexcept {
+    const double gain = fDetectorGain.Next();
+    fBand.Advance();
+    for (std::size_t c = 0; c < fChannels.size(); ++c) {
+        Channel& channel = fChannels[c];
+        const float sound = SaneSample(block.inputs[c][frame]);
+        const float band = fBand.Next(c, sound);
+        channel.sound[fPosition] = sound;
+        channel.band[fPosition] = band;
+        channel.power = (band * gain) * (band * gain);
+    }
+}
+
+} // namespace qoc::components

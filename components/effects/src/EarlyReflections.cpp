@@ -1,0 +1,186 @@
+#include "qoc/components/EarlyReflections.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <numbers>
+#include <numeric>
+#include <optional>
+#include <utility>
+
+namespace qoc::components {
+
+namespace {
+
+constexpr double kFadeSeconds = 0.03;
+constexpr double kMicrophoneReach = 0.085;      // metres from the middle
+constexpr std::size_t kMostSources = 8;         // more channels than these are one source
+constexpr double kLoudspeakerShare = 30 / 55.0; // of a microphone's angle: that of its loudspeaker
+
+// Degrees from the front to the right.
+std::optional<double> SideOf(kromediatypes::AudioChannelLabel label) noexcept {
+    switch (label) {
+    case kromediatypes::kAudioChannelLabelLeft: return -55;
+    case kromediatypes::kAudioChannelLabelRight: return 55;
+    case kromediatypes::kAudioChannelLabelCenter: return 0;
+    case kromediatypes::kAudioChannelLabelLeftSurround: return -120;
+    case kromediatypes::kAudioChannelLabelRightSurround: return 120;
+    case kromediatypes::kAudioChannelLabelLeftRearSurround: return -150;
+    case kromediatypes::kAudioChannelLabelRightRearSurround: return 150;
+    case kromediatypes::kAudioChannelLabelCenterSurround: return 180;
+    default: return std::nullopt;
+    }
+}
+
+} // namespace
+
+void EarlyReflections::Prepare(double sampleRate, std::span<const kromediatypes::AudioChannelLabel> labels) {
+    fSampleRate = sampleRate;
+    fMicrophones.clear();
+    for (const kromediatypes::AudioChannelLabel label : labels) {
+        const std::optional<double> side = SideOf(label);
+        const double radians = side.value_or(0) * std::numbers::pi / 180;
+        fMicrophones.push_back({std::sin(radians), std::cos(radians), side.has_value()});
+    }
+    const std::size_t size = std::bit_ceil(static_cast<std::size_t>(kLongestSeconds * sampleRate) + 1);
+    fMask = size - 1;
+    fRings.assign(size * (labels.size() + 1), 0.0F);
+    fFadeLength = static_cast<std::size_t>(std::ceil(kFadeSeconds * sampleRate));
+    const std::size_t pairs = labels.size() * (labels.size() > kMostSources ? 1 : labels.size());
+    for (Taps* const taps : {&fFrom, &fTo}) {
+        taps->direct.reserve(pairs);
+        taps->reflected.reserve(pairs * (Room::kImages - 1));
+    }
+}
+
+void EarlyReflections::Reset() noexcept {
+    std::ranges::fill(fRings, 0.0F);
+    fPosition = 0;
+}
+
+void EarlyReflections::Set(const Scene& scene, bool settle) noexcept {
+    fPending = scene;
+    if (settle) {
+        fScene = scene;
+        fFadeRemaining = 0;
+        MakeTaps(scene, fTo);
+    } else if (fFadeRemaining == 0) {
+        StartFade();
+    }
+}
+
+void EarlyReflections::Process(std::span<const float> inputs, std::span<float> direct,
+                               std::span<float> reflected) noexcept {
+    Write(inputs);
+    std::ranges::fill(direct, 0.0F);
+    std::ranges::fill(reflected, 0.0F);
+    const float before = static_cast<float>(fFadeRemaining) / static_cast<float>(fFadeLength);
+    Add(fTo.direct, 1 - before, direct);
+    Add(fTo.reflected, 1 - before, reflected);
+    if (fFadeRemaining > 0) {
+        Add(fFrom.direct, before, direct);
+        Add(fFrom.reflected, before, reflected);
+        if (--fFadeRemaining == 0) StartFade();
+    }
+    fPosition = (fPosition + 1) & fMask;
+}
+
+void EarlyReflections::StartFade() noexcept {
+    if (fPending == fScene) return;
+    fScene = fPending;
+    std::swap(fFrom, fTo);
+    MakeTaps(fScene, fTo);
+    fFadeRemaining = fFadeLength;
+}
+
+void EarlyReflections::MakeTaps(const Scene& scene, Taps& taps) const noexcept {
+    taps.direct.clear();
+    taps.reflected.clear();
+    const std::size_t channels = fMicrophones.size();
+    const bool isOne = scene.isOneSource || channels > kMostSources;
+    const std::size_t first = isOne ? channels : 0; // the last ring holds the mean
+    const std::size_t end = isOne ? channels + 1 : channels;
+
+    double nearest = scene.room.width + scene.room.depth + scene.room.height;
+    for (std::size_t source = first; source < end; ++source) {
+        for (const Microphone& microphone : fMicrophones)
+            nearest = std::min(nearest, SourceOf(scene, source).DistanceTo(MicrophoneAt(scene.room, microphone)));
+    }
+    for (std::size_t channel = 0; channel < channels; ++channel) {
+        for (std::size_t source = first; source < end; ++source) {
+            const Tap way{.source = static_cast<std::uint32_t>(source), .channel = static_cast<std::uint32_t>(channel)};
+            AddTaps(scene, scene.room.Images(SourceOf(scene, source)), way, nearest, taps);
+        }
+    }
+}
+
+// Those by which a source is heard in a channel. `way`: from where to where; `nearest`: how far sound goes at least.
+void EarlyReflections::AddTaps(const Scene& scene, std::span<const RoomImage> images, Tap way, double nearest,
+                               Taps& taps) const noexcept {
+    const Microphone& microphone = fMicrophones[way.channel];
+    const RoomPlace at = MicrophoneAt(scene.room, microphone);
+    const double reflection = std::sqrt(1 - scene.absorption); // of the pressure
+    for (const RoomImage& image : images) {
+        const double distance = image.place.DistanceTo(at);
+        const double towards = (image.place.x - at.x) * microphone.sine - (image.place.y - at.y) * microphone.cosine;
+        const double sensitivity = microphone.hasSide ? 0.5 + 0.5 * towards / distance : 1;
+        const bool isDirect = image.reflections == 0;
+        const double level = isDirect ? scene.directLevel : scene.level;
+        const double gain = level * sensitivity * nearest / distance * std::pow(reflection, image.reflections);
+        if (gain == 0) continue;
+        const double delay = (distance - nearest) / Room::kSpeedOfSound * fSampleRate;
+        way.delay = static_cast<std::uint32_t>(std::min(static_cast<std::size_t>(std::lround(delay)), fMask));
+        way.gain = static_cast<float>(gain);
+        (isDirect ? taps.direct : taps.reflected).push_back(way);
+    }
+}
+
+// At the same distance from the listener, turned to the channel's side.
+RoomPlace EarlyReflections::SourceOf(const Scene& scene, std::size_t source) const noexcept {
+    if (source >= fMicrophones.size() || !fMicrophones[source].hasSide) return scene.source;
+    const Microphone& side = fMicrophones[source];
+    const double angle = kLoudspeakerShare * std::atan2(side.sine, side.cosine);
+    const RoomPlace listener = scene.room.Listener();
+    const double x = scene.source.x - listener.x;
+    const double y = scene.source.y - listener.y;
+    return scene.room.Inside({listener.x + x * std::cos(angle) - y * std::sin(angle),
+                              listener.y + x * std::sin(angle) + y * std::cos(angle), scene.source.z});
+}
+
+RoomPlace EarlyReflections::MicrophoneAt(const Room& room, const Microphone& microphone) const noexcept {
+    RoomPlace place = room.Listener();
+    if (!microphone.hasSide) return place;
+    place.x += kMicrophoneReach * microphone.sine;
+    place.y -= kMicrophoneReach * microphone.cosine;
+    return place;
+}
+
+void EarlyReflections::Write(std::span<const float> inputs) noexcept {
+    const std::size_t size = fMask + 1;
+    for (std::size_t source = 0; source < inputs.size(); ++source)
+        fRings[source * size + fPosition] = inputs[source];
+    const auto count = static_cast<float>(std::max<std::size_t>(inputs.size(), 1));
+    fRings[inputs.size() * size + fPosition] = std::accumulate(inputs.begin(), inputs.end(), 0.0F) / count;
+}
+
+// Taps of one channel stand together; four sums by turns, because none has to wait for another.
+void EarlyReflections::Add(std::span<const Tap> taps, float share, std::span<float> outputs) const noexcept {
+    const std::size_t size = fMask + 1;
+    const auto heard = [&](const Tap& tap) {
+        return tap.gain * fRings[tap.source * size + ((fPosition - tap.delay) & fMask)];
+    };
+    for (std::size_t at = 0; at < taps.size();) {
+        const std::uint32_t channel = taps[at].channel;
+        std::array<float, 4> sums{};
+        for (; at + 3 < taps.size() && taps[at + 3].channel == channel; at += 4) {
+            for (std::size_t k = 0; k < 4; ++k)
+                sums[k] += heard(taps[at + k]);
+        }
+        for (; at < taps.size() && taps[at].channel == channel; ++at)
+            sums[0] += heard(taps[at]);
+        outputs[channel] += share * ((sums[0] + sums[1]) + (sums[2] + sums[3]));
+    }
+}
+
+} // namespace qoc::components

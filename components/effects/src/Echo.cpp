@@ -1,0 +1,287 @@
+#include "qoc/components/Echo.h"
+
+#include "qoc/components/ChannelSide.h"
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/ParameterIndices.h"
+#include "qoc/components/SaneSample.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace qoc::components {
+
+namespace {
+
+constexpr float kLongestTime = 10000; // milliseconds
+constexpr float kMostChannels = Echo::kMaximumChannels;
+constexpr float kMostDamping = 15; // decibels a repeat
+
+constexpr const char* kTimeUnits[] = {
+    "$$$/Echo/Milliseconds=Milliseconds",
+    "$$$/Echo/Beats=Beats",
+    "$$$/Echo/Samples=Samples",
+};
+
+constexpr ParameterRow TimeRow(const char* id, const char* name, float defaultValue) {
+    return {.id = id, .name = name, .unit = "ms", .hi = kLongestTime, .defaultValue = defaultValue};
+}
+
+constexpr ParameterRow PercentRow(const char* id, const char* name, float defaultValue) {
+    return {.id = id, .name = name, .unit = "%", .hi = 100, .defaultValue = defaultValue, .decimals = 1};
+}
+
+constexpr ParameterRow kRows[] = {
+    TimeRow("leftDelay", "$$$/Echo/LeftTime=Left Delay Time", 500),
+    PercentRow("leftFeedback", "$$$/Echo/LeftFeedback=Left Feedback", 40),
+    PercentRow("leftLevel", "$$$/Echo/LeftLevel=Left Echo Level", 40),
+    TimeRow("rightDelay", "$$$/Echo/RightTime=Right Delay Time", 500),
+    PercentRow("rightFeedback", "$$$/Echo/RightFeedback=Right Feedback", 40),
+    PercentRow("rightLevel", "$$$/Echo/RightLevel=Right Echo Level", 40),
+    {.id = "lock", .name = "$$$/Echo/Lock=Lock Left & Right", .kind = ParameterKind::kSwitch},
+    {.id = "bounce", .name = "$$$/Echo/Bounce=Echo Bounce", .kind = ParameterKind::kSwitch},
+    {.id = "timeUnit",
+     .name = "$$$/Echo/TimeUnit=Delay Time Units",
+     .hi = 2,
+     .kind = ParameterKind::kChoice,
+     .flags = kParameterNotAutomatable,
+     .items = kTimeUnits},
+};
+
+constexpr ParameterRow kBandRows[] = {
+    {.id = "band",
+     .name = "$$$/Echo/Band=Gain of Band @0",
+     .unit = "dB",
+     .lo = -kMostDamping,
+     .hi = 0,
+     .defaultValue = 0,
+     .decimals = 1},
+};
+
+constexpr ParameterRow kToldRows[] = {
+    {.id = "channels",
+     .name = "$$$/Echo/Channels=Channels",
+     .hi = kMostChannels,
+     .defaultValue = 2,
+     .decimals = 0,
+     .flags = kParameterNotAutomatable | kParameterReadOnly},
+};
+
+constexpr double kMilliseconds = 1e-3;
+constexpr float kPercent = 100;
+constexpr int kPasses = 4; // of the equaliser's solver
+
+// Of a side's parameters, after its first.
+constexpr int kTime = kEchoLeftTime - kEchoLeftTime;
+constexpr int kFeedback = kEchoLeftFeedback - kEchoLeftTime;
+constexpr int kLevel = kEchoLeftLevel - kEchoLeftTime;
+
+// A step of the stored float is less than that: anything this near is meant to be 0 dB.
+constexpr double kZeroWindow = 2e-5;
+
+bool IsNeutral(const BiquadCoefficients& section) noexcept {
+    return section.b0 == 1 && section.b1 == section.a1 && section.b2 == section.a2;
+}
+
+double Between(double from, double to, double share) noexcept {
+    return from + share * (to - from);
+}
+
+// Both stable, so what lies between is: the stable coefficients form a triangle in the plane of a1 and a2.
+BiquadCoefficients Between(const BiquadCoefficients& from, const BiquadCoefficients& to, double share) noexcept {
+    return {Between(from.b0, to.b0, share), Between(from.b1, to.b1, share), Between(from.b2, to.b2, share),
+            Between(from.a1, to.a1, share), Between(from.a2, to.a2, share)};
+}
+
+} // namespace
+
+Echo::Echo()
+    : ComponentBase(
+          kEchoComponentID,
+          std::move(ParameterTable().Add(kRows).AddRepeated(kBandRows, static_cast<int>(kBands)).Add(kToldRows))) {
+    Redesign();
+}
+
+Echo::~Echo() = default;
+
+std::span<const double, Echo::kBands> Echo::Centres() {
+    static constexpr std::array<double, kBands> kCentres = {125, 250, 500, 1000, 2000, 4000, 8000, 16000};
+    return kCentres;
+}
+
+void Echo::SetParameterValue(int index, float value) {
+    const float oldValue = GetParameterValue(index);
+    ComponentBase::SetParameterValue(index, value);
+    ParameterHasChanged(index, oldValue);
+}
+
+void Echo::SetParameterValueQuietly(int index, float value) {
+    const float oldValue = GetParameterValue(index);
+    ComponentBase::SetParameterValueQuietly(index, value);
+    ParameterHasChanged(index, oldValue);
+}
+
+std::size_t Echo::Tail() const noexcept {
+    constexpr double kDecayed = 1e-5; // 100 dB
+    constexpr double kLongest = 600;  // seconds
+    double longest = 0;
+    double feedback = kDecayed;
+    for (const Channel& channel : fChannels) {
+        const int first = FirstParameter(channel.isRight);
+        longest = std::max(longest, static_cast<double>(DelayInSamples(first + kTime)));
+        feedback = std::max(feedback, double{Natural(first + kFeedback)} / kPercent);
+    }
+    const double most = kLongest * GetSampleRate();
+    const double repeats = feedback < 1 ? std::ceil(std::log(kDecayed) / std::log(feedback)) : most;
+    return static_cast<std::size_t>(std::min(most, (1 + repeats) * longest));
+}
+
+void Echo::PrepareProcessing(std::size_t /*maximumBlock*/) {
+    const double rate = GetSampleRate();
+    StoreParameter(kEchoChannelCount, static_cast<float>(GetNumberOfInputChannels()) / kMostChannels);
+    fHandOver.Clear();
+    fDesign.reset();
+    Redesign();
+    fTarget = std::make_unique<Equaliser>(fDesigned);
+    fGlide.Prepare(rate);
+    fBounce.Prepare(rate);
+    const kromediatypes::AudioChannelLayout& layout = GetInputBuses().front().GetLayout();
+    const std::vector<std::size_t> mirrors = MirrorsOf(layout);
+    fChannels.assign(layout.size(), {});
+    for (std::size_t i = 0; i < fChannels.size(); ++i) {
+        Channel& channel = fChannels[i];
+        channel.isRight = SideOf(layout[i]) == ChannelSide::kRight;
+        channel.mirror = mirrors[i];
+        channel.line.Prepare(static_cast<std::size_t>(std::ceil(kLongestTime * kMilliseconds * rate)));
+        channel.tap.Prepare(rate);
+        channel.feedback.Prepare(rate);
+        channel.level.Prepare(rate);
+    }
+}
+
+void Echo::ResetProcessing() noexcept {
+    if (auto offered = fHandOver.Take()) fHandOver.GiveBack(std::exchange(fTarget, std::move(offered)));
+    fGlide.Settle(1);
+    fNow = *fTarget;
+    fIsFlat = std::ranges::all_of(fNow.sections, IsNeutral);
+    for (Channel& channel : fChannels) {
+        channel.line.Reset();
+        for (std::size_t i = 0; i < kBands; ++i) {
+            channel.biquads[i].SetCoefficients(fNow.sections[i]);
+            channel.biquads[i].Reset();
+        }
+    }
+}
+
+void Echo::ReadParameters(bool settle) noexcept {
+    const auto set = [settle](auto& value, auto target) { settle ? value.Settle(target) : value.SetTarget(target); };
+    for (Channel& channel : fChannels) {
+        const int first = FirstParameter(channel.isRight);
+        // The line is read before the present sample is written, when the newest one is one sample old.
+        set(channel.tap, DelayInSamples(first + kTime) - 1);
+        set(channel.feedback, Natural(first + kFeedback) / kPercent);
+        set(channel.level, Natural(first + kLevel) / kPercent);
+    }
+    set(fBounce, IsOn(kEchoBounce) ? 1.0F : 0.0F);
+}
+
+void Echo::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
+    TakeEqualiser();
+    for (std::size_t frame = 0; frame < block.frames; ++frame) {
+        if (!fGlide.IsSettled()) Glide();
+        const float bounce = fBounce.Next();
+        for (std::size_t i = 0; i < fChannels.size(); ++i) {
+            fChannels[i].input = SaneSample(block.inputs[i][frame]);
+            Repeat(fChannels[i]);
+        }
+        for (std::size_t i = 0; i < fChannels.size(); ++i) {
+            Channel& channel = fChannels[i];
+            const float across = fChannels[channel.mirror].fedBack;
+            channel.line.Write(channel.input + (1 - bounce) * channel.fedBack + bounce * across);
+            block.outputs[i][frame] = channel.input + channel.level.Next() * channel.echo;
+        }
+    }
+}
+
+void Echo::ParameterHasChanged(int index, float oldValue) {
+    const bool isBand = index >= kEchoFirstBand && index < kEchoFirstBand + static_cast<int>(kBands);
+    if (!isBand || GetParameterValue(index) == oldValue) return;
+    Redesign();
+    const bool isPrepared = fTarget != nullptr;
+    if (isPrepared) fHandOver.Offer(std::make_unique<Equaliser>(fDesigned));
+}
+
+void Echo::Redesign() {
+    if (fDesign == nullptr) fDesign = std::make_unique<GraphicEQDesign>(Centres(), GetSampleRate());
+    std::array<double, kBands> gains;
+    for (std::size_t i = 0; i < kBands; ++i) {
+        const double gain = Natural(kEchoFirstBand + static_cast<int>(i));
+        gains[i] = std::abs(gain) < kZeroWindow ? 0 : gain;
+    }
+    const std::vector<BiquadCoefficients> sections = fDesign->Solve(gains, kPasses);
+    std::ranges::copy(sections, fDesigned.sections.begin());
+    const bool isFlat = std::ranges::all_of(sections, IsNeutral);
+    fDesigned.gain = isFlat ? 1 : std::min(1.0, 1 / HighestGain(sections));
+}
+
+// Between its centres the response of one band may rise above what its neighbours are set to, by little. Looked for at
+// places near enough to each other that what lies between them is within the margin.
+double Echo::HighestGain(std::span<const BiquadCoefficients> sections) const {
+    constexpr double kMargin = 1.0003; // 0.003 dB
+    constexpr double kPlacesAnOctave = 48;
+    constexpr double kLowest = 10; // hertz
+    const double ratio = std::exp2(1 / kPlacesAnOctave);
+    const double nyquist = GetSampleRate() / 2;
+    double highest = 0;
+    for (double hertz = kLowest; hertz < nyquist * ratio; hertz *= ratio) {
+        const ResponsePoint point(GetSampleRate(), std::min(hertz, nyquist));
+        double power = 1;
+        for (const BiquadCoefficients& section : sections)
+            power *= section.MagnitudeSquared(point);
+        highest = std::max(highest, power);
+    }
+    return std::sqrt(highest) * kMargin;
+}
+
+int Echo::FirstParameter(bool isRight) const noexcept {
+    return isRight && !IsOn(kEchoLock) ? kEchoRightTime : kEchoLeftTime;
+}
+
+// An echo comes after its sound.
+std::size_t Echo::DelayInSamples(int timeParameter) const noexcept {
+    const long long samples = std::llround(double{Natural(timeParameter)} * kMilliseconds * GetSampleRate());
+    return static_cast<std::size_t>(std::max(1LL, samples));
+}
+
+void Echo::TakeEqualiser() noexcept {
+    auto offered = fHandOver.Take();
+    if (offered == nullptr) return;
+    fHandOver.GiveBack(std::exchange(fTarget, std::move(offered)));
+    fStart = fNow;
+    fGlide.Settle(0);
+    fGlide.SetTarget(1);
+    fIsFlat = fIsFlat && std::ranges::all_of(fTarget->sections, IsNeutral);
+}
+
+void Echo::Glide() noexcept {
+    const double share = fGlide.Next();
+    fNow.gain = Between(fStart.gain, fTarget->gain, share);
+    for (std::size_t i = 0; i < kBands; ++i) {
+        fNow.sections[i] = share == 1 ? fTarget->sections[i] : Between(fStart.sections[i], fTarget->sections[i], share);
+        for (Channel& channel : fChannels)
+            channel.biquads[i].SetCoefficients(fNow.sections[i]);
+    }
+}
+
+void Echo::Repeat(Channel& channel) noexcept {
+    double sound = channel.tap.Next(channel.line);
+    if (!fIsFlat) {
+        for (Biquad& biquad : channel.biquads)
+            sound = biquad.Process(sound);
+        sound *= fNow.gain;
+    }
+    channel.echo = static_cast<float>(sound);
+    channel.fedBack = channel.feedback.Next() * channel.echo;
+}
+
+} // namespace qoc::components

@@ -1,0 +1,31 @@
+#include "qoc/components/FadingTap.h"
+
+#include <cmath>
+
+namespace qoc::components {
+
+void FadingTap::Prepare(double sampleRate) noexcept {
+    constexpr double kFadeSeconds = 0.03;
+    fLength = static_cast<std::size_t>(std::ceil(kFadeSeconds * sampleRate));
+    Settle(fTarget);
+}
+
+void FadingTap::Settle(std::size_t delay) noexcept {
+    fDelay = fNextDelay = fTarget = delay;
+    fRemaining = 0;
+}
+
+float FadingTap::Next(const TapLine& line) noexcept {
+    if (fRemaining == 0) {
+        if (fDelay == fTarget) return line.At(fDelay);
+        fNextDelay = fTarget;
+        fRemaining = fLength;
+    }
+    const float left = static_cast<float>(--fRemaining) / static_cast<float>(fLength);
+    const float share = left * left * (3 - 2 * left); // without a kink at either end
+    const float sample = share * line.At(fDelay) + (1 - share) * line.At(fNextDelay);
+    if (fRemaining == 0) fDelay = fNextDelay;
+    return sample;
+}
+
+} // namespace qoc::components

@@ -1,0 +1,288 @@
+#include "qoc/components/FullReverb.h"
+
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/ParameterIndices.h"
+#include "qoc/components/ReverbFigures.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <utility>
+
+namespace qoc::components {
+
+namespace {
+
+constexpr float kShortestDecay = 100; // milliseconds
+constexpr float kLongestDecay = 20000;
+constexpr float kLongestPredelay = 2000;
+constexpr double kMilliseconds = 1e-3;
+constexpr double kPercent = 1e-2;
+
+constexpr ParameterRow PercentRow(const char* id, const char* name, float defaultValue, float lo = 0) {
+    return {.id = id, .name = name, .unit = "%", .lo = lo, .hi = 100, .defaultValue = defaultValue, .decimals = 0};
+}
+
+constexpr ParameterRow FrequencyRow(const char* id, const char* name, float defaultValue) {
+    return {.id = id, .name = name, .unit = "Hz", .lo = 20, .hi = 20000, .defaultValue = defaultValue, .decimals = 0};
+}
+
+constexpr ParameterRow GainRow(const char* id, const char* name) {
+    return {.id = id, .name = name, .unit = "dB", .lo = -24, .hi = 24, .decimals = 1};
+}
+
+constexpr ParameterRow SwitchRow(const char* id, const char* name) {
+    return {.id = id, .name = name, .kind = ParameterKind::kSwitch};
+}
+
+constexpr ParameterRow ToldRow(const char* id, const char* name, const char* unit, float lo, float hi,
+                               float defaultValue) {
+    return {.id = id,
+            .name = name,
+            .unit = unit,
+            .lo = lo,
+            .hi = hi,
+            .defaultValue = defaultValue,
+            .decimals = 1,
+            .flags = kParameterNotAutomatable | kParameterReadOnly};
+}
+
+constexpr ParameterRow kRows[] = {
+    {.id = "decay",
+     .name = "$$$/FullReverb/Decay=Decay Time",
+     .unit = "ms",
+     .lo = kShortestDecay,
+     .hi = kLongestDecay,
+     .defaultValue = 1500,
+     .decimals = 0},
+    {.id = "predelay",
+     .name = "$$$/FullReverb/Predelay=Pre-Delay Time",
+     .unit = "ms",
+     .hi = kLongestPredelay,
+     .defaultValue = 25,
+     .decimals = 0},
+    PercentRow("diffusion", "$$$/FullReverb/Diffusion=Diffusion", 80),
+    PercentRow("perception", "$$$/FullReverb/Perception=Perception", 20),
+    {.id = "roomsize",
+     .name = "$$$/FullReverb/RoomSize=Room Size",
+     .unit = "m#{cubed}",
+     .lo = 10,
+     .hi = 30000,
+     .defaultValue = 1500,
+     .decimals = 0},
+    {.id = "dimension",
+     .name = "$$$/FullReverb/Dimension=Width to Depth Ratio",
+     .lo = 0.25F,
+     .hi = 4,
+     .defaultValue = 0.75F},
+    PercentRow("location", "$$$/FullReverb/Location=Left or Right Location", 0, -100),
+    PercentRow("distance", "$$$/FullReverb/Distance=Source Distance", 60),
+    {.id = "highpass",
+     .name = "$$$/FullReverb/HighPass=High-Pass Cutoff",
+     .unit = "Hz",
+     .lo = 20,
+     .hi = 500,
+     .defaultValue = 80,
+     .decimals = 0},
+    FrequencyRow("lowfrequency", "$$$/FullReverb/LowFrequency=Low Shelf Frequency", 200),
+    GainRow("lowgain", "$$$/FullReverb/LowGain=Low Shelf Gain"),
+    FrequencyRow("middlefrequency", "$$$/FullReverb/MiddleFrequency=Peak Frequency", 1000),
+    GainRow("middlegain", "$$$/FullReverb/MiddleGain=Peak Gain"),
+    {.id = "middleq", .name = "$$$/FullReverb/MiddleQ=Peak Q", .lo = 0.1F, .hi = 10, .defaultValue = 0.7F},
+    FrequencyRow("highfrequency", "$$$/FullReverb/HighFrequency=High Shelf Frequency", 5000),
+    GainRow("highgain", "$$$/FullReverb/HighGain=High Shelf Gain"),
+    PercentRow("dry", "$$$/FullReverb/Dry=Dry Level", 100),
+    PercentRow("reverberation", "$$$/FullReverb/Reverberation=Reverberation Level", 30),
+    PercentRow("early", "$$$/FullReverb/Early=Early Reflections Level", 30),
+    SwitchRow("setbyroom", "$$$/FullReverb/SetByRoom=Set Reverberation by Room"),
+    SwitchRow("includedirect", "$$$/FullReverb/IncludeDirect=Include Direct Sound"),
+    SwitchRow("sum", "$$$/FullReverb/SumInputs=Sum Inputs"),
+    ToldRow("roomwidth", "$$$/FullReverb/RoomWidth=Room Width", "m", 0, 100, 12.8F),
+    ToldRow("roomdepth", "$$$/FullReverb/RoomDepth=Room Depth", "m", 0, 100, 17.1F),
+    ToldRow("roomheight", "$$$/FullReverb/RoomHeight=Room Height", "m", 0, 20, 6.9F),
+    ToldRow("roomdecay", "$$$/FullReverb/RoomDecay=Decay Time of the Room", "ms", kShortestDecay, kLongestDecay, 1429),
+    ToldRow("roompredelay", "$$$/FullReverb/RoomPredelay=Pre-Delay Time of the Room", "ms", 0, kLongestPredelay, 20.7F),
+    ToldRow("firstreflection", "$$$/FullReverb/FirstReflection=First Reflection", "ms", 0, 500, 1.4F),
+};
+
+constexpr double kWallAbsorption = 0.2; // of a room that is neither bare nor furnished to be dry
+constexpr double kLinesOfRoom = 1.5;    // mean length of the tank's lines against the way from wall to wall
+constexpr double kShortestLines = 0.01; // seconds
+constexpr double kShelfQ = std::numbers::sqrt2 / 2;
+constexpr double kMostOfRate = 0.49; // of the sample rate, for the frequencies of the equaliser
+
+} // namespace
+
+FullReverb::FullReverb() : ComponentBase(kFullReverbComponentID, std::move(ParameterTable().Add(kRows))) {
+    TellRoom();
+}
+
+FullReverb::~FullReverb() = default;
+
+void FullReverb::SetParameterValue(int index, float value) {
+    ComponentBase::SetParameterValue(index, value);
+    TellRoom();
+}
+
+void FullReverb::SetParameterValueQuietly(int index, float value) {
+    ComponentBase::SetParameterValueQuietly(index, value);
+    TellRoom();
+}
+
+std::size_t FullReverb::Tail() const noexcept {
+    const double seconds = std::max(Predelay() + AudibleSeconds(Decay()), EarlyReflections::kLongestSeconds);
+    return static_cast<std::size_t>(std::ceil(seconds * GetSampleRate()));
+}
+
+bool FullReverb::GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const {
+    if (index != 0 || size == 0) return false;
+    const double sampleRate = GetSampleRate();
+    const kroaudiofilterhost::FrequencyAxis axis{kCurveStart, std::min(kCurveEnd, sampleRate / 2), true};
+    const Equaliser sections = EqualiserOfParameters();
+    values.resize(size);
+    for (std::size_t i = 0; i < size; ++i) {
+        const ResponsePoint point(sampleRate, axis.HertzAt(i, size));
+        double power = 1;
+        for (const BiquadCoefficients& section : sections)
+            power *= section.MagnitudeSquared(point);
+        values[i] = static_cast<float>(10 * std::log10(power));
+    }
+    return true;
+}
+
+void FullReverb::PrepareProcessing(std::size_t /*maximumBlock*/) {
+    const double sampleRate = GetSampleRate();
+    const kromediatypes::AudioChannelLayout& layout = GetInputBuses().front().GetLayout();
+    fRoom.Prepare(sampleRate, layout);
+    std::vector<kromediatypes::AudioChannelLabel> labels;
+    for (const std::size_t channel : fRoom.Channels())
+        labels.push_back(layout[channel]);
+    fPredelay.Prepare(sampleRate, fRoom.size(),
+                      static_cast<std::size_t>(std::ceil(kLongestPredelay * kMilliseconds * sampleRate)));
+    fTank.Prepare(sampleRate, fRoom.size());
+    fEarly.Prepare(sampleRate, labels);
+    fHighPass.Prepare(sampleRate, fRoom.size(), 1);
+    fEqualiser.Prepare(sampleRate, fRoom.size(), Equaliser().size());
+    fDry.Prepare(sampleRate);
+    fReverberation.Prepare(sampleRate);
+    for (std::vector<float>* const sound : {&fLate, &fDirect, &fReflected})
+        sound->assign(fRoom.size(), 0.0F);
+}
+
+void FullReverb::ResetProcessing() noexcept {
+    fPredelay.Reset();
+    fTank.Reset();
+    fEarly.Reset();
+    fHighPass.Reset();
+    fEqualiser.Reset();
+}
+
+void FullReverb::ReadParameters(bool settle) noexcept {
+    ReadLevels(settle);
+    ReadRoom(settle);
+    const double sampleRate = GetSampleRate();
+    const std::array highPass = {BiquadCoefficients::HighPass(sampleRate, Natural(kFullReverbHighPass), kShelfQ)};
+    fHighPass.Set(highPass, settle);
+    fEqualiser.Set(EqualiserOfParameters(), settle);
+}
+
+void FullReverb::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
+    for (std::size_t i = 0; i < block.frames; ++i) {
+        fRoom.Take(block, i);
+        std::ranges::copy(fRoom.Sound(), fLate.begin());
+        fPredelay.Process(fLate.data());
+        fTank.Process(fLate.data(), fLate.data());
+        fEarly.Process(fRoom.Sound(), fDirect, fReflected);
+        fHighPass.Advance();
+        fEqualiser.Advance();
+        const float dry = fDry.Next();
+        const float reverberation = fReverberation.Next();
+        for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
+            block.outputs[channel][i] = dry * fRoom.Dry(channel);
+        for (std::size_t k = 0; k < fLate.size(); ++k) {
+            const double wet = reverberation * fLate[k] + fHighPass.Process(k, fReflected[k]);
+            block.outputs[fRoom.Channels()[k]][i] += fDirect[k] + static_cast<float>(fEqualiser.Process(k, wet));
+        }
+    }
+}
+
+void FullReverb::TellRoom() noexcept {
+    const auto tell = [this](int index, double natural) {
+        const GenericParameterInfo& info = *GetParameterInfo(index);
+        const float stored = std::clamp(info.ToNormalised(static_cast<float>(natural)), 0.0F, 1.0F);
+        if (stored != GetParameterValue(index)) StoreParameter(index, stored);
+    };
+    const Room room = RoomOfParameters();
+    tell(kFullReverbRoomWidth, room.width);
+    tell(kFullReverbRoomDepth, room.depth);
+    tell(kFullReverbRoomHeight, room.height);
+    tell(kFullReverbRoomDecay, room.DecayTime(kWallAbsorption) / kMilliseconds);
+    tell(kFullReverbRoomPredelay, room.MeanFreeTime() / kMilliseconds);
+
+    const RoomPlace source = SourceIn(room);
+    const RoomPlace listener = room.Listener();
+    double nearest = room.width + room.depth + room.height;
+    for (const RoomImage& image : room.Images(source)) {
+        if (image.reflections == 1) nearest = std::min(nearest, image.place.DistanceTo(listener));
+    }
+    const double seconds = (nearest - source.DistanceTo(listener)) / Room::kSpeedOfSound;
+    tell(kFullReverbFirstReflection, seconds / kMilliseconds);
+}
+
+Room FullReverb::RoomOfParameters() const noexcept {
+    return Room::OfVolume(Natural(kFullReverbRoomSize), Natural(kFullReverbDimension));
+}
+
+RoomPlace FullReverb::SourceIn(const Room& room) const noexcept {
+    return room.Source(Natural(kFullReverbLocation) * kPercent, Natural(kFullReverbDistance) * kPercent);
+}
+
+double FullReverb::Decay() const noexcept {
+    return Natural(IsOn(kFullReverbSetByRoom) ? kFullReverbRoomDecay : kFullReverbDecay) * kMilliseconds;
+}
+
+double FullReverb::Predelay() const noexcept {
+    return Natural(IsOn(kFullReverbSetByRoom) ? kFullReverbRoomPredelay : kFullReverbPredelay) * kMilliseconds;
+}
+
+FullReverb::Equaliser FullReverb::EqualiserOfParameters() const noexcept {
+    const double sampleRate = GetSampleRate();
+    const auto hertz = [&](int index) { return std::min<double>(Natural(index), kMostOfRate * sampleRate); };
+    return {
+        BiquadCoefficients::LowShelf(sampleRate, hertz(kFullReverbLowFrequency), kShelfQ, Natural(kFullReverbLowGain)),
+        BiquadCoefficients::Peaking(sampleRate, hertz(kFullReverbMiddleFrequency), Natural(kFullReverbMiddleQ),
+                                    Natural(kFullReverbMiddleGain)),
+        BiquadCoefficients::HighShelf(sampleRate, hertz(kFullReverbHighFrequency), kShelfQ,
+                                      Natural(kFullReverbHighGain))};
+}
+
+void FullReverb::ReadLevels(bool settle) noexcept {
+    const auto set = [settle](SmoothedValue& value, double percent) {
+        const auto level = static_cast<float>(percent * kPercent);
+        settle ? value.Settle(level) : value.SetTarget(level);
+    };
+    set(fDry, IsOn(kFullReverbIncludeDirect) ? 0 : Natural(kFullReverbDry));
+    set(fReverberation, Natural(kFullReverbReverberation));
+    fRoom.SetSums(IsOn(kFullReverbSumInputs), settle);
+}
+
+void FullReverb::ReadRoom(bool settle) noexcept {
+    const Room room = RoomOfParameters();
+    const double decay = Decay();
+    fEarly.Set({.room = room,
+                .source = SourceIn(room),
+                .absorption = room.Absorption(decay),
+                .level = Natural(kFullReverbEarly) * kPercent,
+                .directLevel = IsOn(kFullReverbIncludeDirect) ? Natural(kFullReverbDry) * kPercent : 0,
+                .isOneSource = IsOn(kFullReverbSumInputs)},
+               settle);
+    fPredelay.Set(static_cast<std::size_t>(std::lround(Predelay() * GetSampleRate())), settle);
+    const double lines = std::max(kLinesOfRoom * room.MeanFreeTime(), kShortestLines);
+    fTank.Set({.decay = decay,
+               .meanLength = std::min(lines, MeanLineLength(decay)),
+               .diffusion = Natural(kFullReverbDiffusion) * kPercent,
+               .mixing = 1 - Natural(kFullReverbPerception) * kPercent},
+              settle);
+}
+
+} // namespace qoc::components

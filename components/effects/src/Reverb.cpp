@@ -1,0 +1,147 @@
+#include "qoc/components/Reverb.h"
+
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/ParameterIndices.h"
+#include "qoc/components/ReverbFigures.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace qoc::components {
+
+namespace {
+
+constexpr float kLongestDecay = 20000;   // milliseconds
+constexpr float kLongestPredelay = 2000; // milliseconds
+constexpr double kMilliseconds = 1e-3;
+constexpr double kPercent = 1e-2;
+
+constexpr ParameterRow kRows[] = {
+    {.id = "decay",
+     .name = "$$$/Reverb/Decay=Decay Time",
+     .unit = "ms",
+     .lo = 100,
+     .hi = kLongestDecay,
+     .defaultValue = 1500,
+     .decimals = 0},
+    {.id = "predelay",
+     .name = "$$$/Reverb/Predelay=Pre-Delay Time",
+     .unit = "ms",
+     .hi = kLongestPredelay,
+     .defaultValue = 20,
+     .decimals = 0},
+    {.id = "diffusion",
+     .name = "$$$/Reverb/Diffusion=Diffusion",
+     .unit = "%",
+     .hi = 100,
+     .defaultValue = 80,
+     .decimals = 0},
+    {.id = "perception",
+     .name = "$$$/Reverb/Perception=Perception",
+     .unit = "%",
+     .hi = 100,
+     .defaultValue = 20,
+     .decimals = 0},
+    {.id = "dry", .name = "$$$/Reverb/Dry=Dry Level", .unit = "%", .hi = 100, .defaultValue = 100, .decimals = 1},
+    {.id = "wet", .name = "$$$/Reverb/Wet=Wet Level", .unit = "%", .hi = 100, .defaultValue = 35, .decimals = 1},
+    {.id = "sum", .name = "$$$/Reverb/SumInputs=Sum Inputs", .kind = ParameterKind::kSwitch},
+    {.id = "length",
+     .name = "$$$/Reverb/Length=Reverberation Length",
+     .unit = "s",
+     .hi = 22,
+     .defaultValue = 1.52F,
+     .flags = kParameterNotAutomatable | kParameterReadOnly},
+    {.id = "directratio",
+     .name = "$$$/Reverb/DirectRatio=Direct to Reverberant Ratio",
+     .unit = "dB",
+     .lo = -kMostDirectRatio,
+     .hi = kMostDirectRatio,
+     .defaultValue = 9.12F,
+     .decimals = 1,
+     .flags = kParameterNotAutomatable | kParameterReadOnly},
+};
+
+} // namespace
+
+Reverb::Reverb() : ComponentBase(kReverbComponentID, std::move(ParameterTable().Add(kRows))) {
+    Tell();
+}
+
+Reverb::~Reverb() = default;
+
+void Reverb::SetParameterValue(int index, float value) {
+    ComponentBase::SetParameterValue(index, value);
+    Tell();
+}
+
+void Reverb::SetParameterValueQuietly(int index, float value) {
+    ComponentBase::SetParameterValueQuietly(index, value);
+    Tell();
+}
+
+std::size_t Reverb::Tail() const noexcept {
+    const double seconds =
+        Natural(kReverbPredelay) * kMilliseconds + AudibleSeconds(Natural(kReverbDecay) * kMilliseconds);
+    return static_cast<std::size_t>(std::ceil(seconds * GetSampleRate()));
+}
+
+void Reverb::PrepareProcessing(std::size_t /*maximumBlock*/) {
+    const double sampleRate = GetSampleRate();
+    fRoom.Prepare(sampleRate, GetInputBuses().front().GetLayout());
+    fPredelay.Prepare(sampleRate, fRoom.size(),
+                      static_cast<std::size_t>(std::ceil(kLongestPredelay * kMilliseconds * sampleRate)));
+    fTank.Prepare(sampleRate, fRoom.size());
+    fDry.Prepare(sampleRate);
+    fWet.Prepare(sampleRate);
+    fSound.assign(fRoom.size(), 0.0F);
+}
+
+void Reverb::ResetProcessing() noexcept {
+    fPredelay.Reset();
+    fTank.Reset();
+}
+
+void Reverb::ReadParameters(bool settle) noexcept {
+    const auto set = [settle](SmoothedValue& value, float percent) {
+        const auto level = static_cast<float>(percent * kPercent);
+        settle ? value.Settle(level) : value.SetTarget(level);
+    };
+    set(fDry, Natural(kReverbDry));
+    set(fWet, Natural(kReverbWet));
+    fRoom.SetSums(IsOn(kReverbSumInputs), settle);
+    fPredelay.Set(static_cast<std::size_t>(std::lround(Natural(kReverbPredelay) * kMilliseconds * GetSampleRate())),
+                  settle);
+    const double decay = Natural(kReverbDecay) * kMilliseconds;
+    fTank.Set({.decay = decay,
+               .meanLength = MeanLineLength(decay),
+               .diffusion = Natural(kReverbDiffusion) * kPercent,
+               .mixing = 1 - Natural(kReverbPerception) * kPercent},
+              settle);
+}
+
+void Reverb::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
+    for (std::size_t i = 0; i < block.frames; ++i) {
+        fRoom.Take(block, i);
+        std::ranges::copy(fRoom.Sound(), fSound.begin());
+        fPredelay.Process(fSound.data());
+        fTank.Process(fSound.data(), fSound.data());
+        const float dry = fDry.Next();
+        const float wet = fWet.Next();
+        for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
+            block.outputs[channel][i] = dry * fRoom.Dry(channel);
+        for (std::size_t k = 0; k < fSound.size(); ++k)
+            block.outputs[fRoom.Channels()[k]][i] += wet * fSound[k];
+    }
+}
+
+void Reverb::Tell() noexcept {
+    const auto tell = [this](int index, double natural) {
+        const float stored = GetParameterInfo(index)->ToNormalised(static_cast<float>(natural));
+        if (stored != GetParameterValue(index)) StoreParameter(index, stored);
+    };
+    tell(kReverbLength, (Natural(kReverbPredelay) + Natural(kReverbDecay)) * kMilliseconds);
+    tell(kReverbDirectRatio, DirectRatio(Natural(kReverbDry), Natural(kReverbWet)));
+}
+
+} // namespace qoc::components

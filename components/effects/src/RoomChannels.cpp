@@ -1,0 +1,36 @@
+#include "qoc/components/RoomChannels.h"
+
+#include "qoc/components/SaneSample.h"
+
+#include <numeric>
+
+namespace qoc::components {
+
+void RoomChannels::Prepare(double sampleRate, const kromediatypes::AudioChannelLayout& layout) {
+    fChannels.clear();
+    for (std::size_t channel = 0; channel < layout.size(); ++channel) {
+        if (layout[channel] != kromediatypes::kAudioChannelLabelLFE) fChannels.push_back(channel);
+    }
+    fDry.assign(layout.size(), 0.0F);
+    fSound.assign(fChannels.size(), 0.0F);
+    fMeanShare.Prepare(sampleRate);
+}
+
+void RoomChannels::SetSums(bool sums, bool settle) noexcept {
+    const float share = sums ? 1.0F : 0.0F;
+    settle ? fMeanShare.Settle(share) : fMeanShare.SetTarget(share);
+}
+
+void RoomChannels::Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame) noexcept {
+    for (std::size_t channel = 0; channel < fDry.size(); ++channel)
+        fDry[channel] = SaneSample(block.inputs[channel][frame]);
+    for (std::size_t i = 0; i < fChannels.size(); ++i)
+        fSound[i] = fDry[fChannels[i]];
+    const float share = fMeanShare.Next();
+    if (share == 0) return;
+    const float mean = std::accumulate(fSound.begin(), fSound.end(), 0.0F) / static_cast<float>(fSound.size());
+    for (float& sample : fSound)
+        sample += share * (mean - sample);
+}
+
+} // namespace qoc::components

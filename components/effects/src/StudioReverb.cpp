@@ -1,0 +1,232 @@
+#include "qoc/components/StudioReverb.h"
+
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/ParameterIndices.h"
+#include "qoc/components/ReverbFigures.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+#include <numeric>
+#include <utility>
+
+namespace qoc::components {
+
+namespace {
+
+constexpr double kMilliseconds = 1e-3;
+constexpr double kPercent = 1e-2;
+
+constexpr ParameterRow kRows[] = {
+    {.id = "roomsize",
+     .name = "$$$/StudioReverb/RoomSize=Room Size",
+     .unit = "%",
+     .hi = 100,
+     .defaultValue = 50,
+     .decimals = 0},
+    {.id = "decay",
+     .name = "$$$/StudioReverb/Decay=Decay Time",
+     .unit = "ms",
+     .lo = 100,
+     .hi = 20000,
+     .defaultValue = 1800,
+     .decimals = 0},
+    {.id = "early",
+     .name = "$$$/StudioReverb/Early=Early Reflections",
+     .unit = "%",
+     .hi = 100,
+     .defaultValue = 30,
+     .decimals = 0},
+    {.id = "width",
+     .name = "$$$/StudioReverb/Width=Stereo Width",
+     .unit = "%",
+     .hi = 100,
+     .defaultValue = 100,
+     .decimals = 0},
+    {.id = "highcut",
+     .name = "$$$/StudioReverb/HighCut=High Frequency Cut",
+     .unit = "Hz",
+     .lo = 500,
+     .hi = 20000,
+     .defaultValue = 12000,
+     .decimals = 0},
+    {.id = "lowcut",
+     .name = "$$$/StudioReverb/LowCut=Low Frequency Cut",
+     .unit = "Hz",
+     .lo = 20,
+     .hi = 1000,
+     .defaultValue = 60,
+     .decimals = 0},
+    {.id = "damping",
+     .name = "$$$/StudioReverb/Damping=Damping",
+     .unit = "%",
+     .hi = 100,
+     .defaultValue = 40,
+     .decimals = 0},
+    {.id = "diffusion",
+     .name = "$$$/StudioReverb/Diffusion=Diffusion",
+     .unit = "%",
+     .hi = 100,
+     .defaultValue = 90,
+     .decimals = 0},
+    {.id = "dry", .name = "$$$/StudioReverb/Dry=Dry Level", .unit = "%", .hi = 100, .defaultValue = 100, .decimals = 1},
+    {.id = "wet", .name = "$$$/StudioReverb/Wet=Wet Level", .unit = "%", .hi = 100, .defaultValue = 35, .decimals = 1},
+    {.id = "length",
+     .name = "$$$/StudioReverb/Length=Reverberation Length",
+     .unit = "s",
+     .hi = 22,
+     .defaultValue = 1.8F,
+     .flags = kParameterNotAutomatable | kParameterReadOnly},
+    {.id = "directratio",
+     .name = "$$$/StudioReverb/DirectRatio=Direct to Reverberant Ratio",
+     .unit = "dB",
+     .lo = -kMostDirectRatio,
+     .hi = kMostDirectRatio,
+     .defaultValue = 9.12F,
+     .decimals = 1,
+     .flags = kParameterNotAutomatable | kParameterReadOnly},
+};
+
+// From a closet to a hall.
+constexpr double kLeastVolume = 8; // cubic metres
+constexpr double kMostVolume = 20000;
+constexpr double kRoomRatio = 0.8;      // width by depth
+constexpr double kSourceLocation = 0.1; // not in the middle, where ways to both sides are alike
+constexpr double kSourceDistance = 0.6;
+
+// The tank's lines: those of the decay, or somewhat shorter and longer ones.
+constexpr double kLeastLines = 0.6;
+constexpr double kMostLines = 1.4;
+
+// The share of the decay time in which the highest frequencies decay at most damping.
+constexpr double kMostDamped = 0.1;
+constexpr double kMovement = 1;
+constexpr double kButterworthQ = std::numbers::sqrt2 / 2;
+constexpr double kMostOfRate = 0.45; // of the sample rate: beyond it there is nothing to cut
+
+} // namespace
+
+StudioReverb::StudioReverb() : ComponentBase(kStudioReverbComponentID, std::move(ParameterTable().Add(kRows))) {
+    Tell();
+}
+
+StudioReverb::~StudioReverb() = default;
+
+void StudioReverb::SetParameterValue(int index, float value) {
+    ComponentBase::SetParameterValue(index, value);
+    Tell();
+}
+
+void StudioReverb::SetParameterValueQuietly(int index, float value) {
+    ComponentBase::SetParameterValueQuietly(index, value);
+    Tell();
+}
+
+std::size_t StudioReverb::Tail() const noexcept {
+    const double seconds =
+        std::max(AudibleSeconds(Natural(kStudioReverbDecay) * kMilliseconds), EarlyReflections::kLongestSeconds);
+    return static_cast<std::size_t>(std::ceil(seconds * GetSampleRate()));
+}
+
+void StudioReverb::PrepareProcessing(std::size_t /*maximumBlock*/) {
+    const double sampleRate = GetSampleRate();
+    const kromediatypes::AudioChannelLayout& layout = GetInputBuses().front().GetLayout();
+    fRoom.Prepare(sampleRate, layout);
+    std::vector<kromediatypes::AudioChannelLabel> labels;
+    for (const std::size_t channel : fRoom.Channels())
+        labels.push_back(layout[channel]);
+    fEarly.Prepare(sampleRate, labels);
+    fTank.Prepare(sampleRate, fRoom.size());
+    fCuts.Prepare(sampleRate, fRoom.size(), 2);
+    for (SmoothedValue* const value : {&fDry, &fWet, &fWidth})
+        value->Prepare(sampleRate);
+    for (std::vector<float>* const sound : {&fSound, &fDirect, &fReflected})
+        sound->assign(fRoom.size(), 0.0F);
+}
+
+void StudioReverb::ResetProcessing() noexcept {
+    fEarly.Reset();
+    fTank.Reset();
+    fCuts.Reset();
+}
+
+void StudioReverb::ReadParameters(bool settle) noexcept {
+    const auto set = [&](SmoothedValue& value, int index) {
+        const auto share = static_cast<float>(Natural(index) * kPercent);
+        settle ? value.Settle(share) : value.SetTarget(share);
+    };
+    set(fDry, kStudioReverbDry);
+    set(fWet, kStudioReverbWet);
+    set(fWidth, kStudioReverbWidth);
+    fRoom.SetSums(false, settle);
+    ReadRoom(settle);
+    ReadCuts(settle);
+}
+
+void StudioReverb::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
+    for (std::size_t i = 0; i < block.frames; ++i) {
+        fRoom.Take(block, i);
+        fTank.Process(fRoom.Sound().data(), fSound.data());
+        fEarly.Process(fRoom.Sound(), fDirect, fReflected);
+        fCuts.Advance();
+        for (std::size_t k = 0; k < fSound.size(); ++k)
+            fSound[k] = static_cast<float>(fCuts.Process(k, double{fSound[k]} + fReflected[k]));
+        Widen(fWidth.Next());
+        const float dry = fDry.Next();
+        const float wet = fWet.Next();
+        for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
+            block.outputs[channel][i] = dry * fRoom.Dry(channel);
+        for (std::size_t k = 0; k < fSound.size(); ++k)
+            block.outputs[fRoom.Channels()[k]][i] += wet * fSound[k];
+    }
+}
+
+void StudioReverb::Tell() noexcept {
+    const auto tell = [this](int index, double natural) {
+        const float stored = GetParameterInfo(index)->ToNormalised(static_cast<float>(natural));
+        if (stored != GetParameterValue(index)) StoreParameter(index, stored);
+    };
+    tell(kStudioReverbLength, Natural(kStudioReverbDecay) * kMilliseconds);
+    tell(kStudioReverbDirectRatio, DirectRatio(Natural(kStudioReverbDry), Natural(kStudioReverbWet)));
+}
+
+void StudioReverb::ReadRoom(bool settle) noexcept {
+    const double size = Natural(kStudioReverbRoomSize) * kPercent;
+    const double decay = Natural(kStudioReverbDecay) * kMilliseconds;
+    const Room room = Room::OfVolume(kLeastVolume * std::pow(kMostVolume / kLeastVolume, size), kRoomRatio);
+    fEarly.Set({.room = room,
+                .source = room.Source(kSourceLocation, kSourceDistance),
+                .absorption = room.Absorption(decay),
+                .level = Natural(kStudioReverbEarly) * kPercent},
+               settle);
+    fTank.Set({.decay = decay,
+               .highDecay = std::pow(kMostDamped, Natural(kStudioReverbDamping) * kPercent),
+               .meanLength = MeanLineLength(decay) * (kLeastLines + (kMostLines - kLeastLines) * size),
+               .diffusion = Natural(kStudioReverbDiffusion) * kPercent,
+               .mixing = 1,
+               .movement = kMovement},
+              settle);
+}
+
+void StudioReverb::ReadCuts(bool settle) noexcept {
+    const double sampleRate = GetSampleRate();
+    const auto hertz = [&](int index) { return std::min<double>(Natural(index), kMostOfRate * sampleRate); };
+    const std::array cuts = {
+        BiquadCoefficients::LowPass(sampleRate, hertz(kStudioReverbHighCut), kButterworthQ),
+        BiquadCoefficients::HighPass(sampleRate, hertz(kStudioReverbLowCut), kButterworthQ),
+    };
+    fCuts.Set(cuts, settle);
+}
+
+// Brings the channels nearer to their mean, and keeps the power of channels that are not correlated.
+void StudioReverb::Widen(float width) noexcept {
+    if (width == 1 || fSound.size() < 2) return;
+    const auto count = static_cast<float>(fSound.size());
+    const float mean = std::accumulate(fSound.begin(), fSound.end(), 0.0F) / count;
+    const float middle = std::sqrt(count - (count - 1) * width * width);
+    for (float& sample : fSound)
+        sample = middle * mean + width * (sample - mean);
+}
+
+} // namespace qoc::components

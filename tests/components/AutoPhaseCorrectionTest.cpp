@@ -1,0 +1,166 @@
+#include "qoc/components/AutoPhaseCorrection.h"
+
+#include "MeasureSound.h"
+#include "qoc/components/ParameterIndices.h"
+
+#include <gtest/gtest.h>
+
+using namespace qoc::components;
+using kroaudiofilterhost::AudioFilter;
+using kromediatypes::AudioChannelLayout;
+using test::Channels;
+
+namespace {
+
+using Filter = boost::intrusive_ptr<AudioFilter>;
+using Settings = std::vector<std::pair<int, double>>; // natural values
+
+Filter Prepared(const Settings& settings, float rate = 44100, std::size_t channels = 2) {
+    Filter filter(new AutoPhaseCorrection);
+    for (const auto& [index, natural] : settings)
+        filter->SetParameterValue(index, filter->GetParameterInfo(index)->ToNormalised(static_cast<float>(natural)));
+    filter->Prepare(rate, 512, AudioChannelLayout::ForChannelCount(channels));
+    return filter;
+}
+
+// Noise below 0.35 times the sample rate, `late` samples late: a sinc of 128 samples under a Hann window in double
+// precision.
+std::vector<float> LateNoise(std::size_t frames, double late, unsigned seed = 1) {
+    constexpr int kReach = 64;
+    constexpr double kCutoff = 0.35;
+    const std::vector<float> noise = test::Noise(frames + 2048, seed, 0.25F);
+    const double whole = std::floor(late);
+    std::vector<double> weights;
+    for (int tap = -kReach; tap <= kReach; ++tap) {
+        const double place = tap - (late - whole);
+        const double angle = 2 * std::numbers::pi * kCutoff * place;
+        const double sinc = angle == 0 ? 1 : std::sin(angle) / angle;
+        weights.push_back(2 * kCutoff * sinc * (0.5 + 0.5 * std::cos(std::numbers::pi * place / (kReach + 1))));
+    }
+    std::vector<float> sound(frames);
+    for (std::size_t i = 0; i < frames; ++i) {
+        const auto first = static_cast<std::ptrdiff_t>(i + 1024) - static_cast<std::ptrdiff_t>(whole) + kReach;
+        double sum = 0;
+        for (std::size_t tap = 0; tap < weights.size(); ++tap)
+            sum += weights[tap] * noise[static_cast<std::size_t>(first) - tap];
+        sound[i] = static_cast<float>(sum);
+    }
+    return sound;
+}
+
+double FoundSamples(const AudioFilter& filter) {
+    const float milliseconds =
+        filter.GetParameterInfo(kAutoPhaseFoundShift)->ToNatural(filter.GetParameterValue(kAutoPhaseFoundShift));
+    return static_cast<double>(milliseconds) / 1000 * filter.GetSampleRate();
+}
+
+// From where the effect has settled.
+std::vector<float> End(const std::vector<float>& sound) {
+    return {sound.end() - 30000, sound.end()};
+}
+
+TEST(AutoPhaseCorrection, FindsAKnownDelayAndTakesItOut) {
+    struct Case {
+        float rate;
+        double late;
+    };
+    for (const auto& [rate, late] : {Case{44100, 0}, Case{44100, 3}, Case{44100, 100.5}, Case{44100, -200.25},
+                                     Case{48000, -31.62}, Case{96000, 7.3}, Case{192000, 100.5}}) {
+        const auto frames = static_cast<std::size_t>(1.2 * rate) + 50000;
+        const Channels input = {LateNoise(frames, 0), LateNoise(frames, late)};
+        const Filter filter = Prepared({}, rate);
+        const Channels output = test::Processed(*filter, input);
+        EXPECT_NEAR(FoundSamples(*filter), late, 0.1) << rate;
+        EXPECT_LT(test::NullDecibels(End(output[0]), End(output[1]), 0), -40) << late << " at " << rate;
+        // The reference is only later.
+        const std::vector<float> ended(input[0].end() - 30000 - static_cast<std::ptrdiff_t>(filter->Latency()),
+                                       input[0].end() - static_cast<std::ptrdiff_t>(filter->Latency()));
+        EXPECT_LT(test::NullDecibels(ended, End(output[0]), 0), -110);
+    }
+}
+
+TEST(AutoPhaseCorrection, EverySizeAndResolutionFindsTheDelayBesideOtherSounds) {
+    Channels input = {LateNoise(120000, 0), LateNoise(120000, 12.4)};
+    const auto beside = LateNoise(120000, 0, 77); // on the right alone, 6 dB below
+    for (std::size_t i = 0; i < beside.size(); ++i)
+        input[1][i] += beside[i] / 2;
+    for (const double size : {0.0, 2.0, 4.0}) {
+        for (const double resolution : {0.0, 2.0}) {
+            const Filter filter = Prepared({{kAutoPhaseAnalysisSize, size}, {kAutoPhaseTimeResolution, resolution}});
+            test::Processed(*filter, input);
+            EXPECT_NEAR(FoundSamples(*filter), 12.4, 0.1) << size << " " << resolution;
+        }
+    }
+}
+
+TEST(AutoPhaseCorrection, LeavesSoundsAloneThatHaveNothingInCommon) {
+    const Channels input = {LateNoise(100000, 0, 1), LateNoise(100000, 0, 99)};
+    const Filter filter = Prepared({});
+    const Channels output = test::Processed(*filter, input);
+    EXPECT_EQ(FoundSamples(*filter), 0);
+    const std::vector<float> ended(input[1].end() - 30000 - static_cast<std::ptrdiff_t>(filter->Latency()),
+                                   input[1].end() - static_cast<std::ptrdiff_t>(filter->Latency()));
+    EXPECT_LT(test::NullDecibels(ended, End(output[1]), 0), -15);
+}
+
+// Opposite polarity, and an all-pass of first order.
+TEST(AutoPhaseCorrection, TurnsPhasesFrequencyByFrequency) {
+    Channels input(2, LateNoise(100000, 0));
+    for (float& sample : input[1])
+        sample = -sample;
+    EXPECT_LT(test::NullDecibels(End(test::Processed(*Prepared({}), input)[0]),
+                                 End(test::Processed(*Prepared({}), input)[1]), 0),
+              -60);
+    float before = 0;
+    float after = 0;
+    constexpr float kAllPass = -0.7F; // turns by 90 degrees at 2.4 kHz
+    for (std::size_t i = 0; i < input[0].size(); ++i) {
+        after = kAllPass * input[0][i] + before - kAllPass * after;
+        before = input[0][i];
+        input[1][i] = after;
+    }
+    const double apart = test::NullDecibels(End(input[0]), End(input[1]), 0);
+    const Settings settings = {{kAutoPhaseGlobalTimeShift, 0}, {kAutoPhaseSmoothing, 0}};
+    const Channels output = test::Processed(*Prepared(settings), input);
+    EXPECT_LT(test::NullDecibels(End(output[0]), End(output[1]), 0), std::min(apart - 20, -20.0));
+}
+
+TEST(AutoPhaseCorrection, AlignsEveryChannelToTheReferenceThatIsChosen) {
+    Channels input;
+    for (const double late : {5.0, -8.25, 0.0, 14.5, 2.75, -3.5})
+        input.push_back(LateNoise(90000, late));
+    const Channels output = test::Processed(*Prepared({{kAutoPhaseChannel, 2}}, 48000, 6), input);
+    for (const auto& channel : output)
+        EXPECT_LT(test::NullDecibels(End(output[2]), End(channel), 0), -40);
+}
+
+TEST(AutoPhaseCorrection, BalancesLevelsWhenAsked) {
+    Channels input(2, LateNoise(100000, 0));
+    for (float& sample : input[1])
+        sample *= 0.5F;
+    const Channels output = test::Processed(*Prepared({{kAutoPhaseBalance, 1}}), input);
+    EXPECT_NEAR(10 * std::log10(test::Energy(End(output[1])) / test::Energy(End(output[0]))), 0, 0.05);
+}
+
+// 1 ms later and a quarter turn ahead, whatever the sounds.
+TEST(AutoPhaseCorrection, MovesAndTurnsByHand) {
+    const Filter filter =
+        Prepared({{kAutoPhaseAutoAlign, 0}, {kAutoPhaseTimeShift, 1}, {kAutoPhasePhaseShift, 90}}, 48000);
+    const Channels input(2, test::Sine(1000, 60000, 48000));
+    const Channels output = test::Processed(*filter, input);
+    // A whole period later is where it was; a quarter turn makes a cosine of a sine.
+    for (std::size_t i = 40000; i < 60000; ++i) {
+        const double angle = 2 * std::numbers::pi * 1000 * static_cast<double>(i - filter->Latency()) / 48000;
+        ASSERT_NEAR(output[0][i], 0.5 * std::sin(angle), 1e-4);
+        ASSERT_NEAR(output[1][i], 0.5 * std::cos(angle), 1e-3);
+    }
+}
+
+TEST(AutoPhaseCorrection, OneChannelComesOutAtOnceAndUntouched) {
+    const Channels mono = test::NoiseChannels(1, 2000);
+    const Filter filter = Prepared({}, 48000, 1);
+    EXPECT_EQ(filter->Latency(), 0U);
+    EXPECT_TRUE(test::Processed(*filter, mono) == mono);
+}
+
+} // namespace

@@ -1,0 +1,180 @@
+#include "qoc/components/Chorus.h"
+
+#include "MeasureSound.h"
+#include "qoc/components/ParameterIndices.h"
+
+#include <gtest/gtest.h>
+
+using namespace qoc::components;
+using kroaudiofilterhost::AudioFilter;
+using kromediatypes::AudioChannelLayout;
+
+namespace {
+
+// In the parameters' natural units.
+struct Setting {
+    int voices = 1;
+    double delay = 20;
+    double rate = 1;
+    double depth = 0;
+    double feedback = 0;
+    double spread = 0;
+    double levelDepth = 0;
+    double levelRate = 1;
+    bool average = false;
+    bool binaural = false;
+    double width = 100;
+    double mix = 100;
+};
+
+boost::intrusive_ptr<AudioFilter> Prepared(const Setting& setting, std::size_t channels = 1, float rate = 44100) {
+    boost::intrusive_ptr<AudioFilter> filter(new Chorus);
+    const double stored[] = {(setting.voices - 1) / 7.0,
+                             setting.delay / 90,
+                             (setting.rate - 0.01) / 9.99,
+                             setting.depth / 100,
+                             setting.feedback / 95,
+                             setting.spread / 200,
+                             setting.levelDepth / 24,
+                             (setting.levelRate - 0.01) / 9.99,
+                             1,
+                             setting.average ? 1.0 : 0.0,
+                             setting.binaural ? 1.0 : 0.0,
+                             setting.width / 100,
+                             setting.mix / 100};
+    for (int index = kChorusVoices; index <= kChorusMix; ++index)
+        filter->SetParameterValue(index, static_cast<float>(stored[index]));
+    filter->Prepare(rate, 8192, AudioChannelLayout::ForChannelCount(channels));
+    return filter;
+}
+
+// By how many seconds a tone of 1 kHz has been delayed, and its amplitude, ever 10 ms: from its phase against the tone
+// that went in, followed from one place to the next. The first 100 ms are left out.
+struct Track {
+    std::vector<double> seconds;
+    std::vector<double> delays;
+    std::vector<double> amplitudes;
+};
+
+Track Followed(const std::vector<float>& output, double rate, double firstDelay) {
+    constexpr double kHertz = 1000;
+    const auto window = static_cast<std::size_t>(rate / 100);
+    Track track;
+    double before = firstDelay;
+    for (std::size_t start = 10 * window; start + window <= output.size(); start += window) {
+        std::complex<double> sum;
+        for (std::size_t i = start; i < start + window; ++i)
+            sum += double{output[i]} *
+                   std::polar(2.0 / static_cast<double>(window),
+                              -2 * std::numbers::pi * kHertz * static_cast<double>(i) / rate + std::numbers::pi / 2);
+        const double late = -std::arg(sum) / (2 * std::numbers::pi * kHertz);
+        before = late + std::round((before - late) * kHertz) / kHertz;
+        track.seconds.push_back((static_cast<double>(start) + static_cast<double>(window - 1) / 2) / rate);
+        track.delays.push_back(before);
+        track.amplitudes.push_back(std::abs(sum));
+    }
+    return track;
+}
+
+// delay * (1 - depth * (1 - sin) / 2). After 8 s a rate that is off by 1e-4 would be off by 0.5 % of the swing.
+TEST(Chorus, AVoiceFollowsItsRateAndDepthExactly) {
+    struct Case {
+        double delay; // ms
+        double rate;
+        double depth; // percent
+        float sampleRate;
+    };
+    const Case cases[] = {
+        {20, 0.5, 20, 44100}, {90, 0.1, 50, 48000}, {5, 1, 100, 96000}, {3, 1, 40, 192000}, {10, 0.01, 80, 44100}};
+    for (const Case& each : cases) {
+        const auto filter = Prepared({.delay = each.delay, .rate = each.rate, .depth = each.depth}, 1, each.sampleRate);
+        const auto output = test::Processed(
+            *filter, {test::Sine(1000, static_cast<std::size_t>(8 * each.sampleRate), each.sampleRate)})[0];
+        const double swing = each.delay / 1000 * each.depth / 100;
+        const auto expected = [&](double seconds) {
+            return each.delay / 1000 - swing * (1 - std::sin(2 * std::numbers::pi * each.rate * seconds)) / 2;
+        };
+        const Track track = Followed(output, each.sampleRate, expected(0.105));
+        for (std::size_t i = 0; i < track.delays.size(); ++i)
+            ASSERT_NEAR(track.delays[i], expected(track.seconds[i]), 0.01 * swing) << each.delay << " " << i;
+    }
+}
+
+TEST(Chorus, TheLevelSwingsByItsDepth) {
+    const auto filter = Prepared({.levelDepth = 12, .levelRate = 0.5});
+    const Track track = Followed(test::Processed(*filter, {test::Sine(1000, 8 * 44100, 44100)})[0], 44100, 0.02);
+    for (std::size_t i = 0; i < track.amplitudes.size(); ++i) {
+        const double below = 12 * (1 - std::sin(std::numbers::pi * track.seconds[i])) / 2;
+        ASSERT_NEAR(test::Decibels(track.amplitudes[i] / 0.5), -below, 0.05) << track.seconds[i];
+    }
+}
+
+std::vector<std::size_t> Peaks(const std::vector<float>& response) {
+    std::vector<std::size_t> peaks;
+    for (std::size_t i = 0; i < response.size(); ++i)
+        if (std::abs(response[i]) > 0.1) peaks.push_back(i);
+    return peaks;
+}
+
+// At 48 kHz 10 ms are 480 samples. The places of the first three voices in the spread are the golden ratio's multiples.
+TEST(Chorus, TheSpreadSetsVoicesBack) {
+    const auto filter = Prepared({.voices = 3, .delay = 10, .spread = 100}, 1, 48000);
+    const auto response = test::ImpulseResponse(*filter, 10000)[0];
+    const double golden = (std::sqrt(5.0) - 1) / 2;
+    const double expected[] = {480, 480 + 4800 * (2 * golden - 1), 480 + 4800 * golden};
+    // Between two samples, a voice has two large values.
+    for (const double place : expected) {
+        double sum = 0;
+        double moment = 0;
+        for (auto i = static_cast<std::size_t>(place) - 5; i < static_cast<std::size_t>(place) + 7; ++i) {
+            sum += response[i];
+            moment += response[i] * static_cast<double>(i);
+        }
+        EXPECT_NEAR(sum, 1 / std::sqrt(3.0), 1e-4) << place;
+        EXPECT_NEAR(moment / sum, place, 0.01);
+    }
+}
+
+TEST(Chorus, TheFeedbackRepeatsWhatAVoiceSings) {
+    const auto filter = Prepared({.delay = 10, .feedback = 50}, 1, 48000);
+    const auto response = test::ImpulseResponse(*filter, 3000)[0];
+    EXPECT_EQ(Peaks(response), (std::vector<std::size_t>{480, 960, 1440, 1920}));
+    EXPECT_NEAR(response[1440], 0.25, 1e-4);
+}
+
+TEST(Chorus, VoicesStandFromLeftToRightAndTheFartherEarHearsThemLater) {
+    const double lag = 0.0875 / 343 * (std::numbers::pi / 2 + 1) * 48000; // 31.5 samples
+    const auto near = static_cast<std::size_t>(480);
+    const auto far = static_cast<std::size_t>(480 + lag);
+    for (const double width : {0.0, 50.0, 100.0}) {
+        const auto response = test::ImpulseResponse(
+            *Prepared({.voices = 2, .delay = 10, .binaural = true, .width = width}, 2, 48000), 4000);
+        const double side = width / 100;
+        if (width == 0) {
+            EXPECT_NEAR(response[0][near], std::sqrt(2.0), 1e-4);
+        } else {
+            EXPECT_NEAR(response[0][near], std::sqrt((1 + side) / 2), 1e-4);
+            EXPECT_NEAR(response[1][near], std::sqrt((1 + side) / 2), 1e-4);
+        }
+        if (width == 50) {
+            EXPECT_GT(std::abs(response[0][480 + 15]) + std::abs(response[0][480 + 16]), 0.4);
+        }
+    }
+    EXPECT_EQ(far, 511U);
+}
+
+TEST(Chorus, WithTheAverageBothSidesHearTheMean) {
+    const auto filter = Prepared({.delay = 10, .average = true}, 2, 48000);
+    test::Channels input(2, std::vector<float>(2000));
+    input[1][0] = 1;
+    const auto output = test::Processed(*filter, input);
+    EXPECT_NEAR(output[0][480], 0.5, 1e-5);
+    EXPECT_NEAR(output[1][480], 0.5, 1e-5);
+}
+
+TEST(Chorus, WithoutAMixTheSoundIsBitExact) {
+    const auto input = test::NoiseChannels(6, 5000);
+    EXPECT_TRUE(test::Processed(*Prepared({.voices = 8, .depth = 50, .feedback = 80, .mix = 0}, 6), input) == input);
+}
+
+} // namespace
