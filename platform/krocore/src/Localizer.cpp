@@ -16,7 +16,8 @@ constexpr std::string_view kKeyMark = "$$$/";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 // Escapes and what they stand for, in UTF-8.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 3> kEscapes{{
+constexpr std::array<std::pair<std::string_view, std::string_view>, 4> kEscapes{{
+    {"#{cubed}", "\xC2\xB3"},
     {"#{deg}", "\xC2\xB0"},
     {"#{endl}", "\n"},
     {"#{hash}", "#"},
