@@ -62,7 +62,7 @@ void UI_PictureButton::UI_Draw(limner::Limner* context) {
 
 void UI_PictureButton::UI_NodeChanged(NodeChange change) {
     UI_Button::UI_NodeChanged(change);
-    if (change == kThemeChanged) fImage.Forget();
+    if (change == kAttached || change == kThemeChanged) fImage.Forget();
 }
 
 const ui::PropertyTable& UI_PictureButton::UI_GetPropertyTable() const {

@@ -119,7 +119,7 @@ void UI_PictureTextButton::UI_Draw(limner::Limner* context) {
 
 void UI_PictureTextButton::UI_NodeChanged(NodeChange change) {
     UI_Button::UI_NodeChanged(change);
-    if (change == kThemeChanged) fImage.Forget();
+    if (change == kAttached || change == kThemeChanged) fImage.Forget();
 }
 
 ui::AccessibleInfo UI_PictureTextButton::UI_GetAccessibleInfo() const {

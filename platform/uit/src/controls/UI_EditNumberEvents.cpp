@@ -156,6 +156,7 @@ kroui::ui::AccessibleInfo UI_EditNumber::UI_GetAccessibleInfo() const {
     info.role = kroui::ui::Role::kNumber;
     // The band of an equaliser has its name under the slider.
     info.name = !GetLabel().empty() ? GetLabel() : !fDescription2.empty() ? fDescription2 : fDescription1;
+    if (info.name.empty()) info.name = UI_GetTooltip();
     info.value = FormatValue();
     if (!GetUnitLabel().empty()) info.value.append(u" ").append(GetUnitLabel());
     return info;

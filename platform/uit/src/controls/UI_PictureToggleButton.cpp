@@ -66,7 +66,7 @@ void UI_PictureToggleButton::UI_Draw(kroui::limner::Limner* context) {
 
 void UI_PictureToggleButton::UI_NodeChanged(NodeChange change) {
     UI_Button::UI_NodeChanged(change);
-    if (change != kThemeChanged) return;
+    if (change != kAttached && change != kThemeChanged) return;
     fOn.Forget();
     fOff.Forget();
 }
