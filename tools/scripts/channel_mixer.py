@@ -50,8 +50,8 @@ least_level: 0.00001;""")
 channel_count <== {from_input(COUNT_INPUT, "channel_count")};
 output_channels <== get_output_channel_abbrev_array();
 unlink channel <== channel == empty || channel >= channel_count ? 0 : channel;
-unmixed_note <== channel < {len(CHANNELS)} ? "" :
-    "$$$/ChannelMixerUI/Unmixed=Channels from the ninth on stay as they are.";
+channel_note <== channel < {len(CHANNELS)} ? "$$$/ChannelMixerUI/Sum=is the sum of these inputs:" :
+    "$$$/ChannelMixerUI/Unmixed=stays as it is, as all channels from the ninth on.";
 """)
     lines += [""]
     for source in CHANNELS:
@@ -87,7 +87,7 @@ def amount(output, source):
 optional(bind: @has_input{source})
 {{
     aud_edit_number(bind: @amount_{output}_{source}, min_max_filter: @amount_filter, unit_label: "%",
-        digits: 6, decimal_places: 1, increment: 1, min_slider_width: 240);
+        identifier: "Amount_{output}_{source}", digits: 6, decimal_places: 1, increment: 1, min_slider_width: 240);
 }}"""
 
 
@@ -95,28 +95,30 @@ def invert(output, source):
     return f"""
 optional(bind: @has_input{source})
 {{
-    checkbox(name: "$$$/ChannelMixerUI/Invert=Invert", bind: @invert_{output}_{source});
+    checkbox(name: "$$$/ChannelMixerUI/Invert=Invert", bind: @invert_{output}_{source},
+        identifier: "Invert_{output}_{source}");
 }}"""
 
 
 def page(output):
-    lines = [f"optional(bind: @channel, value: {output - 1}, placement: @place_row, spacing: 16)", "{"]
+    lines = [f"optional(bind: @channel, value: {output - 1})", "{"]
+    lines += indented("row(spacing: 16)\n{")
     for widget in (amount, invert):
-        lines += indented("column()\n{")
+        lines += indented("column()\n{", 2)
         for source in CHANNELS:
-            lines += indented(widget(output, source), 2)
-        lines += indented("}")
-    return lines + ["}"]
+            lines += indented(widget(output, source), 3)
+        lines += indented("}", 2)
+    return lines + indented("}") + ["}"]
 
 
 def layout():
     lines = [f"layout {NAME}", "{", "view subview()", "{"]
     lines += indented("""
-row(spacing: 16)
+row()
 {
     popup(name: "$$$/ChannelMixerUI/OutputChannel=Output Channel:", bind: @channel, items: @output_channels,
         identifier: "Popup_OutputChannel");
-    static_text(name: @unmixed_note);
+    static_text(name: @channel_note);
 }
 separator();
 row(spacing: 16)
@@ -132,7 +134,11 @@ optional(bind: @has_input{source})
     lines += indented("}", 1)
     for output in CHANNELS:
         lines += indented("\n".join(page(output)), 1)
-    return lines + indented("}") + ["}", "}"]
+    lines += indented("}")
+    lines += indented("""
+separator();
+static_text(name: "$$$/ChannelMixerUI/BelowZero=Amounts below 0 % are inverted.");""")
+    return lines + ["}", "}"]
 
 
 def main():

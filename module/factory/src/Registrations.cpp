@@ -7,6 +7,7 @@
 #include "qocui/ui/AmplifyEditorView.h"
 #include "qocui/ui/AutoPitchCorrectView.h"
 #include "qocui/ui/DopplerEditorView.h"
+#include "qocui/ui/DynamicsEditorView.h"
 #include "qocui/ui/FFTFilterEditorView.h"
 #include "qocui/ui/GraphicPhaseShifterEditorView.h"
 #include "qocui/ui/NotchFilterEditorView.h"
@@ -51,6 +52,12 @@ Creator ScriptView(const char* name) {
     return boost::bind(&CreateScriptView, boost::placeholders::_1, name);
 }
 
+// A script view that sets itself up: no Init.
+boost::intrusive_ptr<controls::AudioComponentEditorViewBase>
+CreateDynamicsView(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter) {
+    return new ui::DynamicsEditorView(std::move(filter));
+}
+
 // A component whose editor this version does not have: not registered, so no view is made for it.
 const Creator kNone;
 
@@ -60,28 +67,28 @@ const ComponentUIFactoryRegistrar sRegistrars[] = {
     {kDopplerComponentID, &CreateView<ui::DopplerEditorView>},
     {kStereoExpanderComponentID, &CreateView<ui::StereoExpanderEditorView>},
     {kNotchComponentID, &CreateView<ui::NotchFilterEditorView>},
-    {kAdaptiveNoiseReductionComponentID, kNone},
-    {kAutoClickRemoverComponentID, kNone},
-    {kAutoPhaseCorrectionComponentID, kNone},
-    {kCenterChannelExtractComponentID, kNone},
-    {kChannelMixerComponentID, kNone},
-    {kChorusComponentID, kNone},
-    {kDelayComponentID, kNone},
-    {kEchoComponentID, kNone},
-    {kFlangerComponentID, kNone},
-    {kFullReverbComponentID, kNone},
+    {kAdaptiveNoiseReductionComponentID, ScriptView("AdaptiveNoiseReductionUI")},
+    {kAutoClickRemoverComponentID, ScriptView("AutoClickRemoverUI")},
+    {kAutoPhaseCorrectionComponentID, ScriptView("AutoPhaseCorrectionUI")},
+    {kCenterChannelExtractComponentID, ScriptView("CenterChannelExtractUI")},
+    {kChannelMixerComponentID, ScriptView("ChannelMixerUI")},
+    {kChorusComponentID, ScriptView("ChorusUI")},
+    {kDelayComponentID, ScriptView("DelayUI")},
+    {kEchoComponentID, ScriptView("EchoUI")},
+    {kFlangerComponentID, ScriptView("FlangerUI")},
+    {kFullReverbComponentID, ScriptView("FullReverbUI")},
     {kGraphicEQ10BandsComponentID, ScriptView("GraphicEQ10Bands")},
     {kGraphicEQ20BandsComponentID, ScriptView("GraphicEQ20BandsUI")},
     {kGraphicEQ30BandsComponentID, ScriptView("GraphicEQ30BandsUI")},
     {kHardLimiterComponentID, ScriptView("HardLimiterUI")},
-    {kIntraClipComponentComponentID, kNone},
-    {kParametricEQComponentID, kNone},
-    {kReverbComponentID, kNone},
-    {kStudioReverbComponentID, kNone},
+    {kIntraClipComponentComponentID, ScriptView("IntraClipUI")},
+    {kParametricEQComponentID, ScriptView("ParametricEQ")},
+    {kReverbComponentID, ScriptView("ReverbUI")},
+    {kStudioReverbComponentID, ScriptView("StudioReverbUI")},
     {kScientificFilterComponentID, &CreateView<ui::ScientificFilterEditorView>},
     {kPitchCorrectComponentID, &CreateView<ui::AutoPitchCorrectView>},
     {kAmplifyComponentID, &CreateView<ui::AmplifyEditorView>},
-    {kDynamicsComponentID, kNone},
+    {kDynamicsComponentID, &CreateDynamicsView},
     {kFFTFilterComponentID, &CreateView<ui::FFTFilterEditorView>},
 };
 
