@@ -43,6 +43,7 @@ TEST_F(LocalizerTest, WithoutADictionaryDefaultsAreShown) {
 
 TEST_F(LocalizerTest, EscapesAreExpanded) {
     EXPECT_EQ(Shown("$$$/D/deg180=180#{deg}"), "180\xC2\xB0");
+    EXPECT_EQ(Shown("m#{cubed}"), "m\xC2\xB3");
     EXPECT_EQ(Shown("a#{endl}b#{hash}{deg}"), "a\nb#{deg}");
     EXPECT_EQ(Shown("#1 #{unknown} #{deg #"), "#1 #{unknown} #{deg #");
 }

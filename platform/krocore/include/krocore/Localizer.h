@@ -20,8 +20,8 @@ public:
     static Localizer& Get();
 
     // The text for a key; a key without "=" that no dictionary has is shown itself. Text that is not a key ("$$$/" in
-    // front) comes back as it is, apart from its escapes: "#{deg}" is the degree sign; "#{endl}" a line end; "#{hash}"
-    // a "#"; an escape that is not known stays as written.
+    // front) comes back as it is, apart from its escapes: "#{deg}" is the degree sign, "#{cubed}" a raised 3, "#{endl}"
+    // a line end, "#{hash}" a "#"; an escape that is not known stays as written.
     string16 Localize(std::string_view key) const;
 
     // An archive's reference to a text: a key in parentheses is localised, anything else is taken as it stands.

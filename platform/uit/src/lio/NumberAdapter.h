@@ -1,7 +1,7 @@
 #pragma once
 
-#include "uit/lio/AttributeValues.h"
 #include "ControlAdapter.h"
+#include "uit/lio/AttributeValues.h"
 
 #include "kroui/controls/UI_InteractiveControlView.h"
 #include "kroui/controls/ValueControl.h"
