@@ -231,7 +231,7 @@ TEST_F(WorkbenchFixture, NothingIsPaintedWhileNothingHappens) {
 
 TEST_F(WorkbenchFixture, TreeTextTellsIdRoleNameValueAndPlace) {
     const std::string tree = DescribeTree(fWindow.Window());
-    EXPECT_NE(tree.find("play\tbutton\tPlay (Space)\t\t36\t708\t40\t40\tenabled\n"), std::string::npos) << tree;
+    EXPECT_NE(tree.find("play\tbutton\tPlay (Space)\t\t36\t828\t40\t40\tenabled\n"), std::string::npos) << tree;
     EXPECT_NE(tree.find("LinkChannels\tcheckbox\tLink Channels\ton\t"), std::string::npos);
     EXPECT_NE(tree.find("effect-amplify\tlist-item\tAmplify\tselected\t"), std::string::npos);
 }

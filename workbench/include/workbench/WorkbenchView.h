@@ -16,7 +16,7 @@ namespace workbench {
 // the parts. Takes sound files dropped on it and, while attached, the keys that no control uses.
 class WorkbenchView final : public kroui::ui::UI_Node {
 public:
-    static constexpr kroui::Size kDefaultSize = {1280, 800};
+    static constexpr kroui::Size kDefaultSize = {1440, 920};
     static constexpr kroui::Size kSmallestSize = {900, 600};
 
     // Session and source outlive the view. `panels` makes the panels; null: they are as the library has them. If it
