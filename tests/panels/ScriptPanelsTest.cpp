@@ -271,6 +271,13 @@ double Tolerance(const AudioFilterParameterInfo& info) {
     return 1e-6 * std::abs(info.ToNatural(1) - info.ToNatural(0));
 }
 
+// What the effect takes the value for: of a switch or a choice, what is nearest.
+float StandsFor(const AudioFilterParameterInfo& info, float value) {
+    using Kind = AudioFilterParameterInfo::Kind;
+    if (info.GetKind() == Kind::kChoice) return info.FromItem(info.ToItem(value));
+    return info.GetKind() == Kind::kSwitch ? std::round(value) : value;
+}
+
 // The value goes to the cell as the effect understands it, and from there to the output as it came.
 void ExpectCarried(orrin::sheet_t& sheet, const Parameter& parameter, const AudioFilterParameterInfo& info,
                    float value) {
@@ -283,9 +290,9 @@ void ExpectCarried(orrin::sheet_t& sheet, const Parameter& parameter, const Audi
     if (isSwitch)
         EXPECT_EQ(cell.get<bool>(), info.ToText(value) == info.ToText(1));
     else
-        EXPECT_NEAR(cell.get<double>(), info.ToNatural(value), Tolerance(info));
+        EXPECT_NEAR(cell.get<double>(), info.ToNatural(StandsFor(info, value)), Tolerance(info));
     if (parameter.isShownOnly) return;
-    EXPECT_EQ(OutputOf(sheet, parameter.index), isSwitch ? std::round(value) : value);
+    EXPECT_EQ(OutputOf(sheet, parameter.index), StandsFor(info, value));
 }
 
 // What the user sets goes out through the effect's own formula.

@@ -91,10 +91,11 @@ float GenericParameterInfo::ItemValue(int item) const noexcept {
     return index < fRow.itemValues.size() ? fRow.itemValues[index] : static_cast<float>(item);
 }
 
+// Half-way between two it is the later one, as a switch is on from the middle.
 int GenericParameterInfo::NearestItem(float natural) const noexcept {
     int nearest = 0;
     for (int item = 1; item < static_cast<int>(fRow.items.size()); ++item) {
-        if (std::abs(ItemValue(item) - natural) < std::abs(ItemValue(nearest) - natural)) nearest = item;
+        if (std::abs(ItemValue(item) - natural) <= std::abs(ItemValue(nearest) - natural)) nearest = item;
     }
     return nearest;
 }
