@@ -3,6 +3,7 @@
 #include "krocore/NumberFormat.h"
 #include "qoc/components/MultiChannelComponentBase.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,9 @@ public:
         value = displayValue;
         return true;
     }
+    float GetSampleRate() const noexcept override {
+        return sampleRate ? *sampleRate : MultiChannelComponentBase::GetSampleRate();
+    }
     void Process(const kroaudiofilterhost::AudioFilterBlock&) noexcept override {}
 
     // As automation does: no trace in the log.
@@ -52,6 +56,7 @@ public:
     }
 
     std::vector<std::string> log;
+    std::optional<float> sampleRate; // in place of the prepared one, as of a filter that knows none yet
     mutable int identifierQueries = 0;
     int displayIndex = -1;
     float displayValue = 0;

@@ -77,7 +77,7 @@ public:
     std::size_t GetNumberOfOutputChannels() const noexcept { return fOutputBuses.front().GetLayout().size(); }
 
     // Hertz; 44100 until the filter is prepared.
-    float GetSampleRate() const noexcept { return fSampleRate; }
+    virtual float GetSampleRate() const noexcept { return fSampleRate; }
     // Length of the sound that is processed, in samples; 0 when it is not known.
     double GetDuration() const noexcept { return fDuration; }
     // Whether the engine does not run the filter at present.
