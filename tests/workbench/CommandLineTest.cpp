@@ -1,9 +1,12 @@
 #include "host/AudioFile.h"
 #include "host/TestSignal.h"
+#include "qoc/components/EffectCatalogue.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sndfile.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cmath>
@@ -13,6 +16,7 @@
 #include <fstream>
 #include <iterator>
 #include <spawn.h>
+#include <sstream>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -91,6 +95,7 @@ TEST_F(CommandLine, WrongUsageExitsWithTwoAndAShortUsage) {
         {"snapshot", "--effect", "amplify", "--channels", "33", "x.png"},
         {"snapshot", "--effect", "amplify", "--scripts", "hardlimiterui", "x.png"},
         {"params"},
+        {"params", "amplify", "--format", "xml"},
         {"check"},
         {"--nonsense"},
     };
@@ -117,6 +122,7 @@ TEST_F(CommandLine, FailuresNameTheFileOrWordAndExitWithOne) {
         {{"render", "--effect", "amplify", "--set", "gain1=-600", Path("in.wav"), Path("o.wav")}, "gain1=-600"},
         {{"render", "--effect", "amplify", "--set", "volume=1", Path("in.wav"), Path("o.wav")}, "volume"},
         {{"render", "--effect", "nonesuch", Path("in.wav"), Path("o.wav")}, "nonesuch"},
+        {{"render", "--effect", "amplify", "--preset", "none", Path("in.wav"), Path("o.wav")}, "none"},
         {{"params", "nonesuch"}, "nonesuch"},
         {{"snapshot", "--effect", "amplify", Path("no/such/o.png")}, "no/such/o.png"},
         {{"gallery", Path("text.wav")}, "text.wav"},
@@ -128,6 +134,52 @@ TEST_F(CommandLine, FailuresNameTheFileOrWordAndExitWithOne) {
         EXPECT_THAT(outcome.errors, HasSubstr(c.named));
     }
     EXPECT_FALSE(std::filesystem::exists(Path("o.wav")));
+}
+
+TEST_F(CommandLine, EveryPresetOfEveryEffectRenders) {
+    qohost::WriteAudioFile(Path("in.wav"), qohost::MakeTestSignal(0.1), SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+    for (const auto& effect : qoc::components::AllEffects()) {
+        const std::string name(effect.shortName);
+        std::istringstream presets(Run({"presets", name}).output);
+        int count = 0;
+        for (std::string preset; std::getline(presets, preset); ++count) {
+            SCOPED_TRACE(name + ": " + preset);
+            const Outcome outcome =
+                Run({"render", "--effect", name, "--preset", preset, Path("in.wav"), Path("out.wav")});
+            EXPECT_EQ(outcome.exitCode, 0);
+            EXPECT_EQ(outcome.errors, "");
+            float peak = 0;
+            for (const auto& channel : qohost::ReadAudioFile(Path("out.wav")).sound.channels)
+                for (const float sample : channel)
+                    peak = std::max(peak, std::isfinite(sample) ? std::abs(sample) : INFINITY);
+            EXPECT_GT(peak, 1e-3F);
+            EXPECT_LT(peak, 10);
+        }
+        EXPECT_GE(count, 3) << name;
+    }
+}
+
+TEST_F(CommandLine, PresetFilesAreWrittenAndComeBeforeTheSettings) {
+    const Outcome made = Run({"preset", "--effect", "amplify", "--preset", "-6 DB", "--set", "link=off", "--set",
+                              "gain2=-96", Path("mine.json")});
+    ASSERT_EQ(made.exitCode, 0) << made.errors;
+    EXPECT_THAT(Text("mine.json"), HasSubstr("\"mine\""));
+    qohost::Sound sound = qohost::Sound::Silent(44100, kromediatypes::AudioChannelLayout::Stereo(), 4410);
+    for (auto& channel : sound.channels)
+        std::ranges::fill(channel, 0.25F);
+    qohost::WriteAudioFile(Path("in.wav"), sound, 0);
+    const Outcome outcome = Run({"render", "--effect", "amplify", "--preset", Path("mine.json"), "--set", "gain2=6",
+                                 Path("in.wav"), Path("out.wav")});
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+    const qohost::Sound result = qohost::ReadAudioFile(Path("out.wav")).sound;
+    constexpr float kRounding = 1e-4F; // of 16 bits
+    EXPECT_NEAR(result.channels[0].back(), 0.25 * std::pow(10, -6 / 20.0), kRounding);
+    EXPECT_NEAR(result.channels[1].back(), 0.25 * std::pow(10, 6 / 20.0), kRounding);
+    const Outcome wrong =
+        Run({"render", "--effect", "notch", "--preset", Path("mine.json"), Path("in.wav"), Path("none.wav")});
+    EXPECT_EQ(wrong.exitCode, 1);
+    EXPECT_THAT(wrong.errors, HasSubstr("qoc.Amplify"));
+    EXPECT_FALSE(std::filesystem::exists(Path("none.wav")));
 }
 
 TEST_F(CommandLine, RenderAppliesTheSettingsInPlaceToo) {
@@ -180,6 +232,10 @@ TEST_F(CommandLine, ListsNameEffectsAndParametersWithRangesAndDefaults) {
                                  "1      link      Link Channels  Off, On           On\n"
                                  "2      gain1     Gain 1         -96 dB ... 48 dB  0 dB\n"
                                  "3      gain2     Gain 2         -96 dB ... 48 dB  0 dB\n");
+    EXPECT_EQ(Run({"params", "stereoexpander", "--format", "tsv"}).output,
+              "INDEX\tID\tNAME\tRANGE\tDEFAULT\n"
+              "0\tpan\tCenter Channel Pan\t-100 % ... 100 %\t0 %\n"
+              "1\texpand\tStereo Expand\t0 % ... 300 %\t100 %\n");
     EXPECT_EQ(Run({"--help"}).exitCode, 0);
     EXPECT_THAT(Run({"--version"}).output, StartsWith("workbench "));
 }

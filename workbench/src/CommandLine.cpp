@@ -5,6 +5,7 @@
 #include "workbench/EffectTables.h"
 #include "workbench/OpenCommand.h"
 #include "workbench/PanelsLibrary.h"
+#include "workbench/PresetCommand.h"
 #include "workbench/RenderCommand.h"
 #include "workbench/SnapshotCommand.h"
 
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -22,8 +24,10 @@ namespace {
 
 constexpr const char* kUsage = R"(usage: workbench [open] [--effect NAME | --scripts NAME] [--watch DIR] [FILE]
        workbench list
-       workbench params EFFECT
-       workbench render --effect NAME [--set PARAM=VALUE]... IN OUT
+       workbench params EFFECT [--format table|tsv]
+       workbench presets EFFECT
+       workbench preset --effect NAME [--preset NAME|FILE] [--set PARAM=VALUE]... OUT.json
+       workbench render --effect NAME [--preset NAME|FILE] [--set PARAM=VALUE]... IN OUT
        workbench snapshot (--effect NAME | --scripts NAME) [--watch DIR] [--theme dark|light] [--scale F] [--channels N] OUT.png
        workbench gallery DIR
        workbench check FILE...
@@ -38,7 +42,10 @@ struct Request {
     OpenRequest open;
     RenderRequest render;
     SnapshotRequest snapshot;
+    PresetRequest preset;
+    std::string presetsOf;
     std::string parametersOf;
+    TableFormat parametersFormat = TableFormat::kAligned;
     std::filesystem::path gallery;
     CheckRequest check;
 };
@@ -61,6 +68,11 @@ void AddSettings(CLI::App& command, std::vector<std::string>& settings) {
         ->type_name("PARAM=VALUE")
         ->expected(1)
         ->take_all();
+}
+
+void AddPreset(CLI::App& command, std::string& preset) {
+    command.add_option("--preset", preset, R"(a preset to begin with: its name, see "workbench presets", or a file)")
+        ->type_name("NAME|FILE");
 }
 
 // What a panel is for: an effect, or scripts that belong to none; and where its author edits it.
@@ -86,9 +98,20 @@ void DescribeOpen(CLI::App& app, OpenRequest& request) {
 void DescribeRender(CLI::App& app, RenderRequest& request) {
     CLI::App& command = *app.add_subcommand("render", "run a sound file through an effect");
     command.add_option("--effect", request.effect, R"(see "workbench list")")->type_name("NAME")->required();
+    AddPreset(command, request.preset);
     AddSettings(command, request.settings);
     AddPath(command, request.input, "IN", "the sound file to read")->required();
     AddPath(command, request.output, "OUT", "the sound file to write; may be the same")->required();
+}
+
+void DescribePresets(CLI::App& app, Request& request) {
+    CLI::App& list = *app.add_subcommand("presets", "list the presets of an effect");
+    list.add_option("EFFECT", request.presetsOf, R"(see "workbench list")")->required();
+    CLI::App& command = *app.add_subcommand("preset", "write settings of an effect into a preset file");
+    command.add_option("--effect", request.preset.effect, R"(see "workbench list")")->type_name("NAME")->required();
+    AddPreset(command, request.preset.preset);
+    AddSettings(command, request.preset.settings);
+    AddPath(command, request.preset.output, "OUT", "the file to write")->required();
 }
 
 void DescribeSnapshot(CLI::App& app, SnapshotRequest& request) {
@@ -102,13 +125,23 @@ void DescribeSnapshot(CLI::App& app, SnapshotRequest& request) {
     AddPath(command, request.output, "OUT", "the file to write")->required();
 }
 
+void DescribeParameters(CLI::App& app, Request& request) {
+    CLI::App& command = *app.add_subcommand("params", "list the parameters of an effect");
+    command.add_option("EFFECT", request.parametersOf, R"(see "workbench list")")->required();
+    const std::map<std::string, TableFormat> formats = {{"table", TableFormat::kAligned},
+                                                        {"tsv", TableFormat::kTabbed}};
+    command.add_option("--format", request.parametersFormat, "table, or tsv: a tab between cells")
+        ->transform(CLI::CheckedTransformer(formats))
+        ->type_name("FORMAT");
+}
+
 void Describe(CLI::App& app, Request& request) {
     app.set_version_flag("--version", "workbench " QO_VERSION);
     app.require_subcommand(1);
     DescribeOpen(app, request.open);
     app.add_subcommand("list", "list the effects");
-    CLI::App& parameters = *app.add_subcommand("params", "list the parameters of an effect");
-    parameters.add_option("EFFECT", request.parametersOf, R"(see "workbench list")")->required();
+    DescribeParameters(app, request);
+    DescribePresets(app, request);
     DescribeRender(app, request.render);
     DescribeSnapshot(app, request.snapshot);
     CLI::App& gallery = *app.add_subcommand("gallery", "draw every panel, in both themes, into a folder");
@@ -126,7 +159,11 @@ int Run(const CLI::App& app, const Request& request) {
         const PanelsLibrary library;
         fmt::print("{}", EffectTable());
     } else if (command == "params") {
-        fmt::print("{}", ParameterTableOf(request.parametersOf));
+        fmt::print("{}", ParameterTableOf(request.parametersOf, request.parametersFormat));
+    } else if (command == "presets") {
+        fmt::print("{}", PresetListOf(request.presetsOf));
+    } else if (command == "preset") {
+        MakePreset(request.preset);
     } else if (command == "snapshot") {
         Snapshot(request.snapshot);
     } else {

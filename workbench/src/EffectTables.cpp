@@ -4,6 +4,7 @@
 #include "workbench/PanelsLibrary.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <vector>
@@ -24,6 +25,13 @@ constexpr std::size_t kStereo = 2;
 std::size_t Width(const std::string& text) {
     return static_cast<std::size_t>(
         std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+}
+
+std::string FormatTabbed(const std::vector<Row>& rows) {
+    std::string text;
+    for (const Row& row : rows)
+        text += fmt::format("{}\n", fmt::join(row, "\t"));
+    return text;
 }
 
 // Columns as wide as their widest cell.
@@ -70,7 +78,7 @@ std::string EffectTable() {
     return Format(rows);
 }
 
-std::string ParameterTableOf(std::string_view effectName) {
+std::string ParameterTableOf(std::string_view effectName, TableFormat format) {
     const auto filter = NewFilter(EffectFromName(effectName));
     constexpr std::size_t kBlock = 512;
     filter->Prepare(filter->GetSampleRate(), kBlock, kromediatypes::AudioChannelLayout::ForChannelCount(kStereo));
@@ -81,7 +89,7 @@ std::string ParameterTableOf(std::string_view effectName) {
         rows.push_back({fmt::format("{}", index), info->GetID(), krocore::ToStdString(info->GetName()), RangeOf(*info),
                         info->IsReadOnly() ? "read only" : krocore::ToStdString(info->ToText(info->GetDefault()))});
     }
-    return Format(rows);
+    return format == TableFormat::kTabbed ? FormatTabbed(rows) : Format(rows);
 }
 
 } // namespace workbench

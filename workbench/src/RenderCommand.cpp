@@ -5,6 +5,7 @@
 #include "workbench/CommandLine.h"
 #include "workbench/EffectNames.h"
 #include "workbench/Interruption.h"
+#include "workbench/PresetCommand.h"
 #include "workbench/Terminal.h"
 
 #include <fmt/format.h>
@@ -45,11 +46,13 @@ private:
 } // namespace
 
 int Render(const RenderRequest& request) {
-    const auto filter = NewFilter(EffectFromName(request.effect));
+    const qoc::components::EffectDescription& effect = EffectFromName(request.effect);
+    const auto filter = NewFilter(effect);
     const qohost::AudioFile file = qohost::ReadAudioFile(request.input);
     qohost::RenderOptions options;
     // How many parameters there are may follow the channels.
     filter->Prepare(file.sound.sampleRate, options.blockFrames, file.sound.layout);
+    ApplyPresetNamed(*filter, effect, request.preset);
     ApplySettings(*filter, request.settings);
 
     const Interruption interruption;

@@ -8,6 +8,7 @@ namespace workbench {
 
 struct RenderRequest {
     std::string effect;
+    std::string preset;                // a preset's name or file, applied before the settings; empty for none
     std::vector<std::string> settings; // "PARAM=VALUE", later ones win
     std::filesystem::path input;
     std::filesystem::path output; // may be the input

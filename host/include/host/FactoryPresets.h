@@ -1,0 +1,12 @@
+#pragma once
+
+#include "host/Preset.h"
+#include "qoc/components/EffectCatalogue.h"
+
+namespace qohost {
+
+// The presets that come with an effect. The first is "Default". Throws krocore::config::Error if the library was built
+// with a broken file.
+std::vector<Preset> FactoryPresets(const qoc::components::EffectDescription& effect);
+
+} // namespace qohost

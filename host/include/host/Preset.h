@@ -1,0 +1,56 @@
+#pragma once
+
+#include "kroaudiofilterhost/AudioFilter.h"
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qohost {
+
+// The settings of one effect under a name. As a file it is a JSON object:
+//
+//   {"effect": "qoc.Amplify", "name": "Quieter", "natural": {"gain1": -6, "link": false}, "values": {"gain2": 0.625}}
+//
+// The parameters are named by their ids. "values" has normalised numbers as they are stored; "natural" has numbers in
+// the parameter's unit, true or false for a switch, the item's number from 0 for a choice. Either may be missing, and
+// members with other names don't count.
+struct Preset {
+    struct Value {
+        float number = 0; // finite
+        bool isNatural = false;
+    };
+
+    std::string name;   // UTF-8, for people
+    std::string effect; // the component identifier
+    std::map<std::string, Value, std::less<>> values;
+};
+
+// Throws krocore::config::Error for a text that is no preset, and for a number that no float holds.
+Preset ParsePreset(std::string_view json);
+// What ParsePreset gives the same preset for, bit by bit.
+std::string WritePreset(const Preset& preset);
+
+// The same for files. They throw krocore::config::Error that names the file; one that can't be written completely stays
+// as it was.
+Preset ReadPresetFile(const std::filesystem::path& file);
+void WritePresetFile(const std::filesystem::path& file, const Preset& preset);
+
+// The presets of a JSON object {"effect": ID, "presets": [{"name": ..., "natural": ...}, ...]}, in its order. Throws
+// krocore::config::Error.
+std::vector<Preset> ParsePresetCollection(std::string_view json);
+
+// All that can be set of the filter, as it is now.
+Preset CapturePreset(const kroaudiofilterhost::AudioFilter& filter, std::string name);
+
+// Gives the filter the preset's values and every other parameter its default, as one gesture about all parameters.
+// Returns what could not be taken as it is, a sentence each: names that the filter doesn't have or that can't be set,
+// natural numbers beyond the range (its end is taken), and while the engine runs parameters that can't be changed then.
+// Throws krocore::config::Error, with nothing changed, for a preset of another effect, for a number that is not finite
+// and for a natural value that a switch or choice doesn't have.
+std::vector<std::string> ApplyPreset(kroaudiofilterhost::AudioFilter& filter, const Preset& preset);
+
+} // namespace qohost

@@ -1,0 +1,268 @@
+#include "host/Preset.h"
+
+#include "host/ReplacementFile.h"
+#include "krocore/Localizer.h"
+#include "krocore/config/Error.h"
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/ParameterIndices.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+#include <utility>
+
+namespace qohost {
+
+namespace {
+
+using kroaudiofilterhost::AudioFilter;
+using kroaudiofilterhost::AudioFilterParameterInfo;
+using krocore::config::Error;
+using Kind = AudioFilterParameterInfo::Kind;
+
+// Floats, so that they are written as briefly as gives the same float again.
+using Json = nlohmann::basic_json<std::map, std::vector, std::string, bool, std::int64_t, std::uint64_t, float>;
+
+constexpr const char* kNaturalMember = "natural";
+constexpr const char* kNormalisedMember = "values";
+constexpr int kIndent = 2;
+
+std::string Text(const char* key, std::string_view about, std::string_view instead = {}) {
+    return krocore::ToStdString(
+        krocore::ReplacePlaceholders(krocore::Localize(key), {krocore::ToUTF16(about), krocore::ToUTF16(instead)}));
+}
+
+[[noreturn]] void Refuse(const char* key, std::string_view about = {}, std::string_view instead = {}) {
+    throw Error(Text(key, about, instead));
+}
+
+// Without the "[json.exception.parse_error.101] " in front.
+std::string ReasonOf(const Json::exception& error) {
+    const std::string reason = error.what();
+    const std::size_t end = reason.find("] ");
+    return end == std::string::npos ? reason : reason.substr(end + 2);
+}
+
+Json ParseObject(std::string_view text) {
+    try {
+        Json json = Json::parse(text.begin(), text.end());
+        if (json.is_object()) return json;
+    } catch (const Json::exception& error) {
+        Refuse("$$$/qohost/Preset/NoJSON=This is no preset: @0.", ReasonOf(error));
+    }
+    Refuse("$$$/qohost/Preset/NoObject=This is no preset: a JSON object is wanted.");
+}
+
+std::string ReadString(const Json& object, const char* member) {
+    const auto found = object.find(member);
+    if (found == object.end() || !found->is_string())
+        Refuse("$$$/qohost/Preset/NoText=This is no preset: it has no text \"@0\".", member);
+    return found->get<std::string>();
+}
+
+float ReadNumber(const std::string& id, const Json& json, bool isNatural) {
+    if (isNatural && json.is_boolean()) return json.get<bool>() ? 1.0F : 0.0F;
+    const float number = json.is_number() ? json.get<float>() : NAN;
+    if (!std::isfinite(number))
+        Refuse("$$$/qohost/Preset/NoNumber=The preset's value of \"@0\" is no finite number: @1.", id, json.dump());
+    return number;
+}
+
+void ReadValues(const Json& object, bool isNatural, Preset& preset) {
+    const char* const member = isNatural ? kNaturalMember : kNormalisedMember;
+    const auto found = object.find(member);
+    if (found == object.end()) return;
+    if (!found->is_object()) Refuse("$$$/qohost/Preset/NoValues=This is no preset: \"@0\" is no object.", member);
+    for (const auto& [id, value] : found->items()) {
+        const bool isNew =
+            preset.values.try_emplace(id, Preset::Value{ReadNumber(id, value, isNatural), isNatural}).second;
+        if (!isNew) Refuse("$$$/qohost/Preset/Twice=The preset has two values of \"@0\".", id);
+    }
+}
+
+Preset ReadPreset(const Json& object, std::string effect) {
+    if (!object.is_object()) Refuse("$$$/qohost/Preset/NoObject=This is no preset: a JSON object is wanted.");
+    Preset preset{.name = ReadString(object, "name"), .effect = std::move(effect), .values = {}};
+    ReadValues(object, false, preset);
+    ReadValues(object, true, preset);
+    return preset;
+}
+
+std::string ReadText(const std::filesystem::path& file) {
+    constexpr const char* kUnreadable = "$$$/qohost/Preset/NoFile=can't be read";
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file, error)) Refuse(kUnreadable);
+    std::ifstream stream(file, std::ios::binary);
+    std::string text{std::istreambuf_iterator<char>(stream), {}};
+    if (!stream.is_open() || stream.bad()) Refuse(kUnreadable);
+    return text;
+}
+
+// The curve of these effects is rewritten point by point; while their marker is on, they stay with the last whole one.
+int MarkerOf(const AudioFilter& filter) {
+    const krocore::string16 effect = filter.GetComponentID();
+    if (effect == qoc::components::kFFTFilterComponentID) return qoc::components::kFFTFilterUpdating;
+    if (effect == qoc::components::kGraphicPhaseShifterComponentID) return qoc::components::kPhaseShifterUpdating;
+    return AudioFilter::kAllParameters;
+}
+
+// One step of undo, and no curve that is half the old one.
+class RewritingScope {
+public:
+    explicit RewritingScope(AudioFilter& filter) : fFilter(filter), fMarker(MarkerOf(filter)) {
+        fFilter.BeginParameterEdit(AudioFilter::kAllParameters);
+        fFilter.SetParameterValueQuietly(fMarker, 1); // no parameter's index: ignored
+    }
+    RewritingScope(const RewritingScope&) = delete;
+    RewritingScope& operator=(const RewritingScope&) = delete;
+    ~RewritingScope() {
+        fFilter.SetParameterValueQuietly(fMarker, 0);
+        fFilter.EndParameterEdit(AudioFilter::kAllParameters);
+    }
+
+private:
+    AudioFilter& fFilter;
+    int fMarker;
+};
+
+bool CanHave(const AudioFilterParameterInfo& info, float natural) {
+    if (info.GetKind() == Kind::kSwitch) return natural == 0 || natural == 1;
+    if (info.GetKind() == Kind::kChoice)
+        return natural >= 0 && natural < static_cast<float>(info.GetItemCount()) && std::trunc(natural) == natural;
+    return true;
+}
+
+void Check(const AudioFilterParameterInfo& info, const Preset::Value& value) {
+    if (std::isfinite(value.number) && (!value.isNatural || CanHave(info, value.number))) return;
+    Refuse("$$$/qohost/Preset/Impossible=The preset's value of \"@0\" is not possible: @1.", info.GetID(),
+           Json(value.number).dump());
+}
+
+float Normalised(const AudioFilterParameterInfo& info, const Preset::Value& value) {
+    if (!value.isNatural || info.GetKind() == Kind::kSwitch) return value.number;
+    if (info.GetKind() == Kind::kChoice) return info.FromItem(static_cast<int>(value.number));
+    return info.ToNormalised(value.number);
+}
+
+struct Settings {
+    std::vector<std::pair<int, float>> values;
+    std::vector<std::string> notes;
+};
+
+void AddSetting(const AudioFilter& filter, int index, float value, Settings& settings) {
+    const AudioFilterParameterInfo& info = *filter.GetParameterInfo(index);
+    if (value == filter.GetParameterValue(index)) return;
+    if (info.IsAutomatable() || filter.CanChangeNonAutomatableParameters())
+        settings.values.emplace_back(index, value);
+    else
+        settings.notes.push_back(
+            Text("$$$/qohost/Preset/Running=\"@0\" stays as it is while the sound plays.", info.GetID()));
+}
+
+// A natural value that is too far goes to the end of the range: how far frequencies go depends on the sample rate.
+void AddNamed(const AudioFilter& filter, int index, const Preset::Value& value, Settings& settings) {
+    const AudioFilterParameterInfo& info = *filter.GetParameterInfo(index);
+    Check(info, value);
+    float normalised = Normalised(info, value);
+    if (value.isNatural && info.GetKind() == Kind::kNumber) {
+        constexpr float kTolerance = 1e-6F; // what the conversion of an end may miss it by
+        const float bounded = std::clamp(normalised, 0.0F, 1.0F);
+        if (std::abs(bounded - normalised) > kTolerance) {
+            settings.notes.push_back(Text("$$$/qohost/Preset/Bounded=\"@0\" goes no further than @1.", info.GetID(),
+                                          krocore::ToStdString(info.ToText(bounded))));
+        }
+        normalised = bounded;
+    }
+    AddSetting(filter, index, normalised, settings);
+}
+
+Settings Resolve(const AudioFilter& filter, const Preset& preset) {
+    Settings settings;
+    auto left = preset.values;
+    for (int index = 0; index < filter.GetParameterCount(); ++index) {
+        const AudioFilterParameterInfo* const info = filter.GetParameterInfo(index);
+        if (info == nullptr || info->IsReadOnly()) continue;
+        const auto named = left.extract(info->GetID());
+        if (named.empty())
+            AddSetting(filter, index, info->GetDefault(), settings);
+        else
+            AddNamed(filter, index, named.mapped(), settings);
+    }
+    for (const auto& [id, value] : left)
+        settings.notes.push_back(Text("$$$/qohost/Preset/Unknown=There is nothing to set that is called \"@0\".", id));
+    return settings;
+}
+
+} // namespace
+
+Preset ParsePreset(std::string_view json) {
+    const Json object = ParseObject(json);
+    return ReadPreset(object, ReadString(object, "effect"));
+}
+
+std::string WritePreset(const Preset& preset) {
+    Json object{{"name", preset.name}, {"effect", preset.effect}};
+    for (const auto& [id, value] : preset.values)
+        object[value.isNatural ? kNaturalMember : kNormalisedMember][id] = value.number;
+    return object.dump(kIndent, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+Preset ReadPresetFile(const std::filesystem::path& file) {
+    try {
+        return ParsePreset(ReadText(file));
+    } catch (const Error& error) {
+        throw Error(file.string() + ": " + error.what());
+    }
+}
+
+void WritePresetFile(const std::filesystem::path& file, const Preset& preset) {
+    try {
+        ReplacementFile replacement(file);
+        std::ofstream stream(replacement.Path(), std::ios::binary);
+        stream << WritePreset(preset);
+        stream.close();
+        if (!stream) throw std::filesystem::filesystem_error("", std::make_error_code(std::errc::io_error));
+        replacement.Commit();
+    } catch (const std::filesystem::filesystem_error&) {
+        throw Error(Text("$$$/qohost/Preset/NotWritten=@0: can't be written", file.string()));
+    }
+}
+
+std::vector<Preset> ParsePresetCollection(std::string_view json) {
+    const Json object = ParseObject(json);
+    const std::string effect = ReadString(object, "effect");
+    const auto found = object.find("presets");
+    if (found == object.end() || !found->is_array())
+        Refuse("$$$/qohost/Preset/NoList=These are no presets: there is no list \"presets\".");
+    std::vector<Preset> presets;
+    for (const Json& element : *found)
+        presets.push_back(ReadPreset(element, effect));
+    return presets;
+}
+
+Preset CapturePreset(const AudioFilter& filter, std::string name) {
+    Preset preset{.name = std::move(name), .effect = krocore::ToStdString(filter.GetComponentID()), .values = {}};
+    for (int index = 0; index < filter.GetParameterCount(); ++index) {
+        const AudioFilterParameterInfo* const info = filter.GetParameterInfo(index);
+        if (info == nullptr || info->IsReadOnly()) continue;
+        preset.values[info->GetID()] = {.number = filter.GetParameterValue(index), .isNatural = false};
+    }
+    return preset;
+}
+
+std::vector<std::string> ApplyPreset(AudioFilter& filter, const Preset& preset) {
+    if (const std::string effect = krocore::ToStdString(filter.GetComponentID()); effect != preset.effect)
+        Refuse("$$$/qohost/Preset/OtherEffect=The preset is for \"@0\", not for \"@1\".", preset.effect, effect);
+    Settings settings = Resolve(filter, preset);
+    const RewritingScope scope(filter);
+    for (const auto& [index, value] : settings.values)
+        filter.SetParameterValue(index, value);
+    return std::move(settings.notes);
+}
+
+} // namespace qohost

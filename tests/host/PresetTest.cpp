@@ -1,0 +1,229 @@
+#include "host/FactoryPresets.h"
+#include "host/UndoHistory.h"
+#include "krocore/config/Error.h"
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/ParameterIndices.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <limits>
+#include <unistd.h>
+
+using namespace qohost;
+using kroaudiofilterhost::AudioFilter;
+using qoc::components::CreateEffect;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+std::vector<float> ValuesOf(const AudioFilter& filter) {
+    std::vector<float> values;
+    for (int index = 0; index < filter.GetParameterCount(); ++index)
+        values.push_back(filter.GetParameterValue(index));
+    return values;
+}
+
+// The message of the error that the call throws.
+template <typename Call>
+std::string ErrorOf(const Call& call) {
+    try {
+        call();
+    } catch (const krocore::config::Error& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+class PresetTest : public testing::Test {
+protected:
+    static constexpr int kLink = 1;
+    static constexpr int kGain1 = 2; // -96 ... 48 dB
+    static constexpr int kGain2 = 3;
+
+    boost::intrusive_ptr<AudioFilter> fAmplify = CreateEffect(qoc::components::kAmplifyComponentID);
+};
+
+TEST_F(PresetTest, ValuesComeInBothFormsAndTheRestIsDefault) {
+    fAmplify->SetParameterValue(kGain2, 0.125F);
+    const auto notes = ApplyPreset(*fAmplify, ParsePreset(R"({"effect": "qoc.Amplify", "name": "x", "author": [1],
+        "natural": {"gain1": -24, "link": false}})"));
+    EXPECT_THAT(notes, IsEmpty());
+    EXPECT_FLOAT_EQ(fAmplify->GetParameterValue(kGain1), 0.5F);
+    EXPECT_EQ(fAmplify->GetParameterValue(kLink), 0.0F);
+    EXPECT_FLOAT_EQ(fAmplify->GetParameterValue(kGain2), 2.0F / 3); // 0 dB
+    ApplyPreset(*fAmplify, ParsePreset(R"({"effect": "qoc.Amplify", "name": "x", "values": {"gain2": 1.25}})"));
+    EXPECT_EQ(fAmplify->GetParameterValue(kGain2), 1.25F);
+    EXPECT_EQ(fAmplify->GetParameterValue(kLink), 1.0F);
+}
+
+TEST_F(PresetTest, WhatCannotBeTakenIsTold) {
+    const auto notes = ApplyPreset(*fAmplify, ParsePreset(R"({"effect": "qoc.Amplify", "name": "x",
+        "natural": {"gain1": 60, "volume": 3, "channels": 1, "gain2": -24}})"));
+    EXPECT_THAT(notes, ElementsAre(R"("gain1" goes no further than 48 dB.)",
+                                   R"(There is nothing to set that is called "channels".)",
+                                   R"(There is nothing to set that is called "volume".)"));
+    EXPECT_EQ(fAmplify->GetParameterValue(kGain1), 1.0F);
+    EXPECT_FLOAT_EQ(fAmplify->GetParameterValue(kGain2), 0.5F);
+}
+
+TEST_F(PresetTest, FaultsAreNamedAndNothingChanges) {
+    struct Case {
+        const char* json;
+        const char* named;
+    };
+    const Case cases[] = {
+        {"", "no preset"},
+        {"{\"effect\":", "line 1"},
+        {"[]", "object"},
+        {R"({"name": "x"})", "\"effect\""},
+        {R"({"effect": "qoc.Amplify"})", "\"name\""},
+        {R"({"effect": "qoc.Amplify", "name": "x", "values": [1]})", "\"values\""},
+        {R"({"effect": "qoc.Amplify", "name": "x", "values": {"gain1": 1e60}})", "1e60"},
+        {R"({"effect": "qoc.Amplify", "name": "x", "values": {"gain1": NaN}})", "no preset"},
+        {R"({"effect": "qoc.Amplify", "name": "x", "values": {"gain1": null}})", "gain1"},
+        {R"({"effect": "qoc.Amplify", "name": "x", "values": {"gain1": true}})", "gain1"},
+        {R"({"effect": "qoc.Amplify", "name": "x", "values": {"gain1": 0}, "natural": {"gain1": 0}})", "two values"},
+        {R"({"effect": "qoc.Amplify", "name": "x", "natural": {"gain1": 0.1, "link": 2}})", "\"link\""},
+        {R"({"effect": "qoc.Notch", "name": "x", "values": {"gain1": 0}})", "qoc.Notch"},
+    };
+    const std::vector<float> before = ValuesOf(*fAmplify);
+    for (const Case& c : cases) {
+        EXPECT_THAT(ErrorOf([&] { ApplyPreset(*fAmplify, ParsePreset(c.json)); }), HasSubstr(c.named)) << c.json;
+        EXPECT_EQ(ValuesOf(*fAmplify), before) << c.json;
+    }
+    Preset broken{.name = "x", .effect = "qoc.Amplify", .values = {}};
+    broken.values["gain1"].number = std::numeric_limits<float>::infinity();
+    EXPECT_THAT(ErrorOf([&] { ApplyPreset(*fAmplify, broken); }), HasSubstr("gain1"));
+    EXPECT_EQ(ValuesOf(*fAmplify), before);
+}
+
+TEST_F(PresetTest, FilesKeepEveryBit) {
+    for (const float value : {0.1F, 1.0F / 3, 1e-30F, -0.0F, 1.3654F, std::nextafter(0.5F, 1.0F)}) {
+        fAmplify->SetParameterValue(kGain1, value);
+        const std::string json = WritePreset(CapturePreset(*fAmplify, "na\"me \xC3\xA4"));
+        const Preset preset = ParsePreset(json);
+        EXPECT_EQ(preset.name, "na\"me \xC3\xA4");
+        const float read = preset.values.at("gain1").number;
+        EXPECT_EQ(read, value);
+        EXPECT_EQ(std::signbit(read), std::signbit(fAmplify->GetParameterValue(kGain1)));
+    }
+    fAmplify->SetParameterValue(kGain1, 0.1F);
+    EXPECT_THAT(WritePreset(CapturePreset(*fAmplify, "x")), HasSubstr("\"gain1\": 0.1,"));
+}
+
+TEST_F(PresetTest, FileErrorsNameTheFile) {
+    const auto folder = std::filesystem::temp_directory_path() / ("preset-" + std::to_string(getpid()));
+    EXPECT_THAT(ErrorOf([&] { ReadPresetFile(folder); }), HasSubstr(folder.string()));
+    const Preset preset = CapturePreset(*fAmplify, "x");
+    EXPECT_THAT(ErrorOf([&] { WritePresetFile(folder / "a.json", preset); }), HasSubstr("a.json"));
+    std::filesystem::create_directory(folder);
+    EXPECT_THAT(ErrorOf([&] { ReadPresetFile(folder); }), HasSubstr("can't be read"));
+    WritePresetFile(folder / "a.json", preset);
+    EXPECT_EQ(WritePreset(ReadPresetFile(folder / "a.json")), WritePreset(preset));
+    std::filesystem::remove_all(folder);
+}
+
+TEST_F(PresetTest, IsOneStepOfUndo) {
+    UndoHistory history(fAmplify);
+    const std::vector<float> before = ValuesOf(*fAmplify);
+    ApplyPreset(*fAmplify, ParsePreset(R"({"effect": "qoc.Amplify", "name": "x",
+        "natural": {"gain1": -6, "gain2": 6, "link": false}})"));
+    ASSERT_TRUE(history.Undo());
+    EXPECT_EQ(ValuesOf(*fAmplify), before);
+    EXPECT_FALSE(history.CanUndo());
+    // The defaults over the defaults are no step.
+    ASSERT_TRUE(history.Redo());
+    ASSERT_TRUE(history.Undo());
+    ApplyPreset(*fAmplify, ParsePreset(R"({"effect": "qoc.Amplify", "name": "x"})"));
+    EXPECT_FALSE(history.CanUndo());
+}
+
+TEST_F(PresetTest, WhileTheEngineRunsSomeParametersStay) {
+    const auto filter = CreateEffect(qoc::components::kFFTFilterComponentID);
+    const float size = filter->GetParameterValue(qoc::components::kFFTFilterSize);
+    filter->SetCanChangeNonAutomatableParameters(false);
+    const auto notes = ApplyPreset(*filter, ParsePreset(R"({"effect": "qoc.FFTFilter", "name": "x",
+        "natural": {"fftSize": 0, "level1": 0}})"));
+    EXPECT_THAT(notes, ElementsAre(HasSubstr("\"fftSize\"")));
+    EXPECT_EQ(filter->GetParameterValue(qoc::components::kFFTFilterSize), size);
+    EXPECT_EQ(filter->GetParameterValue(qoc::components::kFFTFilterFirstPoint + 1), 0.0F);
+}
+
+// Tells whether a drawn curve was marked as incomplete at every change of its points.
+struct MarkerWatch final : kroaudiofilterhost::AudioFilterListener {
+    explicit MarkerWatch(int marker) : fMarker(marker) {}
+    void ParameterChanged(AudioFilter& filter, const kroaudiofilterhost::AudioFilterParameterChange& change) override {
+        if (change.index == fMarker) return;
+        ++fChanges;
+        fIsAlwaysMarked = fIsAlwaysMarked && filter.GetParameterValue(fMarker) == 1;
+    }
+    void ParameterEditBegun(AudioFilter& /*filter*/, int /*index*/) override {}
+    void ParameterEditEnded(AudioFilter& /*filter*/, int /*index*/) override {}
+
+    int fMarker;
+    bool fIsAlwaysMarked = true;
+    int fChanges = 0;
+};
+
+TEST_F(PresetTest, CurvesChangeAsAWhole) {
+    const std::pair<const char16_t*, int> cases[] = {
+        {qoc::components::kFFTFilterComponentID, qoc::components::kFFTFilterUpdating},
+        {qoc::components::kGraphicPhaseShifterComponentID, qoc::components::kPhaseShifterUpdating}};
+    for (const auto& [effect, marker] : cases) {
+        const auto filter = CreateEffect(effect);
+        MarkerWatch watch(marker);
+        filter->AddListener(watch);
+        ApplyPreset(*filter, FactoryPresets(*qoc::components::FindEffect(effect)).at(1));
+        filter->RemoveListener(watch);
+        EXPECT_GT(watch.fChanges, 1);
+        EXPECT_TRUE(watch.fIsAlwaysMarked);
+        EXPECT_EQ(filter->GetParameterValue(marker), 0.0F);
+    }
+}
+
+TEST_F(PresetTest, EveryEffectHasPresetsThatItTakes) {
+    for (const auto& effect : qoc::components::AllEffects()) {
+        if (effect.create == nullptr) continue;
+        SCOPED_TRACE(std::string(effect.shortName));
+        const std::vector<Preset> presets = FactoryPresets(effect);
+        ASSERT_GE(presets.size(), 3U);
+        EXPECT_EQ(presets.front().name, "Default");
+        const auto filter = effect.create();
+        std::vector<std::vector<float>> all = {ValuesOf(*filter)};
+        for (const Preset& preset : presets) {
+            SCOPED_TRACE(preset.name);
+            EXPECT_THAT(ApplyPreset(*filter, preset), IsEmpty());
+            if (preset.name != "Default") {
+                EXPECT_THAT(all, testing::Not(testing::Contains(ValuesOf(*filter))));
+                all.push_back(ValuesOf(*filter));
+            }
+            const auto copy = effect.create();
+            ApplyPreset(*copy, ParsePreset(WritePreset(CapturePreset(*filter, preset.name))));
+            EXPECT_EQ(ValuesOf(*copy), ValuesOf(*filter));
+        }
+        ApplyPreset(*filter, presets.front());
+        EXPECT_EQ(ValuesOf(*filter), all.front());
+    }
+}
+
+TEST_F(PresetTest, FactoryCurveSoundsAsItsNameSays) {
+    // Telephone: nothing at 100 Hz and 8 kHz, unity at 1 kHz.
+    const auto filter = CreateEffect(qoc::components::kFFTFilterComponentID);
+    filter->Prepare(48000, 512, kromediatypes::AudioChannelLayout::Stereo());
+    ApplyPreset(*filter, FactoryPresets(*qoc::components::FindEffectByShortName("fftfilter")).at(1));
+    const auto response = [&](double hertz) {
+        std::vector<float> decibels;
+        EXPECT_TRUE(filter->GetMagnitudeResponse(1, {.start = hertz, .end = hertz, .logarithmic = false}, decibels));
+        return decibels.front();
+    };
+    EXPECT_LT(response(100), -50);
+    EXPECT_NEAR(response(1000), 0, 0.1);
+    EXPECT_LT(response(8000), -50);
+}
+
+} // namespace

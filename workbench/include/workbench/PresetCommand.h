@@ -1,0 +1,32 @@
+#pragma once
+
+#include "kroaudiofilterhost/AudioFilter.h"
+#include "qoc/components/EffectCatalogue.h"
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace workbench {
+
+struct PresetRequest {
+    std::string effect;
+    std::string preset;                // to begin with: a name or a file; empty for the defaults
+    std::vector<std::string> settings; // "PARAM=VALUE", later ones win
+    std::filesystem::path output;
+};
+
+// The names of the presets that come with an effect, a line each. Throws krocore::config::Error for a name of none.
+std::string PresetListOf(std::string_view effectName);
+
+// Gives a prepared filter the preset that `text` names: one that comes with the effect (case is ignored), or else a
+// file. What could not be taken from it is told on standard error. An empty text changes nothing. Throws
+// krocore::config::Error, with nothing set.
+void ApplyPresetNamed(kroaudiofilterhost::AudioFilter& filter, const qoc::components::EffectDescription& effect,
+                      std::string_view text);
+
+// Writes a preset file, whose preset is called as the file. Throws krocore::config::Error.
+void MakePreset(const PresetRequest& request);
+
+} // namespace workbench

@@ -1,0 +1,58 @@
+#include "workbench/PresetCommand.h"
+
+#include "host/FactoryPresets.h"
+#include "krocore/config/Error.h"
+#include "workbench/EffectNames.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <system_error>
+
+namespace workbench {
+
+using qoc::components::EffectDescription;
+using qohost::Preset;
+
+namespace {
+
+constexpr std::size_t kStereo = 2;
+constexpr std::size_t kBlock = 512;
+
+Preset PresetFromText(const EffectDescription& effect, std::string_view text) {
+    const std::vector<Preset> presets = qohost::FactoryPresets(effect);
+    const auto found = std::ranges::find_if(
+        presets, [&](const Preset& preset) { return krocore::EqualsIgnoringCase(preset.name, text); });
+    if (found != presets.end()) return *found;
+    std::error_code error;
+    if (std::filesystem::exists(text, error)) return qohost::ReadPresetFile(text);
+    throw krocore::config::Error(fmt::format(
+        R"("{0}" is neither a file nor a preset of {1}; "workbench presets {1}" lists those)", text, effect.shortName));
+}
+
+} // namespace
+
+std::string PresetListOf(std::string_view effectName) {
+    std::string names;
+    for (const Preset& preset : qohost::FactoryPresets(EffectFromName(effectName)))
+        names += preset.name + '\n';
+    return names;
+}
+
+void ApplyPresetNamed(kroaudiofilterhost::AudioFilter& filter, const EffectDescription& effect, std::string_view text) {
+    if (text.empty()) return;
+    for (const std::string& note : qohost::ApplyPreset(filter, PresetFromText(effect, text)))
+        fmt::print(stderr, "workbench: note: {}: {}\n", text, note);
+}
+
+void MakePreset(const PresetRequest& request) {
+    const EffectDescription& effect = EffectFromName(request.effect);
+    const auto filter = NewFilter(effect);
+    filter->Prepare(filter->GetSampleRate(), kBlock, kromediatypes::AudioChannelLayout::ForChannelCount(kStereo));
+    ApplyPresetNamed(*filter, effect, request.preset);
+    ApplySettings(*filter, request.settings);
+    qohost::WritePresetFile(request.output, qohost::CapturePreset(*filter, request.output.stem().string()));
+}
+
+} // namespace workbench
