@@ -210,13 +210,7 @@ CenterChannelExtract::CenterChannelExtract()
 
 CenterChannelExtract::~CenterChannelExtract() = default;
 
-void CenterChannelExtract::SetParameterValue(int index, float value) {
-    ComponentBase::SetParameterValue(index, value);
-    StorePresentBand();
-}
-
-void CenterChannelExtract::SetParameterValueQuietly(int index, float value) {
-    ComponentBase::SetParameterValueQuietly(index, value);
+void CenterChannelExtract::ParameterHasChanged(int /*index*/) {
     StorePresentBand();
 }
 

@@ -39,18 +39,6 @@ CurveFilter::CurveFilter(const char16_t* componentID, ParameterTable table, cons
 
 CurveFilter::~CurveFilter() = default;
 
-void CurveFilter::SetParameterValue(int index, float value) {
-    const float oldValue = GetParameterValue(index);
-    ComponentBase::SetParameterValue(index, value);
-    ParameterHasChanged(index, oldValue);
-}
-
-void CurveFilter::SetParameterValueQuietly(int index, float value) {
-    const float oldValue = GetParameterValue(index);
-    ComponentBase::SetParameterValueQuietly(index, value);
-    ParameterHasChanged(index, oldValue);
-}
-
 bool CurveFilter::GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
                                        std::vector<float>& decibels) const {
     if (count == 0) return false;
@@ -77,6 +65,13 @@ double CurveFilter::StoredFrequency(std::size_t point) const noexcept {
 double CurveFilter::StoredValue(std::size_t point) const noexcept {
     const float stored = StoredParameter(static_cast<std::size_t>(fIndices.firstPoint) + 2 * point + 1);
     return std::clamp(stored, 0.0F, 1.0F);
+}
+
+void CurveFilter::ParameterHasChanged(int index) {
+    fIsStale = fIsStale || IsHeard(index);
+    if (!fIsStale || !IsPrepared() || IsOn(fIndices.updating)) return;
+    Redesign();
+    fHandOver.Offer(MakePartitions(fFIR));
 }
 
 void CurveFilter::PrepareProcessing(std::size_t /*maximumBlock*/) {
@@ -133,14 +128,6 @@ std::span<float> CurveFilter::Past(std::size_t channel, std::size_t frames) noex
 bool CurveFilter::IsHeard(int index) const noexcept {
     if (index < fIndices.firstPoint) return Shapes(index);
     return static_cast<std::size_t>(index - fIndices.firstPoint) / 2 < PointCount();
-}
-
-void CurveFilter::ParameterHasChanged(int index, float oldValue) {
-    if (GetParameterValue(index) == oldValue) return;
-    fIsStale = fIsStale || IsHeard(index);
-    if (!fIsStale || !IsPrepared() || IsOn(fIndices.updating)) return;
-    Redesign();
-    fHandOver.Offer(MakePartitions(fFIR));
 }
 
 void CurveFilter::Redesign() const {

@@ -109,18 +109,6 @@ std::span<const double, Echo::kBands> Echo::Centres() {
     return kCentres;
 }
 
-void Echo::SetParameterValue(int index, float value) {
-    const float oldValue = GetParameterValue(index);
-    ComponentBase::SetParameterValue(index, value);
-    ParameterHasChanged(index, oldValue);
-}
-
-void Echo::SetParameterValueQuietly(int index, float value) {
-    const float oldValue = GetParameterValue(index);
-    ComponentBase::SetParameterValueQuietly(index, value);
-    ParameterHasChanged(index, oldValue);
-}
-
 std::size_t Echo::Tail() const noexcept {
     constexpr double kDecayed = 1e-5; // 100 dB
     constexpr double kLongest = 600;  // seconds
@@ -134,6 +122,14 @@ std::size_t Echo::Tail() const noexcept {
     const double most = kLongest * GetSampleRate();
     const double repeats = feedback < 1 ? std::ceil(std::log(kDecayed) / std::log(feedback)) : most;
     return static_cast<std::size_t>(std::min(most, (1 + repeats) * longest));
+}
+
+void Echo::ParameterHasChanged(int index) {
+    const bool isBand = index >= kEchoFirstBand && index < kEchoFirstBand + static_cast<int>(kBands);
+    if (!isBand) return;
+    Redesign();
+    const bool isPrepared = fTarget != nullptr;
+    if (isPrepared) fHandOver.Offer(std::make_unique<Equaliser>(fDesigned));
 }
 
 void Echo::PrepareProcessing(std::size_t /*maximumBlock*/) {
@@ -201,14 +197,6 @@ void Echo::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexc
             block.outputs[i][frame] = channel.input + channel.level.Next() * channel.echo;
         }
     }
-}
-
-void Echo::ParameterHasChanged(int index, float oldValue) {
-    const bool isBand = index >= kEchoFirstBand && index < kEchoFirstBand + static_cast<int>(kBands);
-    if (!isBand || GetParameterValue(index) == oldValue) return;
-    Redesign();
-    const bool isPrepared = fTarget != nullptr;
-    if (isPrepared) fHandOver.Offer(std::make_unique<Equaliser>(fDesigned));
 }
 
 void Echo::Redesign() {

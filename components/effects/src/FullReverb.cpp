@@ -119,16 +119,6 @@ FullReverb::FullReverb() : ComponentBase(kFullReverbComponentID, std::move(Param
 
 FullReverb::~FullReverb() = default;
 
-void FullReverb::SetParameterValue(int index, float value) {
-    ComponentBase::SetParameterValue(index, value);
-    TellRoom();
-}
-
-void FullReverb::SetParameterValueQuietly(int index, float value) {
-    ComponentBase::SetParameterValueQuietly(index, value);
-    TellRoom();
-}
-
 std::size_t FullReverb::Tail() const noexcept {
     const double seconds = std::max(Predelay() + AudibleSeconds(Decay()), EarlyReflections::kLongestSeconds);
     return static_cast<std::size_t>(std::ceil(seconds * GetSampleRate()));
@@ -148,6 +138,10 @@ bool FullReverb::GetResponseCurve(int index, std::size_t size, std::vector<float
         values[i] = static_cast<float>(10 * std::log10(power));
     }
     return true;
+}
+
+void FullReverb::ParameterHasChanged(int /*index*/) {
+    TellRoom();
 }
 
 void FullReverb::PrepareProcessing(std::size_t /*maximumBlock*/) {

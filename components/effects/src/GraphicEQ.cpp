@@ -130,18 +130,6 @@ std::span<const double> GraphicEQ::Centres(Bands bands) {
     return sThirdOctaves;
 }
 
-void GraphicEQ::SetParameterValue(int index, float value) {
-    const float oldValue = GetParameterValue(index);
-    ComponentBase::SetParameterValue(index, value);
-    ParameterHasChanged(index, oldValue);
-}
-
-void GraphicEQ::SetParameterValueQuietly(int index, float value) {
-    const float oldValue = GetParameterValue(index);
-    ComponentBase::SetParameterValueQuietly(index, value);
-    ParameterHasChanged(index, oldValue);
-}
-
 std::size_t GraphicEQ::Tail() const noexcept {
     constexpr double kDecayed = 1e-5; // 100 dB
     double radius = 0;
@@ -158,6 +146,16 @@ bool GraphicEQ::GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost
     for (std::size_t i = 0; i < count; ++i)
         decibels[i] = static_cast<float>(DecibelsAt(axis.HertzAt(i, count)));
     return true;
+}
+
+void GraphicEQ::ParameterHasChanged(int index) {
+    if (index == kGraphicEQMasterGain) {
+        StoreHighestGain();
+        return;
+    }
+    Redesign();
+    const bool isPrepared = fTarget != nullptr;
+    if (isPrepared) fHandOver.Offer(std::make_unique<Sections>(fDesigned));
 }
 
 void GraphicEQ::PrepareProcessing(std::size_t maximumBlock) {
@@ -195,17 +193,6 @@ void GraphicEQ::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) 
     const std::size_t gliding = std::min(block.frames, std::max(fGlide.Remaining(), fMaster.Remaining()));
     ProcessGliding(block, gliding);
     ProcessSettled(block, gliding);
-}
-
-void GraphicEQ::ParameterHasChanged(int index, float oldValue) {
-    if (GetParameterValue(index) == oldValue) return;
-    if (index == kGraphicEQMasterGain) {
-        StoreHighestGain();
-        return;
-    }
-    Redesign();
-    const bool isPrepared = fTarget != nullptr;
-    if (isPrepared) fHandOver.Offer(std::make_unique<Sections>(fDesigned));
 }
 
 void GraphicEQ::Redesign() {

@@ -174,16 +174,6 @@ ParametricEQ::ParametricEQ() : ComponentBase(kParametricEQComponentID, Table()) 
 
 ParametricEQ::~ParametricEQ() = default;
 
-void ParametricEQ::SetParameterValue(int index, float value) {
-    ComponentBase::SetParameterValue(index, value);
-    StoreHighestGain();
-}
-
-void ParametricEQ::SetParameterValueQuietly(int index, float value) {
-    ComponentBase::SetParameterValueQuietly(index, value);
-    StoreHighestGain();
-}
-
 std::size_t ParametricEQ::Tail() const noexcept {
     constexpr double kDecayed = 1e-5; // 100 dB
     double radius = 0;
@@ -206,6 +196,10 @@ bool ParametricEQ::GetMagnitudeResponse(std::size_t count, const kroaudiofilterh
 bool ParametricEQ::GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const {
     const double end = std::min(kHighestFrequency, GetSampleRate() / 2);
     return index == 0 && GetMagnitudeResponse(size, {kLowestFrequency, end, true}, values);
+}
+
+void ParametricEQ::ParameterHasChanged(int /*index*/) {
+    StoreHighestGain();
 }
 
 void ParametricEQ::PrepareProcessing(std::size_t maximumBlock) {

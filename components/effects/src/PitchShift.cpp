@@ -83,16 +83,10 @@ PitchShift::PitchShift() : ComponentBase(kPitchShiftComponentID, std::move(Param
 
 PitchShift::~PitchShift() = default;
 
-void PitchShift::SetParameterValue(int index, float value) {
-    const float oldValue = GetParameterValue(index);
-    ComponentBase::SetParameterValue(index, value);
-    OfferStretcher(index, oldValue);
-}
-
-void PitchShift::SetParameterValueQuietly(int index, float value) {
-    const float oldValue = GetParameterValue(index);
-    ComponentBase::SetParameterValueQuietly(index, value);
-    OfferStretcher(index, oldValue);
+void PitchShift::ParameterHasChanged(int index) {
+    const bool isSplicing = index >= kPitchShiftSplicingFrequency && index <= kPitchShiftUseDefaultSettings;
+    const bool isPrepared = fLatency > 0;
+    if (isSplicing && isPrepared) fHandOver.Offer(MakeStretcher());
 }
 
 void PitchShift::PrepareProcessing(std::size_t /*maximumBlock*/) {
@@ -145,12 +139,6 @@ std::unique_ptr<SpliceStretcher> PitchShift::MakeStretcher() const {
         lengths.overlap = static_cast<std::size_t>(std::llround(sequence * Natural(kPitchShiftOverlapping) / kPercent));
     }
     return std::make_unique<SpliceStretcher>(GetNumberOfInputChannels(), GetSampleRate(), lengths);
-}
-
-void PitchShift::OfferStretcher(int index, float oldValue) {
-    const bool isSplicing = index >= kPitchShiftSplicingFrequency && index <= kPitchShiftUseDefaultSettings;
-    const bool isPrepared = fLatency > 0;
-    if (isSplicing && isPrepared && GetParameterValue(index) != oldValue) fHandOver.Offer(MakeStretcher());
 }
 
 void PitchShift::TakeStretcher() noexcept {

@@ -70,20 +70,14 @@ Reverb::Reverb() : ComponentBase(kReverbComponentID, std::move(ParameterTable().
 
 Reverb::~Reverb() = default;
 
-void Reverb::SetParameterValue(int index, float value) {
-    ComponentBase::SetParameterValue(index, value);
-    Tell();
-}
-
-void Reverb::SetParameterValueQuietly(int index, float value) {
-    ComponentBase::SetParameterValueQuietly(index, value);
-    Tell();
-}
-
 std::size_t Reverb::Tail() const noexcept {
     const double seconds =
         Natural(kReverbPredelay) * kMilliseconds + AudibleSeconds(Natural(kReverbDecay) * kMilliseconds);
     return static_cast<std::size_t>(std::ceil(seconds * GetSampleRate()));
+}
+
+void Reverb::ParameterHasChanged(int /*index*/) {
+    Tell();
 }
 
 void Reverb::PrepareProcessing(std::size_t /*maximumBlock*/) {

@@ -170,16 +170,6 @@ ScientificFilter::ScientificFilter()
 
 ScientificFilter::~ScientificFilter() = default;
 
-void ScientificFilter::SetParameterValue(int index, float value) {
-    ComponentBase::SetParameterValue(index, value);
-    StoreTransitionBandwidth();
-}
-
-void ScientificFilter::SetParameterValueQuietly(int index, float value) {
-    ComponentBase::SetParameterValueQuietly(index, value);
-    StoreTransitionBandwidth();
-}
-
 bool ScientificFilter::GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
                                             std::vector<float>& decibels) const {
     if (count == 0) return false;
@@ -214,6 +204,10 @@ bool ScientificFilter::GetResponseCurve(int index, std::size_t size, std::vector
 
 std::size_t ScientificFilter::Tail() const noexcept {
     return static_cast<std::size_t>(std::min(Design().DecaySamples(), kLongestTail * GetSampleRate()));
+}
+
+void ScientificFilter::ParameterHasChanged(int /*index*/) {
+    StoreTransitionBandwidth();
 }
 
 void ScientificFilter::PrepareProcessing(std::size_t /*maximumBlock*/) {

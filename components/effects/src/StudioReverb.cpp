@@ -113,20 +113,14 @@ StudioReverb::StudioReverb() : ComponentBase(kStudioReverbComponentID, std::move
 
 StudioReverb::~StudioReverb() = default;
 
-void StudioReverb::SetParameterValue(int index, float value) {
-    ComponentBase::SetParameterValue(index, value);
-    Tell();
-}
-
-void StudioReverb::SetParameterValueQuietly(int index, float value) {
-    ComponentBase::SetParameterValueQuietly(index, value);
-    Tell();
-}
-
 std::size_t StudioReverb::Tail() const noexcept {
     const double seconds =
         std::max(AudibleSeconds(Natural(kStudioReverbDecay) * kMilliseconds), EarlyReflections::kLongestSeconds);
     return static_cast<std::size_t>(std::ceil(seconds * GetSampleRate()));
+}
+
+void StudioReverb::ParameterHasChanged(int /*index*/) {
+    Tell();
 }
 
 void StudioReverb::PrepareProcessing(std::size_t /*maximumBlock*/) {

@@ -18,13 +18,12 @@ public:
     CenterChannelExtract();
 
     // The frequencies of the range that is chosen are told in two parameters, which follow every change.
-    void SetParameterValue(int index, float value) override;
-    void SetParameterValueQuietly(int index, float value) override;
     std::size_t Latency() const noexcept override { return fLatency; }
 
 protected:
     ~CenterChannelExtract() override;
 
+    void ParameterHasChanged(int index) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;

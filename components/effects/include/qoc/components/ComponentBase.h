@@ -16,6 +16,8 @@ public:
     int GetParameterCount() const override { return fTable.Size(); }
     const GenericParameterInfo* GetParameterInfo(int index) const override;
 
+    void SetParameterValue(int index, float value) final;
+    void SetParameterValueQuietly(int index, float value) final;
     void Process(const kroaudiofilterhost::AudioFilterBlock& block) noexcept final;
     void Reset() noexcept final;
 
@@ -24,6 +26,9 @@ protected:
     ComponentBase(const char16_t* componentID, ParameterTable table);
     ~ComponentBase() override;
 
+    // A setter has stored another value: what is made of parameters outside the sound thread, or told in read-only
+    // ones, may be made anew. Listeners have been told already. User-interface thread.
+    virtual void ParameterHasChanged(int index);
     // Allocates what the processing needs at the present sample rate and channels; Reset follows. User-interface
     // thread.
     virtual void PrepareProcessing(std::size_t maximumBlock);

@@ -23,9 +23,6 @@ namespace qoc::components {
 // is prepared again.
 class CurveFilter : public ComponentBase, private SpectrumProcessor {
 public:
-    void SetParameterValue(int index, float value) override;
-    void SetParameterValueQuietly(int index, float value) override;
-
     std::size_t Latency() const noexcept override { return fStream.Latency() + fSize / 2; }
     std::size_t Tail() const noexcept override { return fSize / 2; }
     bool GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
@@ -59,6 +56,7 @@ protected:
     double StoredFrequency(std::size_t point) const noexcept;
     double StoredValue(std::size_t point) const noexcept;
 
+    void ParameterHasChanged(int index) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;
@@ -71,7 +69,6 @@ private:
 
     bool IsPrepared() const noexcept { return fSize > 0; }
     bool IsHeard(int index) const noexcept;
-    void ParameterHasChanged(int index, float oldValue);
     void Redesign() const;
     std::unique_ptr<FilterPartitions> MakePartitions(std::span<const float> fir) const;
 

@@ -30,15 +30,13 @@ public:
     // In hertz, ascending.
     static std::span<const double, kBands> Centres();
 
-    void SetParameterValue(int index, float value) override;
-    void SetParameterValueQuietly(int index, float value) override;
-
     // Until the echoes have decayed by 100 dB, at most ten minutes.
     std::size_t Tail() const noexcept override;
 
 protected:
     ~Echo() override;
 
+    void ParameterHasChanged(int index) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;
@@ -63,7 +61,6 @@ private:
         float fedBack = 0;
     };
 
-    void ParameterHasChanged(int index, float oldValue);
     void Redesign();
     double HighestGain(std::span<const BiquadCoefficients> sections) const;
     int FirstParameter(bool isRight) const noexcept;

@@ -28,9 +28,6 @@ public:
 
     FullReverb();
 
-    void SetParameterValue(int index, float value) override;
-    void SetParameterValueQuietly(int index, float value) override;
-
     // Until the reverberation has decayed by 90 dB and the last reflection has come.
     std::size_t Tail() const noexcept override;
     bool GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const override;
@@ -38,6 +35,7 @@ public:
 protected:
     ~FullReverb() override;
 
+    void ParameterHasChanged(int index) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;

@@ -33,9 +33,6 @@ public:
     // In hertz, ascending.
     static std::span<const double> Centres(Bands bands);
 
-    void SetParameterValue(int index, float value) override;
-    void SetParameterValueQuietly(int index, float value) override;
-
     // Until the slowest section has decayed by 100 dB.
     std::size_t Tail() const noexcept override;
     bool GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
@@ -44,6 +41,7 @@ public:
 protected:
     ~GraphicEQ() override;
 
+    void ParameterHasChanged(int index) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;
@@ -52,7 +50,6 @@ protected:
 private:
     using Sections = std::vector<BiquadCoefficients>;
 
-    void ParameterHasChanged(int index, float oldValue);
     int HighestGainIndex() const noexcept { return kGraphicEQFirstGain + static_cast<int>(fCentres.size()); }
     void Redesign();
     void StoreHighestGain();

@@ -22,9 +22,6 @@ public:
 
     ParametricEQ();
 
-    void SetParameterValue(int index, float value) override;
-    void SetParameterValueQuietly(int index, float value) override;
-
     // Until the slowest section has decayed by 100 dB.
     std::size_t Tail() const noexcept override;
     bool GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
@@ -34,6 +31,7 @@ public:
 protected:
     ~ParametricEQ() override;
 
+    void ParameterHasChanged(int index) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;

@@ -20,14 +20,12 @@ class PitchShift : public ComponentBase {
 public:
     PitchShift();
 
-    void SetParameterValue(int index, float value) override;
-    void SetParameterValueQuietly(int index, float value) override;
-
     std::size_t Latency() const noexcept override { return fLatency; }
 
 protected:
     ~PitchShift() override;
 
+    void ParameterHasChanged(int index) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;
@@ -35,7 +33,6 @@ protected:
 
 private:
     std::unique_ptr<SpliceStretcher> MakeStretcher() const;
-    void OfferStretcher(int index, float oldValue);
     void TakeStretcher() noexcept;
     // Frames up to the end of a chunk.
     void ProcessPart(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames) noexcept;

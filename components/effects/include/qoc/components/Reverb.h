@@ -18,15 +18,13 @@ class Reverb : public ComponentBase {
 public:
     Reverb();
 
-    void SetParameterValue(int index, float value) override;
-    void SetParameterValueQuietly(int index, float value) override;
-
     // Until the reverberation has decayed by 90 dB.
     std::size_t Tail() const noexcept override;
 
 protected:
     ~Reverb() override;
 
+    void ParameterHasChanged(int index) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;

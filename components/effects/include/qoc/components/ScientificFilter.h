@@ -25,9 +25,6 @@ public:
 
     ScientificFilter();
 
-    void SetParameterValue(int index, float value) override;
-    void SetParameterValueQuietly(int index, float value) override;
-
     // Where the response is 0 between two places, the upper one tells of that, so that a curve through few places still
     // shows every zero.
     bool GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
@@ -43,6 +40,7 @@ public:
 protected:
     ~ScientificFilter() override;
 
+    void ParameterHasChanged(int index) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ReadParameters(bool settle) noexcept override;
     void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;

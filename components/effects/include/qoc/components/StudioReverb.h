@@ -20,15 +20,13 @@ class StudioReverb : public ComponentBase {
 public:
     StudioReverb();
 
-    void SetParameterValue(int index, float value) override;
-    void SetParameterValueQuietly(int index, float value) override;
-
     // Until the reverberation has decayed by 90 dB and the last reflection has come.
     std::size_t Tail() const noexcept override;
 
 protected:
     ~StudioReverb() override;
 
+    void ParameterHasChanged(int index) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;
