@@ -18,6 +18,7 @@ public:
     bool handlesMouse = false;
     bool handlesKeys = false;
     kroui::Point lastPosition;
+    int lastClickCount = 0;
 
     bool UI_DoMouseEvent(kroui::ui::UI_Node* node, const kroui::ui::MouseEvent& event) override {
         using Action = kroui::ui::MouseEvent::Action;
@@ -28,6 +29,7 @@ public:
         for (const auto& [action, name] : kNames)
             if (event.IsAction(action)) Log(std::string(name) + (node ? " from " + std::string(node->UI_GetID()) : ""));
         lastPosition = event.position;
+        lastClickCount = event.clickCount;
         return handlesMouse && !event.IsAction(Action::kMoved);
     }
     bool UI_DoKeyEvent(const kroui::ui::KeyEvent&) override {

@@ -22,7 +22,6 @@ using kroui::ui::HeadlessWindow;
 using kroui::ui::Key;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::Not;
 using testing::StartsWith;
 
 class ScriptControlsTest : public testing::Test {

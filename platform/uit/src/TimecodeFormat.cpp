@@ -291,7 +291,7 @@ std::optional<double> TimecodeFormat::ParseBars(std::u16string_view text, bool i
     const std::int64_t tick = fields.numbers[2];
     if (beat < 0 || beat >= fSettings.beatsPerBar || tick >= TicksPerBeat()) return {};
     const bool isNegativeBar = isNegative && !fSettings.isDuration;
-    const double bar = static_cast<double>((isNegativeBar ? -fields.numbers[0] : fields.numbers[0]) - first);
+    const auto bar = static_cast<double>((isNegativeBar ? -fields.numbers[0] : fields.numbers[0]) - first);
     const double beats = bar * fSettings.beatsPerBar + static_cast<double>(beat);
     const double ticks = beats * static_cast<double>(TicksPerBeat()) + static_cast<double>(tick);
     const double offset = fSettings.isDuration ? 0 : fSettings.beatOffsetMs / kMillisecondsPerSecond;

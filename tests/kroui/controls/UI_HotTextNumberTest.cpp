@@ -1,9 +1,11 @@
 #include "kroui/controls/UI_HotTextNumber.h"
 
 #include "ControlsFixture.h"
+#include "kroui/controls/UI_StaticText.h"
 
 #include "kroui/limner/RecordingLimner.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace kroui::controls {
@@ -114,7 +116,11 @@ TEST_F(HotTextNumberTest, Typing_UnderstandsWhatPeopleWrite) {
 
 TEST_F(HotTextNumberTest, TypingNoNumber_LeavesTheValueAndSaysSo) {
     TypeOver(u"loud");
+    fWindow.Paint();
     EXPECT_TRUE(fWindow.PressKey(Key::kEnter));
+    fWindow.Paint();
+    const auto reachesBelow = [](const Rect& damage) { return damage.Bottom() > 140; };
+    EXPECT_TRUE(std::ranges::any_of(fWindow.LastDamage(), reachesBelow)) << "the message is shown at once";
     UI_TextField* const field = number->EntryField();
     ASSERT_NE(field, nullptr);
     EXPECT_TRUE(field->HasError());
@@ -222,6 +228,19 @@ TEST_F(HotTextNumberTest, Accessible_TellsTheNumberWithItsUnit) {
     EXPECT_EQ(info.role, ui::Role::kNumber);
     EXPECT_EQ(info.name, u"Gain");
     EXPECT_EQ(info.value, u"-12.5 dB");
+
+    // Without a name it is called by the label in its row, which need not be its neighbour in the tree.
+    number->SetName({});
+    number->UI_SetTooltip(u"How loud");
+    EXPECT_EQ(number->UI_GetAccessibleInfo().name, u"How loud");
+    const auto column = Add<ui::UI_SubView>({0, 80, 90, 100});
+    Add<UI_StaticText>({10, 0, 60, 24}, column.get())->SetText(u"Above:");
+    Add<UI_StaticText>({10, 20, 60, 24}, column.get())->SetText(u"Left:");
+    EXPECT_EQ(number->UI_GetAccessibleInfo().name, u"Left:");
+    const auto next = Add<UI_HotTextNumber>({210, 100, 60, 24});
+    EXPECT_EQ(next->UI_GetAccessibleInfo().name, u"") << "the label is the first number's";
+    column->UI_Show(false);
+    EXPECT_EQ(number->UI_GetAccessibleInfo().name, u"How loud");
 }
 
 } // namespace

@@ -118,28 +118,4 @@ TEST_F(NodeTreeTest, ThemesAreInheritedAndCanBeOverriddenBelow) {
     EXPECT_EQ(&child->GetTheme(), &Theme::Dark());
 }
 
-// Text on every ground that it stands on: WCAG 2.1 contrast, at least 4.5 to 1.
-TEST(ThemeTest, TextContrastsWithItsGround) {
-    const auto luminance = [](limner::Color c) {
-        const auto linear = [](float v) { return v <= 0.04045F ? v / 12.92F : std::pow((v + 0.055F) / 1.055F, 2.4F); };
-        return 0.2126F * linear(c.red) + 0.7152F * linear(c.green) + 0.0722F * linear(c.blue);
-    };
-    for (const Theme* theme : {&Theme::Dark(), &Theme::Light()}) {
-        for (const auto& [text, ground] : std::vector<std::pair<int, int>>{{kColorText, kColorPanel},
-                                                                           {kColorText, kColorWindow},
-                                                                           {kColorText, kColorRaised},
-                                                                           {kColorText, kColorMenu},
-                                                                           {kColorDimText, kColorPanel},
-                                                                           {kColorDimText, kColorWindow},
-                                                                           {kColorAccent, kColorPanel},
-                                                                           {kColorAccentText, kColorAccent},
-                                                                           {kColorWarning, kColorPanel}}) {
-            float a = luminance(theme->GetColor(text));
-            float b = luminance(theme->GetColor(ground));
-            if (a < b) std::swap(a, b);
-            EXPECT_GE((a + 0.05F) / (b + 0.05F), 4.5F) << theme->Name() << " " << text << " on " << ground;
-        }
-    }
-}
-
 } // namespace

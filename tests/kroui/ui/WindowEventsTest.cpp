@@ -1,4 +1,5 @@
 #include "ProbeNode.h"
+#include "kroui/controls/UI_Checkbox.h"
 #include "kroui/limner/CairoSupplier.h"
 #include "kroui/ui/HeadlessWindow.h"
 
@@ -52,6 +53,38 @@ TEST_F(WindowEventsTest, UnhandledEventsGoUpAndTellWhereTheyBegan) {
     EXPECT_THAT(TakeLog(), ElementsAre("inner:wheel", "left:wheel from inner"));
 }
 
+TEST_F(WindowEventsTest, APressOnTheGroundIsAimedAtTheNodeThatWantsToBeToldOfThose) {
+    fRoot->UI_SetStateFlags(UI_Node::kStateTellBackgroundPresses);
+    const boost::intrusive_ptr<controls::UI_Checkbox> disabled(new controls::UI_Checkbox);
+    disabled->UI_SetFrame({0, 0, 40, 20});
+    disabled->SetEnabled(false);
+    fRight->ChildPushBack(disabled);
+    const struct {
+        Point press;
+        const char* told;
+    } cases[] = {{{30, 50}, "root:pressed"}, {{150, 50}, "root:pressed"}, {{110, 10}, "root:pressed from "}};
+    for (const auto& c : cases) {
+        fWindow.Window().MousePressed(c.press, 1, 1, 0);
+        EXPECT_EQ(TakeLog().back(), c.told);
+        fWindow.Release();
+        fWindow.Window().MouseWheel(c.press, 0, 1, 0);
+        EXPECT_THAT(TakeLog().back(), testing::StartsWith("root:wheel from ")) << "only presses";
+    }
+}
+
+TEST_F(WindowEventsTest, ClicksCountOnTheNodeThatTheyMeet) {
+    const struct {
+        float x;
+        int counted; // by the window system
+        int told;
+    } clicks[] = {{90, 1, 1}, {110, 2, 1}, {110, 3, 2}, {110, 4, 3}, {90, 1, 1}, {90, 2, 2}};
+    for (const auto& click : clicks) {
+        fWindow.Window().MousePressed({click.x, 10}, 1, click.counted, 0);
+        EXPECT_EQ((click.x < 100 ? fLeft : fRight)->lastClickCount, click.told);
+        fWindow.Release();
+    }
+}
+
 TEST_F(WindowEventsTest, WhoTakesThePressGetsTheDragAndTheReleaseWhereverThePointerIs) {
     fInner->handlesMouse = true;
     fWindow.Press({30, 50});
@@ -59,8 +92,10 @@ TEST_F(WindowEventsTest, WhoTakesThePressGetsTheDragAndTheReleaseWhereverThePoin
     TakeLog();
     fWindow.MoveTo({150, 50});
     fWindow.MoveTo({-500, 5000});
+    fWindow.Window().MouseWheel({150, 50}, 0, 1, 0);
     fWindow.Release();
-    EXPECT_THAT(TakeLog(), ElementsAre("inner:dragged", "inner:dragged", "inner:released", "inner:left"));
+    EXPECT_THAT(TakeLog(),
+                ElementsAre("inner:dragged", "inner:dragged", "inner:wheel", "inner:released", "inner:left"));
     EXPECT_EQ(fWindow.Window().CaptureNode(), nullptr);
 }
 
@@ -144,7 +179,7 @@ TEST_F(WindowEventsTest, ADragThatOpenedAModalOverlayContinuesInIt) {
 }
 
 TEST_F(WindowEventsTest, ATipComesAfterHalfASecondAndGoesAtThePress) {
-    fLeft->UI_SetTooltip(u"Left side");
+    fLeft->UI_SetTooltip(u"The left one of two sides");
     fWindow.MoveTo({30, 50});
     fWindow.Advance(0.4);
     fWindow.MoveTo({32, 50}); // not at rest yet
@@ -155,6 +190,19 @@ TEST_F(WindowEventsTest, ATipComesAfterHalfASecondAndGoesAtThePress) {
     EXPECT_GT(fWindow.LastDamage().size(), 0U) << "the tip of the node above the one that is hit";
     fWindow.Window().MousePressed({32, 50}, 1, 1, 0);
     EXPECT_GT(fWindow.Paint(), 0) << "the tip is gone";
+    fWindow.Release();
+    fWindow.MoveTo({34, 50});
+    fWindow.Paint();
+    fWindow.Advance(1);
+    EXPECT_THAT(fWindow.LastDamage(), IsEmpty()) << "and does not come back over the same node";
+    fWindow.MoveTo({150, 50});
+    fWindow.MoveTo({34, 50});
+    fWindow.Advance(1);
+    EXPECT_EQ(fWindow.LastDamage().size(), 1U);
+    fRoot->ChildRemove(fLeft.get());
+    fWindow.Paint();
+    ASSERT_EQ(fWindow.LastDamage().size(), 1U);
+    EXPECT_GT(fWindow.LastDamage()[0].Right(), 100) << "a tip goes with its node";
 }
 
 // A listener may take nodes out of the tree, or let them die, while their event is under way.

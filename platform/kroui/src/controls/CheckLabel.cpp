@@ -18,7 +18,8 @@ MarkColors ColorsOfMark(const UI_Button& button, bool filledWhenOn) {
     const bool isHot = button.IsEnabled() && (button.IsHovered() || button.IsPressed());
     const limner::Color accent = button.GetColor(ui::kColorAccent);
     const limner::Color ground = button.GetColor(isHot ? ui::kColorRaisedHover : ui::kColorRaised);
-    if (!button.IsEnabled()) return {ground, button.GetColor(ui::kColorLine), button.GetColor(ui::kColorDisabledText)};
+    const limner::Color disabled = button.GetColor(ui::kColorDisabledText);
+    if (!button.IsEnabled()) return {ground, disabled, disabled};
     const limner::Color shade = button.IsPressed() ? accent.WithAlpha(kPressedAccent) : accent;
     if (!button.IsChecked()) return {ground, isHot ? accent : button.GetColor(ui::kColorKnobLine), shade};
     if (!filledWhenOn) return {ground, shade, shade};

@@ -35,7 +35,7 @@ void DrawHalo(limner::Limner& context, const Rect& rect, float radius, const lim
 constexpr float kHaloWidth = 2;
 
 // A picture keeps its colours, so the ground under it takes only so much of the accent.
-constexpr float kAccentUnderPicture = 0.35F;
+constexpr float kAccentUnderPicture = 0.3F;
 
 // The biggest rectangle of a picture's proportions in `room`, in its middle, no bigger than the picture.
 Rect FitPicture(Size picture, const Rect& room);

@@ -16,7 +16,8 @@ constexpr float kDotPitch = 3;
 
 void DrawDots(limner::Limner& context, const drawing::PixelGrid& grid, const Rect& line, const limner::Color& color) {
     const float dot = grid.Line();
-    for (float x = line.left; x + dot <= line.Right() + 0.5F; x += kDotPitch)
+    const float pitch = grid.Line(kDotPitch); // whole pixels, so that the dots are evenly apart
+    for (float x = line.left; x + dot <= line.Right() + 0.5F; x += pitch)
         context.FillRect({grid.X(x), line.top, dot, dot}, color);
 }
 

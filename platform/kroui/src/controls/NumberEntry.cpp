@@ -107,6 +107,7 @@ void NumberEntry::ShowError() {
         krocore::Localize("$$$/kroui/NumberEntry/NotANumber=\"@0\" is not a number. Escape brings the old value back.");
     fField->SetError(krocore::ReplacePlaceholders(message, {fField->GetText()}));
     fField->SelectAll();
+    if (fField->UI_GetWindow()) fField->UI_GetWindow()->ShowTip(*fField);
 }
 
 } // namespace kroui::controls

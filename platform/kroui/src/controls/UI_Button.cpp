@@ -25,8 +25,8 @@ constexpr float kFlashSeconds = 0.12F;
 
 // How much accent the ground of a lit button has in each state.
 constexpr float kAccentNormal = 1;
-constexpr float kAccentHovered = 0.88F;
-constexpr float kAccentPressed = 0.72F;
+constexpr float kAccentHovered = 0.9F;
+constexpr float kAccentPressed = 0.8F;
 constexpr float kAccentDisabled = 0.25F;
 
 bool IsActivationKey(const ui::KeyEvent& event) {
@@ -221,8 +221,14 @@ void UI_Button::DrawFace(limner::Limner& context, const Face& face) const {
     const float corner = face.isRound ? rect.height / 2 : fCornerRadius;
     const limner::Color ground = GetColor(face.hot ? ui::kColorRaisedHover : ui::kColorRaised);
     const limner::Color accent = GetColor(ui::kColorAccent);
-    if (face.accent < 1) context.FillRoundRect(rect, corner, ground);
-    if (face.accent > 0) context.FillRoundRect(rect, corner, accent.WithAlpha(face.accent));
+    if (face.IsLit()) {
+        // The colour of text takes the accent farther from that of what is written on it, in either theme.
+        context.FillRoundRect(rect, corner, accent);
+        if (face.accent < 1) context.FillRoundRect(rect, corner, GetColor(ui::kColorText).WithAlpha(1 - face.accent));
+    } else {
+        context.FillRoundRect(rect, corner, ground);
+        if (face.accent > 0) context.FillRoundRect(rect, corner, accent.WithAlpha(face.accent));
+    }
 
     const float outline = grid.Line(fStrokeSize1);
     const float ring = grid.Line(fStrokeSize2);
@@ -251,7 +257,6 @@ Rect UI_Button::ContentRect() const {
 ui::AccessibleInfo UI_Button::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_InteractiveControlView::UI_GetAccessibleInfo();
     info.role = ui::Role::kButton;
-    info.name = UI_GetTooltip();
     if (IsToggle()) info.value = drawing::OnOffText(IsChecked());
     return info;
 }

@@ -66,7 +66,6 @@ void UI_Checkbox::UI_Draw(limner::Limner* context) {
 ui::AccessibleInfo UI_Checkbox::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_Button::UI_GetAccessibleInfo();
     info.role = ui::Role::kCheckBox;
-    if (!fText.Text().empty()) info.name = fText.Text();
     return info;
 }
 

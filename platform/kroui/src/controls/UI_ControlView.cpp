@@ -1,5 +1,6 @@
 #include "kroui/controls/UI_ControlView.h"
 
+#include "LabelBeside.h"
 #include "kroui/ui/UI_Window.h"
 
 namespace kroui::controls {
@@ -56,6 +57,10 @@ void UI_ControlView::UI_NodeChanged(NodeChange change) {
 
 ui::AccessibleInfo UI_ControlView::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_SubView::UI_GetAccessibleInfo();
+    info.name = fName.empty() ? ShownName() : fName;
+    // Only what is operated has a label.
+    if (info.name.empty() && fWantsFocus) info.name = LabelBeside(*this);
+    if (info.name.empty()) info.name = UI_GetTooltip();
     info.enabled = fEnabled;
     info.focusable = fWantsFocus;
     return info;

@@ -77,8 +77,10 @@ void UI_DisplayNumber::LookChanged() {
 
 float UI_DisplayNumber::LabelWidth() const {
     if (fLabelWidth > 0) return fLabelWidth;
-    if (fMeasuredLabel < 0) fMeasuredLabel = MeasureLabelWidth();
-    return fMeasuredLabel;
+    if (fMeasuredLabel >= 0) return fMeasuredLabel;
+    const float width = MeasureLabelWidth();
+    if (UI_GetDrawSupplier()) fMeasuredLabel = width; // and no estimate
+    return width;
 }
 
 float UI_DisplayNumber::NumberWidth() const {
@@ -130,7 +132,6 @@ void UI_DisplayNumber::UI_NodeChanged(NodeChange change) {
 ui::AccessibleInfo UI_DisplayNumber::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_ControlView::UI_GetAccessibleInfo();
     info.role = ui::Role::kText;
-    info.name = fLabel;
     info.value = ShownText();
     if (!fUnit.empty()) info.value.append(u" ").append(fUnit);
     return info;

@@ -107,7 +107,6 @@ ui::Cursor UI_HotText::UI_GetCursor(Point /*point*/) const {
 ui::AccessibleInfo UI_HotText::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_InteractiveControlView::UI_GetAccessibleInfo();
     info.role = ui::Role::kButton;
-    info.name = fText;
     return info;
 }
 

@@ -136,7 +136,6 @@ ui::Cursor UI_HotTextNumber::UI_GetCursor(Point /*point*/) const {
 ui::AccessibleInfo UI_HotTextNumber::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_HotText::UI_GetAccessibleInfo();
     info.role = ui::Role::kNumber;
-    info.name = fName;
     info.value = ShownText();
     if (!GetTextLabel().empty()) info.value.append(u" ").append(GetTextLabel());
     return info;

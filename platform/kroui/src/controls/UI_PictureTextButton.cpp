@@ -122,12 +122,6 @@ void UI_PictureTextButton::UI_NodeChanged(NodeChange change) {
     if (change == kAttached || change == kThemeChanged) fImage.Forget();
 }
 
-ui::AccessibleInfo UI_PictureTextButton::UI_GetAccessibleInfo() const {
-    ui::AccessibleInfo info = UI_Button::UI_GetAccessibleInfo();
-    if (!fText.Text().empty()) info.name = fText.Text();
-    return info;
-}
-
 const ui::PropertyTable& UI_PictureTextButton::UI_GetPropertyTable() const {
     return PropertiesOfPictureTextButton();
 }

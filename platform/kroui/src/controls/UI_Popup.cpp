@@ -228,6 +228,7 @@ bool UI_Popup::UI_DoMouseEvent(UI_Node* node, const MouseEvent& event) {
 
 bool UI_Popup::Wheel(const MouseEvent& event) {
     if (event.Has(ui::kCommand) || event.wheelY == 0) return false;
+    if (fWheelRest * event.wheelY < 0) fWheelRest = 0;
     fWheelRest += event.wheelY;
     while (fWheelRest >= 1 || fWheelRest <= -1) {
         const int direction = fWheelRest > 0 ? -1 : 1;
@@ -341,7 +342,6 @@ void UI_Popup::UI_Draw(limner::Limner* context) {
 ui::AccessibleInfo UI_Popup::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_Button::UI_GetAccessibleInfo();
     info.role = ui::Role::kPopup;
-    if (info.name.empty()) info.name = fName;
     info.value = ShownText();
     return info;
 }

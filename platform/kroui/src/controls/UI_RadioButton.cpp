@@ -124,7 +124,6 @@ void UI_RadioButton::UI_Draw(limner::Limner* context) {
 ui::AccessibleInfo UI_RadioButton::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_Button::UI_GetAccessibleInfo();
     info.role = ui::Role::kRadioButton;
-    if (!fText.Text().empty()) info.name = fText.Text();
     return info;
 }
 

@@ -102,7 +102,6 @@ void UI_Slider::UI_NodeChanged(NodeChange change) {
 ui::AccessibleInfo UI_Slider::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_InteractiveControlView::UI_GetAccessibleInfo();
     info.role = ui::Role::kSlider;
-    info.name = fName;
     info.value = FormatValue();
     return info;
 }

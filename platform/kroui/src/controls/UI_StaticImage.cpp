@@ -39,7 +39,6 @@ void UI_StaticImage::UI_NodeChanged(NodeChange change) {
 ui::AccessibleInfo UI_StaticImage::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_ControlView::UI_GetAccessibleInfo();
     info.role = ui::Role::kImage;
-    info.name = UI_GetTooltip();
     return info;
 }
 

@@ -89,7 +89,6 @@ void UI_StaticText::UI_Draw(limner::Limner* context) {
 ui::AccessibleInfo UI_StaticText::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_ControlView::UI_GetAccessibleInfo();
     info.role = ui::Role::kText;
-    info.name = fText.Text();
     return info;
 }
 

@@ -234,7 +234,6 @@ void UI_TabGroup::DrawTab(limner::Limner& context, int tab) const {
 ui::AccessibleInfo UI_TabGroup::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_InteractiveControlView::UI_GetAccessibleInfo();
     info.role = ui::Role::kTabGroup;
-    info.name = fName;
     info.value = GetTabText(fValue);
     return info;
 }

@@ -68,12 +68,6 @@ void UI_TextButton::UI_Draw(limner::Limner* context) {
                       {fAlignment, limner::TextTruncation::kEnd});
 }
 
-ui::AccessibleInfo UI_TextButton::UI_GetAccessibleInfo() const {
-    ui::AccessibleInfo info = UI_Button::UI_GetAccessibleInfo();
-    if (!fText.Text().empty()) info.name = fText.Text();
-    return info;
-}
-
 const ui::PropertyTable& UI_TextButton::UI_GetPropertyTable() const {
     return PropertiesOfTextButton();
 }

@@ -89,8 +89,9 @@ void UI_TextField::UI_Draw(limner::Limner* context) {
 void UI_TextField::DrawContent(limner::Limner& context, const Rect& area) {
     const drawing::PixelGrid grid(*this, context);
     const limner::TextPlacement placement{fAlignment, limner::TextTruncation::kNone, false};
+    const auto colorOf = [this](int role) { return GetColor(IsEnabled() ? role : ui::kColorDisabledText); };
     if (GetText().empty() && !fPlaceholder.empty())
-        context.DrawText(fPlaceholder, fFont, GetColor(ui::kColorDimText), TextArea(), placement);
+        context.DrawText(fPlaceholder, fFont, colorOf(ui::kColorDimText), TextArea(), placement);
     const std::vector<float>& carets = CaretPositions();
     const float left = TextLeft();
     if (UI_HasFocus() && fBuffer.HasSelection()) {
@@ -99,8 +100,7 @@ void UI_TextField::DrawContent(limner::Limner& context, const Rect& area) {
         const Rect marked{start, area.top + kCaretInset, end - start, area.height - 2 * kCaretInset};
         context.FillRect(grid.Snap(marked), GetColor(ui::kColorSelection));
     }
-    const int color = IsEnabled() ? ui::kColorText : ui::kColorDisabledText;
-    context.DrawText(GetText(), fFont, GetColor(color), {left, area.top, carets.back(), area.height}, {});
+    context.DrawText(GetText(), fFont, colorOf(ui::kColorText), {left, area.top, carets.back(), area.height}, {});
     if (UI_HasFocus() && fCaretIsOn) context.FillRect(grid.Snap(CaretRect()), GetColor(ui::kColorText));
 }
 
@@ -230,7 +230,6 @@ const krocore::string16& UI_TextField::UI_GetTooltip() const {
 ui::AccessibleInfo UI_TextField::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_InteractiveControlView::UI_GetAccessibleInfo();
     info.role = ui::Role::kTextField;
-    info.name = fPlaceholder;
     info.value = GetText();
     return info;
 }

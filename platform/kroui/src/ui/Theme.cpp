@@ -26,7 +26,7 @@ constexpr Theme::Row kRows[] = {
     {kColorField, "field", 0xFF1B1C1F, 0xFFFFFFFF},
     {kColorCurve, "curve", 0xFFFFC94D, 0xFFFFC94D},
     {kColorWarning, "warning", 0xFFFF6B57, 0xFFC42B17},
-    {kColorMeter, "meter", 0xFF5FD38D, 0xFF1E9E5A},
+    {kColorMeter, "meter", 0xFF5FD38D, 0xFF15803D},
     {kColorSelection, "selection", 0x664DA3FF, 0x400B66C3},
     {kColorShadow, "shadow", 0x66000000, 0x33000000},
     {kColorMenu, "menu", 0xFF303237, 0xFFFFFFFF},

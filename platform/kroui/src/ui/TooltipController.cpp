@@ -11,6 +11,7 @@ constexpr float kDelaySeconds = 0.5F;
 constexpr float kWidest = 320;
 constexpr float kPadding = 8;
 constexpr float kBelowPointer = 20;
+constexpr float kGap = 4; // to what the tip stands over or under
 constexpr limner::Font kFont{11};
 constexpr long kTimerID = 1;
 
@@ -40,7 +41,8 @@ public:
     void UI_Draw(limner::Limner* limner) override {
         const Rect box = UI_GetLocalRect();
         limner->FillRoundRect(box, 4, GetColor(kColorMenu));
-        limner->FrameRoundRect(box, 4, GetColor(kColorLine), 1);
+        const float line = std::max(1.0F, std::floor(limner->ScaleFactor())) / limner->ScaleFactor();
+        limner->FrameRoundRect(box, 4, GetColor(kColorLine), line);
         const bool wraps = box.width >= kWidest + 2 * kPadding;
         limner->DrawText(fText, kFont, GetColor(kColorText), box.Inset(kPadding, kPadding / 2), {.multiLine = wraps});
     }
@@ -67,13 +69,12 @@ UI_Window::TooltipController::~TooltipController() {
 void UI_Window::TooltipController::HoverChanged(UI_Node* node, Point position) {
     UI_Node* const owner = NodeWithTip(node);
     fPosition = position;
-    if (owner == fNode) {
-        if (owner && !fIsShown) fTip->UI_InstallTimer(kDelaySeconds, kTimerID);
-        return;
+    if (owner != fNode) {
+        Hide();
+        fNode = owner;
+        fIsDismissed = false;
     }
-    Hide();
-    fNode = owner;
-    if (owner) {
+    if (fNode && !fIsShown && !fIsDismissed) {
         fTip->UI_InstallTimer(kDelaySeconds, kTimerID);
     } else {
         fTip->UI_RemoveTimer(kTimerID, false);
@@ -82,25 +83,41 @@ void UI_Window::TooltipController::HoverChanged(UI_Node* node, Point position) {
 
 void UI_Window::TooltipController::Dismiss() {
     Hide();
+    fIsDismissed = true;
     fTip->UI_RemoveTimer(kTimerID, false);
 }
 
+void UI_Window::TooltipController::ShowUnder(UI_Node& node) {
+    fTip->UI_RemoveTimer(kTimerID, false);
+    const Point corner = node.UI_LocalToWindow({});
+    ShowAt(node, {corner.x, corner.y + node.UI_GetFrame().height + kGap}, corner.y - kGap);
+}
+
 void UI_Window::TooltipController::Show() {
-    if (!fNode || !fNode->UI_IsVisibleInWindow() || fWindow.CaptureNode() || fWindow.HasModalOverlay()) return;
-    fTip->SetText(fNode->UI_GetTooltip());
+    if (fNode && !fWindow.CaptureNode() && !fWindow.HasModalOverlay())
+        ShowAt(*fNode, {fPosition.x, fPosition.y + kBelowPointer}, fPosition.y - kGap);
+}
+
+// With its top left corner at `below`, or where the window ends with its bottom at `above`.
+void UI_Window::TooltipController::ShowAt(UI_Node& node, Point below, float above) {
+    Hide();
+    if (node.UI_GetTooltip().empty() || !node.UI_IsVisibleInWindow()) return;
+    fTip->SetText(node.UI_GetTooltip());
     const Size size = fTip->Measure(fWindow.Supplier());
     const Size window = fWindow.GetSize();
-    Rect frame{fPosition.x, fPosition.y + kBelowPointer, size.width, size.height};
-    if (frame.Bottom() > window.height) frame.top = fPosition.y - size.height - 4;
-    frame.left = std::floor(std::clamp(frame.left, 0.0F, std::max(0.0F, window.width - size.width)));
-    frame.top = std::floor(std::max(0.0F, frame.top));
-    fWindow.ShowOverlay(fTip, frame, false);
+    const float scale = fWindow.ScaleFactor();
+    const auto onPixel = [scale](float place) { return std::floor(std::max(0.0F, place) * scale) / scale; };
+    const float left = onPixel(std::min(below.x, window.width - size.width));
+    const float top = onPixel(below.y + size.height > window.height ? above - size.height : below.y);
+    fShownNode = &node;
     fIsShown = true;
+    fWindow.ShowOverlay(fTip, {left, top, size.width, size.height}, false);
 }
 
 void UI_Window::TooltipController::Hide() {
     if (!fIsShown) return;
     fIsShown = false;
+    fShownNode.reset();
     fWindow.HideOverlay(fTip.get());
 }
 

@@ -14,18 +14,25 @@ public:
     void HoverChanged(UI_Node* node, Point position);
     // A press, a key, a wheel notch: no tip until the pointer moves to another node.
     void Dismiss();
+    // Shows a node's tip under it at once; it goes as any other.
+    void ShowUnder(UI_Node& node);
+    // The node whose tip is to be seen; null if none is.
+    const UI_Node* ShownNode() const { return fIsShown ? fShownNode.get() : nullptr; }
+    void Hide();
 
 private:
     class Tip;
 
     void Show();
-    void Hide();
+    void ShowAt(UI_Node& node, Point below, float above);
 
     UI_Window& fWindow;
     boost::intrusive_ptr<Tip> fTip;
-    boost::intrusive_ptr<UI_Node> fNode; // whose tip is due or shown
+    boost::intrusive_ptr<UI_Node> fNode; // has the tip of what the pointer is over
+    boost::intrusive_ptr<UI_Node> fShownNode;
     Point fPosition;
     bool fIsShown = false;
+    bool fIsDismissed = false; // the node's tip is not to come again
 };
 
 } // namespace kroui::ui

@@ -19,6 +19,12 @@ bool IsInSubtree(const UI_Node* node, const UI_Node& root) {
     return false;
 }
 
+// What shows without being operated: containers, texts, pictures.
+bool IsGround(const UI_Node& node) {
+    const Role role = node.UI_GetAccessibleInfo().role;
+    return role == Role::kNone || role == Role::kGroup || role == Role::kText || role == Role::kImage;
+}
+
 Rect Scaled(const Rect& r, float factor) {
     return {r.left * factor, r.top * factor, r.width * factor, r.height * factor};
 }
@@ -132,9 +138,13 @@ UI_Node* UI_Window::HitTest(Point position) const {
 bool UI_Window::Deliver(UI_Node* target, MouseEvent event, Point windowPosition) {
     boost::intrusive_ptr<UI_Node> receiver(target);
     const boost::intrusive_ptr<UI_Node> origin(target);
+    bool isOnGround = event.IsAction(MouseEvent::Action::kPressed);
     while (receiver) {
         event.position = receiver->UI_WindowToLocal(windowPosition);
-        if (receiver->UI_DoMouseEvent(receiver == origin ? nullptr : origin.get(), event)) {
+        const bool wantsGround = (receiver->UI_GetStateFlags() & UI_Node::kStateTellBackgroundPresses) != 0;
+        const bool isAimedAt = receiver == origin || (isOnGround && wantsGround);
+        isOnGround = isOnGround && IsGround(*receiver);
+        if (receiver->UI_DoMouseEvent(isAimedAt ? nullptr : origin.get(), event)) {
             if (event.IsAction(MouseEvent::Action::kPressed) && receiver->UI_IsAttached()) {
                 fCapture = receiver;
                 fCaptureButton = event.button;
@@ -191,11 +201,18 @@ bool UI_Window::MousePressed(Point position, int button, int clickCount, std::ui
     MouseEvent event;
     event.action = MouseEvent::Action::kPressed;
     event.button = button;
-    event.clickCount = clickCount;
+    event.clickCount = CountClicks(target, clickCount);
     event.modifiers = modifiers;
     const bool isHandled = Deliver(target, event, position);
     if (!isHandled && !HasModalOverlay()) SetFocus(nullptr);
     return isHandled;
+}
+
+// A window system counts quick presses near each other, also when they meet different controls.
+int UI_Window::CountClicks(const UI_Node* target, int clickCount) {
+    fClicks = clickCount > 1 && target == fLastPressed ? fClicks + 1 : 1;
+    fLastPressed = target;
+    return fClicks;
 }
 
 bool UI_Window::MouseReleased(Point position, int button, std::uint8_t modifiers) {
@@ -222,7 +239,12 @@ bool UI_Window::MouseWheel(Point position, float notchesX, float notchesY, std::
     event.wheelX = notchesX;
     event.wheelY = notchesY;
     event.modifiers = modifiers;
-    return Deliver(HitTest(position), event, position);
+    return Deliver(WheelTarget(position), event, position);
+}
+
+// In a drag the wheel is for what is dragged, wherever the pointer has come to.
+UI_Node* UI_Window::WheelTarget(Point position) const {
+    return fCapture && !HasModalOverlay() ? fCapture.get() : HitTest(position);
 }
 
 void UI_Window::MouseLeft() {
@@ -252,6 +274,7 @@ bool UI_Window::DeliverKey(const KeyEvent& event) {
 }
 
 bool UI_Window::TextTyped(std::u16string_view text) {
+    fTooltips->Dismiss();
     const InputScope input(*this);
     const TextEvent event{text};
     if (HasModalOverlay()) {
@@ -356,7 +379,12 @@ UI_Node* UI_Window::TopOverlay() const {
     return at != fOverlays.rend() ? at->node.get() : nullptr;
 }
 
+void UI_Window::ShowTip(UI_Node& node) {
+    fTooltips->ShowUnder(node);
+}
+
 void UI_Window::Forget(UI_Node& node) {
+    if (fTooltips && IsInSubtree(fTooltips->ShownNode(), node)) fTooltips->Hide();
     if (IsInSubtree(fHover.get(), node)) SetHover(nullptr, {-1, -1}, kNoModifier);
     if (IsInSubtree(fCapture.get(), node)) ReleaseCapture();
     if (IsInSubtree(fFocus.get(), node)) SetFocus(nullptr);

@@ -117,7 +117,6 @@ kroui::ui::Cursor ColorField::UI_GetCursor(kroui::Point /*point*/) const {
 kroui::ui::AccessibleInfo ColorField::UI_GetAccessibleInfo() const {
     auto info = UI_InteractiveControlView::UI_GetAccessibleInfo();
     info.role = fAllowUserColorChange ? kroui::ui::Role::kButton : kroui::ui::Role::kImage;
-    info.name = UI_GetTooltip();
     info.value = HexText(fColor);
     info.focusable = info.focusable && fAllowUserColorChange;
     return info;

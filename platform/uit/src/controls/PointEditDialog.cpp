@@ -195,6 +195,7 @@ bool PointEditDialog::Check(Row& row, std::optional<double>& value) {
     row.field->SetError(krocore::ReplacePlaceholders(message, {row.field->GetText()}));
     row.field->UI_TakeFocus();
     row.field->SelectAll();
+    if (row.field->UI_GetWindow()) row.field->UI_GetWindow()->ShowTip(*row.field);
     return false;
 }
 

@@ -11,7 +11,6 @@ using kroui::Rect;
 using kroui::controls::HotTextLook;
 using kroui::controls::NumberDrag;
 using kroui::controls::NumberEntry;
-using kroui::controls::SliderLook;
 using kroui::ui::Key;
 using kroui::ui::MouseEvent;
 
@@ -154,12 +153,15 @@ kroui::ui::Cursor UI_EditNumber::UI_GetCursor(Point point) const {
 kroui::ui::AccessibleInfo UI_EditNumber::UI_GetAccessibleInfo() const {
     kroui::ui::AccessibleInfo info = UI_InteractiveControlView::UI_GetAccessibleInfo();
     info.role = kroui::ui::Role::kNumber;
-    // The band of an equaliser has its name under the slider.
-    info.name = !GetLabel().empty() ? GetLabel() : !fDescription2.empty() ? fDescription2 : fDescription1;
-    if (info.name.empty()) info.name = UI_GetTooltip();
     info.value = FormatValue();
     if (!GetUnitLabel().empty()) info.value.append(u" ").append(GetUnitLabel());
     return info;
+}
+
+// The band of an equaliser has its name under the slider.
+krocore::string16 UI_EditNumber::ShownName() const {
+    if (!GetLabel().empty()) return GetLabel();
+    return fDescription2.empty() ? fDescription1 : fDescription2;
 }
 
 void UI_EditNumber::ValueChanged(double oldValue) {

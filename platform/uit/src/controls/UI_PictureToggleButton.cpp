@@ -14,7 +14,7 @@ using kroui::Size;
 namespace {
 
 constexpr float kMargin = 2;
-constexpr float kAccentUnderPicture = 0.35F;
+constexpr float kAccentUnderPicture = 0.3F;
 
 } // namespace
 
@@ -69,12 +69,6 @@ void UI_PictureToggleButton::UI_NodeChanged(NodeChange change) {
     if (change != kAttached && change != kThemeChanged) return;
     fOn.Forget();
     fOff.Forget();
-}
-
-kroui::ui::AccessibleInfo UI_PictureToggleButton::UI_GetAccessibleInfo() const {
-    kroui::ui::AccessibleInfo info = UI_Button::UI_GetAccessibleInfo();
-    if (info.name.empty()) info.name = fName;
-    return info;
 }
 
 } // namespace uit::controls

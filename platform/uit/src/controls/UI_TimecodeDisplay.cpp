@@ -53,7 +53,6 @@ void UI_TimecodeDisplay::UI_Draw(kroui::limner::Limner* context) {
 kroui::ui::AccessibleInfo UI_TimecodeDisplay::UI_GetAccessibleInfo() const {
     kroui::ui::AccessibleInfo info = UI_ControlView::UI_GetAccessibleInfo();
     info.role = kroui::ui::Role::kText;
-    info.name = fName;
     info.value = ShownText();
     return info;
 }

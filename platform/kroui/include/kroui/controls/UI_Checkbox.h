@@ -32,6 +32,8 @@ public:
 protected:
     ~UI_Checkbox() override = default;
 
+    krocore::string16 ShownName() const override { return fText.Text(); }
+
     bool IsToggle() const override { return true; }
 
 private:

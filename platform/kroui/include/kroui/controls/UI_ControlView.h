@@ -28,6 +28,10 @@ public:
     bool SuppressFocusDrawing() const { return fSuppressFocusDrawing; }
     bool IsHovered() const { return fHovered; }
 
+    // What the accessible information calls the control. Without it, the name is what the control itself shows, or else
+    // the label beside it, or else its tool tip.
+    void SetName(std::u16string_view name) { fName = name; }
+
     // Whether the focus ring is to be drawn: focused, by keyboard or a control that always shows it, and not
     // suppressed.
     bool ShowsFocus() const;
@@ -48,12 +52,15 @@ public:
 protected:
     ~UI_ControlView() override = default;
 
+    // The name that the control itself shows; empty if it shows none.
+    virtual krocore::string16 ShownName() const { return {}; }
     void SendChanged();
     // Enabled, hovered, down or focused changed. Repaints; controls with parts may do more.
     virtual void ControlStateChanged();
 
 private:
     ChangedSignal fChanged;
+    krocore::string16 fName;
     bool fEnabled = true;
     bool fDownState = false;
     bool fWantsFocus = false;

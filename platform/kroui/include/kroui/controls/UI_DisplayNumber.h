@@ -42,6 +42,8 @@ public:
 protected:
     ~UI_DisplayNumber() override = default;
 
+    krocore::string16 ShownName() const override { return fLabel; }
+
 private:
     float LabelWidth() const;
     float NumberWidth() const;

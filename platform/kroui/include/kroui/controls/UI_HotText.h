@@ -37,6 +37,8 @@ public:
 protected:
     ~UI_HotText() override = default;
 
+    krocore::string16 ShownName() const override { return fText; }
+
     // What stands in the accent colour.
     virtual krocore::string16 ShownText() const { return fText; }
     // What every control does with the pointer, without the click of this one.

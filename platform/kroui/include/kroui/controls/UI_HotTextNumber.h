@@ -16,8 +16,6 @@ public:
     // Whether it can be typed.
     void SetNumericInput(bool on) { fNumericInput = on; }
     bool NumericInput() const { return fNumericInput; }
-    // The name that the accessible information gives.
-    void SetName(std::u16string_view name) { fName = name; }
     // The field while the number is being typed; null otherwise.
     UI_TextField* EntryField() const { return fEntry.IsOpen() ? fEntry.Field() : nullptr; }
 
@@ -66,7 +64,6 @@ private:
 
     NumberEntry fEntry{*this, fGesture};
     NumberDrag fDrag;
-    krocore::string16 fName;
     bool fNumericInput = true;
     bool fFormatNormal = false;
 };

@@ -38,12 +38,13 @@ public:
     float UI_GetBaseline() const override;
     void UI_Draw(limner::Limner* context) override;
     void UI_NodeChanged(NodeChange change) override;
-    ui::AccessibleInfo UI_GetAccessibleInfo() const override;
     const ui::PropertyTable& UI_GetPropertyTable() const override;
     static const ui::PropertyTable& PropertiesOfPictureTextButton();
 
 protected:
     ~UI_PictureTextButton() override = default;
+
+    krocore::string16 ShownName() const override { return fText.Text(); }
 
     // The size of the picture before its factors, and the picture in a rectangle of that size times them.
     virtual Size PictureSize(float scale) const;

@@ -53,9 +53,6 @@ public:
     // number is told. Returns the number or -1.
     int SetValueString(std::u16string_view text, bool select);
 
-    // The name that the accessible information gives where there is no tip.
-    void SetName(std::u16string_view name) { fName = name; }
-
     // Tells listeners also when the user chooses the item that is shown already.
     void SetAlwaysNotify(bool on) { fAlwaysNotify = on; }
     bool AlwaysNotify() const { return fAlwaysNotify; }
@@ -112,7 +109,6 @@ private:
     bool Wheel(const ui::MouseEvent& event);
 
     std::vector<Item> fItems;
-    krocore::string16 fName;
     boost::intrusive_ptr<UI_Menu> fMenu;
     TypeAhead fTypeAhead;
     ImageSupplier fImageSupplier;

@@ -31,6 +31,8 @@ public:
 protected:
     ~UI_RadioButton() override = default;
 
+    krocore::string16 ShownName() const override { return fText.Text(); }
+
     bool IsToggle() const override { return true; }
     bool ChangeByClick() override;
 

@@ -18,8 +18,6 @@ public:
     // Greater values to the left or downwards.
     void SetInvert(bool invert);
     bool IsInverted() const { return fInverted; }
-    // The name that the accessible information gives.
-    void SetName(std::u16string_view name) { fName = name; }
 
     void UI_Draw(limner::Limner* context) override;
     bool UI_DoMouseEvent(UI_Node* node, const ui::MouseEvent& event) override;
@@ -47,7 +45,6 @@ private:
     void Drag(const ui::MouseEvent& event);
     void Release(const ui::MouseEvent& event);
 
-    krocore::string16 fName;
     Point fPressPoint;
     Point fLastPoint;
     bool fVertical = false;

@@ -43,6 +43,8 @@ public:
 protected:
     ~UI_StaticText() override = default;
 
+    krocore::string16 ShownName() const override { return fText.Text(); }
+
 private:
     ui::LocalizedText fText;
     float fFontSize = 12;

@@ -26,8 +26,6 @@ public:
     // Whether pages are given the room below the tabs, and shown and hidden, as they are at first; otherwise the caller
     // does all that.
     void SetArrangesPages(bool arranges);
-    // The name that the accessible information gives.
-    void SetName(std::u16string_view name) { fName = name; }
 
     // What is left for the pages below the tabs; nothing if there is no room.
     Rect PageRect() const;
@@ -65,7 +63,6 @@ private:
     void DrawTab(limner::Limner& context, int tab) const;
 
     std::vector<krocore::string16> fTabs;
-    krocore::string16 fName;
     mutable std::vector<float> fTabEnds; // right edges; empty: to be measured
     int fValue = 0;
     int fHoveredTab = -1;

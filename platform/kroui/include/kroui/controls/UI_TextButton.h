@@ -26,12 +26,13 @@ public:
     Size UI_GetNaturalSize() const override;
     float UI_GetBaseline() const override;
     void UI_Draw(limner::Limner* context) override;
-    ui::AccessibleInfo UI_GetAccessibleInfo() const override;
     const ui::PropertyTable& UI_GetPropertyTable() const override;
     static const ui::PropertyTable& PropertiesOfTextButton();
 
 protected:
     ~UI_TextButton() override = default;
+
+    krocore::string16 ShownName() const override { return fText.Text(); }
 
 private:
     ui::LocalizedText fText;

@@ -56,6 +56,8 @@ public:
 protected:
     ~UI_TextField() override = default;
 
+    krocore::string16 ShownName() const override { return fPlaceholder; }
+
 private:
     Rect TextArea() const;
     const std::vector<float>& CaretPositions() const;

@@ -42,7 +42,8 @@ public:
     double GetShiftIncrement() const { return fShiftIncrement; }
     double GetCommandIncrement() const { return fCommandIncrement; }
 
-    // Digits behind the point, 0...15; the value itself is not rounded by it, what the user chooses is.
+    // Digits behind the point, 0...15; the value itself is not rounded by it, nor is a typed one; steps
+    // and drags go by it.
     void SetDecimalPlaces(int places);
     int GetDecimalPlaces() const { return fDecimalPlaces; }
     // Digits altogether: a greater number shows fewer places. 0: as many as it takes.

@@ -19,7 +19,8 @@ public:
     void UI_SetArchiveClassName(std::string_view name) { fArchiveClassName = name; }
     const krocore::string8& UI_GetArchiveClassName() const { return fArchiveClassName; }
 
-    // State flags; setting combines, clearing takes away.
+    // State flags; setting combines, clearing takes away. A node that is to be told of presses on its background gets
+    // those on the containers, texts and pictures in it that nobody takes as if they had been aimed at itself.
     static constexpr std::uint32_t kStateWantsKeyboardFocus = 1;
     static constexpr std::uint32_t kStateTellBackgroundPresses = 16;
     void UI_SetStateFlags(std::uint32_t flags) { fStateFlags |= flags; }

@@ -83,6 +83,8 @@ public:
     void HideOverlay(UI_Node* node);
     bool HasModalOverlay() const;
     UI_Node* TopOverlay() const;
+    // Shows a node's tool tip under it at once, for what the user is to read now. It goes at the next thing they do.
+    void ShowTip(UI_Node& node);
 
     // Is told before (true) and after (false) each thing the user does: a press until its release, a key, typed text, a
     // wheel notch. What happens in between belongs together, for undo. Calls don't nest.
@@ -103,10 +105,12 @@ private:
 
     UI_Node* HitTest(Point position) const;
     bool Deliver(UI_Node* target, MouseEvent event, Point windowPosition);
+    UI_Node* WheelTarget(Point position) const;
     bool DeliverKey(const KeyEvent& event);
     void SetHover(UI_Node* node, Point position, std::uint8_t modifiers);
     void UpdateSurface();
     void UpdateCursor(Point position);
+    int CountClicks(const UI_Node* target, int clickCount);
     void CollectFocusable(UI_Node& node, std::vector<UI_Node*>& nodes) const;
 
     const limner::CairoSupplier& fSupplier;
@@ -127,6 +131,8 @@ private:
     float fHostScale = 1;
     float fZoom = 1;
     int fCaptureButton = 0;
+    const UI_Node* fLastPressed = nullptr; // to be compared, never followed
+    int fClicks = 0;                       // on it, one soon after the other
 };
 
 } // namespace kroui::ui

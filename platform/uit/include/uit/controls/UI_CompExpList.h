@@ -30,8 +30,6 @@ public:
     // The rows that the natural height has room for; 6 at first.
     void SetVisibleRows(int rows) { fVisibleRows = rows; }
     void SetWidth(float width) { fWidth = width; }
-    // The name that the accessible information gives.
-    void SetName(std::u16string_view name) { fName = name; }
 
     // A segment's row, in the list's coordinates; it may be scrolled out of sight.
     kroui::Rect RowRect(int segment) const;
@@ -76,7 +74,6 @@ private:
     std::vector<TransferPoint> fPoints;
     std::vector<TransferPoint> fPointsBefore; // when the gesture began
     kroui::ui::Signal<kroui::controls::UI_ControlChangedMessage*> fSelectedSignal;
-    krocore::string16 fName;
     double fLowestOutput = -100;
     double fHighestOutput = 0;
     float fWidth = 270;

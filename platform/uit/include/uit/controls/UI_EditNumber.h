@@ -161,6 +161,7 @@ protected:
     // Whether the parts stand one above the other.
     virtual bool IsVertical() const;
 
+    krocore::string16 ShownName() const override;
     UI_Node& ValueNode() override { return *this; }
     void ValueChanged(double oldValue) override;
     void ValueLookChanged() override;

@@ -16,13 +16,10 @@ public:
     void SetImageNames(std::string_view on, std::string_view off);
     // The size that the pictures are drawn at, in view units; 0: their own.
     void SetPictureSize(kroui::Size size);
-    // The name that the accessible information gives where there is no tip.
-    void SetName(std::u16string_view name) { fName = name; }
 
     kroui::Size UI_GetNaturalSize() const override;
     void UI_Draw(kroui::limner::Limner* context) override;
     void UI_NodeChanged(NodeChange change) override;
-    kroui::ui::AccessibleInfo UI_GetAccessibleInfo() const override;
 
 protected:
     ~UI_PictureToggleButton() override = default;
@@ -32,7 +29,6 @@ private:
 
     kroui::controls::ImageSlot fOn;
     kroui::controls::ImageSlot fOff;
-    krocore::string16 fName;
     kroui::Size fSize;
 };
 

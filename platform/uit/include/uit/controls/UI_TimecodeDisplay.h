@@ -15,8 +15,6 @@ public:
     const TimecodeSettings& GetTimecodeFormat() const { return fFormat.Settings(); }
     // Right at first.
     void SetAlignment(kroui::limner::TextAlignment alignment);
-    // The name that the accessible information gives.
-    void SetName(std::u16string_view name) { fName = name; }
     krocore::string16 ShownText() const { return fFormat.Format(fValue); }
 
     // Room for a day, or for the time shown if that is longer.
@@ -30,7 +28,6 @@ protected:
 
 private:
     TimecodeFormat fFormat;
-    krocore::string16 fName;
     double fValue = 0;
     kroui::limner::TextAlignment fAlignment = kroui::limner::TextAlignment::kRight;
 };
