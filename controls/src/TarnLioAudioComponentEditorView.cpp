@@ -1,6 +1,7 @@
 #include "qocui/controls/TarnLioAudioComponentEditorView.h"
 
-#include "krocore/Localizer.h"
+#include "krocore/String.h"
+#include "krocore/debug/Trace.h"
 #include "krotarnlio/UI_KROLioRoot.h"
 #include "krotarnlio/UI_Lio.h"
 #include "kroui/controls/UI_ControlView.h"
@@ -11,7 +12,9 @@
 
 #include <boost/bind/bind.hpp>
 
+#include <cmath>
 #include <sstream>
+#include <utility>
 
 namespace qocui::controls {
 
@@ -23,9 +26,6 @@ using orrin::any_regular_t;
 using orrin::name_t;
 
 namespace {
-
-// "Tell me of presses on my background."
-constexpr std::uint32_t kBackgroundPressFlag = 16;
 
 // The cells, beside inputs and outputs, that the view looks for.
 struct CellNames {
@@ -54,6 +54,12 @@ std::string ResourceText(const krocore::string16& name, std::u16string_view type
 std::string_view Stem(std::string_view picture) {
     constexpr std::string_view kExtension = ".png";
     return picture.ends_with(kExtension) ? picture.substr(0, picture.size() - kExtension.size()) : picture;
+}
+
+// An expression fails with the values that there are now: its cell keeps the value that it had.
+void TraceSheetError(const orrin::error_t& error) {
+    static constexpr const char* kCategory = "TarnLioAudioComponentEditorView::Sheet";
+    if (krocore::debug::TraceEnabled(kCategory, 1, true)) krocore::debug::Trace(std::string(error.what()) + "\n");
 }
 
 // Sets a flag and gives it back its former value at the end.
@@ -89,8 +95,8 @@ TarnLioAudioComponentEditorView::TarnLioAudioComponentEditorView(boost::intrusiv
                                                                  const kroui::limner::SupplierInterface* supplier,
                                                                  const krocore::string16& resourceName,
                                                                  HINSTANCE module)
-    : AudioComponentEditorViewBase(std::move(filter)), fSupplier(supplier), fSheet(std::make_shared<orrin::sheet_t>()),
-      fLastSuspended(false) {
+    : AudioComponentEditorViewBase(std::move(filter)), fSheet(std::make_shared<orrin::sheet_t>()),
+      fLastSuspended(false), fSupplier(supplier) {
     const Scripts scripts = LoadScripts(resourceName, module);
     InitStandardFunctionPack();
     InitStandardReflectedVariableSet();
@@ -115,7 +121,7 @@ TarnLioAudioComponentEditorView::TarnLioAudioComponentEditorView(boost::intrusiv
     AskHostForTime();
     fLastSuspended = !GetAudioFilter()->IsSuspended();
     TarnLioAudioComponentEditorView::SyncParameters();
-    UI_SetStateFlags(kBackgroundPressFlag);
+    UI_SetStateFlags(kStateTellBackgroundPresses);
 }
 
 TarnLioAudioComponentEditorView::~TarnLioAudioComponentEditorView() {
@@ -171,6 +177,7 @@ void TarnLioAudioComponentEditorView::ParseSheet(const std::string& script) {
     UI_Lio parser(nullptr, nullptr);
     std::istringstream stream(script);
     parser.ParseTarnScript(stream, fSheet, "property model description");
+    fSheet->set_error_handler(&TraceSheetError);
 }
 
 void TarnLioAudioComponentEditorView::ClearInputs() {

@@ -2,6 +2,7 @@
 
 #include "krocore/String.h"
 #include "krotarnlio/Functions.h"
+#include "orrin/error.h"
 #include "orrin/functions.h"
 #include "qocui/controls/TarnLioAudioComponentEditorView.h"
 
@@ -107,7 +108,7 @@ std::vector<name_t> TarnLioAudioComponentEditorView::GetFunctionNames() const {
 any_regular_t TarnLioAudioComponentEditorView::CallFunction(name_t name, const any_regular_t& arguments) const {
     const auto function = fFunctionPack.find(name);
     if (function == fFunctionPack.end())
-        throw std::invalid_argument("there is no function '" + std::string(name.text()) + "'");
+        throw std::invalid_argument("there is no function " + orrin::in_quotes(name.text()));
     return function->second(arguments);
 }
 

@@ -194,6 +194,11 @@ TEST_F(WidgetsTest, TabGroup_ChangesByKeysFromAControlOfItsPage) {
     EXPECT_EQ(Get("on"), false) << "turned on and off again";
 }
 
+TEST_F(WidgetsTest, TabGroupWithoutTabs_ShowsNoPage) {
+    LoadWidgets("interface: on: false;", "tab_group() { panel(value: 1) { checkbox(identifier: 'box', bind: @on); } }");
+    EXPECT_FALSE(IsShown("box"));
+}
+
 TEST_F(WidgetsTest, LabelsWithColons_EndAtTheSamePlace) {
     LoadWidgets("interface: n: 1;",
                 "popup(identifier: 'popup', name: 'Window:', bind: @n, items: ['a', 'b']);"

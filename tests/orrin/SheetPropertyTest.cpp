@@ -97,7 +97,7 @@ TEST(SheetProperty, RandomSumsHoldAfterEveryEdit) {
         sums.Check(sheet);
         for (int step = 0; step < 30; ++step) {
             const int cell = static_cast<int>(random() % RandomSums::kCells);
-            const double value = static_cast<double>(random() % 100);
+            const auto value = static_cast<double>(random() % 100);
             switch (random() % 8) {
             case 0: sheet.set(RandomSums::Condition(random() % 2), random() % 2 == 0); break;
             case 1: sheet.reinitialise(); break;
@@ -139,7 +139,7 @@ TEST(SheetProperty, EditOfATreeOfSums_AlwaysHolds) {
     double lastValue = value(1);
     for (int step = 0; step < 300; ++step) {
         const int node = 1 + static_cast<int>(random() % (2 * kLeaves - 1));
-        const double set = static_cast<double>(random() % 1000);
+        const auto set = static_cast<double>(random() % 1000);
         sheet.set(name_t("n" + std::to_string(node)), set);
         sheet.update();
         EXPECT_EQ(value(node), set);

@@ -125,6 +125,19 @@ TEST_F(ScriptViewTest, ValuesOutsideTheRangePassAndAreTracedInBothDirections) {
     krocore::debug::SetTraceSink(sink);
 }
 
+TEST_F(ScriptViewTest, AnExpressionThatFailsIsTracedWithItsPlace) {
+    std::string traced;
+    const auto sink = krocore::debug::SetTraceSink([&](std::string_view text) { traced += text; });
+    krocore::debug::SetTraceLevel("TarnLioAudioComponentEditorView::Sheet", 1);
+    Open("sheet P { input: in0: 0; output: out1 <== in0 > 0.5 ? in0 + 'a' : 0; }", "layout P { view row(); }");
+    fFilter->Store(0, 1);
+    fView->SyncParameters();
+    EXPECT_EQ(traced, "property model description:1:59: cell 'out1': "
+                      "'+' needs two numbers or two strings, not a number and a string\n");
+    krocore::debug::SetTraceLevel("TarnLioAudioComponentEditorView::Sheet", 0);
+    krocore::debug::SetTraceSink(sink);
+}
+
 // What calls a function is computed again at each push, so that the requests count them.
 TEST_F(ScriptViewTest, APollPushesOnlyAfterAChangeOrANewSuspendedState) {
     Open("sheet P { input: in0: 0; suspended: false; interface: unlink on: suspended;"

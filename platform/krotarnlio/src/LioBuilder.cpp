@@ -12,6 +12,7 @@ namespace krotarnlio {
 
 using orrin::any_regular_t;
 using orrin::cell_kind_t;
+using orrin::in_quotes;
 using orrin::name_t;
 using orrin::named_expression_t;
 using uit::lio::AttributeKind;
@@ -19,10 +20,6 @@ using uit::lio::AttributeRow;
 using uit::lio::WidgetClass;
 
 namespace {
-
-std::string Quoted(std::string_view text) {
-    return "'" + std::string(text) + "'";
-}
 
 // A cell holds what its widget can't show: the widget goes on showing what it did.
 void TraceRefusal(const std::exception& refusal) {
@@ -71,7 +68,7 @@ std::unique_ptr<LioWidget> LioBuilder::Make(const LioElement& element) {
 void LioBuilder::AddChildren(LioWidget& widget, const LioElement& element) {
     if (element.children.empty()) return;
     if (!widget.container) {
-        Fail(element.children.front().offset, Quoted(element.widget) + " takes no widgets inside");
+        Fail(element.children.front().offset, in_quotes(element.widget) + " takes no widgets inside");
         return CheckInside(element);
     }
     for (const LioElement& child : element.children)
@@ -88,7 +85,7 @@ void LioBuilder::CheckInside(const LioElement& element) {
 const WidgetClass* LioBuilder::FindClass(const LioElement& element) const {
     const WidgetClass* found = FindWidgetClass(element.widget);
     if (!found && fEnvironment.clientWidgets) found = fEnvironment.clientWidgets(element.widget);
-    if (!found) Fail(element.offset, "there is no widget " + Quoted(element.widget));
+    if (!found) Fail(element.offset, "there is no widget " + in_quotes(element.widget));
     return found;
 }
 
@@ -103,7 +100,7 @@ std::vector<LioBuilder::Given> LioBuilder::SortAttributes(const LioElement& elem
         if (isOfClass)
             given.push_back({static_cast<std::size_t>(row - widgetClass.attributes.begin()), &said});
         else
-            Fail(said.offset, Quoted(element.widget) + " has no attribute " + Quoted(said.name.text()));
+            Fail(said.offset, in_quotes(element.widget) + " has no attribute " + in_quotes(said.name.text()));
     }
     std::ranges::sort(given, {}, &Given::row);
     return given;
@@ -120,7 +117,7 @@ bool LioBuilder::TakesForLayout(const named_expression_t& said, bool isOfClass, 
     try {
         widget.layout.Set(static_cast<std::size_t>(row - rows.begin()), *value);
     } catch (const std::exception& refusal) {
-        Fail(said.offset, Quoted(said.name.text()) + " " + refusal.what());
+        Fail(said.offset, in_quotes(said.name.text()) + " " + refusal.what());
     }
     return true;
 }
@@ -133,8 +130,9 @@ void LioBuilder::SetAttribute(LioWidget& widget, const AttributeRow& row, const 
     if (mayBeCell && !fEnvironment.sheet) return;
     const bool isCell = mayBeCell && fKinds.contains(*name);
     if (row.kind == AttributeKind::kBound && !isCell)
-        return Fail(given.said->offset, Quoted(row.name) + " needs the name of a cell" +
-                                            (name ? "; the sheet has no " + Quoted(name->text()) : ", such as @gain"));
+        return Fail(given.said->offset,
+                    in_quotes(row.name) + " needs the name of a cell" +
+                        (name ? "; the sheet has no " + in_quotes(name->text()) : ", such as @gain"));
     try {
         if (row.kind == AttributeKind::kBound) Bind(widget, given.row, *name);
         if (isCell)
@@ -142,7 +140,7 @@ void LioBuilder::SetAttribute(LioWidget& widget, const AttributeRow& row, const 
         else
             widget.adapter->SetAttribute(static_cast<int>(given.row), *value);
     } catch (const std::exception& refusal) {
-        Fail(given.said->offset, Quoted(row.name) + " " + refusal.what());
+        Fail(given.said->offset, in_quotes(row.name) + " " + refusal.what());
     }
 }
 
@@ -186,7 +184,7 @@ void LioBuilder::Register(const LioWidget& widget, const LioElement& element) {
     if (widget.layout.identifier.empty()) return;
     node->UI_SetID(widget.layout.identifier);
     if (!fHolder.AddControl(widget.layout.identifier, *node))
-        Fail(element.offset, "the identifier " + Quoted(widget.layout.identifier) + " is taken already");
+        Fail(element.offset, "the identifier " + in_quotes(widget.layout.identifier) + " is taken already");
 }
 
 std::optional<any_regular_t> LioBuilder::Evaluate(const named_expression_t& said) const {

@@ -2,6 +2,7 @@
 
 #include "krocore/Localizer.h"
 #include "krocore/String.h"
+#include "orrin/error.h"
 #include "orrin/functions.h"
 
 #include <stdexcept>
@@ -30,7 +31,7 @@ WithLocalize::WithLocalize(orrin::virtual_machine_t& machine) : fMachine(machine
     fMachine.set_function_lookup([client = fClient](name_t name, const any_regular_t& arguments) {
         if (name == LocalizeName()) return Localize(arguments);
         if (client) return client(name, arguments);
-        throw std::invalid_argument("there is no function '" + std::string(name.text()) + "'");
+        throw std::invalid_argument("there is no function " + orrin::in_quotes(name.text()));
     });
 }
 

@@ -3,6 +3,8 @@
 #include "LioBuilder.h"
 #include "LocalizeFunction.h"
 
+#include "orrin/error.h"
+
 #include <algorithm>
 #include <cctype>
 #include <utility>
@@ -10,18 +12,15 @@
 namespace krotarnlio {
 
 using orrin::any_regular_t;
+using orrin::in_quotes;
 using orrin::instruction_t;
 using orrin::name_t;
 using orrin::operation_t;
 
 namespace {
 
-std::string Quoted(name_t name) {
-    return "'" + std::string(name.text()) + "'";
-}
-
 std::string NoFunction(name_t name) {
-    return "there is no function " + Quoted(name);
+    return "there is no function " + in_quotes(name.text());
 }
 
 // "in0", "in1", ...
@@ -110,7 +109,7 @@ private:
         }
     }
     static std::string NoVariable(name_t name) {
-        return "there is nothing named " + Quoted(name) + " in a layout; a cell of the sheet is written @" +
+        return "there is nothing named " + in_quotes(name.text()) + " in a layout; a cell of the sheet is written @" +
                std::string(name.text());
     }
 
@@ -121,16 +120,6 @@ private:
 
 // Nobody uses the widgets of a layout that is only checked.
 void WriteNothing(name_t /*cell*/, const any_regular_t& /*value*/) {
-}
-
-bool IsVariable(const orrin::virtual_machine_t& machine, name_t name) {
-    if (!machine.variable_lookup()) return false;
-    try {
-        machine.variable_lookup()(name);
-        return true;
-    } catch (const std::exception&) {
-        return false; // how a lookup says no
-    }
 }
 
 } // namespace
@@ -174,7 +163,7 @@ void ScriptChecker::Build(const LioScript& script, orrin::sheet_t* sheet, Findin
     orrin::virtual_machine_t machine;
     fSurroundings.setUp(machine, nullptr);
     const auto isFunction = [this](name_t name) { return name == LocalizeName() || IsFunction(name); };
-    const auto isVariable = [&](name_t name) { return IsVariable(machine, name); };
+    const auto isVariable = [&](name_t name) { return machine.knows_variable(name); };
     const auto report = [&](const orrin::error_t& error) { findings.Add(error); };
     NameCheck(isFunction, isVariable, report).Check(script.view);
 

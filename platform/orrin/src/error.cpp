@@ -17,4 +17,8 @@ std::string type_phrase(type_t type) {
     return "a " + std::string(type_name(type));
 }
 
+std::string in_quotes(std::string_view word) {
+    return "'" + std::string(word) + "'";
+}
+
 } // namespace orrin

@@ -61,10 +61,6 @@ layout_t::index_t layout_t::add(index_t parent, const layout_attributes_t& attri
     return index;
 }
 
-void layout_t::clear() {
-    fBoxes.clear();
-}
-
 void layout_t::set_extents(index_t leaf, const layout_extents_t& extents) {
     fBoxes[leaf].extents = extents;
     fBoxes[leaf].extents.width = std::max(extents.width, 0);
@@ -92,15 +88,6 @@ layout_rect_t layout_t::frame(index_t index) const {
     if (!box.isShown) return {};
     return {box.axes[kHorizontal].position, box.axes[kVertical].position, box.axes[kHorizontal].length,
             box.axes[kVertical].length};
-}
-
-layout_rect_t layout_t::frame_in_parent(index_t index) const {
-    layout_rect_t rect = frame(index);
-    if (!fBoxes[index].isShown || fBoxes[index].parent == kNone) return rect;
-    const layout_rect_t parent = frame(fBoxes[index].parent);
-    rect.left -= parent.left;
-    rect.top -= parent.top;
-    return rect;
 }
 
 void layout_t::show_present() {

@@ -30,7 +30,7 @@ struct name_t::entry_t {
 class name_t::table_t {
 public:
     static table_t& instance() {
-        static table_t* const sTable = new table_t;
+        static auto* const sTable = new table_t;
         return *sTable;
     }
 

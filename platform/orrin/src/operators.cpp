@@ -10,19 +10,14 @@
 namespace orrin {
 namespace {
 
-std::string quoted(name_t name) {
-    return "'" + std::string(name.text()) + "'";
-}
-
 [[noreturn]] void fail_types(std::string_view operation, std::string_view needed, const any_regular_t& found) {
-    throw type_error_t("'" + std::string(operation) + "' needs " + std::string(needed) + ", not " +
-                       type_phrase(found.type()));
+    throw type_error_t(in_quotes(operation) + " needs " + std::string(needed) + ", not " + type_phrase(found.type()));
 }
 
 [[noreturn]] void fail_types(std::string_view operation, std::string_view needed, const any_regular_t& left,
                              const any_regular_t& right) {
-    throw type_error_t("'" + std::string(operation) + "' needs " + std::string(needed) + ", not " +
-                       type_phrase(left.type()) + " and " + type_phrase(right.type()));
+    throw type_error_t(in_quotes(operation) + " needs " + std::string(needed) + ", not " + type_phrase(left.type()) +
+                       " and " + type_phrase(right.type()));
 }
 
 double arithmetic(operation_t operation, double left, double right) {
@@ -76,7 +71,7 @@ any_regular_t element(const array_t& array, double index) {
 
 any_regular_t entry(const dictionary_t& dictionary, name_t key) {
     const any_regular_t* const value = dictionary.find(key);
-    if (!value) throw std::out_of_range("the dictionary has no key " + quoted(key));
+    if (!value) throw std::out_of_range("the dictionary has no key " + in_quotes(key.text()));
     return *value;
 }
 

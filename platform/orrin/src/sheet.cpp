@@ -18,16 +18,6 @@ std::shared_ptr<sheet_engine_t> empty_engine(virtual_machine_t& machine) {
     return std::make_shared<sheet_engine_t>(compile_sheet(std::move(script), [](name_t) { return false; }), machine);
 }
 
-bool is_known_variable(const virtual_machine_t& machine, name_t name) {
-    if (!machine.variable_lookup()) return false;
-    try {
-        machine.variable_lookup()(name);
-        return true;
-    } catch (const std::exception&) {
-        return false; // how a lookup says no
-    }
-}
-
 class flag_t {
 public:
     explicit flag_t(bool& flag) : fFlag(flag) { fFlag = true; }
@@ -58,7 +48,7 @@ void sheet_t::load(std::string_view script, std::string scriptName) {
     if (fLoading || fEngine->is_running()) throw std::logic_error("a sheet cannot be loaded while it updates");
     const flag_t loading(fLoading);
     sheet_program_t program = compile_sheet(parse_sheet_script(script, std::move(scriptName)),
-                                            [this](name_t name) { return is_known_variable(fMachine, name); });
+                                            [this](name_t name) { return fMachine.knows_variable(name); });
     const auto engine = std::make_shared<sheet_engine_t>(std::move(program), fMachine);
     engine->start();
     engine->set_error_handler(fErrorHandler);
@@ -152,6 +142,7 @@ namespace {
 
 std::vector<name_t> names_of(const sheet_program_t& program, const std::vector<index_t>& cells) {
     std::vector<name_t> names;
+    names.reserve(cells.size());
     for (const index_t cell : cells)
         names.push_back(program.cells[cell].name);
     return names;
@@ -178,7 +169,7 @@ std::uint64_t sheet_t::evaluation_count() const {
 // While a script is loading no cell is there, so that no name of the new one means a cell of the old one.
 std::uint32_t sheet_t::find(name_t name) const {
     const index_t cell = fLoading ? kNone : fEngine->program().cellsByName.find(name);
-    if (cell == kNone) throw std::out_of_range("there is no cell '" + std::string(name.text()) + "'");
+    if (cell == kNone) throw std::out_of_range("there is no cell " + in_quotes(name.text()));
     return cell;
 }
 

@@ -65,7 +65,7 @@ private:
         for (const name_t name : code.variables()) {
             const index_t read = fProgram.cellsByName.find(name);
             if (read == kNone && !fKnown(name))
-                fail(variable_offset(code, name), "there is no cell '" + std::string(name.text()) + "'");
+                fail(variable_offset(code, name), "there is no cell " + in_quotes(name.text()));
             const bool contributed =
                 read != kNone && (read == self || (initial && fProgram.cells[read].kind == cell_kind_t::interface));
             fProgram.variables.push_back({read, contributed});
@@ -130,7 +130,7 @@ private:
 
     index_t find_target(const sheet_script_t::target_t& target, index_t clause, bool isDefinition) {
         const index_t cell = fProgram.cellsByName.find(target.name);
-        if (cell == kNone) fail(target.offset, "there is no cell '" + std::string(target.name.text()) + "'");
+        if (cell == kNone) fail(target.offset, "there is no cell " + in_quotes(target.name.text()));
         const cell_kind_t kind = fProgram.cells[cell].kind;
         if (!isDefinition && kind != cell_kind_t::interface)
             fail(target.offset, "a relation can write interface cells only, " + fProgram.quoted(cell) + " is in \"" +

@@ -83,7 +83,7 @@ struct sheet_program_t {
     std::vector<error_t> warnings;
 
     error_t error(std::uint32_t offset, std::string message) const { return source->error(offset, std::move(message)); }
-    std::string quoted(index_t cell) const { return "'" + std::string(cells[cell].name.text()) + "'"; }
+    std::string quoted(index_t cell) const { return in_quotes(cells[cell].name.text()); }
 };
 
 // True for a name that is no cell but that expressions may use. Must not throw.

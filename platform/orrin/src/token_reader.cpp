@@ -1,5 +1,7 @@
 #include "orrin/token_reader.h"
 
+#include "orrin/error.h"
+
 namespace orrin {
 
 token_t token_reader_t::next() {
@@ -34,7 +36,7 @@ token_t token_reader_t::expect(token_kind_t kind, std::string_view context) {
 }
 
 void token_reader_t::expect_word(std::string_view word) {
-    if (!accept_word(word)) fail_expected("'" + std::string(word) + "'");
+    if (!accept_word(word)) fail_expected(in_quotes(word));
 }
 
 name_t token_reader_t::expect_name(std::string_view what) {

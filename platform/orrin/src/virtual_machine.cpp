@@ -12,10 +12,6 @@
 namespace orrin {
 namespace {
 
-std::string quoted(name_t name) {
-    return "'" + std::string(name.text()) + "'";
-}
-
 // Runs a lookup for a name, whose exceptions leave as errors that tell the name.
 template <class Lookup>
 any_regular_t look_up(name_t name, Lookup lookup) {
@@ -26,7 +22,7 @@ any_regular_t look_up(name_t name, Lookup lookup) {
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& exception) {
-        throw std::runtime_error(quoted(name) + ": " + exception.what());
+        throw std::runtime_error(in_quotes(name.text()) + ": " + exception.what());
     }
 }
 
@@ -150,7 +146,7 @@ void virtual_machine_t::run_t::step(const instruction_t& instruction) {
 void virtual_machine_t::run_t::push_variable(std::uint32_t slot) {
     if (slot < fVariables.size() && fVariables[slot]) return push(*fVariables[slot]);
     const name_t name = fExpression.variables()[slot];
-    if (!fMachine.fVariableLookup) throw std::runtime_error("unknown variable " + quoted(name));
+    if (!fMachine.fVariableLookup) throw std::runtime_error("unknown variable " + in_quotes(name.text()));
     push(look_up(name, [&] { return fMachine.fVariableLookup(name); }));
 }
 
@@ -172,7 +168,7 @@ void virtual_machine_t::run_t::make_dictionary(std::size_t count) {
 }
 
 void virtual_machine_t::run_t::call(name_t function) {
-    if (!fMachine.fFunctionLookup) throw std::runtime_error("unknown function " + quoted(function));
+    if (!fMachine.fFunctionLookup) throw std::runtime_error("unknown function " + in_quotes(function.text()));
     const any_regular_t arguments = pop();
     push(look_up(function, [&] { return fMachine.fFunctionLookup(function, arguments); }));
 }
@@ -196,6 +192,16 @@ void virtual_machine_t::set_function_lookup(function_lookup_t lookup) {
 
 void virtual_machine_t::set_variable_lookup(variable_lookup_t lookup) {
     fVariableLookup.swap(lookup);
+}
+
+bool virtual_machine_t::knows_variable(name_t name) const {
+    if (!fVariableLookup) return false;
+    try {
+        fVariableLookup(name);
+        return true;
+    } catch (const std::exception&) {
+        return false; // how a lookup says no
+    }
 }
 
 any_regular_t virtual_machine_t::evaluate(const expression_t& expression) {

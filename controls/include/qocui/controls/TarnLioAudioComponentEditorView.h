@@ -29,6 +29,7 @@ public:
     static boost::intrusive_ptr<TarnLioAudioComponentEditorView>
     Create(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter,
            const kroui::limner::SupplierInterface* supplier, const krocore::string16& resourceName, HINSTANCE module);
+    ~TarnLioAudioComponentEditorView() override;
 
     const kroui::limner::SupplierInterface* UI_GetDrawSupplier() const override { return fSupplier; }
     // The user has let go of a control: ends the gesture that a press on the panel's ground began.
@@ -43,7 +44,6 @@ protected:
     TarnLioAudioComponentEditorView(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter,
                                     const kroui::limner::SupplierInterface* supplier,
                                     const krocore::string16& resourceName, HINSTANCE module);
-    ~TarnLioAudioComponentEditorView() override;
 
     // Puts the widgets into the view and takes their size. Once, after construction.
     void CreateLayout();
@@ -101,7 +101,6 @@ private:
     void SetCell(orrin::name_t cell, const orrin::any_regular_t& value);
     void RecalculateSheet();
 
-    const kroui::limner::SupplierInterface* fSupplier;
     std::int32_t fLastDirtyCount = -1;
     std::unique_ptr<krotarnlio::UI_KROLioRoot, ReleaseRoot> fLayoutRoot;
     std::shared_ptr<orrin::sheet_t> fSheet;
@@ -111,6 +110,7 @@ private:
     orrin::dictionary_t fTimeFormat;
     bool fTimeFormatPending = false; // to be written to the sheet
     bool fLastSuspended;
+    const kroui::limner::SupplierInterface* fSupplier;
     orrin::vector<orrin::name_t> fInputNames; // "in0", "in1", ...
 };
 

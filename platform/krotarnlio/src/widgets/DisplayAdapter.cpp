@@ -51,8 +51,11 @@ int IntegerDigits(double value) {
     const double size = std::abs(value);
     if (!(size < kMost)) return static_cast<int>(kMostDigits);
     int digits = 1;
-    for (double bound = 10; size >= bound; bound *= 10)
+    double bound = 10;
+    while (size >= bound) {
+        bound *= 10;
         ++digits;
+    }
     return digits;
 }
 

@@ -23,6 +23,7 @@ constexpr AttributeRow kRows[] = {
 TabGroupAdapter::TabGroupAdapter(const uit::lio::WidgetContext& context) : ControlAdapter(context) {
     fControl->SetLayoutChildren(false);
     fControl->SetArrangesPages(false);
+    fControl->SetValue(-1); // there are no tabs yet
     Listen(&TabGroupAdapter::OnChanged);
 }
 

@@ -5,6 +5,7 @@
 #include <exception>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace orrin {
 
@@ -42,5 +43,7 @@ public:
 
 // A type with its article, for messages: "a number", "an array", "an empty value".
 std::string type_phrase(type_t type);
+// A word of a script as messages show it: 'gain'.
+std::string in_quotes(std::string_view word);
 
 } // namespace orrin

@@ -86,12 +86,6 @@ public:
     // Adds a box behind the other children of its parent; the first box is the root and has the parent kNone. Throws
     // std::invalid_argument for a second root or a leaf as parent.
     index_t add(index_t parent, const layout_attributes_t& attributes);
-    void clear();
-
-    std::size_t size() const { return fBoxes.size(); }
-    index_t parent(index_t box) const { return fBoxes[box].parent; }
-    const layout_attributes_t& attributes(index_t box) const { return fBoxes[box].attributes; }
-    void set_attributes(index_t box, const layout_attributes_t& attributes) { fBoxes[box].attributes = attributes; }
 
     // Of a leaf. Negative sizes count as 0.
     void set_extents(index_t leaf, const layout_extents_t& extents);
@@ -110,11 +104,8 @@ public:
 
     // Relative to the root's left top corner; empty for a box that is not present.
     layout_rect_t frame(index_t box) const;
-    // Relative to the parent's frame.
-    layout_rect_t frame_in_parent(index_t box) const;
-    // What the box needs, as of the last place(). Its height is what it needs at the width that it got.
-    int needed_width(index_t box) const { return fBoxes[box].axes[0].needed; }
-    int needed_height(index_t box) const { return fBoxes[box].axes[1].needed; }
+    // What the box needs, as of the last place().
+    int needed_width(index_t box) const { return fBoxes[box].axes[kHorizontal].needed; }
 
 private:
     static constexpr std::size_t kHorizontal = 0;

@@ -21,7 +21,8 @@ public:
     void set_function_lookup(function_lookup_t lookup);
     void set_variable_lookup(variable_lookup_t lookup);
     const function_lookup_t& function_lookup() const noexcept { return fFunctionLookup; }
-    const variable_lookup_t& variable_lookup() const noexcept { return fVariableLookup; }
+    // Whether the lookup for variables has a value for the name now.
+    bool knows_variable(name_t name) const;
 
     // Throws error_t with the place in the script: for what the expression does wrong, and with the message of whatever
     // standard exception a lookup throws (an error_t and std::bad_alloc pass as they are). Nothing stays behind on the
