@@ -3,6 +3,7 @@
 #
 #   tools/setup.sh run     what building and running the workbench takes
 #   tools/setup.sh test    that, and what the tests take
+#   tools/setup.sh tidy    that, and clang-tidy
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 run_packages=(
@@ -15,12 +16,14 @@ test_packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
     python3 xvfb xdotool imagemagick
 )
+tidy_packages=(clang-tidy-14)
 
 case ${1:-} in
     run) wanted=("${run_packages[@]}") ;;
     test) wanted=("${run_packages[@]}" "${test_packages[@]}") ;;
+    tidy) wanted=("${run_packages[@]}" "${test_packages[@]}" "${tidy_packages[@]}") ;;
     *)
-        echo "usage: tools/setup.sh run|test" >&2
+        echo "usage: tools/setup.sh run|test|tidy" >&2
         exit 2
         ;;
 esac
