@@ -58,34 +58,63 @@ std::string ResourceBytes(const char* path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-void AmplifyArchive_PugixmlAlone(benchmark::State& state) {
-    const std::string bytes = ResourceBytes("archives/AMPLIFY.xml");
+// The panels that are read from archives.
+struct ArchivePanel {
+    const char* archive;
+    std::u16string_view component;
+};
+constexpr ArchivePanel kArchivePanels[] = {
+    {"AMPLIFY", qoc::components::kAmplifyComponentID},
+    {"AUTOPITCHCORRECT", qoc::components::kPitchCorrectComponentID},
+    {"DOPPLER", qoc::components::kDopplerComponentID},
+    {"FFTFILTER", qoc::components::kFFTFilterComponentID},
+    {"GRAPHICPHASESHIFTER", qoc::components::kGraphicPhaseShifterComponentID},
+    {"NOTCHFILTER", qoc::components::kNotchComponentID},
+    {"PITCHSHIFT", qoc::components::kPitchShiftComponentID},
+    {"SCIENTIFICFILTER", qoc::components::kScientificFilterComponentID},
+    {"STEREOEXPANDER", qoc::components::kStereoExpanderComponentID},
+};
+
+const ArchivePanel& PanelOf(benchmark::State& state) {
+    const ArchivePanel& panel = kArchivePanels[state.range(0)];
+    state.SetLabel(panel.archive);
+    return panel;
+}
+
+void ForEveryArchivePanel(benchmark::internal::Benchmark* bench) {
+    bench->DenseRange(0, static_cast<int>(std::size(kArchivePanels)) - 1)->Unit(benchmark::kMicrosecond);
+}
+
+void Archive_PugixmlAlone(benchmark::State& state) {
+    const std::string bytes = ResourceBytes((std::string("archives/") + PanelOf(state).archive + ".xml").c_str());
     for (auto _ : state) {
         pugi::xml_document document;
         benchmark::DoNotOptimize(document.load_buffer(bytes.data(), bytes.size()));
     }
     state.SetBytesProcessed(static_cast<long>(state.iterations()) * static_cast<long>(bytes.size()));
 }
-BENCHMARK(AmplifyArchive_PugixmlAlone);
+BENCHMARK(Archive_PugixmlAlone)->Apply(ForEveryArchivePanel);
 
-void AmplifyPanel_Open(benchmark::State& state) {
+// Read, built and connected.
+void ArchivePanel_Open(benchmark::State& state) {
     TheLibrary();
-    const Filter filter = MakeAmplify();
+    const Filter filter = MakeEffect(PanelOf(state).component);
     for (auto _ : state)
         benchmark::DoNotOptimize(OpenView(filter));
 }
-BENCHMARK(AmplifyPanel_Open);
+BENCHMARK(ArchivePanel_Open)->Apply(ForEveryArchivePanel);
 
 // A panel in a window of its size.
 struct OpenPanel {
     explicit OpenPanel(Filter itsFilter, float scale = 1) : filter(std::move(itsFilter)), view(OpenView(filter)) {
         const kroui::Rect frame = view->UI_GetFrame();
-        window = std::make_unique<kroui::ui::HeadlessWindow>(TheLibrary().supplier,
-                                                             kroui::Size{frame.width, frame.height}, scale);
+        window = std::make_unique<kroui::ui::HeadlessWindow>(library.supplier, kroui::Size{frame.width, frame.height},
+                                                             scale);
         window->Window().SetContent(view);
         window->Paint();
     }
 
+    Library& library = TheLibrary();
     Filter filter;
     View view;
     std::unique_ptr<kroui::ui::HeadlessWindow> window;
@@ -141,7 +170,6 @@ void DragOnePoint(benchmark::State& state, const Filter& filter, const char* gra
 
 void FFTFilter_DragOneOf128Points(benchmark::State& state) {
     using namespace qoc::components;
-    TheLibrary();
     const Filter filter = MakeEffect(kFFTFilterComponentID);
     StoreCurve(*filter, kFFTFilterPointCount, kFFTFilterFirstPoint, 128);
     DragOnePoint(state, filter, "FFTFilterGraph");
@@ -150,7 +178,6 @@ BENCHMARK(FFTFilter_DragOneOf128Points)->Arg(1)->Arg(2)->Unit(benchmark::kMillis
 
 void PhaseShifter_DragOneOf128Points(benchmark::State& state) {
     using namespace qoc::components;
-    TheLibrary();
     const Filter filter = MakeEffect(kGraphicPhaseShifterComponentID);
     StoreCurve(*filter, kPhaseShifterPointCount, kPhaseShifterFirstPoint, 128);
     DragOnePoint(state, filter, "GraphicPhaseShifterGraph");
@@ -159,7 +186,6 @@ BENCHMARK(PhaseShifter_DragOneOf128Points)->Arg(1)->Arg(2)->Unit(benchmark::kMil
 
 void Notch_DragOneOfSixPoints(benchmark::State& state) {
     using namespace qoc::components;
-    TheLibrary();
     const Filter filter = MakeEffect(kNotchComponentID);
     for (int section = 0; section < 6; ++section)
         filter->SetParameterValue(kNotchFirstEnable + section, 1);

@@ -12,8 +12,8 @@ using namespace kroui::ui;
 boost::intrusive_ptr<UI_Node> Load(std::span<const std::byte> bytes) {
     NamedNodes nodes;
     std::vector<Diagnostic> diagnostics;
-    const auto makeCustom = [](const krocore::string8& name) {
-        return boost::intrusive_ptr<UI_Node>(name == "Nothing" ? nullptr : new UI_SubView);
+    const auto makeCustom = [](const krocore::string16& name) {
+        return boost::intrusive_ptr<UI_Node>(name == u"Nothing" ? nullptr : new UI_SubView);
     };
     auto root = UI_NodeBuilder::LoadView(bytes, "fuzz.xml", nodes, makeCustom, diagnostics);
     if (!root && diagnostics.empty()) {

@@ -23,14 +23,14 @@ bool AudioComponentEditorXMLView::CanScrollContent() const {
 }
 
 void AudioComponentEditorXMLView::Init() {
-    const auto factory = [this](const krocore::string8& className) { return CreateCustomNode(className); };
+    const auto factory = [this](const krocore::string16& className) { return CreateCustomNode(className); };
     const krocore::string16 name = krocore::ToUTF16(fResourceName);
     const kroui::utility::ResourceManager* const resources = GetResourceManager();
     if (!resources) return;
     const auto root =
         kroui::ui::UI_NodeBuilder::LoadViewFromXML(*resources, module::GetDrawSupplier(), name, fNamedNodes, factory);
     fContentView = boost::dynamic_pointer_cast<kroui::ui::UI_SubView>(root);
-    if (!fContentView) return;
+    if (!fContentView) return fNamedNodes.clear();
     UI_SetLocalRect(fContentView->UI_GetLocalRect());
     ChildPushBack(fContentView);
     ConnectControls();
@@ -42,7 +42,7 @@ kroui::utility::ResourceManager* AudioComponentEditorXMLView::GetResourceManager
 }
 
 boost::intrusive_ptr<kroui::ui::UI_Node>
-AudioComponentEditorXMLView::CreateCustomNode(const krocore::string8& /*className*/) const {
+AudioComponentEditorXMLView::CreateCustomNode(const krocore::string16& /*className*/) const {
     return nullptr;
 }
 

@@ -151,6 +151,12 @@ TEST_F(AudioFilterTest, PrepareSetsBusesOrRefusesAndLeavesEverything) {
     EXPECT_THROW(fFilter->Prepare(0, 1, AudioChannelLayout::Stereo()), krocore::config::Error);
     EXPECT_THROW(fFilter->Prepare(std::nanf(""), 1, AudioChannelLayout::Stereo()), krocore::config::Error);
     expectUntouched();
+    try {
+        fFilter->Prepare(999.5F, 1, AudioChannelLayout::Stereo());
+        ADD_FAILURE();
+    } catch (const krocore::config::Error& error) {
+        EXPECT_STREQ(error.what(), "An effect can't work at a sample rate of 999.5 Hz.");
+    }
 }
 
 } // namespace

@@ -9,6 +9,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 using namespace kroui;
 using kroui::ui::UI_Node;
 using testing::Each;
@@ -137,6 +139,21 @@ TEST_F(AmplifyEditorTest, EscapeInADragTakesItBackAndClosesTheBracket) {
     fWindow.MoveTo(Moved(Knob(0), 50));
     fWindow.Release();
     EXPECT_THAT(fFilter->TakeLog(), IsEmpty());
+}
+
+TEST_F(AmplifyEditorTest, WhatChangesElsewhereInADragCountsWhenItEnds) {
+    Open(kromediatypes::AudioChannelLayout::Stereo(), true);
+    fWindow.Press(Knob(0));
+    fWindow.MoveTo(Moved(Knob(0), -20));
+    fFilter->Store(kLink, 0);
+    fFilter->Store(3, 0.5F);
+    fWindow.Advance(0.011);
+    EXPECT_NEAR(Slider(1).GetValue(), Slider(0).GetValue(), 1e-4) << "not while the drag lasts";
+    fWindow.Release();
+    EXPECT_NEAR(Slider(1).GetValue(), -24, 1e-4);
+    const auto log = fFilter->TakeLog();
+    EXPECT_EQ(std::ranges::count(log, "end 2"), 1);
+    EXPECT_EQ(std::ranges::count(log, "end 3"), 1) << "its edit began with the drag";
 }
 
 TEST_F(AmplifyEditorTest, ChangesFromElsewhereMoveTheControlsAtTheNextPollWithoutEcho) {

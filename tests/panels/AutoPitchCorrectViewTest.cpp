@@ -43,12 +43,12 @@ enum Index : int {
     kCorrection = 8,
 };
 
-// A filter whose parameters have the ranges of the effect, for `channels` channels.
+// A filter whose parameters have the ranges of the effect.
 class PitchFilter : public test::FakeFilter {
 public:
-    explicit PitchFilter(float channels)
+    PitchFilter()
         : FakeFilter(9, qoc::components::kPitchCorrectComponentID),
-          fInfos{GenericParameterInfo({.lo = 0, .hi = channels}), GenericParameterInfo({.lo = 410, .hi = 470}),
+          fInfos{GenericParameterInfo({.lo = 0, .hi = 2}), GenericParameterInfo({.lo = 410, .hi = 470}),
                  GenericParameterInfo({.lo = 0, .hi = 100}), GenericParameterInfo({.lo = 0.5F, .hi = 500.5F}),
                  GenericParameterInfo({.lo = 0.5F, .hi = 2})} {}
 
@@ -61,6 +61,12 @@ public:
         case kCorrection: return &fInfos[4];
         default: return nullptr;
         }
+    }
+
+    // As the effect does: the channel's range ends at their number.
+    void SetLayout(const kromediatypes::AudioChannelLayout& layout) {
+        fInfos[0].SetHiBound(static_cast<float>(layout.size()));
+        Prepare(44100, 64, layout);
     }
 
 private:
@@ -79,8 +85,8 @@ protected:
     void Open(const std::vector<std::pair<int, float>>& stored = {},
               const kromediatypes::AudioChannelLayout& layout = kromediatypes::AudioChannelLayout::Stereo()) {
         fWindow.Window().SetContent(nullptr);
-        fFilter.reset(new PitchFilter(static_cast<float>(layout.size())));
-        fFilter->Prepare(44100, 64, layout);
+        fFilter.reset(new PitchFilter);
+        fFilter->SetLayout(layout);
         fFilter->Store(kCorrection, 1.0F / 3); // a ratio of 1
         for (const auto& [index, value] : stored)
             fFilter->Store(index, value);
@@ -137,8 +143,14 @@ TEST_F(AutoPitchCorrectViewTest, PopupsHoldTheirItemsInTheOrderOfTheStoredValues
     EXPECT_THAT(Items("ChannelID"), ElementsAre("Left", "Right"));
     Open({}, kromediatypes::AudioChannelLayout::Mono());
     EXPECT_THAT(Items("ChannelID"), testing::SizeIs(1));
-    Open({}, kromediatypes::AudioChannelLayout::Surround51());
+    Open({{kChannel, 0.75F}}, kromediatypes::AudioChannelLayout::Surround51());
     EXPECT_THAT(Items("ChannelID"), testing::SizeIs(6));
+    EXPECT_EQ(Shown("ChannelID"), 4);
+    fFilter->SetLayout(kromediatypes::AudioChannelLayout::Stereo()); // while the panel is open
+    Poll();
+    EXPECT_THAT(Items("ChannelID"), ElementsAre("Left", "Right"));
+    EXPECT_EQ(Shown("ChannelID"), 1);
+    EXPECT_THAT(fFilter->TakeLog(), IsEmpty());
 }
 
 TEST_F(AutoPitchCorrectViewTest, StoredValuesSelectItemsFromTheFirstOnAndAtEveryPoll) {

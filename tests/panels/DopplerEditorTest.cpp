@@ -291,6 +291,11 @@ TEST_F(DopplerEditorTest, ThePictureFollowsEveryPathParameterWithoutEcho) {
         EXPECT_NE(after, before) << "parameter " << index;
         before = std::move(after);
     }
+    fFilter->SetDuration(2 * 48000.0);
+    Poll();
+    EXPECT_THAT(fWindow.LastDamage(), testing::Not(IsEmpty())) << "the path is as long as the sound";
+    Poll();
+    EXPECT_THAT(fWindow.LastDamage(), IsEmpty());
     EXPECT_THAT(fFilter->TakeLog(), Each(testing::StartsWith("quiet ")));
 }
 

@@ -111,6 +111,10 @@ TEST_F(DopplerGraphTest, WithoutAPathThereAreOnlyTheGroundAndTheListener) {
     SetSeconds(3);
     fGraph->SetStartingDistance(0);
     ExpectOperations(Draw(), WithGround({}));
+    Set(10, 2, 0);
+    fGraph->SetCircular(false);
+    fFilter->sampleRate = 0; // none yet, so no duration either
+    ExpectOperations(Draw(), WithGround({}));
 }
 
 // From 10 m ahead, 20 pixels a second down; the sound ends after 2.5 s, in the third step. The arrow's strokes go back

@@ -1,4 +1,3 @@
-#include "AllocationCounter.h"
 #include "FakeFilter.h"
 #include "kroui/limner/CairoSupplier.h"
 #include "kroui/ui/HeadlessWindow.h"
@@ -114,14 +113,27 @@ TEST_F(EditorViewBaseTest, ItPollsEveryTenMillisecondsWhileAttached) {
     EXPECT_EQ(ui::UI_NodeManager::Get().TimerCount(), 0U);
 }
 
-TEST_F(EditorViewBaseTest, APollAllocatesNothing) {
-    for (int i = 0; i < 8; ++i)
-        fView->AddParameterObserver(i, [] {});
-    fView->SyncParameters();
-    const std::size_t before = AllocationCount();
-    for (int i = 0; i < 100; ++i)
-        fView->SyncParameters();
-    EXPECT_EQ(AllocationCount(), before);
+TEST_F(EditorViewBaseTest, AnObserverMayTakeTheViewOutAndLetGoOfIt) {
+    limner::CairoSupplier supplier;
+    ui::HeadlessWindow window(supplier, {100, 100});
+    const auto change = [&](float value) {
+        fCalled.clear();
+        fFilter->Store(0, value);
+        window.Advance(0.05);
+        return fCalled;
+    };
+    fView->AddParameterObserver(0, [&] {
+        window.Window().SetContent(nullptr);
+        if (fFilter->GetParameterValue(0) < 1) return window.Window().SetContent(fView);
+        fView.reset();
+    });
+    Observe(0, "behind it");
+    window.Window().SetContent(fView);
+    EXPECT_THAT(change(0.5F), ElementsAre("behind it"));
+    EXPECT_EQ(ui::UI_NodeManager::Get().TimerCount(), 1U) << "attached again";
+    EXPECT_THAT(change(1), ElementsAre("behind it"));
+    EXPECT_EQ(ui::UI_NodeManager::Get().TimerCount(), 0U);
+    EXPECT_EQ(fFilter->ReferenceCount(), 1);
 }
 
 } // namespace

@@ -81,9 +81,10 @@ TEST_F(GraphicPhaseShifterEditorTest, TheFirstChannelItemSaysAllOrBoth) {
     } cases[] = {{AudioChannelLayout::Stereo(), "Both", "Left", "Right"},
                  {AudioChannelLayout::Mono(), "All", "Mono", "Mono"},
                  {AudioChannelLayout::Discrete(32), "All", "1", "32"}};
+    Open();
     for (const auto& c : cases) {
-        fFilter->Prepare(44100, 64, c.layout);
-        Open();
+        fFilter->Prepare(44100, 64, c.layout); // also while the panel is open
+        Poll();
         const auto items = Items("Channel");
         ASSERT_EQ(items.size(), c.layout.size() + 1);
         EXPECT_EQ(items.front(), c.first);

@@ -8,6 +8,7 @@
 #include "kroui/ui/HeadlessWindow.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
+#include "qoc/components/GenericParameterInfo.h"
 #include "qocui/module/ComponentUIFactory.h"
 #include "qocui/module/Module.h"
 #include "uit/controls/UI_EditNumber.h"
@@ -303,6 +304,32 @@ TEST_F(PitchShiftEditorTest, ExpertFieldsStepByTheirIncrementsAndWriteTheirOwnPa
     EXPECT_NEAR(Field("PS_Overlapping").GetValue(), 21.4, 1e-4);
     TypeInto("PS_SplicingFrequency", u"5");
     EXPECT_NEAR(Natural(kSplicing), 10, 1e-4) << "not below its range";
+}
+
+// Whose switch has a range of its own.
+class FilterWithOtherRanges : public test::FakeFilter {
+public:
+    FilterWithOtherRanges() : FakeFilter(5, qoc::components::kPitchShiftComponentID) {}
+    const kroaudiofilterhost::AudioFilterParameterInfo* GetParameterInfo(int index) const override {
+        return index == kDefaults ? &fInfo : nullptr;
+    }
+
+private:
+    qoc::components::GenericParameterInfo fInfo{{.id = "defaults", .hi = 2}};
+};
+
+TEST_F(PitchShiftEditorTest, TheCheckBoxIsSetUpByTheStoredValueAndFollowsTheNaturalOne) {
+    const boost::intrusive_ptr<FilterWithOtherRanges> filter(new FilterWithOtherRanges);
+    fFilter = filter;
+    filter->Store(kDefaults, 0.3F); // 0.6 of 2
+    Open();
+    EXPECT_TRUE(AreSettingsEnabled());
+    filter->Store(kDefaults, 0.31F);
+    fWindow.Advance(0.011);
+    EXPECT_FALSE(AreSettingsEnabled());
+    fWindow.Click(CentreOf("PS_UseDefaultSetting"));
+    fWindow.Click(CentreOf("PS_UseDefaultSetting"));
+    EXPECT_EQ(filter->GetParameterValue(kDefaults), 0.5F) << "1 of 2";
 }
 
 TEST_F(PitchShiftEditorTest, AFilterWithoutDescriptionsKeepsTheArchivesRanges) {

@@ -1,5 +1,7 @@
 #include "AllocationCounter.h"
 
+#include "krocore/SmallBlockAllocator.h"
+
 #include <atomic>
 #include <cstdlib>
 #include <new>
@@ -32,3 +34,19 @@ void operator delete(void* memory) noexcept {
 void operator delete(void* memory, std::size_t /*size*/) noexcept {
     std::free(memory);
 }
+
+#ifndef _WIN32
+// A program's own functions stand in front of an ELF library's: small blocks, of strings above all, come from the
+// counted heap too.
+namespace krocore {
+
+void* SmallBlockHeap::Allocate(std::size_t bytes) {
+    return ::operator new(bytes);
+}
+
+void SmallBlockHeap::Release(void* block, std::size_t /*bytes*/) noexcept {
+    ::operator delete(block);
+}
+
+} // namespace krocore
+#endif

@@ -1,13 +1,14 @@
 """The doppler panel: the path's kind, the numbers that place it, volume and quality on the left; its picture between
 compass labels, with the description under it, on the right. The picture is made by the editor."""
-from nodes import (checkbox, custom, hot_text_number, localized, optional_view, outline_box_with_label, popup,
-                   radio_button, static_image, static_text, sub_view)
+from nodes import (KEEP_LEFT, KEEP_MIDDLE, KEEP_TOP, checkbox, custom, hot_text_number, localized, optional_view,
+                   outline_box_with_label, popup, radio_button, static_image, static_text, sub_view)
 
 MARGIN = 16
 ROW = 24
 GAP = 8
 PITCH = ROW + GAP
 LEFT, CENTRE, RIGHT = 0, 1, 2
+CORNER = KEEP_LEFT | KEEP_TOP
 
 LABELS = 152  # width of the labels' column
 FIELDS = LABELS + GAP
@@ -45,7 +46,8 @@ def path_type(top):
     for id, caption, image, left in choices:
         children.append(static_image((left, 28, ICON, ICON), f"{id}Image", image))
         children.append(radio_button((left + ICON + GAP, 32, 120, ROW), id, words(id, caption)))
-    return outline_box_with_label((MARGIN, top, CONTROLS, BOX), "", words("PathType", "Path Type:"), children)
+    return outline_box_with_label((MARGIN, top, CONTROLS, BOX), "", words("PathType", "Path Type:"), children,
+                                  Constraints=CORNER)
 
 
 def label_set(labels):
@@ -59,11 +61,11 @@ def fields(top):
                                textLabel=unit) for row, (id, low, high, unit) in enumerate(FIELD_ROWS)]
     labels = optional_view((0, 0, LABELS, FIELDS_HEIGHT), "OptionalLabels",
                            [label_set(STRAIGHT_LABELS), label_set(CIRCULAR_LABELS)])
-    return sub_view((MARGIN, top, CONTROLS, FIELDS_HEIGHT), children=[labels] + numbers)
+    return sub_view((MARGIN, top, CONTROLS, FIELDS_HEIGHT), children=[labels] + numbers, Constraints=CORNER)
 
 
 def volume(top):
-    return sub_view((MARGIN, top, CONTROLS, ROW), children=[
+    return sub_view((MARGIN, top, CONTROLS, ROW), Constraints=CORNER, children=[
         static_text((0, 0, LABELS, ROW), words("AdjVol", "Adjust Volume based on:"), alignment=RIGHT),
         checkbox((FIELDS, 0, 84, ROW), "Distance", words("Distance", "Distance")),
         checkbox((FIELDS + 92, 0, 84, ROW), "Direction", words("Direction", "Direction"))])
@@ -71,7 +73,7 @@ def volume(top):
 
 def quality(top):
     # Disabled until the effect says that the quality may be changed.
-    return sub_view((MARGIN, top, CONTROLS, ROW), children=[
+    return sub_view((MARGIN, top, CONTROLS, ROW), Constraints=CORNER, children=[
         static_text((0, 0, LABELS, ROW), words("Quality", "Quality:"), alignment=RIGHT),
         popup((FIELDS, 0, 148, ROW), "Quality", [], enabled=False)])
 
@@ -81,9 +83,11 @@ def picture(left, top):
     x, y = width, height + COMPASS_GAP
     middle = (PATH - height) / 2
     return sub_view((left, top, PATH + 2 * width, PATH + 2 * y), children=[
-        static_text((x, 0, PATH, height), words("deg0", "0#{deg}"), alignment=CENTRE),
+        static_text((x, 0, PATH, height), words("deg0", "0#{deg}"), alignment=CENTRE,
+                    Constraints=KEEP_MIDDLE | KEEP_TOP),
         static_text((x + PATH + COMPASS_GAP, y + middle, width - COMPASS_GAP, height), words("deg90", "90#{deg}")),
-        static_text((x, y + PATH + COMPASS_GAP, PATH, height), words("deg180", "180#{deg}"), alignment=CENTRE),
+        static_text((x, y + PATH + COMPASS_GAP, PATH, height), words("deg180", "180#{deg}"), alignment=CENTRE,
+                    Constraints=KEEP_MIDDLE),
         static_text((0, y + middle, width - COMPASS_GAP, height), words("deg270", "270#{deg}"), alignment=RIGHT),
         custom((x, y, PATH, PATH), "Graph", "DopplerShifterGraph",
                tooltip=words("PathTip", "The path of the source around the listener"))])

@@ -3,7 +3,8 @@
 The root takes the height of what is shown, so that the panel grows when the advanced section opens. The archive has it
 closed: the section overlaps the empty view that keeps the margin at the bottom.
 """
-from nodes import (checkbox, custom, disclosure, localized, outline_box, picture_button, popup, static_text, sub_view)
+from nodes import (KEEP_BOTTOM, KEEP_RIGHT, KEEP_TOP, checkbox, custom, disclosure, localized, outline_box,
+                   picture_button, popup, static_text, sub_view)
 
 MARGIN = 16
 ROW = 24
@@ -36,7 +37,7 @@ def curve_group(left):
 
 def points_group(left):
     width = GRAPH[0] - left
-    return sub_view((left, 0, width, ROW), children=[
+    return sub_view((left, 0, width, ROW), Constraints=KEEP_RIGHT | KEEP_TOP | KEEP_BOTTOM, children=[
         static_text((0, 0, width - ROW - GAP, ROW), words("PointsHint", "Click adds a point, Delete removes it"),
                     alignment=RIGHT, fontSize=11),
         picture_button((width - ROW, 0, ROW, ROW), "ResetButton", "Reset", displayBorderAlways=True,

@@ -1,6 +1,7 @@
 """The graphic phase shifter panel: the graph, under it its axes and how the curve is drawn, and in a box what is
 processed. The channel and FFT size pop-ups are filled by the editor."""
-from nodes import (checkbox, custom, localized, outline_box, picture_button, popup, radio_button, static_text, sub_view)
+from nodes import (KEEP_BOTTOM, KEEP_RIGHT, KEEP_TOP, checkbox, custom, localized, outline_box, picture_button, popup,
+                   radio_button, static_text, sub_view)
 
 MARGIN = 16
 ROW = 24
@@ -42,7 +43,7 @@ def range_group(left):
 
 def curve_group(left):
     width = GRAPH[0] - left
-    return sub_view((left, 0, width, ROW), children=[
+    return sub_view((left, 0, width, ROW), Constraints=KEEP_RIGHT | KEEP_TOP | KEEP_BOTTOM, children=[
         checkbox((0, 0, width - ROW - GAP, ROW), "SplineCurves", words("SplineCurves", "Spline Curves"),
                  tooltip=words("SplineCurvesTip", "Round between the points")),
         picture_button((width - ROW, 0, ROW, ROW), "ResetButton", "Reset", displayBorderAlways=True,

@@ -1,8 +1,8 @@
 """Describes layout archives in a few lines of Python and writes them in the archive format.
 
 A node is made by one of the functions at the end of this file, which take the node's bounds (left, top, width, height)
-in its parent, its id, and the properties that differ from their defaults. `write` gives the bytes of the archive: every property of
-every class of the node's chain, keys in ascending byte order, CR LF, attribute values in single quotes.
+in its parent, its id, and the properties that differ from their defaults. `write` gives the bytes of the archive: every
+property of every class of the node's chain, keys in ascending byte order, CR LF, attribute values in single quotes.
 """
 import struct
 
@@ -65,6 +65,10 @@ def bounds(rect):
     return {".aptype": integer(1), "height": number(height), "left": number(left), "top": number(top),
             "width": number(width)}
 
+
+# Bits of Constraints: the edges of its parent to which a node keeps its distance when the parent is resized (it grows
+# between two), or the middle.
+KEEP_LEFT, KEEP_RIGHT, KEEP_TOP, KEEP_BOTTOM, KEEP_MIDDLE = 1, 2, 4, 8, 16
 
 # The properties of each class: key -> how a Python value becomes a value element, and the default.
 RULER_TYPES = ("None", "Linear", "Logarithmic", "DB", "FaderDB")

@@ -2,7 +2,8 @@
 
 The editor takes the ranges of the numbers from the effect and makes room for their units.
 """
-from nodes import (checkbox, custom, divider, hot_text_number, localized, popup, static_text, sub_view, text_button)
+from nodes import (KEEP_BOTTOM, KEEP_TOP, checkbox, custom, divider, hot_text_number, localized, popup, static_text,
+                   sub_view, text_button)
 
 MARGIN = 16
 ROW = 24
@@ -47,10 +48,11 @@ def column(index):
 
 def table(top):
     width = GRAPH[0]
-    upright = sub_view((0, 0, width, TABLE), children=[
-        divider((LABELS + index * COLUMN - 1, 0, 2, TABLE)) for index in range(NOTCHES)])
+    full = KEEP_TOP | KEEP_BOTTOM
+    upright = sub_view((0, 0, width, TABLE), Constraints=full, children=[
+        divider((LABELS + index * COLUMN - 1, 0, 2, TABLE), Constraints=full) for index in range(NOTCHES)])
     level = sub_view((0, 0, width, TABLE + GAP), children=[
-        divider((0, ROW + GAP // 2 - 1, width, 2)), divider((0, TABLE - 1, width, 2))])
+        divider((0, ROW + GAP // 2 - 1, width, 2), Constraints=KEEP_TOP), divider((0, TABLE - 1, width, 2))])
     labels = sub_view((0, 0, LABELS, TABLE), children=[
         label(1, "Frequency", "Frequency:"), label(2, "Gain", "Gain:")])
     columns = [column(index) for index in range(NOTCHES)]

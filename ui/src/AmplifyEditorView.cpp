@@ -62,9 +62,8 @@ void AmplifyEditorView::ConnectControls() {
 
 void AmplifyEditorView::CreateSliders() {
     if (!fGainContainer) return;
-    const int count = static_cast<int>(GetAudioComponent()->GetParameterValue(kAmplifyChannelCount) * kMostChannels);
-    for (int channel = 0; channel < count; ++channel) {
-        const unsigned long c = static_cast<unsigned long>(channel);
+    const unsigned long count = GetChannelCount();
+    for (unsigned long c = 0; c < count; ++c) {
         const boost::intrusive_ptr<UI_EditNumber> slider = CreateSlider(c);
         slider->UI_Show(true);
         fGainContainer->ChildPushBack(slider);
@@ -127,18 +126,19 @@ void AmplifyEditorView::OnEditNumberChangedInteractively(UI_InteractiveControlCh
                                                          unsigned long channel) {
     if (channel >= fSliders.size()) return;
     const boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter = GetAudioComponent();
-    const float gain = static_cast<float>(fSliders[channel]->GetValue());
+    const auto gain = static_cast<float>(fSliders[channel]->GetValue());
     const bool linked = AreChannelsLinked();
     if (linked)
         for (unsigned long i = 0; i < fSliders.size(); ++i)
             if (i != channel) fSliders[i]->SetValue(gain);
 
-    const float normalised = static_cast<float>((fSliders[channel]->GetValue() - kLowestGain) / sGainRange);
+    const auto normalised = static_cast<float>((fSliders[channel]->GetValue() - kLowestGain) / sGainRange);
     const unsigned long first = linked ? 0 : channel;
     const unsigned long end = linked ? fSliders.size() : channel + 1;
     switch (message->GetChangeMessage()) {
     case UI_InteractiveControlChangedMessage::kStarted:
         fIsSetting = true;
+        if (linked) fLinkedGestures.insert(channel);
         for (unsigned long i = first; i < end; ++i) {
             filter->BeginParameterEdit(GainIndex(i));
             filter->SetParameterValue(GainIndex(i), normalised);
@@ -155,7 +155,16 @@ void AmplifyEditorView::OnEditNumberChangedInteractively(UI_InteractiveControlCh
         fIsSetting = false;
         for (unsigned long i = first; i < end; ++i)
             filter->EndParameterEdit(GainIndex(i));
+        LeaveOtherChannels(first, end, fLinkedGestures.erase(channel) > 0);
         break;
+    }
+}
+
+void AmplifyEditorView::LeaveOtherChannels(unsigned long first, unsigned long end, bool wereLinked) {
+    for (unsigned long i = 0; i < fSliders.size(); ++i) {
+        if (i >= first && i < end) continue;
+        if (wereLinked) GetAudioComponent()->EndParameterEdit(GainIndex(i));
+        OnAudioFilterGainChanged(i);
     }
 }
 
@@ -163,6 +172,11 @@ krocore::string16 AmplifyEditorView::GetChannelName(unsigned long channel, bool 
     const boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter = GetAudioComponent();
     const auto& buses = inputBuses ? filter->GetInputBuses() : filter->GetOutputBuses();
     return buses.empty() ? krocore::string16() : buses.front().GetLayout().ChannelName(channel, abbreviated);
+}
+
+unsigned long AmplifyEditorView::GetChannelCount() {
+    const float count = GetAudioComponent()->GetParameterValue(kAmplifyChannelCount) * kMostChannels;
+    return count > 0 ? static_cast<unsigned long>(std::min(count, kMostChannels)) : 0;
 }
 
 bool AmplifyEditorView::AreChannelsLinked() {

@@ -51,7 +51,7 @@ constexpr int kLinearScale = 0;
 
 // The item of `count` whose equal part of 0...1 the stored value lies in. Below 0 it may be none.
 int ItemAt(float stored, std::int32_t count) {
-    const float parts = static_cast<float>(count);
+    const auto parts = static_cast<float>(count);
     return static_cast<int>(std::clamp(stored * parts, -1.0F, parts - 1));
 }
 
@@ -73,9 +73,9 @@ AutoPitchCorrectView::AutoPitchCorrectView(boost::intrusive_ptr<kroaudiofilterho
 AutoPitchCorrectView::~AutoPitchCorrectView() = default;
 
 boost::intrusive_ptr<kroui::ui::UI_Node>
-AutoPitchCorrectView::CreateCustomNode(const krocore::string8& className) const {
+AutoPitchCorrectView::CreateCustomNode(const krocore::string16& className) const {
     if (auto node = AudioComponentEditorXMLView::CreateCustomNode(className)) return node;
-    if (className == "CorrectionMeter") return new CorrectionMeterView;
+    if (className == u"CorrectionMeter") return new CorrectionMeterView;
     return nullptr;
 }
 
@@ -108,6 +108,7 @@ void AutoPitchCorrectView::ConnectControls() {
 
 void AutoPitchCorrectView::SyncParameters() {
     AudioComponentEditorXMLView::SyncParameters();
+    FollowChannels();
     const bool canChange = GetAudioComponent()->CanChangeNonAutomatableParameters();
     if (canChange == fCanChangeNonAutomatable) return;
     fCanChangeNonAutomatable = canChange;
@@ -152,9 +153,17 @@ void AutoPitchCorrectView::FillChannelPopup() {
     const GenericParameterInfo* const info = GetGenericInfo(kPitchCorrectChannel);
     const auto& buses = GetAudioComponent()->GetInputBuses();
     if (!info || buses.empty()) return;
+    fChannelLayout = buses.front().GetLayout();
     fChannelCount = static_cast<std::int32_t>(info->GetHiBound());
     for (std::int32_t channel = 0; channel < fChannelCount; ++channel)
-        fChannel->AddItem(buses.front().GetLayout().ChannelName(static_cast<std::size_t>(channel), false));
+        fChannel->AddItem(fChannelLayout.ChannelName(static_cast<std::size_t>(channel), false));
+}
+
+void AutoPitchCorrectView::FollowChannels() {
+    const auto& buses = GetAudioComponent()->GetInputBuses();
+    if (fChannelCount == 0 || buses.empty() || buses.front().GetLayout() == fChannelLayout) return;
+    FillChannelPopup();
+    UpdateChannelPopup();
 }
 
 void AutoPitchCorrectView::InitCalibrationHotText() {
@@ -248,7 +257,7 @@ void AutoPitchCorrectView::OnKeyPopupChanged(UI_ControlChangedMessage* /*message
 void AutoPitchCorrectView::OnChannelPopupChanged(UI_ControlChangedMessage* /*message*/) {
     const int item = fChannel->GetValue();
     if (item >= fChannelCount) return;
-    const float count = static_cast<float>(fChannelCount);
+    const auto count = static_cast<float>(fChannelCount);
     GetAudioComponent()->SetParameterValue(kPitchCorrectChannel, 1 / (2 * count) + static_cast<float>(item) / count);
 }
 

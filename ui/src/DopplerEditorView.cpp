@@ -16,6 +16,7 @@
 
 #include <boost/bind/bind.hpp>
 
+#include <algorithm>
 #include <cmath>
 
 namespace qocui::ui {
@@ -37,7 +38,7 @@ using qoc::components::kDopplerVelocity;
 
 namespace {
 
-constexpr std::string_view kGraphClassName = "DopplerShifterGraph";
+constexpr std::u16string_view kGraphClassName = u"DopplerShifterGraph";
 
 constexpr const char* kQualityKeys[] = {
     "$$$/DopplerEditorView/QualityLow=Low (fastest)",        "$$$/DopplerEditorView/QualityGood=Good",
@@ -92,7 +93,7 @@ void DopplerEditorView::ConnectControls() {
     ObserveParameters();
 }
 
-boost::intrusive_ptr<kroui::ui::UI_Node> DopplerEditorView::CreateCustomNode(const krocore::string8& className) const {
+boost::intrusive_ptr<kroui::ui::UI_Node> DopplerEditorView::CreateCustomNode(const krocore::string16& className) const {
     if (auto node = AudioComponentEditorXMLView::CreateCustomNode(className)) return node;
     if (className != kGraphClassName) return {};
     return boost::intrusive_ptr<kroui::ui::UI_Node>(new DopplerGraph(GetAudioFilter()));
@@ -100,6 +101,7 @@ boost::intrusive_ptr<kroui::ui::UI_Node> DopplerEditorView::CreateCustomNode(con
 
 void DopplerEditorView::SyncParameters() {
     AudioComponentEditorXMLView::SyncParameters();
+    if (fGraph) fGraph->FollowDuration();
     const bool isEnabled = GetAudioComponent()->CanChangeNonAutomatableParameters();
     if (isEnabled == fQualityEnabled) return;
     fQualityEnabled = isEnabled;
@@ -206,7 +208,9 @@ void DopplerEditorView::UpdateDirectionCheckBox() {
 
 void DopplerEditorView::UpdateQualityPopup() {
     const float stored = GetAudioComponent()->GetParameterValue(kDopplerQuality);
-    if (fQuality) fQuality->SetValue(static_cast<int>(stored * kQualitySteps + 0.5F));
+    // Held where it is no item any more, so that it fits an int.
+    const float item = std::clamp(stored * kQualitySteps + 0.5F, -1.0F, kQualitySteps);
+    if (fQuality) fQuality->SetValue(static_cast<int>(item));
 }
 
 void DopplerEditorView::UpdateDescriptionText() {

@@ -153,6 +153,13 @@ void DopplerGraph::SetCircular(bool circular) {
     UI_Invalidate();
 }
 
+void DopplerGraph::FollowDuration() {
+    const float seconds = Seconds();
+    if (seconds == fSeenSeconds) return;
+    fSeenSeconds = seconds;
+    UI_Invalidate();
+}
+
 void DopplerGraph::UI_SizeChanged(const kroui::RectT<float>& rect) {
     UI_SubView::UI_SizeChanged(rect);
 }
@@ -247,7 +254,7 @@ float DopplerGraph::Extent() const {
 }
 
 float DopplerGraph::Seconds() const {
-    if (!fFilter) return 0;
+    if (!fFilter || !(fFilter->GetSampleRate() > 0)) return 0;
     return static_cast<float>(fFilter->GetDuration() / static_cast<double>(fFilter->GetSampleRate()));
 }
 

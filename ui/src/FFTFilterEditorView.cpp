@@ -29,7 +29,8 @@ using qoc::components::kFFTFilterWindowType;
 
 namespace {
 
-constexpr std::string_view kGraphName = "FFTFilterGraph"; // of the class and of the node
+constexpr std::string_view kGraphID = "FFTFilterGraph";
+constexpr std::u16string_view kGraphClassName = u"FFTFilterGraph";
 constexpr int kLinear = 0;
 constexpr int kLogarithmic = 1;
 constexpr FFTSizeChoice kSizes(32, 32768, 23968); // the largest is stored above 1
@@ -48,9 +49,9 @@ const kroui::limner::SupplierInterface* FFTFilterEditorView::UI_GetDrawSupplier(
 }
 
 boost::intrusive_ptr<kroui::ui::UI_Node>
-FFTFilterEditorView::CreateCustomNode(const krocore::string8& className) const {
+FFTFilterEditorView::CreateCustomNode(const krocore::string16& className) const {
     if (auto node = AudioComponentEditorXMLView::CreateCustomNode(className)) return node;
-    if (className != kGraphName) return {};
+    if (className != kGraphClassName) return {};
     return boost::intrusive_ptr<kroui::ui::UI_Node>(new FFTFilterGraph(GetAudioFilter()));
 }
 
@@ -79,7 +80,7 @@ void FFTFilterEditorView::SyncParameters() {
 
 void FFTFilterEditorView::FindControls() {
     using namespace kroui::controls;
-    fGraph = FindNamed<FFTFilterGraph>(kGraphName);
+    fGraph = FindNamed<FFTFilterGraph>(kGraphID);
     fMode = FindNamed<UI_Popup>("LinearLogMode");
     fSplines = FindNamed<UI_Checkbox>("SplineCurves");
     fAdvanced = FindNamed<UI_DisclosureTriangleButton>("Advanced");
@@ -169,7 +170,7 @@ void FFTFilterEditorView::OnFFTSizePopupChanged(ChangedMessage* /*message*/) {
 }
 
 void FFTFilterEditorView::OnWindowTypePopupChanged(ChangedMessage* /*message*/) {
-    const float item = static_cast<float>(fWindowType->GetValue());
+    const auto item = static_cast<float>(fWindowType->GetValue());
     const bool isType = item >= 0 && item < kWindowTypes;
     GetAudioComponent()->SetParameterValue(kFFTFilterWindowType, isType ? item / kWindowTypes : 0);
 }

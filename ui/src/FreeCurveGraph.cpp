@@ -8,11 +8,9 @@
 namespace qocui::ui {
 
 using kroaudiofilterhost::AudioFilter;
-using kroui::controls::UI_InteractiveControlChangedMessage;
 
 namespace {
 
-constexpr float kOn = 0.5F;         // a switch is on from here
 constexpr double kCountScale = 128; // the number of points is stored in 128ths
 constexpr double kStoredPerPoint = 1 / kCountScale;
 

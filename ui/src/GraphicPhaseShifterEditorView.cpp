@@ -29,7 +29,8 @@ using qoc::components::kPhaseShifterSplineCurves;
 
 namespace {
 
-constexpr std::string_view kGraphName = "GraphicPhaseShifterGraph"; // of the class and of the node
+constexpr std::string_view kGraphID = "GraphicPhaseShifterGraph";
+constexpr std::u16string_view kGraphClassName = u"GraphicPhaseShifterGraph";
 constexpr FFTSizeChoice kSizes(512, 65536, 65504);
 constexpr float kChannelItems = 33; // all of them, and the most that there can be
 
@@ -47,9 +48,9 @@ const kroui::limner::SupplierInterface* GraphicPhaseShifterEditorView::UI_GetDra
 }
 
 boost::intrusive_ptr<kroui::ui::UI_Node>
-GraphicPhaseShifterEditorView::CreateCustomNode(const krocore::string8& className) const {
+GraphicPhaseShifterEditorView::CreateCustomNode(const krocore::string16& className) const {
     if (auto node = AudioComponentEditorXMLView::CreateCustomNode(className)) return node;
-    if (className != kGraphName) return {};
+    if (className != kGraphClassName) return {};
     return boost::intrusive_ptr<kroui::ui::UI_Node>(new GraphicPhaseShifterGraph(GetAudioFilter()));
 }
 
@@ -72,13 +73,14 @@ void GraphicPhaseShifterEditorView::ConnectControls() {
 void GraphicPhaseShifterEditorView::SyncParameters() {
     AudioComponentEditorXMLView::SyncParameters();
     if (fGraph) fGraph->FollowSampleRate();
+    FollowChannels();
     SyncGraph();
     UpdateAdvancedControlsEnabement();
 }
 
 void GraphicPhaseShifterEditorView::FindControls() {
     using namespace kroui::controls;
-    fGraph = FindNamed<GraphicPhaseShifterGraph>(kGraphName);
+    fGraph = FindNamed<GraphicPhaseShifterGraph>(kGraphID);
     fLinear = FindNamed<UI_RadioButton>("Linear");
     fLogarithmic = FindNamed<UI_RadioButton>("Logarithmic");
     fRange180 = FindNamed<UI_RadioButton>("Range180");
@@ -91,12 +93,21 @@ void GraphicPhaseShifterEditorView::FindControls() {
 
 void GraphicPhaseShifterEditorView::FillChannelPopup() {
     if (!fChannel) return;
+    const auto& buses = GetAudioFilter()->GetInputBuses();
+    if (!buses.empty()) fChannelLayout = buses.front().GetLayout();
     const std::size_t count = GetAudioFilter()->GetNumberOfInputChannels();
     fChannel->DeleteAllItems();
     fChannel->AddItem(krocore::Localize(count == 2 ? "$$$/GraphicPhaseShifter/BothChannels=Both"
                                                    : "$$$/GraphicPhaseShifter/AllChannels=All"));
     for (std::size_t channel = 0; channel < count; ++channel)
         fChannel->AddItem(GetChannelName(channel));
+}
+
+void GraphicPhaseShifterEditorView::FollowChannels() {
+    const auto& buses = GetAudioFilter()->GetInputBuses();
+    if (buses.empty() || buses.front().GetLayout() == fChannelLayout) return;
+    FillChannelPopup();
+    UpdateChannelPopup();
 }
 
 void GraphicPhaseShifterEditorView::ListenToControls() {

@@ -13,26 +13,22 @@ using kroui::limner::Limner;
 
 namespace {
 
-constexpr float kOn = 0.5F;          // a switch is on from here
 constexpr double kNarrowReach = 180; // degrees
 constexpr double kWideReach = 360;
 constexpr float kShiftOpacity = 0.12F; // of the area between the curve and 0 degrees
 
-bool IsWide(const kroaudiofilterhost::AudioFilter& filter) {
-    return filter.GetParameterValue(qoc::components::kPhaseShifterRange) >= kOn;
-}
-
 } // namespace
 
 GraphicPhaseShifterGraph::GraphicPhaseShifterGraph(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter)
-    : FreeCurveGraph(filter, {qoc::components::kPhaseShifterViewStart, qoc::components::kPhaseShifterViewEnd, 0},
+    : FreeCurveGraph(std::move(filter),
+                     {qoc::components::kPhaseShifterViewStart, qoc::components::kPhaseShifterViewEnd, 0},
                      {.splineCurves = qoc::components::kPhaseShifterSplineCurves,
                       .updating = qoc::components::kPhaseShifterUpdating,
                       .scale = qoc::components::kPhaseShifterScale,
                       .pointCount = qoc::components::kPhaseShifterPointCount,
                       .firstPoint = qoc::components::kPhaseShifterFirstPoint},
                      MakeLinearRuler(true, kNarrowReach, -kNarrowReach)),
-      fIsWide(IsWide(*filter)) {
+      fIsWide(Parameter(qoc::components::kPhaseShifterRange) >= kOn) {
     const auto text = [](const char* key) { return krocore::Localize(key); };
     SetHorizontalEditDialogLabel(text("$$$/GraphicPhaseShifter/GraphicPhaseShifterGraph/Frequency=Frequency:"));
     SetVerticalEditDialogLabel(text("$$$/GraphicPhaseShifter/GraphicPhaseShifterGraph/Phase=Phase:"));
@@ -94,7 +90,7 @@ double GraphicPhaseShifterGraph::GetFlatLevel() const {
 
 bool GraphicPhaseShifterGraph::FollowAxes() {
     const bool hasScaleChanged = FreeCurveGraph::FollowAxes();
-    const bool before = std::exchange(fIsWide, IsWide(Filter()));
+    const bool before = std::exchange(fIsWide, Parameter(qoc::components::kPhaseShifterRange) >= kOn);
     return hasScaleChanged || fIsWide != before;
 }
 

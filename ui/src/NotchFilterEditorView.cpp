@@ -33,7 +33,7 @@ using qoc::components::kNotchWidth;
 
 namespace {
 
-constexpr std::string_view kGraphClassName = "NotchFilterGraph";
+constexpr std::u16string_view kGraphClassName = u"NotchFilterGraph";
 constexpr double kLowestFrequency = 20; // hertz, of the fields
 constexpr float kWidthScale = 2;        // the three widths are stored as 0, 0.5, 1
 constexpr float kVeryNarrowFrom = 0.9F; // of the scaled value
@@ -61,7 +61,7 @@ const kroui::limner::SupplierInterface* NotchFilterEditorView::UI_GetDrawSupplie
 }
 
 boost::intrusive_ptr<kroui::ui::UI_Node>
-NotchFilterEditorView::CreateCustomNode(const krocore::string8& className) const {
+NotchFilterEditorView::CreateCustomNode(const krocore::string16& className) const {
     if (auto node = AudioComponentEditorXMLView::CreateCustomNode(className)) return node;
     if (className != kGraphClassName) return {};
     return boost::intrusive_ptr<kroui::ui::UI_Node>(new NotchFilterGraph(GetAudioFilter()));
@@ -108,6 +108,8 @@ NotchFilterEditorView::TextButtonPtr NotchFilterEditorView::ConnectTextButton(co
                                                                               int parameterIndex) {
     const TextButtonPtr button = FindNamed<UI_TextButton>(id);
     if (!button) return button;
+    // All six say "On".
+    if (const auto* const info = GetGenericInfo(parameterIndex)) button->SetName(info->GetName());
     button->NotifyWhenChanged(boost::bind(&NotchFilterEditorView::OnTextButtonChanged, this, _1, parameterIndex));
     Refresh(parameterIndex, boost::bind(&NotchFilterEditorView::UpdateTextButton, this, button, parameterIndex));
     return button;

@@ -24,7 +24,6 @@ namespace {
 
 constexpr double kLargestGain = 96;      // dB, either way
 constexpr double kFrequencyOffset = 0.5; // hertz, of stored frequencies
-constexpr float kOn = 0.5F;              // a switch is on from here
 constexpr double kValuesPerPixel = 4;    // of the response: narrow notches keep their shape
 
 double ToDecibels(float stored) {

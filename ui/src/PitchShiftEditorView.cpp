@@ -41,6 +41,7 @@ constexpr double kOverlappingIncrement = 0.1;     // percent
 // A ratio this near to the one that semitones and cents show leaves them alone.
 constexpr double kRatioTolerance = 0.01;
 constexpr double kFarthestKeptSemitone = 2;
+constexpr float kChecked = 0.5F;
 constexpr int kLinearScale = 0;
 constexpr unsigned kNoTrailingZeros = 4;
 
@@ -52,6 +53,12 @@ double RoundedHalfAway(double x) {
 
 double ToSemitones(double ratio) {
     return std::log(ratio) * kSemitonesInOctave / std::log(2.0);
+}
+
+// What no integer holds counts as 0.
+std::int64_t Truncated(float value) {
+    constexpr float kBeyondIntegers = 0x1p63F;
+    return std::abs(value) < kBeyondIntegers ? static_cast<std::int64_t>(value) : 0;
 }
 
 bool EndsOrChanges(const UI_InteractiveControlChangedMessage& message) {
@@ -180,9 +187,7 @@ void PitchShiftEditorView::UpdateControlFromParameterValueChange(ParameterIndex 
         if (fRatio) fRatio->SetValue(value);
         if (std::abs(value - GetRatioOfFields()) > kRatioTolerance) UpdateSemitoneAndCentsFromRatio();
         break;
-    case kPitchShiftPrecision:
-        UpdatePrecisionRadioGroupState(static_cast<std::int16_t>(static_cast<int>(value)));
-        break;
+    case kPitchShiftPrecision: UpdatePrecisionRadioGroupState(static_cast<std::int16_t>(Truncated(value))); break;
     case kPitchShiftSplicingFrequency:
         if (fSplicingFrequency) fSplicingFrequency->SetValue(value);
         break;
@@ -190,7 +195,7 @@ void PitchShiftEditorView::UpdateControlFromParameterValueChange(ParameterIndex 
         if (fOverlapping) fOverlapping->SetValue(value);
         break;
     case kPitchShiftUseDefaultSettings:
-        if (fUseDefaultSettings) fUseDefaultSettings->SetValue(IsOn(index));
+        if (fUseDefaultSettings) fUseDefaultSettings->SetValue(value >= kChecked);
         UpdateSettingsControlStatus();
         break;
     default: break;
@@ -277,7 +282,7 @@ void PitchShiftEditorView::InitHotTextNumber(HotTextNumberPtr field, ParameterIn
 }
 
 void PitchShiftEditorView::InitRadioButtonGroup(ParameterIndex index) {
-    const auto value = static_cast<std::int64_t>(GetNaturalValue(index));
+    const std::int64_t value = Truncated(GetNaturalValue(index));
     if (index != kPitchShiftPrecision) return;
     UpdatePrecisionRadioGroupState(value);
     for (const RadioButtonPtr& button : {fPrecisionLow, fPrecisionMedium, fPrecisionHigh})
@@ -286,6 +291,7 @@ void PitchShiftEditorView::InitRadioButtonGroup(ParameterIndex index) {
                 boost::bind(&PitchShiftEditorView::OnLinkRadioButtonChanged, this, boost::placeholders::_1));
 }
 
+// Takes the stored value as it is.
 void PitchShiftEditorView::InitCheckBox(CheckboxPtr box, ParameterIndex index) {
     if (!box) return;
     box->SetValue(IsOn(index));

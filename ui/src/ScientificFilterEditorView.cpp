@@ -29,7 +29,7 @@ using uit::controls::ColorField;
 
 namespace {
 
-constexpr std::string_view kGraphClassName = "SFGraph";
+constexpr std::u16string_view kGraphClassName = u"SFGraph";
 constexpr float kOn = 0.5F; // a switch is on from here
 
 constexpr const char* kViewIDs[SFGraph::kViewCount] = {"Magnitude", "Phase", "GroupDelay"};
@@ -87,7 +87,7 @@ void ScientificFilterEditorView::ConnectControls() {
 }
 
 boost::intrusive_ptr<kroui::ui::UI_Node>
-ScientificFilterEditorView::CreateCustomNode(const krocore::string8& className) const {
+ScientificFilterEditorView::CreateCustomNode(const krocore::string16& className) const {
     if (auto node = AudioComponentEditorXMLView::CreateCustomNode(className)) return node;
     if (className != kGraphClassName) return {};
     return boost::intrusive_ptr<kroui::ui::UI_Node>(new SFGraph(GetAudioFilter()));

@@ -21,7 +21,7 @@ ScriptChecker::Surroundings SurroundingsOf(TarnLioAudioComponentEditorView& pane
 }
 
 // A view stands in for the nodes that editors make themselves.
-boost::intrusive_ptr<kroui::ui::UI_Node> MakeStandIn(const krocore::string8& /*className*/) {
+boost::intrusive_ptr<kroui::ui::UI_Node> MakeStandIn(const krocore::string16& /*className*/) {
     return new kroui::ui::UI_SubView;
 }
 

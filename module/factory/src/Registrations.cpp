@@ -58,9 +58,6 @@ CreateDynamicsView(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter)
     return new ui::DynamicsEditorView(std::move(filter));
 }
 
-// A component whose editor this version does not have: not registered, so no view is made for it.
-const Creator kNone;
-
 const ComponentUIFactoryRegistrar sRegistrars[] = {
     {kPitchShiftComponentID, &CreateView<ui::PitchShiftEditorView>},
     {kGraphicPhaseShifterComponentID, &CreateView<ui::GraphicPhaseShifterEditorView>},

@@ -1,11 +1,11 @@
 #include "kroaudiofilterhost/AudioFilter.h"
 
 #include "krocore/Localizer.h"
+#include "krocore/NumberFormat.h"
 #include "krocore/config/Error.h"
 
 #include <algorithm>
 #include <cmath>
-#include <string>
 #include <utility>
 
 namespace kroaudiofilterhost {
@@ -15,21 +15,20 @@ namespace {
 constexpr float kLowestSampleRate = 1000.0F;
 constexpr float kHighestSampleRate = 1000000.0F;
 
-[[noreturn]] void Refuse(const char* key, const std::string& value) {
-    const krocore::string16 text = krocore::ReplacePlaceholders(krocore::Localize(key), {krocore::FromASCII(value)});
-    throw krocore::config::Error(krocore::ToStdString(text));
+[[noreturn]] void Refuse(const char* key, double value) {
+    const krocore::string16 number = krocore::FormatNumber(value, 2, krocore::kFormatNoTrailingZeros);
+    throw krocore::config::Error(krocore::ToStdString(krocore::ReplacePlaceholders(krocore::Localize(key), {number})));
 }
 
 void CheckChannels(const kromediatypes::AudioChannelLayout& layout) {
     if (!layout.empty() && layout.size() <= AudioFilter::kMaximumChannels) return;
     Refuse("$$$/kroaudiofilterhost/Error/Channels=An effect works on 1 to 32 channels, not on @0.",
-           std::to_string(layout.size()));
+           static_cast<double>(layout.size()));
 }
 
 void CheckSampleRate(float sampleRate) {
     if (sampleRate >= kLowestSampleRate && sampleRate <= kHighestSampleRate) return;
-    Refuse("$$$/kroaudiofilterhost/Error/SampleRate=An effect can't work at a sample rate of @0 Hz.",
-           std::to_string(sampleRate));
+    Refuse("$$$/kroaudiofilterhost/Error/SampleRate=An effect can't work at a sample rate of @0 Hz.", sampleRate);
 }
 
 } // namespace
@@ -101,6 +100,24 @@ double FrequencyAxis::HertzAt(std::size_t index, std::size_t count) const {
     if (count < 2) return start;
     const double place = static_cast<double>(index) / static_cast<double>(count - 1);
     return logarithmic ? start * std::pow(end / start, place) : start + place * (end - start);
+}
+
+std::vector<double> FrequencyAxis::AllHertz(std::size_t count) const {
+    std::vector<double> places(count, start);
+    if (count < 2) return places;
+    const double last = static_cast<double>(count - 1);
+    const double factor = logarithmic ? std::pow(end / start, 1 / last) : 1;
+    const double step = logarithmic ? 0 : (end - start) / last;
+    for (std::size_t i = 1; i < count; ++i)
+        places[i] = logarithmic ? places[i - 1] * factor : start + static_cast<double>(i) * step;
+    places.back() = end;
+    return places;
+}
+
+std::size_t FrequencyAxis::PlaceOf(double hertz, std::size_t count) const {
+    const double part = logarithmic ? std::log(hertz / start) / std::log(end / start) : (hertz - start) / (end - start);
+    const double place = std::round(part * static_cast<double>(count - 1));
+    return place >= 0 && place < static_cast<double>(count) ? static_cast<std::size_t>(place) : count;
 }
 
 bool AudioFilter::GetMagnitudeResponse(std::size_t /*count*/, const FrequencyAxis& /*axis*/,

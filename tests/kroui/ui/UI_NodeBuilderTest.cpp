@@ -90,7 +90,7 @@ constexpr std::string_view kArchive = R"(<?xml version='1.0'?>
 </prop.map>
 )";
 
-boost::intrusive_ptr<UI_Node> MakeEveryType(const krocore::string8& /*className*/) {
+boost::intrusive_ptr<UI_Node> MakeEveryType(const krocore::string16& /*className*/) {
     return new EveryType;
 }
 
@@ -193,12 +193,12 @@ TEST(UI_NodeBuilder, ChildrenAndNamesAreThoseOfTheArchive) {
 }
 
 TEST(UI_NodeBuilder, CustomNodeTakesThePlaceholdersPlaceAndSections) {
-    krocore::string8 asked;
-    const auto loaded = Load(kArchive, [&](const krocore::string8& name) {
+    krocore::string16 asked;
+    const auto loaded = Load(kArchive, [&](const krocore::string16& name) {
         asked = name;
         return boost::intrusive_ptr<UI_Node>(new EveryType);
     });
-    EXPECT_EQ(asked, "Graph");
+    EXPECT_EQ(asked, u"Graph");
     const auto* custom = dynamic_cast<const EveryType*>(loaded.root->Child(1));
     ASSERT_NE(custom, nullptr);
     EXPECT_EQ(custom->UI_GetArchiveClassName(), "Graph");
@@ -432,6 +432,29 @@ TEST(UI_NodeBuilder, NodesBelowTheDeepestLevelAreLeftOut) {
         EXPECT_EQ(DepthOf(loaded.root.get()), 100) << levels;
         ASSERT_EQ(loaded.diagnostics.size(), 1U) << levels;
         EXPECT_EQ(loaded.diagnostics[0].message, "nodes are nested too deeply, expected at most 100 levels");
+    }
+}
+
+TEST(UI_NodeBuilder, NodesBeyondTheLargestNumberAreLeftOutAndReportedOnce) {
+    const std::string open = "<prop.pair><key>children</key><prop.list>\n";
+    for (const int extra : {0, 3}) {
+        const int count = UI_NodeBuilder::kMostNodes - 1 + extra; // next to the root
+        std::string children;
+        for (int i = 0; i < count; ++i) {
+            children += "<prop.pair><key>child-" + std::to_string(i) +
+                        "</key><prop.list><prop.pair><key>className</key><ustring>Graph</ustring></prop.pair>"
+                        "</prop.list></prop.pair>\n";
+        }
+        std::string text(kArchive);
+        const auto begin = text.find(open) + open.size();
+        const auto end = text.find("<prop.pair><key>choice</key>");
+        text.replace(begin, end - begin,
+                     children + "<prop.pair><key>count</key><int type='unsigned' size='32'>" + std::to_string(count) +
+                         "</int></prop.pair>\n</prop.list></prop.pair>\n");
+        const auto loaded = Load(text);
+        EXPECT_EQ(loaded.root->ChildCount(), 9999U);
+        EXPECT_EQ(loaded.diagnostics.size(), extra == 0 ? 0U : 1U);
+        EXPECT_THAT(loaded.Faults(), testing::Each(HasSubstr(": too many nodes, expected at most 10000")));
     }
 }
 

@@ -19,7 +19,7 @@ using ::testing::IsEmpty;
 boost::intrusive_ptr<UI_Node> Read(const std::string& text) {
     NamedNodes nodes;
     std::vector<Diagnostic> diagnostics;
-    const auto makeCustom = [](const krocore::string8&) { return boost::intrusive_ptr<UI_Node>(new EveryType); };
+    const auto makeCustom = [](const krocore::string16&) { return boost::intrusive_ptr<UI_Node>(new EveryType); };
     auto root = UI_NodeBuilder::LoadView(std::as_bytes(std::span(text)), "written", nodes, makeCustom, diagnostics);
     for (const auto& diagnostic : diagnostics) {
         ADD_FAILURE() << diagnostic.ToString();

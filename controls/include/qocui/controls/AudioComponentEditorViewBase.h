@@ -23,6 +23,7 @@ class QOCUI_API AudioComponentEditorViewBase : public kroaudiofilterhostui::Audi
                                                public boost::signals2::trackable {
 public:
     explicit AudioComponentEditorViewBase(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter);
+    ~AudioComponentEditorViewBase() override;
 
     bool UI_DoTimerNotify(long timerID) override;
     void UI_NodeChanged(NodeChange change) override;
@@ -34,8 +35,6 @@ public:
     virtual void Init();
 
 protected:
-    ~AudioComponentEditorViewBase() override;
-
     // Calls the observers of the parameters that have changed since the last look, in the order in which they were
     // added. A multichannel component may want another value shown than the one it stores; that one is then written
     // back quietly. Overrides call this version too.
@@ -62,11 +61,11 @@ private:
     float GetShownValue(int parameterIndex) const;
 
     boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter;
-    qoc::components::MultiChannelComponentBase* fMultiChannelComponent; // the filter, if it is one
     long fTimerID = 0;
     kroui::ui::Signal<> fChanged;
     std::vector<ParameterObserver> fObservers;
     bool fAllowObserverNotification = true;
+    qoc::components::MultiChannelComponentBase* fMultiChannelComponent; // the filter, if it is one
 };
 
 } // namespace qocui::controls

@@ -35,7 +35,7 @@ protected:
 
     virtual kroui::utility::ResourceManager* GetResourceManager() const;
     // The node for a placeholder with this class name; null leaves its place empty.
-    virtual boost::intrusive_ptr<kroui::ui::UI_Node> CreateCustomNode(const krocore::string8& className) const;
+    virtual boost::intrusive_ptr<kroui::ui::UI_Node> CreateCustomNode(const krocore::string16& className) const;
     // The archive is loaded: find the controls, set them up, bind handlers and parameter observers.
     virtual void ConnectControls();
     // The view has another size: the content takes it over.

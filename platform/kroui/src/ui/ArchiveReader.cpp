@@ -99,6 +99,13 @@ boost::intrusive_ptr<UI_Node> ArchiveReader::ReadNode(const ArchivePair& pair, i
                                         std::to_string(UI_NodeBuilder::kDeepestNode), " levels"});
         return {};
     }
+    if (++fNodeCount > UI_NodeBuilder::kMostNodes) {
+        if (fNodeCount == UI_NodeBuilder::kMostNodes + 1) {
+            fDocument.ReportAt(pair.value,
+                               {"too many nodes, expected at most ", std::to_string(UI_NodeBuilder::kMostNodes)});
+        }
+        return {};
+    }
     NodeParts parts;
     if (!ReadNodeParts(pair.value, parts)) return {};
     auto node = CreateNode(pair.value, parts);
@@ -141,7 +148,7 @@ boost::intrusive_ptr<UI_Node> ArchiveReader::CreateNode(pugi::xml_node list, con
     const auto name = fValues.ReadText(named, format::kUnicodeText);
     if (name.data() == nullptr) return {};
     if (parts.className.value) {
-        auto node = fCustomNodeFactory ? fCustomNodeFactory(krocore::string8(name)) : nullptr;
+        auto node = fCustomNodeFactory ? fCustomNodeFactory(krocore::ToUTF16(name)) : nullptr;
         if (node) node->UI_SetArchiveClassName(name);
         return node;
     }
@@ -171,6 +178,7 @@ void ArchiveReader::ReadSections(UI_Node& node, const NodeParts& parts) {
 void ArchiveReader::ReadSection(UI_Node& node, const ArchivePair& section, Chain& chain) {
     if (!fValues.CheckList(section)) return;
     const auto first = PushPairs(section);
+    SortPairs(first);
     const PropertyTable* table = nullptr;
     bool isNamed = false;
     for (auto at = first; at < fPairs.size(); ++at) {
@@ -284,6 +292,11 @@ std::size_t ArchiveReader::PushPairs(const ArchivePair& list) {
         fPairs.push_back(pair);
     }
     return first;
+}
+
+void ArchiveReader::SortPairs(std::size_t first) {
+    const auto pairs = std::span(fPairs).subspan(first);
+    if (!std::ranges::is_sorted(pairs, {}, &ArchivePair::key)) std::ranges::stable_sort(pairs, {}, &ArchivePair::key);
 }
 
 std::size_t ArchiveReader::PushNumbered(const ArchivePair& list, std::string_view prefix) {

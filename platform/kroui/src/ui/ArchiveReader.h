@@ -53,6 +53,9 @@ private:
 
     // Appends a list's pairs to fPairs and returns where they begin.
     std::size_t PushPairs(const ArchivePair& list);
+    // Puts the pairs from `first` on into the order in which archives are written: a value is held within the bounds
+    // that are set before it.
+    void SortPairs(std::size_t first);
     // Appends the values of PREFIX-0 ... PREFIX-<count - 1> to fNumbered in ascending order and returns where they
     // begin.
     std::size_t PushNumbered(const ArchivePair& list, std::string_view prefix);
@@ -64,6 +67,7 @@ private:
     ArchiveValueReader fValues;
     const CustomNodeFactory& fCustomNodeFactory;
     NamedNodes fNamed;
+    int fNodeCount = 0;
     PropertyValue fValue;
 
     // Stacks: each nested list uses what is behind the lists around it.

@@ -2,6 +2,7 @@
 
 #include "qocui/controls/AudioComponentEditorXMLView.h"
 
+#include <set>
 #include <vector>
 
 namespace kroui::controls {
@@ -38,15 +39,20 @@ private:
     void OnAudioFilterGainChanged(unsigned long channel);
     void OnEditNumberChangedInteractively(kroui::controls::UI_InteractiveControlChangedMessage* message,
                                           unsigned long channel);
+    // At the end of a gesture, for the sliders outside first...end - 1: they show what the filter got meanwhile, and
+    // edits that a gesture opened while the channels were linked are closed.
+    void LeaveOtherChannels(unsigned long first, unsigned long end, bool wereLinked);
     // The channel's name in the layout of the filter's first input, or output, bus.
     krocore::string16 GetChannelName(unsigned long channel, bool abbreviated, bool inputBuses);
 
+    unsigned long GetChannelCount();
     bool AreChannelsLinked();
 
     kroui::controls::UI_Checkbox* fLinkChannels = nullptr;
     std::vector<boost::intrusive_ptr<uit::controls::UI_EditNumber>> fSliders; // in channel order
     kroui::ui::UI_Node* fGainContainer = nullptr;
-    bool fIsSetting = false; // a drag is under way: the filter's gains don't move the sliders
+    bool fIsSetting = false;                 // a drag is under way: the filter's gains don't move the sliders
+    std::set<unsigned long> fLinkedGestures; // channels whose gesture has opened an edit of every gain
 };
 
 } // namespace qocui::ui

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kromediatypes/AudioChannelLayout.h"
 #include "qocui/controls/AudioComponentEditorXMLView.h"
 
 #include <cstdint>
@@ -32,9 +33,9 @@ public:
 protected:
     ~AutoPitchCorrectView() override;
 
-    boost::intrusive_ptr<kroui::ui::UI_Node> CreateCustomNode(const krocore::string8& className) const override;
+    boost::intrusive_ptr<kroui::ui::UI_Node> CreateCustomNode(const krocore::string16& className) const override;
     void ConnectControls() override;
-    // Enables what can't be automated only while the filter lets it be changed.
+    // Follows the channels, and enables what can't be automated only while the filter lets it be changed.
     void SyncParameters() override;
 
 private:
@@ -42,6 +43,7 @@ private:
     void FillKeyPopup();
     void FillFFTSizePopup();
     void FillChannelPopup();
+    void FollowChannels();
     void InitCalibrationHotText();
     void ConnectHandlers();
     // `invert`: greater values to the left.
@@ -79,6 +81,7 @@ private:
     boost::intrusive_ptr<kroui::controls::UI_StaticText> fCorrection;
     bool fCanChangeNonAutomatable = false; // as the controls are enabled; the archive has them disabled
     std::int32_t fChannelCount = 0;
+    kromediatypes::AudioChannelLayout fChannelLayout; // whose channels the pop-up names
     boost::intrusive_ptr<CorrectionMeterView> fMeter;
     bool fIsDraggingSlider = false; // what the filter tells meanwhile does not move the sliders
 };

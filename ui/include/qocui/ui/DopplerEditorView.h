@@ -32,7 +32,7 @@ protected:
     ~DopplerEditorView() override;
 
     void ConnectControls() override;
-    boost::intrusive_ptr<kroui::ui::UI_Node> CreateCustomNode(const krocore::string8& className) const override;
+    boost::intrusive_ptr<kroui::ui::UI_Node> CreateCustomNode(const krocore::string16& className) const override;
     void SyncParameters() override;
 
 private:

@@ -22,6 +22,8 @@ public:
     void SetPassesFront(float distance);
     void SetPassesRight(float distance);
     void SetCircular(bool circular);
+    // Repaints the whole view if the sound is not as long as at the call before.
+    void FollowDuration();
 
     void UI_SizeChanged(const kroui::RectT<float>& rect) override;
     void UI_Draw(kroui::limner::Limner* context) override;
@@ -38,6 +40,7 @@ private:
     void DrawCircularPath(Picture& picture, float seconds) const;
     // The largest distance from the listener, along one axis, that has to fit into half the view.
     float Extent() const;
+    // How long the sound is; 0 when that is not known.
     float Seconds() const;
 
     boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter;
@@ -47,6 +50,7 @@ private:
     float fPassesFront = 0;
     float fPassesRight = 0;
     bool fCircular = false;
+    float fSeenSeconds = 0;
 };
 
 } // namespace qocui::ui

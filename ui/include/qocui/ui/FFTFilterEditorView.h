@@ -26,7 +26,7 @@ public:
 protected:
     ~FFTFilterEditorView() override;
 
-    boost::intrusive_ptr<kroui::ui::UI_Node> CreateCustomNode(const krocore::string8& className) const override;
+    boost::intrusive_ptr<kroui::ui::UI_Node> CreateCustomNode(const krocore::string16& className) const override;
     void ConnectControls() override;
     // The graph looks for itself what has changed.
     void SyncParameters() override;

@@ -31,6 +31,7 @@ protected:
     };
     static constexpr double kLowestFrequency = 20; // hertz
     static constexpr std::size_t kMostPoints = 128;
+    static constexpr float kOn = 0.5F; // a switch is on from here
 
     FrequencyGraph(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter, const ViewRange& viewRange,
                    RulerPtr horizontal, RulerPtr vertical);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kromediatypes/AudioChannelLayout.h"
 #include "qocui/controls/AudioComponentEditorXMLView.h"
 
 namespace kroui::controls {
@@ -25,7 +26,7 @@ public:
 protected:
     ~GraphicPhaseShifterEditorView() override;
 
-    boost::intrusive_ptr<kroui::ui::UI_Node> CreateCustomNode(const krocore::string8& className) const override;
+    boost::intrusive_ptr<kroui::ui::UI_Node> CreateCustomNode(const krocore::string16& className) const override;
     void ConnectControls() override;
     // The graph looks for itself what has changed.
     void SyncParameters() override;
@@ -35,6 +36,8 @@ private:
 
     void FindControls();
     void FillChannelPopup();
+    // Fills it again when the channels have become others.
+    void FollowChannels();
     void ListenToControls();
     void ProvideImages();
     void ObserveParameters();
@@ -67,6 +70,7 @@ private:
     kroui::controls::UI_Popup* fFFTSize = nullptr;
     kroui::controls::UI_Popup* fChannel = nullptr;
     kroui::controls::UI_PictureButton* fReset = nullptr;
+    kromediatypes::AudioChannelLayout fChannelLayout; // that the pop-up names
 };
 
 } // namespace qocui::ui

@@ -26,7 +26,7 @@ public:
 protected:
     ~NotchFilterEditorView() override;
 
-    boost::intrusive_ptr<kroui::ui::UI_Node> CreateCustomNode(const krocore::string8& className) const override;
+    boost::intrusive_ptr<kroui::ui::UI_Node> CreateCustomNode(const krocore::string16& className) const override;
     void ConnectControls() override;
     // Follows the sample rate too, which the frequencies count in.
     void SyncParameters() override;

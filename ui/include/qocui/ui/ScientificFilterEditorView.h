@@ -37,7 +37,7 @@ protected:
     ~ScientificFilterEditorView() override;
 
     void ConnectControls() override;
-    boost::intrusive_ptr<kroui::ui::UI_Node> CreateCustomNode(const krocore::string8& className) const override;
+    boost::intrusive_ptr<kroui::ui::UI_Node> CreateCustomNode(const krocore::string16& className) const override;
     // Updates the controls once, however many parameters have changed, and follows the sample rate, too.
     void SyncParameters() override;
 

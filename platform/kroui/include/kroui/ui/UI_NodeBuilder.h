@@ -16,7 +16,7 @@ namespace kroui::ui {
 // Nodes of an archive by id; plain pointers into the tree, valid while it lives.
 using NamedNodes = std::map<krocore::string8, UI_Node*>;
 // Makes the node that stands in the place of a custom one, or null to leave the place empty.
-using CustomNodeFactory = boost::function<boost::intrusive_ptr<UI_Node>(const krocore::string8& className)>;
+using CustomNodeFactory = boost::function<boost::intrusive_ptr<UI_Node>(const krocore::string16& className)>;
 
 // Something wrong in an archive, for its author.
 struct Diagnostic {
@@ -44,7 +44,9 @@ public:
                                                   NamedNodes& namedNodes, const CustomNodeFactory& customNodeFactory,
                                                   std::vector<Diagnostic>& diagnostics);
 
+    // Bounds of what a panel can be; nodes beyond are left out and reported.
     static constexpr int kDeepestNode = 100;
+    static constexpr int kMostNodes = 10'000;
     static constexpr std::size_t kMostDiagnostics = 100;
 };
 
