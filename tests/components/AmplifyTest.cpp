@@ -1,7 +1,7 @@
 #include "qoc/components/Amplify.h"
 
 #include "AllocationCounter.h"
-#include "ProcessSound.h"
+#include "MeasureSound.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/ParameterIndices.h"
@@ -10,7 +10,6 @@
 
 #include <cmath>
 #include <limits>
-#include <random>
 
 using namespace qoc::components;
 using kroaudiofilterhost::AudioFilter;
@@ -20,6 +19,7 @@ using kromediatypes::AudioChannelLayout;
 namespace {
 
 using test::Channels;
+using test::NoiseChannels;
 using test::Process;
 using test::Processed;
 
@@ -36,27 +36,16 @@ float Stored(double decibels) {
     return static_cast<float>((decibels + 96) / 144);
 }
 
-Channels Noise(std::size_t channels, std::size_t frames) {
-    std::mt19937 generator(7);
-    std::uniform_real_distribution<float> distribution(-1, 1);
-    Channels noise(channels, std::vector<float>(frames));
-    for (auto& channel : noise) {
-        for (float& sample : channel)
-            sample = distribution(generator);
-    }
-    return noise;
-}
-
 TEST(Amplify, DefaultsAreBitExact) {
     const auto filter = PreparedAmplify(2);
-    Channels input = Noise(2, 5000);
+    Channels input = NoiseChannels(2, 5000);
     input[0][17] = std::numeric_limits<float>::denorm_min();
     EXPECT_EQ(Processed(*filter, input), input);
 }
 
 TEST(Amplify, BackAtZeroDecibelsIsBitExactOnceSettled) {
     const auto filter = PreparedAmplify(1);
-    const Channels input = Noise(1, 44100);
+    const Channels input = NoiseChannels(1, 44100);
     Channels output = input;
     filter->SetParameterValue(kAmplifyFirstGain, Stored(-20));
     Process(*filter, input, output, 0, 22050, 100);
@@ -109,7 +98,7 @@ TEST(Amplify, GainChangesWithoutClick) {
 }
 
 TEST(Amplify, BlockSizeDoesNotMatter) {
-    const Channels input = Noise(2, 3 * kLargestBlock);
+    const Channels input = NoiseChannels(2, 3 * kLargestBlock);
     const auto run = [&](std::size_t block) {
         const auto filter = PreparedAmplify(2);
         Channels output = input;
@@ -126,7 +115,7 @@ TEST(Amplify, BlockSizeDoesNotMatter) {
 }
 
 TEST(Amplify, WorksInPlace) {
-    Channels sound = Noise(1, 9000);
+    Channels sound = NoiseChannels(1, 9000);
     const auto filter = PreparedAmplify(1);
     const auto inPlace = PreparedAmplify(1);
     for (const auto& each : {filter, inPlace})
@@ -141,7 +130,7 @@ TEST(Amplify, BadSamplesLeaveNothingBehind) {
     const auto clean = PreparedAmplify(1);
     for (const auto& each : {filter, clean})
         each->SetParameterValue(kAmplifyFirstGain, Stored(-6));
-    Channels input = Noise(1, 4000);
+    Channels input = NoiseChannels(1, 4000);
     const Channels expected = Processed(*clean, input);
     input[0][100] = std::numeric_limits<float>::quiet_NaN();
     input[0][200] = std::numeric_limits<float>::infinity();
@@ -156,7 +145,7 @@ TEST(Amplify, BadSamplesLeaveNothingBehind) {
 
 TEST(Amplify, ProcessingAllocatesNothing) {
     const auto filter = PreparedAmplify(32);
-    const Channels input = Noise(32, kLargestBlock);
+    const Channels input = NoiseChannels(32, kLargestBlock);
     Channels output = input;
     std::vector<const float*> inputs;
     std::vector<float*> outputs;

@@ -151,25 +151,35 @@ TEST(ParametricEQ, LeavesTheSoundAloneWhenNothingIsSet) {
     EXPECT_TRUE(test::Processed(*Prepared(off, 6), noise) == noise) << "all off";
 }
 
-// Back at 0 dB, the bands are out of the way bit by bit again.
+// No step is rougher than the tone itself is at its loudest meanwhile: 15 dB in the middle of the peak, 0 dB once that
+// has gone. Back at 0 dB, the bands are out of the way bit by bit again.
 TEST(ParametricEQ, MovesWithoutClicksAndComesToRest) {
+    const double peakGain = std::pow(10, 15 / 20.0);
+    const double angle = 2 * pi * 200; // of the tone, in a second
+    // A peak that moves turns the tone's phase as well: by 2 Q (A - 1 / A) radians a neper in its middle, and through
+    // ln 5 nepers it goes at 1 / e of the way in a time constant at most.
+    const double turning = 2 * (std::sqrt(peakGain) - 1 / std::sqrt(peakGain)) * std::log(5) / (std::exp(1) * 0.005);
+    struct Step {
+        Values values;
+        double roughest; // second difference, as a share of the tone's
+    };
+    const Step steps[] = {
+        {{{Gain(kPeak1), 15}, {Gain(kLowShelf), -15}}, peakGain},
+        {{{On(kHighPass), 1}, {Frequency(kPeak1), 1000}}, peakGain * std::pow(1 + turning / angle, 2)},
+        {{{On(kHighPass), 0}, {Gain(kPeak1), 0}, {Gain(kLowShelf), 0}}, 1.1},
+    };
     const auto filter = Prepared({});
     const std::vector<float> tone = test::Sine(200, 60000, 44100, 0.5);
     Channels output = {tone};
-    const Values steps[] = {{{Gain(kPeak1), 15}, {Gain(kLowShelf), -15}},
-                            {{On(kHighPass), 1}, {Frequency(kPeak1), 1000}},
-                            {{On(kHighPass), 0}, {Gain(kPeak1), 0}, {Gain(kLowShelf), 0}}};
-    std::size_t done = 0;
-    for (const Values& step : steps) {
+    test::Process(*filter, {tone}, output, 0, 15000, 512);
+    std::size_t done = 15000;
+    for (const Step& step : steps) {
+        Set(*filter, step.values);
         test::Process(*filter, {tone}, output, done, done + 15000, 512);
-        Set(*filter, step);
+        EXPECT_LT(test::Roughness(output[0], done - 2, done + 15000), step.roughest * 0.5 * std::pow(angle / 44100, 2))
+            << done;
         done += 15000;
     }
-    test::Process(*filter, {tone}, output, done, 60000, 512);
-    // The second difference of a tone is its amplitude times this; 15 dB of gain are there, and more on the way from
-    // one frequency to the other. A jump of the sound by a tenth would be ten times as much.
-    const double step = 2 * pi * 200 / 44100;
-    EXPECT_LT(test::Roughness(output[0], 0, 60000), 0.5 * std::pow(10, 15 / 20.0) * step * step * 3);
     EXPECT_TRUE(std::equal(output[0].begin() + 55000, output[0].end(), tone.begin() + 55000));
 }
 

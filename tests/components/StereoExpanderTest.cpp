@@ -1,12 +1,13 @@
 #include "qoc/components/StereoExpander.h"
 
 #include "AllocationCounter.h"
+#include "MeasureSound.h"
 #include "qoc/components/ParameterIndices.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <random>
+#include <limits>
 
 using namespace qoc::components;
 using kroaudiofilterhost::AudioFilter;
@@ -14,7 +15,8 @@ using kromediatypes::AudioChannelLayout;
 
 namespace {
 
-using Channels = std::vector<std::vector<float>>;
+using test::Channels;
+using test::NoiseChannels;
 
 boost::intrusive_ptr<AudioFilter> Prepared(std::size_t channels = 2, double pan = 0, double expand = 100) {
     boost::intrusive_ptr<AudioFilter> filter(new StereoExpander);
@@ -24,29 +26,14 @@ boost::intrusive_ptr<AudioFilter> Prepared(std::size_t channels = 2, double pan 
     return filter;
 }
 
-Channels Noise(std::size_t channels, std::size_t frames) {
-    std::mt19937 generator(3);
-    std::uniform_real_distribution<float> distribution(-1, 1);
-    Channels noise(channels, std::vector<float>(frames));
-    for (auto& channel : noise)
-        for (float& sample : channel)
-            sample = distribution(generator);
-    return noise;
-}
-
+// In place.
 void Process(AudioFilter& filter, Channels& sound, std::size_t begin, std::size_t end, std::size_t block) {
-    std::vector<const float*> inputs(sound.size());
-    std::vector<float*> outputs(sound.size());
-    for (std::size_t start = begin; start < end; start += block) {
-        for (std::size_t c = 0; c < sound.size(); ++c)
-            inputs[c] = outputs[c] = sound[c].data() + start;
-        filter.Process({inputs, outputs, std::min(block, end - start)});
-    }
+    test::Process(filter, sound, sound, begin, end, block);
 }
 
 TEST(StereoExpander, DefaultsAndSoundsThatAreNotStereoAreBitExact) {
     for (const auto& filter : {Prepared(), Prepared(1, 50, 250), Prepared(6, -50, 0)}) {
-        const Channels input = Noise(filter->GetNumberOfInputChannels(), 3000);
+        const Channels input = NoiseChannels(filter->GetNumberOfInputChannels(), 3000);
         Channels sound = input;
         Process(*filter, sound, 0, 3000, 512);
         EXPECT_EQ(sound, input);
@@ -54,7 +41,7 @@ TEST(StereoExpander, DefaultsAndSoundsThatAreNotStereoAreBitExact) {
 }
 
 TEST(StereoExpander, NoExpansionMakesBothChannelsEqual) {
-    Channels sound = Noise(2, 3000);
+    Channels sound = NoiseChannels(2, 3000);
     const float middle = (sound[0][5] + sound[1][5]) / 2;
     Process(*Prepared(2, 0, 0), sound, 0, 3000, 512);
     EXPECT_EQ(sound[0], sound[1]);
@@ -88,7 +75,8 @@ TEST(StereoExpander, PansTheMiddleAndScalesTheSides) {
 TEST(StereoExpander, ChangesAreRampedWhateverTheBlockSize) {
     const auto run = [](std::size_t block) {
         const auto filter = Prepared();
-        Channels sound = Noise(2, 20000);
+        Channels sound = NoiseChannels(2, 20000);
+        sound[1][17000] = std::numeric_limits<float>::infinity(); // in the block in which the last ramp ends
         Process(*filter, sound, 0, 1000, block);
         filter->SetParameterValue(kStereoExpanderPan, 0.1F);
         filter->SetParameterValue(kStereoExpanderExpand, 1);
@@ -101,7 +89,7 @@ TEST(StereoExpander, ChangesAreRampedWhateverTheBlockSize) {
     const Channels expected = run(1);
     EXPECT_EQ(run(127), expected);
     EXPECT_EQ(run(8192), expected);
-    const Channels input = Noise(2, 20000);
+    const Channels input = NoiseChannels(2, 20000);
     EXPECT_NEAR(expected[0][1000], input[0][1000], 1e-3) << "no jump";
     EXPECT_GT(std::abs(expected[0][9000] - input[0][9000]), 1e-2);
     EXPECT_EQ(expected[0][19999], input[0][19999]) << "neutral again";
@@ -109,7 +97,7 @@ TEST(StereoExpander, ChangesAreRampedWhateverTheBlockSize) {
 
 TEST(StereoExpander, ProcessingAllocatesNothing) {
     const auto filter = Prepared(2, 30, 150);
-    const Channels input = Noise(2, 8192);
+    const Channels input = NoiseChannels(2, 8192);
     Channels output = input;
     const float* const inputs[] = {input[0].data(), input[1].data()};
     float* const outputs[] = {output[0].data(), output[1].data()};

@@ -191,7 +191,7 @@ void AutoPhaseCorrection::ReadParameters(bool settle) noexcept {
     const float response = kResponseSeconds[Item(kAutoPhaseResponsiveness)] * sampleRate;
     fKept = std::exp(-static_cast<float>(fHop) / response);
     fStrength = Natural(kAutoPhaseStrength) / kPercent;
-    fAligning = {.kept = std::exp(-static_cast<float>(fSize / kOverlaps) / response),
+    fAligning = {.kept = std::exp(-static_cast<float>(fSize) / kOverlaps / response),
                  .strength = fStrength,
                  .octaves = Natural(kAutoPhaseSmoothing) / kPercent};
     fLongestShift = Natural(kAutoPhaseLongestShift) * kMilliseconds * sampleRate;
@@ -315,9 +315,7 @@ void AutoPhaseCorrection::ProcessSpectra(std::span<const Spectrum> spectra) noex
 // Of the first channel beside the reference.
 void AutoPhaseCorrection::StoreFoundShift() noexcept {
     const double found = fChannels[fReference == 0 ? 1 : 0].found;
-    const auto milliseconds = static_cast<float>(found / (GetSampleRate() * kMilliseconds));
-    const float stored = GetParameterInfo(kAutoPhaseFoundShift)->ToNormalised(milliseconds);
-    if (stored != StoredParameter(kAutoPhaseFoundShift)) StoreParameter(kAutoPhaseFoundShift, stored);
+    TellParameter(kAutoPhaseFoundShift, found / (GetSampleRate() * kMilliseconds));
 }
 
 } // namespace qoc::components

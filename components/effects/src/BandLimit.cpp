@@ -1,6 +1,7 @@
 #include "qoc/components/BandLimit.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -8,53 +9,49 @@ namespace qoc::components {
 
 void BandLimit::Prepare(std::size_t channels, double sampleRate) {
     fSampleRate = sampleRate;
-    fChannels.assign(channels, {});
+    fFilters.Prepare(sampleRate, channels, 2);
+    fGain.Prepare(channels);
     for (SmoothedValue* const value : {&fShare, &fLow, &fHigh})
         value->Prepare(sampleRate);
 }
 
 void BandLimit::Reset() noexcept {
-    for (Channel& channel : fChannels) {
-        channel.high.Reset();
-        channel.low.Reset();
-    }
+    fFilters.Reset();
+    fGain.Reset();
 }
 
 void BandLimit::Set(const Settings& settings, bool settle) noexcept {
-    constexpr float kHighest = 0.49F; // of the sample rate
-    const bool wasHeard = IsHeard();
-    if (!wasHeard) Reset();
-    const auto set = [](SmoothedValue& value, float target, bool jump) {
-        jump ? value.Settle(target) : value.SetTarget(target);
-    };
-    const auto highest = kHighest * static_cast<float>(fSampleRate);
-    set(fShare, settings.isOn ? 1.0F : 0.0F, settle);
-    set(fLow, std::log(std::min(settings.low, highest)), settle || !wasHeard);
-    set(fHigh, std::log(std::min(settings.high, highest)), settle || !wasHeard);
-    fShareNow = fShare.IsSettled() ? fShare.Target() : fShareNow;
-    if (fLow.IsSettled() && fHigh.IsSettled()) Design(std::exp(fLow.Target()), std::exp(fHigh.Target()));
+    constexpr double kHighest = 0.49; // of the sample rate
+    constexpr double kButterworthQ = std::numbers::sqrt2 / 2;
+    const bool jumps = settle || !IsHeard();
+    if (!IsHeard()) Reset();
+    const double low = std::min<double>(settings.low, kHighest / BandGain::kNarrowest * fSampleRate);
+    const double high = std::min<double>(settings.high, kHighest * fSampleRate);
+    fShare.Set(settings.isOn ? 1 : 0, settle);
+    fLow.Set(std::log(low), jumps);
+    fHigh.Set(std::log(high), jumps);
+    fFilters.Set(std::array{BiquadCoefficients::HighPass(fSampleRate, low, kButterworthQ),
+                            BiquadCoefficients::LowPass(fSampleRate, high, kButterworthQ)},
+                 jumps);
+    if (fShare.IsSettled()) fShareNow = fShare.Target();
+    if (fLow.IsSettled() && fHigh.IsSettled()) fGain.SetBand(fSampleRate, low, high);
 }
 
 void BandLimit::Advance() noexcept {
     fShareNow = fShare.Next();
-    if (!fLow.IsSettled() || !fHigh.IsSettled()) Design(std::exp(fLow.Next()), std::exp(fHigh.Next()));
+    fFilters.Advance();
+    if (!fLow.IsSettled() || !fHigh.IsSettled())
+        fGain.SetBand(fSampleRate, std::exp(fLow.Next()), std::exp(fHigh.Next()));
 }
 
 float BandLimit::Next(std::size_t channel, float sample) noexcept {
     if (fShareNow == 0) return sample;
-    Channel& each = fChannels[channel];
-    const double limited = each.low.Process(each.high.Process(sample));
-    return static_cast<float>(sample + fShareNow * (limited - sample));
+    return static_cast<float>(sample + fShareNow * (fFilters.Process(channel, sample) - sample));
 }
 
-void BandLimit::Design(double low, double high) noexcept {
-    const double q = std::numbers::sqrt2 / 2; // Butterworth
-    const BiquadCoefficients highPass = BiquadCoefficients::HighPass(fSampleRate, low, q);
-    const BiquadCoefficients lowPass = BiquadCoefficients::LowPass(fSampleRate, high, q);
-    for (Channel& channel : fChannels) {
-        channel.high.SetCoefficients(highPass);
-        channel.low.SetCoefficients(lowPass);
-    }
+double BandLimit::ChangedInBand(std::size_t channel, double sample, double gain) noexcept {
+    const double whole = gain * sample;
+    return whole + fShareNow * (fGain.Process(channel, sample, gain) - whole);
 }
 
 } // namespace qoc::components

@@ -46,6 +46,7 @@ std::vector<Complex> Roots(int order) {
     constexpr Real kLastStep = 1e-7L; // the next one would be its cube
     constexpr Real kTurn = 0.4L;
     std::vector<Complex> roots;
+    roots.reserve(static_cast<std::size_t>(order));
     for (int i = 0; i < order; ++i)
         roots.push_back(std::polar(Real(order), 2 * std::numbers::pi_v<Real> * i / order + kTurn));
     Real step = 1;
@@ -90,7 +91,7 @@ std::vector<std::complex<double>> NormalisedUpperPoles(int order) {
     for (const Complex& root : roots) {
         const std::complex<double> pole(root * scale);
         if (std::abs(root.imag()) < axis) {
-            upper.push_back(pole.real());
+            upper.emplace_back(pole.real());
         } else if (root.imag() > 0) {
             upper.push_back(pole);
         }

@@ -1,5 +1,6 @@
 #include "qoc/components/Biquad.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -88,6 +89,20 @@ BiquadCoefficients BiquadCoefficients::HighShelf(double sampleRate, double frequ
 // Straight from the polynomials: the usual form in sin^2(w/2) loses the bottom of narrow notches to cancellation.
 double BiquadCoefficients::MagnitudeSquared(const ResponsePoint& point) const noexcept {
     return PolynomialSquared(b0, b1, b2, point) / PolynomialSquared(1, a1, a2, point);
+}
+
+double BiquadCoefficients::PoleRadius() const noexcept {
+    const double half = a1 / 2;
+    const double discriminant = half * half - a2;
+    return discriminant < 0 ? std::sqrt(a2) : std::abs(half) + std::sqrt(discriminant);
+}
+
+double BiquadCoefficients::DecaySamples(std::span<const BiquadCoefficients> sections, double share) noexcept {
+    double radius = 0;
+    for (const BiquadCoefficients& section : sections) {
+        if (!section.IsNeutral()) radius = std::max(radius, section.PoleRadius());
+    }
+    return radius > 0 ? std::log(share) / std::log(radius) : 0;
 }
 
 } // namespace qoc::components

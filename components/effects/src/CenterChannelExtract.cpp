@@ -349,12 +349,8 @@ CenterChannelExtract::Edge CenterChannelExtract::ReadEdge(int index, float unit)
 
 void CenterChannelExtract::StorePresentBand() {
     const Band band = ReadBand();
-    const auto store = [this](int index, float hertz) {
-        const float stored = GetParameterInfo(index)->ToNormalised(hertz);
-        if (stored != GetParameterValue(index)) StoreParameter(index, stored);
-    };
-    store(kCenterExtractPresentLow, band.low);
-    store(kCenterExtractPresentHigh, band.high);
+    TellParameter(kCenterExtractPresentLow, band.low);
+    TellParameter(kCenterExtractPresentHigh, band.high);
 }
 
 void CenterChannelExtract::DelayOthers(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {

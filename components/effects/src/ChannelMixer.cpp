@@ -103,7 +103,7 @@ void ChannelMixer::ReadParameters(bool settle) noexcept {
         for (std::size_t input = 0; input < count; ++input) {
             Path& path = output.paths[input];
             const float gain = ToGain(Natural(static_cast<int>(index * kMixedChannels + input)));
-            settle ? path.gain.Settle(gain) : path.gain.SetTarget(gain);
+            path.gain.Set(gain, settle);
             if (!path.gain.IsSettled() || gain != 0) output.heard[output.heardCount++] = &path;
         }
     }

@@ -158,16 +158,13 @@ void Chorus::ResetProcessing() noexcept {
 
 void Chorus::ReadParameters(bool settle) noexcept {
     const double rate = GetSampleRate();
-    const auto set = [settle](SmoothedValue& value, double target) {
-        settle ? value.Settle(static_cast<float>(target)) : value.SetTarget(static_cast<float>(target));
-    };
-    set(fDelay, Natural(kChorusDelay) * kMilliseconds * rate);
-    set(fDepth, Natural(kChorusDepth) / kPercent);
-    set(fSpread, Natural(kChorusSpread) * kMilliseconds * rate);
-    set(fFeedback, Natural(kChorusFeedback) / kPercent);
-    set(fLevelDepth, Natural(kChorusLevelDepth) / kDecibelsAnOctave);
-    set(fAverage, IsOn(kChorusAverage) ? 1 : 0);
-    set(fMix, Natural(kChorusMix) / kPercent);
+    fDelay.Set(Natural(kChorusDelay) * kMilliseconds * rate, settle);
+    fDepth.Set(Natural(kChorusDepth) / kPercent, settle);
+    fSpread.Set(Natural(kChorusSpread) * kMilliseconds * rate, settle);
+    fFeedback.Set(Natural(kChorusFeedback) / kPercent, settle);
+    fLevelDepth.Set(Natural(kChorusLevelDepth) / kDecibelsAnOctave, settle);
+    fAverage.Set(IsOn(kChorusAverage) ? 1 : 0, settle);
+    fMix.Set(Natural(kChorusMix) / kPercent, settle);
     fDelayOscillator.SetRate(Natural(kChorusRate), rate);
     fLevelOscillator.SetRate(Natural(kChorusLevelRate), rate);
     fIsFine = IsOn(kChorusHighQuality);
@@ -179,20 +176,17 @@ void Chorus::SetVoices(bool settle) noexcept {
     const int count = static_cast<int>(std::lround(Natural(kChorusVoices)));
     const double width = Natural(kChorusWidth) / kPercent;
     const double lag = IsOn(kChorusBinaural) ? kLongestLag * GetSampleRate() : 0;
-    const auto set = [settle](SmoothedValue& value, double target) {
-        settle ? value.Settle(static_cast<float>(target)) : value.SetTarget(static_cast<float>(target));
-    };
     for (int i = 0; i < kMostVoices; ++i) {
         Voice& voice = fVoices[static_cast<std::size_t>(i)];
         const double side = count > 1 && i < count ? width * (2.0 * i / (count - 1) - 1) : 0; // -1 is left
         const double level = i < count ? 1 / std::sqrt(static_cast<double>(count)) : 0;
-        set(voice.levels[Index(ChannelSide::kMiddle)], level);
-        set(voice.levels[Index(ChannelSide::kLeft)], level * std::sqrt(1 - side));
-        set(voice.levels[Index(ChannelSide::kRight)], level * std::sqrt(1 + side));
-        set(voice.lags[Index(ChannelSide::kMiddle)], 0);
-        set(voice.lags[Index(ChannelSide::kLeft)], lag * std::max(0.0, side));
-        set(voice.lags[Index(ChannelSide::kRight)], lag * std::max(0.0, -side));
-        set(voice.share, i < count ? 1.0 / count : 0);
+        voice.levels[Index(ChannelSide::kMiddle)].Set(level, settle);
+        voice.levels[Index(ChannelSide::kLeft)].Set(level * std::sqrt(1 - side), settle);
+        voice.levels[Index(ChannelSide::kRight)].Set(level * std::sqrt(1 + side), settle);
+        voice.lags[Index(ChannelSide::kMiddle)].Set(0, settle);
+        voice.lags[Index(ChannelSide::kLeft)].Set(lag * std::max(0.0, side), settle);
+        voice.lags[Index(ChannelSide::kRight)].Set(lag * std::max(0.0, -side), settle);
+        voice.share.Set(i < count ? 1.0 / count : 0, settle);
         for (const auto* values : {&voice.levels, &voice.lags})
             for (const SmoothedValue& value : *values)
                 fGliding = std::max(fGliding, value.Remaining());

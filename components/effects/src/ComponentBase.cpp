@@ -2,6 +2,7 @@
 
 #include "qoc/components/DenormalGuard.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace qoc::components {
@@ -39,6 +40,7 @@ void ComponentBase::Process(const kroaudiofilterhost::AudioFilterBlock& block) n
 }
 
 void ComponentBase::Reset() noexcept {
+    if (!fIsPrepared) return;
     fSeenDirtyCount = GetParameterDirtyCount();
     ResetProcessing();
     ReadParameters(true);
@@ -75,6 +77,11 @@ bool ComponentBase::IsOn(int index) const noexcept {
     return StoredParameter(static_cast<std::size_t>(index)) >= kSwitchThreshold;
 }
 
+void ComponentBase::TellParameter(int index, double natural) noexcept {
+    const float stored = std::clamp(fTable.Find(index)->ToNormalised(static_cast<float>(natural)), 0.0F, 1.0F);
+    if (stored != StoredParameter(static_cast<std::size_t>(index))) StoreParameter(index, stored);
+}
+
 void ComponentBase::OnPrepare(std::size_t maximumBlock) {
     constexpr float kNyquistPerSampleRate = 0.5F;
     for (int index = 0; index < fTable.Size(); ++index) {
@@ -87,6 +94,7 @@ void ComponentBase::OnPrepare(std::size_t maximumBlock) {
         if (isDefault && info->GetDefault() != oldDefault) StoreParameter(index, info->GetDefault());
     }
     PrepareProcessing(maximumBlock);
+    fIsPrepared = true;
     Reset();
 }
 

@@ -33,8 +33,12 @@ std::vector<float> HannFrame(std::size_t size) {
 
 } // namespace
 
-CurveFilter::CurveFilter(const char16_t* componentID, ParameterTable table, const Indices& indices)
-    : ComponentBase(componentID, std::move(table)), fIndices(indices) {
+CurveFilter::CurveFilter(const char16_t* componentID, const Rows& rows, const Indices& indices, CurveFIR::Kind kind)
+    : ComponentBase(componentID, std::move(ParameterTable()
+                                               .Add(rows.common)
+                                               .AddRepeated(rows.first, 1)
+                                               .AddRepeated(rows.others, static_cast<int>(kMostPoints) - 1, 2))),
+      fIndices(indices), fKind(kind) {
 }
 
 CurveFilter::~CurveFilter() = default;
@@ -42,15 +46,21 @@ CurveFilter::~CurveFilter() = default;
 bool CurveFilter::GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
                                        std::vector<float>& decibels) const {
     if (count == 0) return false;
+    decibels = fShown.Get(*this, axis, count, [&] { return ComputeResponse(count, axis); });
+    return true;
+}
+
+std::vector<float> CurveFilter::ComputeResponse(std::size_t count,
+                                                const kroaudiofilterhost::FrequencyAxis& axis) const {
     if (fFIR.empty() || (fIsStale && !IsOn(fIndices.updating))) Redesign();
     if (!fHasResponse) fResponse.Update(fFIR);
     fHasResponse = true;
-    decibels.resize(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto power = static_cast<float>(std::norm(fResponse.At(axis.HertzAt(i, count) / Nyquist())));
-        decibels[i] = 10 * std::log10(std::max(power, kSilentPower));
-    }
-    return true;
+    std::vector<float> decibels(count);
+    std::ranges::transform(axis.AllHertz(count), decibels.begin(), [this](double hertz) {
+        const auto power = static_cast<float>(std::norm(fResponse.At(hertz / Nyquist())));
+        return 10 * std::log10(std::max(power, kSilentPower));
+    });
+    return decibels;
 }
 
 std::size_t CurveFilter::CountOf(float stored) noexcept {
@@ -132,9 +142,24 @@ bool CurveFilter::IsHeard(int index) const noexcept {
 
 void CurveFilter::Redesign() const {
     const std::size_t chosen = ChosenSize();
-    fFIR = DesignFIR(IsPrepared() ? std::min(chosen, fSize) : chosen, fDesigner);
+    fFIR = DesignFIR(IsPrepared() ? std::min(chosen, fSize) : chosen);
     fIsStale = false;
     fHasResponse = false;
+    fShown.Forget();
+}
+
+// For the present parameters, its middle at size / 2.
+std::vector<float> CurveFilter::DesignFIR(std::size_t size) const {
+    const FrequencyCurve curve = ReadCurve();
+    const std::size_t last = size / 2;
+    const std::vector<double> values = curve.Sample(last + 1, Nyquist());
+    CurveFIR::Spectrum spectrum(last + 1);
+    std::ranges::transform(values, spectrum.begin(),
+                           [this](double value) { return std::complex<float>(ResponseOf(value)); });
+    std::vector<CurveFIR::Node> nodes;
+    for (const FrequencyCurve::Point& point : curve.Points())
+        nodes.push_back({point.hertz / Nyquist() * static_cast<double>(last), ResponseOf(point.value)});
+    return fDesigner.Design(std::move(spectrum), nodes, Window(size), fKind);
 }
 
 // The middle of the response goes where the latency has it, whatever its size.

@@ -89,13 +89,12 @@ void Delay::ResetProcessing() noexcept {
 }
 
 void Delay::ReadParameters(bool settle) noexcept {
-    const auto set = [settle](auto& value, auto target) { settle ? value.Settle(target) : value.SetTarget(target); };
     for (Channel& channel : fChannels) {
         const std::ptrdiff_t delay = DelayInSamples(channel.firstParameter + kTime);
         const float mix = Natural(channel.firstParameter + kMix) / kPercent;
-        set(channel.tap, static_cast<std::size_t>(static_cast<std::ptrdiff_t>(fLatency) + delay));
-        set(channel.original, 1 - mix);
-        set(channel.delayed, IsOn(channel.firstParameter + kInvert) ? -mix : mix);
+        channel.tap.Set(static_cast<std::size_t>(static_cast<std::ptrdiff_t>(fLatency) + delay), settle);
+        channel.original.Set(1 - mix, settle);
+        channel.delayed.Set(IsOn(channel.firstParameter + kInvert) ? -mix : mix, settle);
     }
 }
 

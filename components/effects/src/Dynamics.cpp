@@ -1,12 +1,12 @@
 #include "qoc/components/Dynamics.h"
 
 #include "qoc/components/ComponentIDs.h"
+#include "qoc/components/Decibels.h"
 #include "qoc/components/ParameterIndices.h"
 #include "qoc/components/SaneSample.h"
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 #include <utility>
 
 namespace qoc::components {
@@ -137,13 +137,6 @@ ParameterTable Table() {
 
 constexpr double kMilliseconds = 1e-3;
 
-// A step of the stored float is less than that: anything this near is meant to be 0 dB.
-constexpr float kZeroWindow = 2e-5F;
-
-double ToFactor(double decibels) noexcept {
-    return std::abs(decibels) < kZeroWindow ? 1.0 : std::pow(10.0, decibels / 20);
-}
-
 } // namespace
 
 Dynamics::Dynamics() : ComponentBase(kDynamicsComponentID, Table()) {
@@ -153,8 +146,8 @@ Dynamics::~Dynamics() = default;
 
 std::size_t Dynamics::Tail() const noexcept {
     if (!IsOn(kDynamicsLimitBand)) return 0;
-    const double timeConstant = std::numbers::sqrt2 / (2 * std::numbers::pi * Natural(kDynamicsLowCutoff));
-    return static_cast<std::size_t>(std::ceil(std::log(1e5) * timeConstant * GetSampleRate()));
+    const double seconds = BandGain::DecaySeconds(Natural(kDynamicsLowCutoff), Natural(kDynamicsHighCutoff));
+    return static_cast<std::size_t>(std::ceil(seconds * GetSampleRate()));
 }
 
 bool Dynamics::GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const {
@@ -196,9 +189,6 @@ void Dynamics::ResetProcessing() noexcept {
 }
 
 void Dynamics::ReadParameters(bool settle) noexcept {
-    const auto set = [settle](SmoothedValue& value, double target) {
-        settle ? value.Settle(static_cast<float>(target)) : value.SetTarget(static_cast<float>(target));
-    };
     fCurve = Curve();
     fRange = Natural(kDynamicsRange);
     fAttack = LevelDetector::Remainder(SamplesOf(kDynamicsAttack));
@@ -210,10 +200,10 @@ void Dynamics::ReadParameters(bool settle) noexcept {
     if (before != kEachByItself) std::ranges::fill(fFollowers, Follower(fFollowers[0]));
     fBand.Set({IsOn(kDynamicsLimitBand), Natural(kDynamicsLowCutoff), Natural(kDynamicsHighCutoff)}, settle);
     const double automatic = IsOn(kDynamicsAutoMakeUp) ? -LimitedGain(fCurve.LastInput()) : 0;
-    set(fMakeUp, Natural(kDynamicsMakeUpGain) + automatic);
-    set(fDetectorGain, ToFactor(Natural(kDynamicsDetectorGain)));
-    set(fMix, Natural(kDynamicsMix) / 100);
-    set(fListen, IsOn(kDynamicsListen) ? 1 : 0);
+    fMakeUp.Set(Natural(kDynamicsMakeUpGain) + automatic, settle);
+    fDetectorGain.Set(ToFactor(Natural(kDynamicsDetectorGain)), settle);
+    fMix.Set(Natural(kDynamicsMix) / 100, settle);
+    fListen.Set(IsOn(kDynamicsListen) ? 1 : 0, settle);
 }
 
 void Dynamics::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
@@ -224,19 +214,16 @@ void Dynamics::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) n
         const double mix = fMix.Next();
         const double listen = fListen.Next();
         const bool isTogether = fDetectorChannels != kEachByItself;
-        double common = 0; // what the gain adds, as a share of the band
-        const auto added = [&](Follower& follower, double power) {
-            return mix * (ToFactor(NextGain(follower, power) + makeUp) - 1);
+        const auto gainFor = [&](Follower& follower, double power) {
+            return 1 + mix * (ToFactor(NextGain(follower, power) + makeUp) - 1);
         };
-        if (isTogether) common = added(fFollowers[0], CommonPower());
+        const double common = isTogether ? gainFor(fFollowers[0], CommonPower()) : 1;
         fPosition = (fPosition + 1) % size;
         for (std::size_t c = 0; c < fChannels.size(); ++c) {
             const Channel& channel = fChannels[c];
-            const double share = isTogether ? common : added(fFollowers[c], channel.power);
-            const double sound = channel.sound[fPosition];
-            const double band = channel.band[fPosition];
-            const double processed = sound + share * band;
-            block.outputs[c][frame] = static_cast<float>(processed + listen * (band - processed));
+            const double gain = isTogether ? common : gainFor(fFollowers[c], channel.power);
+            const double processed = fBand.Changed(c, channel.sound[fPosition], gain);
+            block.outputs[c][frame] = static_cast<float>(processed + listen * (channel.band[fPosition] - processed));
         }
     }
 }

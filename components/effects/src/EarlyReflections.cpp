@@ -1,7 +1,6 @@
 #include "qoc/components/EarlyReflections.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cmath>
 #include <numbers>
@@ -43,9 +42,9 @@ void EarlyReflections::Prepare(double sampleRate, std::span<const kromediatypes:
         const double radians = side.value_or(0) * std::numbers::pi / 180;
         fMicrophones.push_back({std::sin(radians), std::cos(radians), side.has_value()});
     }
-    const std::size_t size = std::bit_ceil(static_cast<std::size_t>(kLongestSeconds * sampleRate) + 1);
-    fMask = size - 1;
-    fRings.assign(size * (labels.size() + 1), 0.0F);
+    fLongest = static_cast<std::size_t>(kLongestSeconds * sampleRate);
+    fMask = std::bit_ceil(fLongest + kPiece) - 1;
+    fRings.assign(RingSize() * (labels.size() + 1), 0.0F);
     fFadeLength = static_cast<std::size_t>(std::ceil(kFadeSeconds * sampleRate));
     const std::size_t pairs = labels.size() * (labels.size() > kMostSources ? 1 : labels.size());
     for (Taps* const taps : {&fFrom, &fTo}) {
@@ -57,6 +56,7 @@ void EarlyReflections::Prepare(double sampleRate, std::span<const kromediatypes:
 void EarlyReflections::Reset() noexcept {
     std::ranges::fill(fRings, 0.0F);
     fPosition = 0;
+    fTaken = 0;
 }
 
 void EarlyReflections::Set(const Scene& scene, bool settle) noexcept {
@@ -70,20 +70,29 @@ void EarlyReflections::Set(const Scene& scene, bool settle) noexcept {
     }
 }
 
-void EarlyReflections::Process(std::span<const float> inputs, std::span<float> direct,
-                               std::span<float> reflected) noexcept {
-    Write(inputs);
-    std::ranges::fill(direct, 0.0F);
-    std::ranges::fill(reflected, 0.0F);
-    const float before = static_cast<float>(fFadeRemaining) / static_cast<float>(fFadeLength);
-    Add(fTo.direct, 1 - before, direct);
-    Add(fTo.reflected, 1 - before, reflected);
-    if (fFadeRemaining > 0) {
-        Add(fFrom.direct, before, direct);
-        Add(fFrom.reflected, before, reflected);
-        if (--fFadeRemaining == 0) StartFade();
-    }
+void EarlyReflections::Take(std::span<const float> inputs) noexcept {
+    for (std::size_t source = 0; source < inputs.size(); ++source)
+        Write(source, inputs[source]);
+    const auto count = static_cast<float>(std::max<std::size_t>(inputs.size(), 1));
+    Write(inputs.size(), std::accumulate(inputs.begin(), inputs.end(), 0.0F) / count);
     fPosition = (fPosition + 1) & fMask;
+    ++fTaken;
+}
+
+void EarlyReflections::Give(std::span<Piece> direct, std::span<Piece> reflected) noexcept {
+    std::ranges::fill(direct, Piece());
+    std::ranges::fill(reflected, Piece());
+    for (std::size_t done = 0; done < fTaken;) {
+        const std::size_t frames = fFadeRemaining > 0 ? std::min(fTaken - done, fFadeRemaining) : fTaken - done;
+        const Part part = {done, frames, (fPosition - fTaken + done) & fMask};
+        Add(fTo, part, false, direct, reflected);
+        done += frames;
+        if (fFadeRemaining == 0) continue;
+        Add(fFrom, part, true, direct, reflected);
+        fFadeRemaining -= frames;
+        if (fFadeRemaining == 0) StartFade();
+    }
+    fTaken = 0;
 }
 
 void EarlyReflections::StartFade() noexcept {
@@ -130,7 +139,7 @@ void EarlyReflections::AddTaps(const Scene& scene, std::span<const RoomImage> im
         const double gain = level * sensitivity * nearest / distance * std::pow(reflection, image.reflections);
         if (gain == 0) continue;
         const double delay = (distance - nearest) / Room::kSpeedOfSound * fSampleRate;
-        way.delay = static_cast<std::uint32_t>(std::min(static_cast<std::size_t>(std::lround(delay)), fMask));
+        way.delay = static_cast<std::uint32_t>(std::min(static_cast<std::size_t>(std::lround(delay)), fLongest));
         way.gain = static_cast<float>(gain);
         (isDirect ? taps.direct : taps.reflected).push_back(way);
     }
@@ -156,30 +165,41 @@ RoomPlace EarlyReflections::MicrophoneAt(const Room& room, const Microphone& mic
     return place;
 }
 
-void EarlyReflections::Write(std::span<const float> inputs) noexcept {
-    const std::size_t size = fMask + 1;
-    for (std::size_t source = 0; source < inputs.size(); ++source)
-        fRings[source * size + fPosition] = inputs[source];
-    const auto count = static_cast<float>(std::max<std::size_t>(inputs.size(), 1));
-    fRings[inputs.size() * size + fPosition] = std::accumulate(inputs.begin(), inputs.end(), 0.0F) / count;
+void EarlyReflections::Write(std::size_t source, float sample) noexcept {
+    float* const ring = &fRings[source * RingSize()];
+    ring[fPosition] = sample;
+    if (fPosition < kPiece) ring[fPosition + fMask + 1] = sample;
 }
 
-// Taps of one channel stand together; four sums by turns, because none has to wait for another.
-void EarlyReflections::Add(std::span<const Tap> taps, float share, std::span<float> outputs) const noexcept {
-    const std::size_t size = fMask + 1;
-    const auto heard = [&](const Tap& tap) {
-        return tap.gain * fRings[tap.source * size + ((fPosition - tap.delay) & fMask)];
-    };
+// Of the scene that is being faded from, so many frames on.
+float EarlyReflections::ShareBefore(std::size_t frame) const noexcept {
+    if (fFadeRemaining == 0) return 0;
+    return static_cast<float>(fFadeRemaining - frame) / static_cast<float>(fFadeLength);
+}
+
+void EarlyReflections::Add(const Taps& taps, const Part& part, bool isBefore, std::span<Piece> direct,
+                           std::span<Piece> reflected) const noexcept {
+    Add(taps.direct, part, isBefore, direct);
+    Add(taps.reflected, part, isBefore, reflected);
+}
+
+// Taps of one channel stand together. A whole piece is added whatever its length: what lies behind is left out.
+void EarlyReflections::Add(std::span<const Tap> taps, const Part& part, bool isBefore,
+                           std::span<Piece> outputs) const noexcept {
     for (std::size_t at = 0; at < taps.size();) {
         const std::uint32_t channel = taps[at].channel;
-        std::array<float, 4> sums{};
-        for (; at + 3 < taps.size() && taps[at + 3].channel == channel; at += 4) {
-            for (std::size_t k = 0; k < 4; ++k)
-                sums[k] += heard(taps[at + k]);
+        Piece sums{};
+        for (; at < taps.size() && taps[at].channel == channel; ++at) {
+            const float gain = taps[at].gain;
+            const float* const heard =
+                &fRings[taps[at].source * RingSize() + ((part.position - taps[at].delay) & fMask)];
+            for (std::size_t i = 0; i < kPiece; ++i)
+                sums[i] += gain * heard[i];
         }
-        for (; at < taps.size() && taps[at].channel == channel; ++at)
-            sums[0] += heard(taps[at]);
-        outputs[channel] += share * ((sums[0] + sums[1]) + (sums[2] + sums[3]));
+        for (std::size_t i = 0; i < part.frames; ++i) {
+            const float share = isBefore ? ShareBefore(i) : 1 - ShareBefore(i);
+            outputs[channel][part.begin + i] += share * sums[i];
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "qoc/components/ChannelSide.h"
 #include "qoc/components/ComponentIDs.h"
+#include "qoc/components/Decibels.h"
 #include "qoc/components/ParameterIndices.h"
 #include "qoc/components/SaneSample.h"
 
@@ -76,23 +77,6 @@ constexpr int kTime = kEchoLeftTime - kEchoLeftTime;
 constexpr int kFeedback = kEchoLeftFeedback - kEchoLeftTime;
 constexpr int kLevel = kEchoLeftLevel - kEchoLeftTime;
 
-// A step of the stored float is less than that: anything this near is meant to be 0 dB.
-constexpr double kZeroWindow = 2e-5;
-
-bool IsNeutral(const BiquadCoefficients& section) noexcept {
-    return section.b0 == 1 && section.b1 == section.a1 && section.b2 == section.a2;
-}
-
-double Between(double from, double to, double share) noexcept {
-    return from + share * (to - from);
-}
-
-// Both stable, so what lies between is: the stable coefficients form a triangle in the plane of a1 and a2.
-BiquadCoefficients Between(const BiquadCoefficients& from, const BiquadCoefficients& to, double share) noexcept {
-    return {Between(from.b0, to.b0, share), Between(from.b1, to.b1, share), Between(from.b2, to.b2, share),
-            Between(from.a1, to.a1, share), Between(from.a2, to.a2, share)};
-}
-
 } // namespace
 
 Echo::Echo()
@@ -139,10 +123,11 @@ void Echo::PrepareProcessing(std::size_t /*maximumBlock*/) {
     fDesign.reset();
     Redesign();
     fTarget = std::make_unique<Equaliser>(fDesigned);
-    fGlide.Prepare(rate);
+    fEqualiserGain.Prepare(rate);
     fBounce.Prepare(rate);
     const kromediatypes::AudioChannelLayout& layout = GetInputBuses().front().GetLayout();
     const std::vector<std::size_t> mirrors = MirrorsOf(layout);
+    fEqualiser.Prepare(rate, layout.size(), kBands);
     fChannels.assign(layout.size(), {});
     for (std::size_t i = 0; i < fChannels.size(); ++i) {
         Channel& channel = fChannels[i];
@@ -156,39 +141,34 @@ void Echo::PrepareProcessing(std::size_t /*maximumBlock*/) {
 }
 
 void Echo::ResetProcessing() noexcept {
-    if (auto offered = fHandOver.Take()) fHandOver.GiveBack(std::exchange(fTarget, std::move(offered)));
-    fGlide.Settle(1);
-    fNow = *fTarget;
-    fIsFlat = std::ranges::all_of(fNow.sections, IsNeutral);
-    for (Channel& channel : fChannels) {
+    TakeEqualiser(true);
+    fEqualiser.Reset();
+    for (Channel& channel : fChannels)
         channel.line.Reset();
-        for (std::size_t i = 0; i < kBands; ++i) {
-            channel.biquads[i].SetCoefficients(fNow.sections[i]);
-            channel.biquads[i].Reset();
-        }
-    }
 }
 
 void Echo::ReadParameters(bool settle) noexcept {
-    const auto set = [settle](auto& value, auto target) { settle ? value.Settle(target) : value.SetTarget(target); };
     for (Channel& channel : fChannels) {
         const int first = FirstParameter(channel.isRight);
         // The line is read before the present sample is written, when the newest one is one sample old.
-        set(channel.tap, DelayInSamples(first + kTime) - 1);
-        set(channel.feedback, Natural(first + kFeedback) / kPercent);
-        set(channel.level, Natural(first + kLevel) / kPercent);
+        channel.tap.Set(DelayInSamples(first + kTime) - 1, settle);
+        channel.feedback.Set(Natural(first + kFeedback) / kPercent, settle);
+        channel.level.Set(Natural(first + kLevel) / kPercent, settle);
     }
-    set(fBounce, IsOn(kEchoBounce) ? 1.0F : 0.0F);
+    fBounce.Set(IsOn(kEchoBounce) ? 1 : 0, settle);
 }
 
 void Echo::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
-    TakeEqualiser();
+    TakeEqualiser(false);
     for (std::size_t frame = 0; frame < block.frames; ++frame) {
-        if (!fGlide.IsSettled()) Glide();
+        fEqualiser.Advance();
+        const float gain = fEqualiserGain.Next();
         const float bounce = fBounce.Next();
         for (std::size_t i = 0; i < fChannels.size(); ++i) {
-            fChannels[i].input = SaneSample(block.inputs[i][frame]);
-            Repeat(fChannels[i]);
+            Channel& channel = fChannels[i];
+            channel.input = SaneSample(block.inputs[i][frame]);
+            channel.echo = static_cast<float>(gain * fEqualiser.Process(i, channel.tap.Next(channel.line)));
+            channel.fedBack = channel.feedback.Next() * channel.echo;
         }
         for (std::size_t i = 0; i < fChannels.size(); ++i) {
             Channel& channel = fChannels[i];
@@ -203,12 +183,11 @@ void Echo::Redesign() {
     if (fDesign == nullptr) fDesign = std::make_unique<GraphicEQDesign>(Centres(), GetSampleRate());
     std::array<double, kBands> gains;
     for (std::size_t i = 0; i < kBands; ++i) {
-        const double gain = Natural(kEchoFirstBand + static_cast<int>(i));
-        gains[i] = std::abs(gain) < kZeroWindow ? 0 : gain;
+        gains[i] = ZeroIfNear(Natural(kEchoFirstBand + static_cast<int>(i)));
     }
     const std::vector<BiquadCoefficients> sections = fDesign->Solve(gains, kPasses);
     std::ranges::copy(sections, fDesigned.sections.begin());
-    const bool isFlat = std::ranges::all_of(sections, IsNeutral);
+    const bool isFlat = std::ranges::all_of(sections, &BiquadCoefficients::IsNeutral);
     fDesigned.gain = isFlat ? 1 : std::min(1.0, 1 / HighestGain(sections));
 }
 
@@ -241,35 +220,12 @@ std::size_t Echo::DelayInSamples(int timeParameter) const noexcept {
     return static_cast<std::size_t>(std::max(1LL, samples));
 }
 
-void Echo::TakeEqualiser() noexcept {
+void Echo::TakeEqualiser(bool settle) noexcept {
     auto offered = fHandOver.Take();
-    if (offered == nullptr) return;
-    fHandOver.GiveBack(std::exchange(fTarget, std::move(offered)));
-    fStart = fNow;
-    fGlide.Settle(0);
-    fGlide.SetTarget(1);
-    fIsFlat = fIsFlat && std::ranges::all_of(fTarget->sections, IsNeutral);
-}
-
-void Echo::Glide() noexcept {
-    const double share = fGlide.Next();
-    fNow.gain = Between(fStart.gain, fTarget->gain, share);
-    for (std::size_t i = 0; i < kBands; ++i) {
-        fNow.sections[i] = share == 1 ? fTarget->sections[i] : Between(fStart.sections[i], fTarget->sections[i], share);
-        for (Channel& channel : fChannels)
-            channel.biquads[i].SetCoefficients(fNow.sections[i]);
-    }
-}
-
-void Echo::Repeat(Channel& channel) noexcept {
-    double sound = channel.tap.Next(channel.line);
-    if (!fIsFlat) {
-        for (Biquad& biquad : channel.biquads)
-            sound = biquad.Process(sound);
-        sound *= fNow.gain;
-    }
-    channel.echo = static_cast<float>(sound);
-    channel.fedBack = channel.feedback.Next() * channel.echo;
+    if (offered == nullptr && !settle) return;
+    if (offered != nullptr) fHandOver.GiveBack(std::exchange(fTarget, std::move(offered)));
+    fEqualiser.Set(fTarget->sections, settle);
+    fEqualiserGain.Set(fTarget->gain, settle);
 }
 
 } // namespace qoc::components

@@ -26,11 +26,10 @@ constexpr const char* kWindowNames[] = {
 
 constexpr const char* kScaleNames[] = {"$$$/FFTFilterUI/Logarithmic=Logarithmic", "$$$/FFTFilterUI/Linear=Linear"};
 
-constexpr float kHighestFrequency = 1e6F;  // hertz: half of any sample rate is less
 constexpr float kUnityLevel = 0.63095734F; // of a fader at 0 dB: 10^(-12 / 60)
 
 constexpr ParameterRow kCommonRows[] = {
-    {.id = "spline", .name = "$$$/FFTFilter/SplineCurves=Spline Curves", .kind = ParameterKind::kSwitch},
+    CurveFilterRows::Spline("$$$/FFTFilter/SplineCurves=Spline Curves"),
     // The scale ends below the largest size, which is stored as a value above 1.
     {.id = "fftSize",
      .name = "$$$/FFTFilter/FFTSize=FFT Size",
@@ -52,28 +51,13 @@ constexpr ParameterRow kCommonRows[] = {
      .flags = kParameterNotAutomatable,
      .items = kWindowNames},
     {}, // marks a curve that is being rewritten: nobody's setting
-    {.id = "scale",
-     .name = "$$$/FFTFilter/Scale=Frequency Scale",
-     .kind = ParameterKind::kChoice,
-     .flags = kParameterNotAutomatable,
-     .items = kScaleNames},
-    {.id = "viewStart",
-     .name = "$$$/FFTFilter/ViewStart=Lowest Frequency Shown",
-     .unit = "Hz",
-     .defaultValue = 20,
-     .decimals = 1,
-     .scale = ParameterScale::kNyquist,
-     .flags = kParameterNotAutomatable},
-    {.id = "viewEnd",
-     .name = "$$$/FFTFilter/ViewEnd=Highest Frequency Shown",
-     .unit = "Hz",
-     .defaultValue = kHighestFrequency,
-     .decimals = 1,
-     .scale = ParameterScale::kNyquist,
-     .flags = kParameterNotAutomatable},
+    CurveFilterRows::Scale("$$$/FFTFilter/Scale=Frequency Scale", kScaleNames),
+    CurveFilterRows::View("viewStart", "$$$/FFTFilter/ViewStart=Lowest Frequency Shown", 20),
+    CurveFilterRows::View("viewEnd", "$$$/FFTFilter/ViewEnd=Highest Frequency Shown",
+                          CurveFilterRows::kHighestFrequency),
     {},
     {},
-    {.id = "points", .name = "$$$/FFTFilter/Points=Curve Points", .hi = 128, .defaultValue = 2, .decimals = 0},
+    CurveFilterRows::PointCount("$$$/FFTFilter/Points=Curve Points"),
 };
 
 constexpr ParameterRow PointFrequency(float defaultHertz) {
@@ -90,39 +74,16 @@ constexpr ParameterRow kPointLevel = {
     .id = "level", .name = "$$$/FFTFilter/PointLevel=Level @0", .defaultValue = kUnityLevel, .decimals = 4};
 
 constexpr ParameterRow kFirstPointRows[] = {PointFrequency(20), kPointLevel};
-constexpr ParameterRow kPointRows[] = {PointFrequency(kHighestFrequency), kPointLevel};
-
-// The travel of a fader is the cube root of an amplitude.
-double AmplitudeOf(double level) noexcept {
-    static const double sTop = std::pow(10.0, krocore::FaderTranslator<double>::kTopDecibels / 20);
-    return sTop * level * level * level;
-}
+constexpr ParameterRow kPointRows[] = {PointFrequency(CurveFilterRows::kHighestFrequency), kPointLevel};
 
 } // namespace
 
 FFTFilter::FFTFilter()
-    : CurveFilter(kFFTFilterComponentID,
-                  std::move(ParameterTable()
-                                .Add(kCommonRows)
-                                .AddRepeated(kFirstPointRows, 1)
-                                .AddRepeated(kPointRows, static_cast<int>(kMostPoints) - 1, 2)),
-                  {.updating = kFFTFilterUpdating, .firstPoint = kFFTFilterFirstPoint}) {
+    : CurveFilter(kFFTFilterComponentID, {kCommonRows, kFirstPointRows, kPointRows},
+                  {.updating = kFFTFilterUpdating, .firstPoint = kFFTFilterFirstPoint}, CurveFIR::Kind::kMagnitude) {
 }
 
 FFTFilter::~FFTFilter() = default;
-
-std::vector<float> FFTFilter::DesignFIR(std::size_t size, CurveFIR& designer) const {
-    const FrequencyCurve curve = ReadCurve();
-    const std::size_t last = size / 2;
-    const std::vector<double> levels = curve.Sample(last + 1, Nyquist());
-    CurveFIR::Spectrum spectrum(last + 1);
-    std::ranges::transform(levels, spectrum.begin(),
-                           [](double level) { return static_cast<float>(AmplitudeOf(level)); });
-    std::vector<CurveFIR::Node> nodes;
-    for (const FrequencyCurve::Point& point : curve.Points())
-        nodes.push_back({point.hertz / Nyquist() * static_cast<double>(last), AmplitudeOf(point.value)});
-    return designer.Design(std::move(spectrum), nodes, Window(size), CurveFIR::Kind::kMagnitude);
-}
 
 std::size_t FFTFilter::ChosenSize() const noexcept {
     return static_cast<std::size_t>(kSizes[Item(kFFTFilterSize)]);
@@ -143,6 +104,12 @@ FrequencyCurve FFTFilter::ReadCurve() const {
         points[i] = {std::max(StoredFrequency(i) * Nyquist(), kLowestFrequency), StoredValue(i)};
     const auto axis = IsOn(kFFTFilterScale) ? FrequencyCurve::Axis::kLinear : FrequencyCurve::Axis::kLogarithmic;
     return {std::move(points), axis, IsOn(kFFTFilterSplineCurves), kUnityLevel};
+}
+
+// The travel of a fader is the cube root of an amplitude.
+std::complex<double> FFTFilter::ResponseOf(double level) const noexcept {
+    static const double sTop = std::pow(10.0, krocore::FaderTranslator<double>::kTopDecibels / 20);
+    return sTop * level * level * level;
 }
 
 const FIRWindow& FFTFilter::Window(std::size_t size) const {

@@ -15,17 +15,15 @@ void FadingTap::Settle(std::size_t delay) noexcept {
     fRemaining = 0;
 }
 
-float FadingTap::Next(const TapLine& line) noexcept {
+FadingTap::Place FadingTap::NextFading() noexcept {
     if (fRemaining == 0) {
-        if (fDelay == fTarget) return line.At(fDelay);
         fNextDelay = fTarget;
         fRemaining = fLength;
     }
     const float left = static_cast<float>(--fRemaining) / static_cast<float>(fLength);
-    const float share = left * left * (3 - 2 * left); // without a kink at either end
-    const float sample = share * line.At(fDelay) + (1 - share) * line.At(fNextDelay);
+    const Place place = {fDelay, fNextDelay, left * left * (3 - 2 * left)}; // without a kink at either end
     if (fRemaining == 0) fDelay = fNextDelay;
-    return sample;
+    return place;
 }
 
 } // namespace qoc::components

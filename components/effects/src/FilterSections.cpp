@@ -24,13 +24,6 @@ struct Delays {
     Complex two;
 };
 
-// How fast the poles die away: the largest of their radii.
-double PoleRadius(const BiquadCoefficients& section) noexcept {
-    const double half = section.a1 / 2;
-    const double discriminant = half * half - section.a2;
-    return discriminant < 0 ? std::sqrt(section.a2) : std::abs(half) + std::sqrt(discriminant);
-}
-
 // All zeros lie on the unit circle, where each delays by half a sample.
 double ZerosDelay(const BiquadCoefficients& section) noexcept {
     if (section.b2 != 0) return 1;
@@ -78,7 +71,7 @@ FilterSections::FilterSections(const ScientificFilterSettings& settings, double 
         settings.IsBand() ? AddBandPair(settings, edges, pair.pole, pair.zero)
                           : AddPair(settings, edges, pair.pole, pair.zero);
     const auto sections = std::span(fSections).first(static_cast<std::size_t>(fCount));
-    std::ranges::sort(sections, {}, PoleRadius);
+    std::ranges::sort(sections, {}, &BiquadCoefficients::PoleRadius);
     for (double* const coefficient : {&fSections[0].b0, &fSections[0].b1, &fSections[0].b2})
         *coefficient *= prototype.gainAtZero;
 }
@@ -114,10 +107,7 @@ std::size_t FilterSections::Zeros(std::span<double, kMostSections> hertz) const 
 
 double FilterSections::DecaySamples() const noexcept {
     constexpr double kDecay = 1e-6; // 120 dB
-    double radius = 0;
-    for (const BiquadCoefficients& section : Sections())
-        radius = std::max(radius, PoleRadius(section));
-    return radius > 0 ? std::log(kDecay) / std::log(radius) : 0;
+    return BiquadCoefficients::DecaySamples(Sections(), kDecay);
 }
 
 void FilterSections::AddPair(const ScientificFilterSettings& settings, const WarpedEdges& edges, Complex pole,

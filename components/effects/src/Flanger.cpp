@@ -104,20 +104,17 @@ void Flanger::ResetProcessing() noexcept {
 }
 
 void Flanger::ReadParameters(bool settle) noexcept {
-    const auto set = [settle](SmoothedValue& value, double target) {
-        settle ? value.Settle(static_cast<float>(target)) : value.SetTarget(static_cast<float>(target));
-    };
     const double initial = Natural(kFlangerInitialDelay) * kMilliseconds * GetSampleRate();
     const double final = Natural(kFlangerFinalDelay) * kMilliseconds * GetSampleRate();
     const double mix = Natural(kFlangerMix) / kPercent;
-    set(fInitial, initial);
-    set(fFinal, final);
-    set(fWaiting, IsOn(kFlangerThroughZero) ? (initial + final) / 2 : 0);
-    set(fPhase, Natural(kFlangerStereoPhase) / kTurn);
-    set(fRoundness, IsOn(kFlangerSinusoidal) ? 1 : 0);
-    set(fFeedback, Natural(kFlangerFeedback) / kPercent);
-    set(fOriginalLevel, 1 - mix);
-    set(fDelayedLevel, IsOn(kFlangerInverted) ? -mix : mix);
+    fInitial.Set(initial, settle);
+    fFinal.Set(final, settle);
+    fWaiting.Set(IsOn(kFlangerThroughZero) ? (initial + final) / 2 : 0, settle);
+    fPhase.Set(Natural(kFlangerStereoPhase) / kTurn, settle);
+    fRoundness.Set(IsOn(kFlangerSinusoidal) ? 1 : 0, settle);
+    fFeedback.Set(Natural(kFlangerFeedback) / kPercent, settle);
+    fOriginalLevel.Set(1 - mix, settle);
+    fDelayedLevel.Set(IsOn(kFlangerInverted) ? -mix : mix, settle);
     fOscillator.SetRate(Natural(kFlangerRate), GetSampleRate());
 }
 

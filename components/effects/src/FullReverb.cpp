@@ -113,7 +113,7 @@ constexpr double kMostOfRate = 0.49; // of the sample rate, for the frequencies 
 
 } // namespace
 
-FullReverb::FullReverb() : ComponentBase(kFullReverbComponentID, std::move(ParameterTable().Add(kRows))) {
+FullReverb::FullReverb() : RoomReverb(kFullReverbComponentID, std::move(ParameterTable().Add(kRows))) {
     TellRoom();
 }
 
@@ -144,29 +144,19 @@ void FullReverb::ParameterHasChanged(int /*index*/) {
     TellRoom();
 }
 
-void FullReverb::PrepareProcessing(std::size_t /*maximumBlock*/) {
+void FullReverb::PrepareProcessing(std::size_t maximumBlock) {
+    RoomReverb::PrepareProcessing(maximumBlock);
     const double sampleRate = GetSampleRate();
-    const kromediatypes::AudioChannelLayout& layout = GetInputBuses().front().GetLayout();
-    fRoom.Prepare(sampleRate, layout);
-    std::vector<kromediatypes::AudioChannelLabel> labels;
-    for (const std::size_t channel : fRoom.Channels())
-        labels.push_back(layout[channel]);
     fPredelay.Prepare(sampleRate, fRoom.size(),
                       static_cast<std::size_t>(std::ceil(kLongestPredelay * kMilliseconds * sampleRate)));
-    fTank.Prepare(sampleRate, fRoom.size());
-    fEarly.Prepare(sampleRate, labels);
     fHighPass.Prepare(sampleRate, fRoom.size(), 1);
     fEqualiser.Prepare(sampleRate, fRoom.size(), Equaliser().size());
-    fDry.Prepare(sampleRate);
     fReverberation.Prepare(sampleRate);
-    for (std::vector<float>* const sound : {&fLate, &fDirect, &fReflected})
-        sound->assign(fRoom.size(), 0.0F);
 }
 
 void FullReverb::ResetProcessing() noexcept {
+    RoomReverb::ResetProcessing();
     fPredelay.Reset();
-    fTank.Reset();
-    fEarly.Reset();
     fHighPass.Reset();
     fEqualiser.Reset();
 }
@@ -180,38 +170,28 @@ void FullReverb::ReadParameters(bool settle) noexcept {
     fEqualiser.Set(EqualiserOfParameters(), settle);
 }
 
-void FullReverb::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
-    for (std::size_t i = 0; i < block.frames; ++i) {
-        fRoom.Take(block, i);
-        std::ranges::copy(fRoom.Sound(), fLate.begin());
-        fPredelay.Process(fLate.data());
-        fTank.Process(fLate.data(), fLate.data());
-        fEarly.Process(fRoom.Sound(), fDirect, fReflected);
-        fHighPass.Advance();
-        fEqualiser.Advance();
-        const float dry = fDry.Next();
-        const float reverberation = fReverberation.Next();
-        for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
-            block.outputs[channel][i] = dry * fRoom.Dry(channel);
-        for (std::size_t k = 0; k < fLate.size(); ++k) {
-            const double wet = reverberation * fLate[k] + fHighPass.Process(k, fReflected[k]);
-            block.outputs[fRoom.Channels()[k]][i] += fDirect[k] + static_cast<float>(fEqualiser.Process(k, wet));
-        }
+void FullReverb::Reverberate(std::span<float> sound) noexcept {
+    fPredelay.Process(sound.data());
+    fTank.Process(sound.data(), sound.data());
+}
+
+void FullReverb::Mix(std::span<float> wet, std::span<const float> direct, std::span<const float> reflected) noexcept {
+    fHighPass.Advance();
+    fEqualiser.Advance();
+    const float reverberation = fReverberation.Next();
+    for (std::size_t k = 0; k < wet.size(); ++k) {
+        const double sound = reverberation * wet[k] + fHighPass.Process(k, reflected[k]);
+        wet[k] = direct[k] + static_cast<float>(fEqualiser.Process(k, sound));
     }
 }
 
 void FullReverb::TellRoom() noexcept {
-    const auto tell = [this](int index, double natural) {
-        const GenericParameterInfo& info = *GetParameterInfo(index);
-        const float stored = std::clamp(info.ToNormalised(static_cast<float>(natural)), 0.0F, 1.0F);
-        if (stored != GetParameterValue(index)) StoreParameter(index, stored);
-    };
     const Room room = RoomOfParameters();
-    tell(kFullReverbRoomWidth, room.width);
-    tell(kFullReverbRoomDepth, room.depth);
-    tell(kFullReverbRoomHeight, room.height);
-    tell(kFullReverbRoomDecay, room.DecayTime(kWallAbsorption) / kMilliseconds);
-    tell(kFullReverbRoomPredelay, room.MeanFreeTime() / kMilliseconds);
+    TellParameter(kFullReverbRoomWidth, room.width);
+    TellParameter(kFullReverbRoomDepth, room.depth);
+    TellParameter(kFullReverbRoomHeight, room.height);
+    TellParameter(kFullReverbRoomDecay, room.DecayTime(kWallAbsorption) / kMilliseconds);
+    TellParameter(kFullReverbRoomPredelay, room.MeanFreeTime() / kMilliseconds);
 
     const RoomPlace source = SourceIn(room);
     const RoomPlace listener = room.Listener();
@@ -220,7 +200,7 @@ void FullReverb::TellRoom() noexcept {
         if (image.reflections == 1) nearest = std::min(nearest, image.place.DistanceTo(listener));
     }
     const double seconds = (nearest - source.DistanceTo(listener)) / Room::kSpeedOfSound;
-    tell(kFullReverbFirstReflection, seconds / kMilliseconds);
+    TellParameter(kFullReverbFirstReflection, seconds / kMilliseconds);
 }
 
 Room FullReverb::RoomOfParameters() const noexcept {
@@ -251,12 +231,8 @@ FullReverb::Equaliser FullReverb::EqualiserOfParameters() const noexcept {
 }
 
 void FullReverb::ReadLevels(bool settle) noexcept {
-    const auto set = [settle](SmoothedValue& value, double percent) {
-        const auto level = static_cast<float>(percent * kPercent);
-        settle ? value.Settle(level) : value.SetTarget(level);
-    };
-    set(fDry, IsOn(kFullReverbIncludeDirect) ? 0 : Natural(kFullReverbDry));
-    set(fReverberation, Natural(kFullReverbReverberation));
+    fDry.Set((IsOn(kFullReverbIncludeDirect) ? 0 : Natural(kFullReverbDry)) * kPercent, settle);
+    fReverberation.Set(Natural(kFullReverbReverberation) * kPercent, settle);
     fRoom.SetSums(IsOn(kFullReverbSumInputs), settle);
 }
 

@@ -1,7 +1,7 @@
 #include "qoc/components/GraphicEQ.h"
 
 #include "qoc/components/ComponentIDs.h"
-#include "qoc/components/SaneSample.h"
+#include "qoc/components/Decibels.h"
 
 #include <algorithm>
 #include <array>
@@ -76,34 +76,6 @@ std::array<double, kCount> Geometric(double start, double ratio) {
     return values;
 }
 
-// A step of the stored float is less than that: anything this near is meant to be 0 dB.
-constexpr double kZeroWindow = 2e-5;
-
-double ZeroIfNear(double decibels) noexcept {
-    return std::abs(decibels) < kZeroWindow ? 0 : decibels;
-}
-
-bool IsNeutral(const BiquadCoefficients& section) noexcept {
-    return section.b0 == 1 && section.b1 == section.a1 && section.b2 == section.a2;
-}
-
-// The distance of the outer pole from the middle of the unit circle.
-double PoleRadius(const BiquadCoefficients& section) noexcept {
-    const double half = section.a1 / 2;
-    const double discriminant = half * half - section.a2;
-    return discriminant < 0 ? std::sqrt(section.a2) : std::abs(half) + std::sqrt(discriminant);
-}
-
-double Between(double from, double to, double share) noexcept {
-    return from + share * (to - from);
-}
-
-// Both stable, so what lies between is: the stable coefficients form a triangle in the plane of a1 and a2.
-BiquadCoefficients Between(const BiquadCoefficients& from, const BiquadCoefficients& to, double share) noexcept {
-    return {Between(from.b0, to.b0, share), Between(from.b1, to.b1, share), Between(from.b2, to.b2, share),
-            Between(from.a1, to.a1, share), Between(from.a2, to.a2, share)};
-}
-
 } // namespace
 
 GraphicEQ::GraphicEQ(Bands bands)
@@ -132,19 +104,15 @@ std::span<const double> GraphicEQ::Centres(Bands bands) {
 
 std::size_t GraphicEQ::Tail() const noexcept {
     constexpr double kDecayed = 1e-5; // 100 dB
-    double radius = 0;
-    for (const BiquadCoefficients& section : fDesigned) {
-        if (!IsNeutral(section)) radius = std::max(radius, PoleRadius(section));
-    }
-    return radius > 0 ? static_cast<std::size_t>(std::ceil(std::log(kDecayed) / std::log(radius))) : 0;
+    return static_cast<std::size_t>(std::ceil(BiquadCoefficients::DecaySamples(fDesigned, kDecayed)));
 }
 
 bool GraphicEQ::GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
                                      std::vector<float>& decibels) const {
     if (count == 0) return false;
     decibels.resize(count);
-    for (std::size_t i = 0; i < count; ++i)
-        decibels[i] = static_cast<float>(DecibelsAt(axis.HertzAt(i, count)));
+    std::ranges::transform(axis.AllHertz(count), decibels.begin(),
+                           [this](double hertz) { return static_cast<float>(DecibelsAt(hertz)); });
     return true;
 }
 
@@ -158,41 +126,27 @@ void GraphicEQ::ParameterHasChanged(int index) {
     if (isPrepared) fHandOver.Offer(std::make_unique<Sections>(fDesigned));
 }
 
-void GraphicEQ::PrepareProcessing(std::size_t maximumBlock) {
+void GraphicEQ::PrepareProcessing(std::size_t /*maximumBlock*/) {
     fHandOver.Clear();
     fDesign.reset();
     Redesign();
     fTarget = std::make_unique<Sections>(fDesigned);
-    fBiquads.assign(GetNumberOfInputChannels(), std::vector<Biquad>(fCentres.size()));
-    fStart = fNow = fDesigned;
-    fScratch.resize(maximumBlock);
-    fGlide.Prepare(GetSampleRate());
+    fBands.Prepare(GetSampleRate(), GetNumberOfInputChannels(), fCentres.size());
     fMaster.Prepare(GetSampleRate());
 }
 
 void GraphicEQ::ResetProcessing() noexcept {
-    if (auto offered = fHandOver.Take()) fHandOver.GiveBack(std::exchange(fTarget, std::move(offered)));
-    fGlide.Settle(1);
-    fNow = *fTarget;
-    fIsFlat = std::ranges::all_of(fNow, IsNeutral);
-    for (std::vector<Biquad>& channel : fBiquads) {
-        for (std::size_t i = 0; i < channel.size(); ++i) {
-            channel[i].SetCoefficients(fNow[i]);
-            channel[i].Reset();
-        }
-    }
+    TakeSections(true);
+    fBands.Reset();
 }
 
 void GraphicEQ::ReadParameters(bool settle) noexcept {
-    const auto gain = static_cast<float>(MasterGain());
-    settle ? fMaster.Settle(gain) : fMaster.SetTarget(gain);
+    fMaster.Set(MasterGain(), settle);
 }
 
 void GraphicEQ::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
-    TakeSections();
-    const std::size_t gliding = std::min(block.frames, std::max(fGlide.Remaining(), fMaster.Remaining()));
-    ProcessGliding(block, gliding);
-    ProcessSettled(block, gliding);
+    TakeSections(false);
+    fBands.Process(block, fMaster);
 }
 
 void GraphicEQ::Redesign() {
@@ -216,9 +170,7 @@ void GraphicEQ::StoreHighestGain() {
     double highest = -kHighestTold;
     for (std::size_t i = 0; i < count; ++i)
         highest = std::max(highest, DecibelsAt(axis.HertzAt(i, count)));
-    const int index = HighestGainIndex();
-    const float stored = GetParameterInfo(index)->ToNormalised(static_cast<float>(highest));
-    if (stored != GetParameterValue(index)) StoreParameter(index, stored);
+    TellParameter(HighestGainIndex(), highest);
 }
 
 double GraphicEQ::DecibelsAt(double hertz) const noexcept {
@@ -230,57 +182,14 @@ double GraphicEQ::DecibelsAt(double hertz) const noexcept {
 }
 
 double GraphicEQ::MasterGain() const noexcept {
-    return std::pow(10.0, ZeroIfNear(Natural(kGraphicEQMasterGain)) / 20);
+    return ToFactor(Natural(kGraphicEQMasterGain));
 }
 
-void GraphicEQ::TakeSections() noexcept {
+void GraphicEQ::TakeSections(bool settle) noexcept {
     auto offered = fHandOver.Take();
-    if (offered == nullptr) return;
-    fHandOver.GiveBack(std::exchange(fTarget, std::move(offered)));
-    fStart = fNow;
-    fGlide.Settle(0);
-    fGlide.SetTarget(1);
-    fIsFlat = fIsFlat && std::ranges::all_of(*fTarget, IsNeutral);
-}
-
-void GraphicEQ::Glide() noexcept {
-    const double share = fGlide.Next();
-    for (std::size_t i = 0; i < fNow.size(); ++i) {
-        fNow[i] = share == 1 ? (*fTarget)[i] : Between(fStart[i], (*fTarget)[i], share);
-        for (std::vector<Biquad>& channel : fBiquads)
-            channel[i].SetCoefficients(fNow[i]);
-    }
-}
-
-// Sample by sample: the first `frames` of the block.
-void GraphicEQ::ProcessGliding(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frames) noexcept {
-    for (std::size_t frame = 0; frame < frames; ++frame) {
-        if (!fGlide.IsSettled()) Glide();
-        const float master = fMaster.Next();
-        for (std::size_t channel = 0; channel < fBiquads.size(); ++channel) {
-            double sample = SaneSample(block.inputs[channel][frame]);
-            for (Biquad& biquad : fBiquads[channel])
-                sample = biquad.Process(sample);
-            block.outputs[channel][frame] = static_cast<float>(sample * master);
-        }
-    }
-}
-
-// Section by section.
-void GraphicEQ::ProcessSettled(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin) noexcept {
-    const std::span<double> sound = std::span(fScratch).first(block.frames - begin);
-    const double master = fMaster.Target();
-    for (std::size_t channel = 0; channel < fBiquads.size(); ++channel) {
-        std::transform(block.inputs[channel] + begin, block.inputs[channel] + block.frames, sound.begin(), SaneSample);
-        for (Biquad& biquad : fBiquads[channel]) {
-            if (fIsFlat) break;
-            Biquad working = biquad;
-            std::ranges::transform(sound, sound.begin(), [&](double sample) { return working.Process(sample); });
-            biquad = working;
-        }
-        std::ranges::transform(sound, block.outputs[channel] + begin,
-                               [master](double sample) { return static_cast<float>(sample * master); });
-    }
+    if (offered == nullptr && !settle) return;
+    if (offered != nullptr) fHandOver.GiveBack(std::exchange(fTarget, std::move(offered)));
+    fBands.Set(*fTarget, settle);
 }
 
 } // namespace qoc::components

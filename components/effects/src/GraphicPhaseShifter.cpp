@@ -24,11 +24,10 @@ constexpr double kWideRange = 360;
 constexpr const char* kScaleNames[] = {"$$$/GraphicPhaseShifterUI/Log=Logarithmic",
                                        "$$$/GraphicPhaseShifterUI/Linear=Linear"};
 
-constexpr float kHighestFrequency = 1e6F; // hertz: half of any sample rate is less
 constexpr float kLastChannelItem = 33;
 
 constexpr ParameterRow kCommonRows[] = {
-    {.id = "spline", .name = "$$$/GraphicPhaseShifter/SplineCurves=Spline Curves", .kind = ParameterKind::kSwitch},
+    CurveFilterRows::Spline("$$$/GraphicPhaseShifter/SplineCurves=Spline Curves"),
     {.id = "fftSize",
      .name = "$$$/GraphicPhaseShifter/FFTSize=FFT Size",
      .lo = 32,
@@ -47,32 +46,13 @@ constexpr ParameterRow kCommonRows[] = {
      .kind = ParameterKind::kChoice,
      .flags = kParameterNotAutomatable,
      .items = kRangeNames},
-    {.id = "scale",
-     .name = "$$$/GraphicPhaseShifter/Scale=Frequency Scale",
-     .kind = ParameterKind::kChoice,
-     .flags = kParameterNotAutomatable,
-     .items = kScaleNames},
-    {.id = "viewStart",
-     .name = "$$$/GraphicPhaseShifter/ViewStart=Lowest Frequency Shown",
-     .unit = "Hz",
-     .defaultValue = 20,
-     .decimals = 1,
-     .scale = ParameterScale::kNyquist,
-     .flags = kParameterNotAutomatable},
-    {.id = "viewEnd",
-     .name = "$$$/GraphicPhaseShifter/ViewEnd=Highest Frequency Shown",
-     .unit = "Hz",
-     .defaultValue = kHighestFrequency,
-     .decimals = 1,
-     .scale = ParameterScale::kNyquist,
-     .flags = kParameterNotAutomatable},
+    CurveFilterRows::Scale("$$$/GraphicPhaseShifter/Scale=Frequency Scale", kScaleNames),
+    CurveFilterRows::View("viewStart", "$$$/GraphicPhaseShifter/ViewStart=Lowest Frequency Shown", 20),
+    CurveFilterRows::View("viewEnd", "$$$/GraphicPhaseShifter/ViewEnd=Highest Frequency Shown",
+                          CurveFilterRows::kHighestFrequency),
     {},
     {},
-    {.id = "points",
-     .name = "$$$/GraphicPhaseShifter/Points=Curve Points",
-     .hi = 128,
-     .defaultValue = 2,
-     .decimals = 0},
+    CurveFilterRows::PointCount("$$$/GraphicPhaseShifter/Points=Curve Points"),
 };
 
 // Places on the graph's axes: 0 at 20 Hz and 1 at half the sample rate, 0 at the bottom of the phase range and 1 at its
@@ -96,35 +76,14 @@ double FlatWindow(double place) noexcept {
     return 1 - std::pow(1 - WindowAt(WindowKind::kHann, place), 6);
 }
 
-std::complex<double> Turn(double degrees) noexcept {
-    return std::polar(1.0, degrees * std::numbers::pi / 180);
-}
-
 } // namespace
 
 GraphicPhaseShifter::GraphicPhaseShifter()
-    : CurveFilter(kGraphicPhaseShifterComponentID,
-                  std::move(ParameterTable()
-                                .Add(kCommonRows)
-                                .AddRepeated(kFirstPointRows, 1)
-                                .AddRepeated(kPointRows, static_cast<int>(kMostPoints) - 1, 2)),
-                  {.updating = kPhaseShifterUpdating, .firstPoint = kPhaseShifterFirstPoint}) {
+    : CurveFilter(kGraphicPhaseShifterComponentID, {kCommonRows, kFirstPointRows, kPointRows},
+                  {.updating = kPhaseShifterUpdating, .firstPoint = kPhaseShifterFirstPoint}, CurveFIR::Kind::kPhase) {
 }
 
 GraphicPhaseShifter::~GraphicPhaseShifter() = default;
-
-std::vector<float> GraphicPhaseShifter::DesignFIR(std::size_t size, CurveFIR& designer) const {
-    const FrequencyCurve curve = ReadCurve();
-    const std::size_t last = size / 2;
-    const std::vector<double> degrees = curve.Sample(last + 1, Nyquist());
-    CurveFIR::Spectrum spectrum(last + 1);
-    std::ranges::transform(degrees, spectrum.begin(), [](double phase) { return std::complex<float>(Turn(phase)); });
-    std::vector<CurveFIR::Node> nodes;
-    for (const FrequencyCurve::Point& point : curve.Points())
-        nodes.push_back({point.hertz / Nyquist() * static_cast<double>(last), Turn(point.value)});
-    if (fWindow == nullptr || fWindow->Size() != size) fWindow = std::make_unique<FIRWindow>(FlatWindow, size);
-    return designer.Design(std::move(spectrum), nodes, *fWindow, CurveFIR::Kind::kPhase);
-}
 
 std::size_t GraphicPhaseShifter::ChosenSize() const noexcept {
     return static_cast<std::size_t>(kSizes[Item(kPhaseShifterSize)]);
@@ -159,6 +118,15 @@ FrequencyCurve GraphicPhaseShifter::ReadCurve() const {
     }
     const auto axis = isLinear ? FrequencyCurve::Axis::kLinear : FrequencyCurve::Axis::kLogarithmic;
     return {std::move(points), axis, IsOn(kPhaseShifterSplineCurves), 0};
+}
+
+std::complex<double> GraphicPhaseShifter::ResponseOf(double degrees) const noexcept {
+    return std::polar(1.0, degrees * std::numbers::pi / 180);
+}
+
+const FIRWindow& GraphicPhaseShifter::Window(std::size_t size) const {
+    if (fWindow == nullptr || fWindow->Size() != size) fWindow = std::make_unique<FIRWindow>(FlatWindow, size);
+    return *fWindow;
 }
 
 } // namespace qoc::components

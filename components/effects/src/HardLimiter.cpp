@@ -1,6 +1,7 @@
 #include "qoc/components/HardLimiter.h"
 
 #include "qoc/components/ComponentIDs.h"
+#include "qoc/components/Decibels.h"
 #include "qoc/components/ParameterIndices.h"
 #include "qoc/components/SaneSample.h"
 
@@ -48,13 +49,6 @@ constexpr ParameterRow kRows[] = {
 };
 
 constexpr double kMilliseconds = 1e-3;
-// A step of the stored float is that large near 0 dB: anything this near is meant to be 0 dB.
-constexpr float kUnityWindow = 2e-5F;
-
-float ToGain(float decibels) noexcept {
-    return std::abs(decibels) < kUnityWindow ? 1.0F : static_cast<float>(std::pow(10.0, decibels / 20.0));
-}
-
 } // namespace
 
 HardLimiter::HardLimiter() : ComponentBase(kHardLimiterComponentID, std::move(ParameterTable().Add(kRows))) {
@@ -66,7 +60,7 @@ void HardLimiter::PrepareProcessing(std::size_t /*maximumBlock*/) {
     const double sampleRate = GetSampleRate();
     const auto longest = static_cast<std::size_t>(std::ceil(kLongestLookAhead * kMilliseconds * sampleRate));
     // A peak is told when the sample before it is this old.
-    fLatency = longest + LimiterGain::kHold + TruePeak::kDelay + 1;
+    fLatency = longest + LimiterCourse::kHold + TruePeak::kDelay + 1;
     fBoost.Prepare(sampleRate);
     fCeiling.Prepare(sampleRate);
     fChannels.assign(GetNumberOfInputChannels(), {});
@@ -79,7 +73,6 @@ void HardLimiter::PrepareProcessing(std::size_t /*maximumBlock*/) {
 void HardLimiter::ResetProcessing() noexcept {
     for (Channel& channel : fChannels) {
         channel.peak.Reset();
-        channel.gain.Reset();
         std::ranges::fill(channel.sound, 0.0F);
         channel.allowed = channel.allowedBefore = 1;
     }
@@ -87,16 +80,13 @@ void HardLimiter::ResetProcessing() noexcept {
 }
 
 void HardLimiter::ReadParameters(bool settle) noexcept {
-    const auto set = [settle](SmoothedValue& value, float target) {
-        settle ? value.Settle(target) : value.SetTarget(target);
-    };
-    set(fCeiling, ToGain(Natural(kHardLimiterMaximumAmplitude)));
-    set(fBoost, ToGain(Natural(kHardLimiterInputBoost)));
+    fCeiling.Set(ToFactor(Natural(kHardLimiterMaximumAmplitude)), settle);
+    fBoost.Set(ToFactor(Natural(kHardLimiterInputBoost)), settle);
     fIsLinked = IsOn(kHardLimiterLinkChannels);
     const double perMillisecond = kMilliseconds * GetSampleRate();
     for (Channel& channel : fChannels) {
         channel.gain.SetLookAhead(
-            static_cast<std::size_t>(std::llround(Natural(kHardLimiterLookAhead) * perMillisecond)));
+            static_cast<std::size_t>(std::llround(Natural(kHardLimiterLookAhead) * perMillisecond)), settle);
         channel.gain.SetRelease(Natural(kHardLimiterRelease) * perMillisecond);
     }
 }

@@ -133,24 +133,12 @@ private:
     std::size_t fCount = 0;
 };
 
-bool IsSame(const kroaudiofilterhost::FrequencyAxis& a, const kroaudiofilterhost::FrequencyAxis& b) {
-    return a.start == b.start && a.end == b.end && a.logarithmic == b.logarithmic;
-}
-
-// The place that shows `hertz`; `count` or more when it is none.
-std::size_t PlaceOf(double hertz, const kroaudiofilterhost::FrequencyAxis& axis, std::size_t count) {
-    const double part = axis.logarithmic ? std::log(hertz / axis.start) / std::log(axis.end / axis.start)
-                                         : (hertz - axis.start) / (axis.end - axis.start);
-    const double place = std::round(part * static_cast<double>(count - 1));
-    return place >= 0 && place < static_cast<double>(count) ? static_cast<std::size_t>(place) : count;
-}
-
 // One register of channels, which all do the same.
 template <class Real>
 struct LanesOf {
     static constexpr std::size_t kBytes = 16;
     static constexpr std::size_t kCount = kBytes / sizeof(Real);
-    typedef Real Type __attribute__((vector_size(kBytes)));
+    using Type __attribute__((vector_size(kBytes))) = Real;
 };
 
 } // namespace
@@ -192,11 +180,7 @@ Notch::~Notch() = default;
 bool Notch::GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
                                  std::vector<float>& decibels) const {
     if (count == 0) return false;
-    const std::int32_t dirtyCount = GetParameterDirtyCount();
-    const bool isKnown = fResponse.decibels.size() == count && fResponse.dirtyCount == dirtyCount &&
-                         fResponse.sampleRate == GetSampleRate() && IsSame(fResponse.axis, axis);
-    if (!isKnown) fResponse = {dirtyCount, GetSampleRate(), axis, ComputeResponse(count, axis)};
-    decibels = fResponse.decibels;
+    decibels = fResponse.Get(*this, axis, count, [&] { return ComputeResponse(count, axis); });
     return true;
 }
 
@@ -251,11 +235,11 @@ std::vector<float> Notch::ComputeResponse(std::size_t count, const kroaudiofilte
     for (int i = 0; i < kSections; ++i)
         if (IsHeard(i)) cascade.Add(SettingOf(i));
     std::vector<float> decibels(count);
-    for (std::size_t i = 0; i < count; ++i)
-        decibels[i] = cascade.DecibelsAt(axis.HertzAt(i, count));
+    std::ranges::transform(axis.AllHertz(count), decibels.begin(),
+                           [&](double hertz) { return cascade.DecibelsAt(hertz); });
     for (int i = 0; i < kSections; ++i) {
         const float centre = SettingOf(i).frequency;
-        const std::size_t place = PlaceOf(centre, axis, count);
+        const std::size_t place = axis.PlaceOf(centre, count);
         if (IsHeard(i) && place < count) decibels[place] = cascade.DecibelsAt(centre);
     }
     return decibels;

@@ -14,13 +14,10 @@ void NotchSection::Prepare(double sampleRate) noexcept {
 
 void NotchSection::Set(const Setting& setting, bool settle) noexcept {
     const bool isHeard = !IsNeutral();
-    const auto set = [](SmoothedValue& value, float target, bool jump) {
-        jump ? value.Settle(target) : value.SetTarget(target);
-    };
     fTargetFrequency = setting.frequency;
-    set(fPitch, std::log(setting.frequency), settle || !isHeard);
-    set(fDamping, 1 / setting.q, settle || !isHeard);
-    set(fGain, setting.gain, settle);
+    fPitch.Set(std::log(setting.frequency), settle || !isHeard);
+    fDamping.Set(1 / setting.q, settle || !isHeard);
+    fGain.Set(setting.gain, settle);
     if (IsSettled()) fCoefficients = Design(fTargetFrequency, fDamping.Target(), fGain.Target());
 }
 

@@ -21,6 +21,7 @@ void Shift(std::vector<float>& values, std::size_t count) noexcept {
 void OverlapAdd::Prepare(std::size_t channels, const Layout& layout, std::vector<float> analysis,
                          std::vector<float> synthesis) {
     fLayout = layout;
+    fGrid.SetHop(layout.hop);
     fTransform.emplace(layout.transform);
     fAnalysis = std::move(analysis);
     fSynthesis = std::move(synthesis);
@@ -41,29 +42,23 @@ void OverlapAdd::Reset() noexcept {
         std::ranges::fill(channel.input, 0.0F);
         std::ranges::fill(channel.output, 0.0F);
     }
-    fPosition = 0;
+    fGrid.Reset();
 }
 
 void OverlapAdd::Process(const kroaudiofilterhost::AudioFilterBlock& block, SpectrumProcessor& processor) noexcept {
-    for (std::size_t done = 0; done < block.frames;) {
-        const std::size_t frames = std::min(block.frames - done, fLayout.hop - fPosition);
-        Exchange(block, done, frames);
-        done += frames;
-        fPosition += frames;
-        if (fPosition == fLayout.hop) {
-            RunFrame(processor);
-            fPosition = 0;
-        }
-    }
+    fGrid.Cut(
+        block.frames,
+        [&](std::size_t begin, std::size_t frames, std::size_t position) { Exchange(block, begin, frames, position); },
+        [&] { RunFrame(processor); });
 }
 
 // Input first, for the output may be the same memory.
-void OverlapAdd::Exchange(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin,
-                          std::size_t frames) noexcept {
+void OverlapAdd::Exchange(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames,
+                          std::size_t position) noexcept {
     for (std::size_t channel = 0; channel < fChannels.size(); ++channel) {
-        float* const newest = fChannels[channel].input.data() + (fLayout.frame - fLayout.hop) + fPosition;
+        float* const newest = fChannels[channel].input.data() + (fLayout.frame - fLayout.hop) + position;
         std::transform(block.inputs[channel] + begin, block.inputs[channel] + begin + frames, newest, SaneSample);
-        std::copy_n(fChannels[channel].output.data() + fPosition, frames, block.outputs[channel] + begin);
+        std::copy_n(fChannels[channel].output.data() + position, frames, block.outputs[channel] + begin);
     }
 }
 

@@ -1,8 +1,8 @@
 #include "qoc/components/ParametricEQ.h"
 
 #include "qoc/components/ComponentIDs.h"
+#include "qoc/components/Decibels.h"
 #include "qoc/components/ParameterIndices.h"
-#include "qoc/components/SaneSample.h"
 
 #include <algorithm>
 #include <cmath>
@@ -130,40 +130,12 @@ ParameterTable Table() {
     return std::move(table.AddRepeated(kSteepRows, 2).AddRepeated(kSlopeRows, 2).Add(kToldRows));
 }
 
-// A step of the stored float is less than that: anything this near is meant to be 0 dB.
-constexpr double kZeroWindow = 2e-5;
-
-double ZeroIfNear(double decibels) noexcept {
-    return std::abs(decibels) < kZeroWindow ? 0 : decibels;
-}
-
 double Decibels(const ParametricEQDesign::Sections& sections, double sampleRate, double hertz) noexcept {
     const ResponsePoint point(sampleRate, hertz);
     double power = 1;
     for (const BiquadCoefficients& section : sections)
-        if (!ParametricEQDesign::IsNeutral(section)) power *= section.MagnitudeSquared(point);
+        if (!section.IsNeutral()) power *= section.MagnitudeSquared(point);
     return 10 * std::log10(power);
-}
-
-double Between(double from, double to, double share) noexcept {
-    return from + share * (to - from);
-}
-
-// Both stable, so what lies between is: the stable coefficients form a triangle in the plane of a1 and a2.
-BiquadCoefficients Between(const BiquadCoefficients& from, const BiquadCoefficients& to, double share) noexcept {
-    return {Between(from.b0, to.b0, share), Between(from.b1, to.b1, share), Between(from.b2, to.b2, share),
-            Between(from.a1, to.a1, share), Between(from.a2, to.a2, share)};
-}
-
-bool IsSame(const BiquadCoefficients& a, const BiquadCoefficients& b) noexcept {
-    return a.b0 == b.b0 && a.b1 == b.b1 && a.b2 == b.b2 && a.a1 == b.a1 && a.a2 == b.a2;
-}
-
-// The distance of the outer pole from the middle of the unit circle.
-double PoleRadius(const BiquadCoefficients& section) noexcept {
-    const double half = section.a1 / 2;
-    const double discriminant = half * half - section.a2;
-    return discriminant < 0 ? std::sqrt(section.a2) : std::abs(half) + std::sqrt(discriminant);
 }
 
 } // namespace
@@ -176,10 +148,8 @@ ParametricEQ::~ParametricEQ() = default;
 
 std::size_t ParametricEQ::Tail() const noexcept {
     constexpr double kDecayed = 1e-5; // 100 dB
-    double radius = 0;
-    for (const BiquadCoefficients& section : ParametricEQDesign::Make(SettingsOfParameters(), GetSampleRate()))
-        if (!ParametricEQDesign::IsNeutral(section)) radius = std::max(radius, PoleRadius(section));
-    return radius > 0 ? static_cast<std::size_t>(std::ceil(std::log(kDecayed) / std::log(radius))) : 0;
+    const Sections sections = ParametricEQDesign::Make(SettingsOfParameters(), GetSampleRate());
+    return static_cast<std::size_t>(std::ceil(BiquadCoefficients::DecaySamples(sections, kDecayed)));
 }
 
 bool ParametricEQ::GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
@@ -188,8 +158,9 @@ bool ParametricEQ::GetMagnitudeResponse(std::size_t count, const kroaudiofilterh
     const Sections sections = ParametricEQDesign::Make(SettingsOfParameters(), GetSampleRate());
     const double output = OutputDecibels();
     decibels.resize(count);
-    for (std::size_t i = 0; i < count; ++i)
-        decibels[i] = static_cast<float>(output + Decibels(sections, GetSampleRate(), axis.HertzAt(i, count)));
+    std::ranges::transform(axis.AllHertz(count), decibels.begin(), [&](double hertz) {
+        return static_cast<float>(output + Decibels(sections, GetSampleRate(), hertz));
+    });
     return true;
 }
 
@@ -202,34 +173,23 @@ void ParametricEQ::ParameterHasChanged(int /*index*/) {
     StoreHighestGain();
 }
 
-void ParametricEQ::PrepareProcessing(std::size_t maximumBlock) {
-    fBiquads.assign(GetNumberOfInputChannels(), {});
-    fScratch.resize(maximumBlock);
-    fGlide.Prepare(GetSampleRate());
+void ParametricEQ::PrepareProcessing(std::size_t /*maximumBlock*/) {
+    fBands.Prepare(GetSampleRate(), GetNumberOfInputChannels(), ParametricEQDesign::kSections);
     fGain.Prepare(GetSampleRate());
     StoreHighestGain();
 }
 
 void ParametricEQ::ResetProcessing() noexcept {
-    for (auto& channel : fBiquads)
-        for (Biquad& biquad : channel)
-            biquad.Reset();
+    fBands.Reset();
 }
 
 void ParametricEQ::ReadParameters(bool settle) noexcept {
-    const Sections sections = ParametricEQDesign::Make(SettingsOfParameters(), GetSampleRate());
-    const auto gain = static_cast<float>(std::pow(10.0, OutputDecibels() / 20));
-    settle ? fGain.Settle(gain) : fGain.SetTarget(gain);
-    if (!settle) return GlideTo(sections);
-    fTarget = sections;
-    fGlide.Settle(1);
-    Glide();
+    fBands.Set(ParametricEQDesign::Make(SettingsOfParameters(), GetSampleRate()), settle);
+    fGain.Set(ToFactor(OutputDecibels()), settle);
 }
 
 void ParametricEQ::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
-    const std::size_t gliding = std::min(block.frames, std::max(fGlide.Remaining(), fGain.Remaining()));
-    ProcessGliding(block, gliding);
-    ProcessSettled(block, gliding);
+    fBands.Process(block, fGain);
 }
 
 ParametricEQDesign::Settings ParametricEQ::SettingsOfParameters() const noexcept {
@@ -281,66 +241,7 @@ void ParametricEQ::StoreHighestGain() {
         const double hertz = std::min<double>(Natural(kParametricEQFirstFrequency + band), axis.end);
         highest = std::max(highest, Decibels(sections, rate, hertz));
     }
-    const float stored = GetParameterInfo(kParametricEQHighestGain)->ToNormalised(static_cast<float>(highest));
-    if (stored != GetParameterValue(kParametricEQHighestGain)) StoreParameter(kParametricEQHighestGain, stored);
-}
-
-void ParametricEQ::GlideTo(const Sections& sections) noexcept {
-    if (std::ranges::equal(sections, fTarget, IsSame)) return;
-    fStart = fNow;
-    fTarget = sections;
-    fGlide.Settle(0);
-    fGlide.SetTarget(1);
-}
-
-void ParametricEQ::Glide() noexcept {
-    const double share = fGlide.Next();
-    for (std::size_t i = 0; i < fNow.size(); ++i) {
-        fNow[i] = share == 1 ? fTarget[i] : Between(fStart[i], fTarget[i], share);
-        for (auto& channel : fBiquads)
-            channel[i].SetCoefficients(fNow[i]);
-    }
-    if (fGlide.IsSettled()) ForgetNeutralSections();
-}
-
-// From here on they are left out; what they hold is next to nothing, and would be stale when they are needed again.
-void ParametricEQ::ForgetNeutralSections() noexcept {
-    for (std::size_t i = 0; i < fNow.size(); ++i) {
-        if (!ParametricEQDesign::IsNeutral(fNow[i])) continue;
-        for (auto& channel : fBiquads)
-            channel[i].Reset();
-    }
-}
-
-// Sample by sample: the first `frames` of the block.
-void ParametricEQ::ProcessGliding(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frames) noexcept {
-    for (std::size_t frame = 0; frame < frames; ++frame) {
-        if (!fGlide.IsSettled()) Glide();
-        const float gain = fGain.Next();
-        for (std::size_t channel = 0; channel < fBiquads.size(); ++channel) {
-            double sample = SaneSample(block.inputs[channel][frame]);
-            for (Biquad& biquad : fBiquads[channel])
-                sample = biquad.Process(sample);
-            block.outputs[channel][frame] = static_cast<float>(sample * gain);
-        }
-    }
-}
-
-// Section by section.
-void ParametricEQ::ProcessSettled(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin) noexcept {
-    const std::span<double> sound = std::span(fScratch).first(block.frames - begin);
-    const double gain = fGain.Target();
-    for (std::size_t channel = 0; channel < fBiquads.size(); ++channel) {
-        std::transform(block.inputs[channel] + begin, block.inputs[channel] + block.frames, sound.begin(), SaneSample);
-        for (Biquad& biquad : fBiquads[channel]) {
-            if (ParametricEQDesign::IsNeutral(biquad.Coefficients())) continue;
-            Biquad working = biquad;
-            std::ranges::transform(sound, sound.begin(), [&](double sample) { return working.Process(sample); });
-            biquad = working;
-        }
-        std::ranges::transform(sound, block.outputs[channel] + begin,
-                               [gain](double sample) { return static_cast<float>(sample * gain); });
-    }
+    TellParameter(kParametricEQHighestGain, highest);
 }
 
 } // namespace qoc::components

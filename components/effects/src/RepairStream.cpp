@@ -10,7 +10,7 @@ void RepairStream::Prepare(std::size_t channels, const Layout& layout) {
     fLayout = layout;
     const std::vector<float> silence(layout.Frame() + layout.hop);
     fChannels.assign(channels, {silence, silence});
-    fPosition = 0;
+    fGrid.SetHop(layout.hop);
 }
 
 void RepairStream::Reset() noexcept {
@@ -18,32 +18,26 @@ void RepairStream::Reset() noexcept {
         std::ranges::fill(channel.original, 0.0F);
         std::ranges::fill(channel.repaired, 0.0F);
     }
-    fPosition = 0;
+    fGrid.Reset();
 }
 
 void RepairStream::Process(const kroaudiofilterhost::AudioFilterBlock& block, FrameRepairer& repairer) noexcept {
-    for (std::size_t done = 0; done < block.frames;) {
-        const std::size_t frames = std::min(block.frames - done, fLayout.hop - fPosition);
-        Exchange(block, done, frames);
-        done += frames;
-        fPosition += frames;
-        if (fPosition == fLayout.hop) {
-            RunFrame(repairer);
-            fPosition = 0;
-        }
-    }
+    fGrid.Cut(
+        block.frames,
+        [&](std::size_t begin, std::size_t frames, std::size_t position) { Exchange(block, begin, frames, position); },
+        [&] { RunFrame(repairer); });
 }
 
 // Input first, for the output may be the same memory.
-void RepairStream::Exchange(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin,
-                            std::size_t frames) noexcept {
-    const std::size_t newest = fLayout.Frame() + fPosition;
+void RepairStream::Exchange(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames,
+                            std::size_t position) noexcept {
+    const std::size_t newest = fLayout.Frame() + position;
     for (std::size_t channel = 0; channel < fChannels.size(); ++channel) {
         float* const original = fChannels[channel].original.data() + newest;
         float* const repaired = fChannels[channel].repaired.data();
         std::transform(block.inputs[channel] + begin, block.inputs[channel] + begin + frames, original, SaneSample);
         std::copy_n(original, frames, repaired + newest);
-        std::copy_n(repaired + fLayout.before + fPosition, frames, block.outputs[channel] + begin);
+        std::copy_n(repaired + fLayout.before + position, frames, block.outputs[channel] + begin);
     }
 }
 

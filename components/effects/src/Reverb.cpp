@@ -97,12 +97,8 @@ void Reverb::ResetProcessing() noexcept {
 }
 
 void Reverb::ReadParameters(bool settle) noexcept {
-    const auto set = [settle](SmoothedValue& value, float percent) {
-        const auto level = static_cast<float>(percent * kPercent);
-        settle ? value.Settle(level) : value.SetTarget(level);
-    };
-    set(fDry, Natural(kReverbDry));
-    set(fWet, Natural(kReverbWet));
+    fDry.Set(Natural(kReverbDry) * kPercent, settle);
+    fWet.Set(Natural(kReverbWet) * kPercent, settle);
     fRoom.SetSums(IsOn(kReverbSumInputs), settle);
     fPredelay.Set(static_cast<std::size_t>(std::lround(Natural(kReverbPredelay) * kMilliseconds * GetSampleRate())),
                   settle);
@@ -130,12 +126,8 @@ void Reverb::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noe
 }
 
 void Reverb::Tell() noexcept {
-    const auto tell = [this](int index, double natural) {
-        const float stored = GetParameterInfo(index)->ToNormalised(static_cast<float>(natural));
-        if (stored != GetParameterValue(index)) StoreParameter(index, stored);
-    };
-    tell(kReverbLength, (Natural(kReverbPredelay) + Natural(kReverbDecay)) * kMilliseconds);
-    tell(kReverbDirectRatio, DirectRatio(Natural(kReverbDry), Natural(kReverbWet)));
+    TellParameter(kReverbLength, (Natural(kReverbPredelay) + Natural(kReverbDecay)) * kMilliseconds);
+    TellParameter(kReverbDirectRatio, DirectRatio(Natural(kReverbDry), Natural(kReverbWet)));
 }
 
 } // namespace qoc::components

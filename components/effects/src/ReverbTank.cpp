@@ -22,6 +22,10 @@ constexpr double kDiffuserDecay = 0.4;
 constexpr double kHighFrequency = 3500; // hertz: where the decay is midway between that of low and high frequencies
 constexpr double kGlideSeconds = 0.05;
 
+// Samples between the lines' rings. Their sizes are powers of two, and at the same distance from each other all of them
+// would take the same place in the processor's cache.
+constexpr std::size_t kApart = 80;
+
 constexpr std::size_t kTurnPeriod = 32;             // samples from which to which the matrix turns evenly
 constexpr double kAngleLag = 0.03;                  // seconds
 constexpr double kFullAngle = std::numbers::pi / 4; // every line feeds all lines alike
@@ -64,6 +68,19 @@ void SetBetween(std::array<float, kCount>& values, const std::array<float, kCoun
         values[i] = Between(from[i], to[i], share);
 }
 
+// The lines that are a stride apart, by pairs.
+template <std::size_t kStride, std::size_t kCount>
+void Rotate(std::array<float, kCount>& sound, float cosine, float sine) noexcept {
+    for (std::size_t first = 0; first < kCount; first += 2 * kStride) {
+        for (std::size_t line = first; line < first + kStride; ++line) {
+            const float one = sound[line];
+            const float other = sound[line + kStride];
+            sound[line] = cosine * one + sine * other;
+            sound[line + kStride] = cosine * other - sine * one;
+        }
+    }
+}
+
 // By which lines are heard upside down: a bent function, so that the sum is akin to none of the vectors that the matrix
 // turns about.
 constexpr float SignOf(std::size_t line) noexcept {
@@ -79,7 +96,8 @@ void ReverbTank::Prepare(double sampleRate, std::size_t channels) {
     const double longest = kLongestMean * kLongestLine * sampleRate + 100;
     const std::size_t size = std::bit_ceil(static_cast<std::size_t>(longest));
     fMask = size - 1;
-    fRing.assign(size * kLines, 0.0F);
+    fStride = size + kApart;
+    fRings.assign(fStride * kLines, 0.0F);
     fGlideLength = static_cast<std::size_t>(std::ceil(kGlideSeconds * sampleRate));
 
     const std::size_t groups = std::clamp<std::size_t>(channels, 1, kLines);
@@ -89,8 +107,12 @@ void ReverbTank::Prepare(double sampleRate, std::size_t channels) {
     fGroups.assign(groups, {});
     for (std::size_t i = 0; i < groups; ++i) {
         const double lines = std::floor(static_cast<double>(kLines - 1 - i) / static_cast<double>(groups)) + 1;
-        fGroups[i].inputGain = static_cast<float>(1 / std::sqrt(lines));
-        fGroups[i].outputGain = static_cast<float>(std::sqrt(kLines / (lines * static_cast<double>(groups))));
+        for (std::size_t line = i; line < kLines; line += groups) {
+            fGroupOfLine[line] = i;
+            fInputGain[line] = static_cast<float>(1 / std::sqrt(lines));
+            fOutputGain[line] =
+                SignOf(line) * static_cast<float>(std::sqrt(kLines / (lines * static_cast<double>(groups))));
+        }
         for (std::size_t stage = 0; stage < kDiffusers; ++stage) {
             const double seconds = kDiffuserSeconds[stage] * (1 + kDiffuserSpread * static_cast<double>(i));
             fGroups[i].allpasses[stage].resize(PrimeFrom(seconds * sampleRate));
@@ -99,7 +121,7 @@ void ReverbTank::Prepare(double sampleRate, std::size_t channels) {
 }
 
 void ReverbTank::Reset() noexcept {
-    std::ranges::fill(fRing, 0.0F);
+    std::ranges::fill(fRings, 0.0F);
     fPosition = 0;
     for (Group& group : fGroups) {
         for (std::vector<float>& allpass : group.allpasses)
@@ -143,19 +165,14 @@ void ReverbTank::Process(const float* inputs, float* outputs) noexcept {
     Absorb(sound);
     for (Group& group : fGroups)
         group.output = fNow.onset * group.diffused;
-    for (std::size_t line = 0; line < kLines; ++line) {
-        Group& group = fGroups[line % fGroups.size()];
-        group.output += group.outputGain * SignOf(line) * sound[line];
-    }
+    for (std::size_t line = 0; line < kLines; ++line)
+        fGroups[fGroupOfLine[line]].output += fOutputGain[line] * sound[line];
     for (std::size_t channel = 0; channel < fGroupOf.size(); ++channel)
         outputs[channel] = fNow.level * fGroups[fGroupOf[channel]].output;
 
     Mix(sound);
-    float* const written = &fRing[fPosition * kLines];
-    for (std::size_t line = 0; line < kLines; ++line) {
-        const Group& group = fGroups[line % fGroups.size()];
-        written[line] = sound[line] + group.inputGain * group.diffused;
-    }
+    for (std::size_t line = 0; line < kLines; ++line)
+        fRings[line * fStride + fPosition] = sound[line] + fInputGain[line] * fGroups[fGroupOfLine[line]].diffused;
     fPosition = (fPosition + 1) & fMask;
 }
 
@@ -255,37 +272,31 @@ void ReverbTank::Diffuse(Group& group) const noexcept {
 
 void ReverbTank::ReadLines(Lines& sound) const noexcept {
     for (std::size_t line = 0; line < kLines; ++line)
-        sound[line] = fRing[((fPosition - fTo.length[line]) & fMask) * kLines + line];
+        sound[line] = fRings[line * fStride + ((fPosition - fTo.length[line]) & fMask)];
     if (fGlideRemaining == 0) return;
     for (std::size_t line = 0; line < kLines; ++line) {
-        const float before = fRing[((fPosition - fFrom.length[line]) & fMask) * kLines + line];
+        const float before = fRings[line * fStride + ((fPosition - fFrom.length[line]) & fMask)];
         sound[line] = Between(before, sound[line], fShare);
     }
 }
 
 void ReverbTank::Absorb(Lines& sound) noexcept {
-    for (std::size_t line = 0; line < kLines; ++line) {
-        const float output =
+    Lines output; // nothing else can be the same memory, so that the loop becomes one of vectors
+    for (std::size_t line = 0; line < kLines; ++line)
+        output[line] =
             fNow.b0[line] * sound[line] + fNow.b1[line] * fInputBefore[line] - fNow.a1[line] * fOutputBefore[line];
-        fInputBefore[line] = sound[line];
-        fOutputBefore[line] = output;
-    }
-    sound = fOutputBefore;
+    fInputBefore = sound;
+    sound = fOutputBefore = output;
 }
 
 void ReverbTank::Mix(Lines& sound) noexcept {
+    Rotate<1>(sound, fCosine[0], fSine[0]);
+    Rotate<2>(sound, fCosine[1], fSine[1]);
+    Rotate<4>(sound, fCosine[2], fSine[2]);
+    Rotate<8>(sound, fCosine[3], fSine[3]);
     for (std::size_t stage = 0; stage < kStages; ++stage) {
         const float cosine = fCosine[stage];
         const float sine = fSine[stage];
-        const std::size_t stride = std::size_t{1} << stage;
-        for (std::size_t first = 0; first < kLines; first += 2 * stride) {
-            for (std::size_t line = first; line < first + stride; ++line) {
-                const float one = sound[line];
-                const float other = sound[line + stride];
-                sound[line] = cosine * one + sine * other;
-                sound[line + stride] = cosine * other - sine * one;
-            }
-        }
         fCosine[stage] = cosine * fStepCosine[stage] - sine * fStepSine[stage];
         fSine[stage] = sine * fStepCosine[stage] + cosine * fStepSine[stage];
     }

@@ -17,8 +17,7 @@ void RoomChannels::Prepare(double sampleRate, const kromediatypes::AudioChannelL
 }
 
 void RoomChannels::SetSums(bool sums, bool settle) noexcept {
-    const float share = sums ? 1.0F : 0.0F;
-    settle ? fMeanShare.Settle(share) : fMeanShare.SetTarget(share);
+    fMeanShare.Set(sums ? 1 : 0, settle);
 }
 
 void RoomChannels::Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame) noexcept {

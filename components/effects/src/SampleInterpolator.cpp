@@ -78,7 +78,7 @@ SampleInterpolator::Sinc::Sinc(int width, double kaiserBeta)
 float SampleInterpolator::Sinc::At(double place) const noexcept {
     const double step = std::min(place, static_cast<double>(halfWidth)) * kSteps;
     const auto index = static_cast<std::size_t>(step);
-    const float part = static_cast<float>(step - static_cast<double>(index));
+    const auto part = static_cast<float>(step - static_cast<double>(index));
     return values[index] + part * (values[index + 1] - values[index]);
 }
 

@@ -2,6 +2,7 @@
 
 #include "qoc/components/BesselPoles.h"
 #include "qoc/components/ComponentIDs.h"
+#include "qoc/components/Decibels.h"
 #include "qoc/components/ParameterIndices.h"
 
 #include <algorithm>
@@ -126,10 +127,6 @@ constexpr double kUnheardSeconds = 0.01;
 constexpr double kFadeSeconds = 0.02;
 constexpr double kLongestTail = 30; // seconds
 
-double ToFactor(double decibels) noexcept {
-    return std::pow(10.0, decibels / 20);
-}
-
 float ToDecibels(std::complex<double> response) noexcept {
     return std::max(static_cast<float>(10 * std::log10(std::norm(response))), ScientificFilter::kLowestLevel);
 }
@@ -173,17 +170,23 @@ ScientificFilter::~ScientificFilter() = default;
 bool ScientificFilter::GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
                                             std::vector<float>& decibels) const {
     if (count == 0) return false;
+    decibels = fMagnitude.Get(*this, axis, count, [&] { return ComputeMagnitude(count, axis); });
+    return true;
+}
+
+std::vector<float> ScientificFilter::ComputeMagnitude(std::size_t count,
+                                                      const kroaudiofilterhost::FrequencyAxis& axis) const {
     const FilterSections sections = Design();
     const double gain = ToFactor(Natural(kSFMasterGain));
-    decibels.resize(count);
-    for (std::size_t i = 0; i < count; ++i)
-        decibels[i] = ToDecibels(gain * sections.Response(axis.HertzAt(i, count)));
+    std::vector<float> decibels(count);
+    std::ranges::transform(axis.AllHertz(count), decibels.begin(),
+                           [&](double hertz) { return ToDecibels(gain * sections.Response(hertz)); });
     std::array<double, FilterSections::kMostSections> zeros{};
     for (const double zero : std::span(zeros).first(sections.Zeros(zeros))) {
         if (const std::size_t place = FirstPlaceFrom(zero, axis, count); place > 0 && place < count)
             decibels[place] = kLowestLevel;
     }
-    return true;
+    return decibels;
 }
 
 bool ScientificFilter::GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const {
@@ -278,9 +281,7 @@ kroaudiofilterhost::FrequencyAxis ScientificFilter::ShownAxis() const noexcept {
 }
 
 void ScientificFilter::StoreTransitionBandwidth() noexcept {
-    const auto width = static_cast<float>(TransitionBandwidth(Settings(), GetSampleRate()));
-    const float stored = std::clamp(MutableInfo(kSFTransitionBandwidth)->ToNormalised(width), 0.0F, 1.0F);
-    if (stored != StoredParameter(kSFTransitionBandwidth)) StoreParameter(kSFTransitionBandwidth, stored);
+    TellParameter(kSFTransitionBandwidth, TransitionBandwidth(Settings(), GetSampleRate()));
 }
 
 void ScientificFilter::StartFade() noexcept {

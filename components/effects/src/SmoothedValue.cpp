@@ -4,9 +4,17 @@
 
 namespace qoc::components {
 
+double SmoothedValue::CoefficientAt(double sampleRate) noexcept {
+    return 1.0 - std::exp(-1.0 / (kTimeConstant * sampleRate));
+}
+
+std::size_t SmoothedValue::SettlingSamplesAt(double sampleRate) noexcept {
+    return static_cast<std::size_t>(std::ceil(kSettlingTimeConstants * kTimeConstant * sampleRate));
+}
+
 void SmoothedValue::Prepare(double sampleRate) noexcept {
-    fCoefficient = 1.0 - std::exp(-1.0 / (kTimeConstant * sampleRate));
-    fSettlingSamples = static_cast<std::size_t>(std::ceil(kSettlingTimeConstants * kTimeConstant * sampleRate));
+    fCoefficient = CoefficientAt(sampleRate);
+    fSettlingSamples = SettlingSamplesAt(sampleRate);
     Settle(fTarget);
 }
 

@@ -37,6 +37,20 @@ float MidGain(float pan) noexcept {
     return static_cast<float>(std::numbers::sqrt2 * std::cos((1.0 + pan) * std::numbers::pi / 4));
 }
 
+void Pass(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin) noexcept {
+    for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
+        std::copy(block.inputs[channel] + begin, block.inputs[channel] + block.frames, block.outputs[channel] + begin);
+}
+
+// (left + right) / 2 is the middle, (left - right) / 2 the side.
+void Mix(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t i, float toLeft, float toRight,
+         float side) noexcept {
+    const float left = block.inputs[0][i];
+    const float right = block.inputs[1][i];
+    block.outputs[0][i] = (toLeft + side) / 2 * left + (toLeft - side) / 2 * right;
+    block.outputs[1][i] = (toRight - side) / 2 * left + (toRight + side) / 2 * right;
+}
+
 } // namespace
 
 StereoExpander::StereoExpander() : ComponentBase(kStereoExpanderComponentID, std::move(ParameterTable().Add(kRows))) {
@@ -61,21 +75,19 @@ void StereoExpander::ReadParameters(bool settle) noexcept {
 
 void StereoExpander::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
     constexpr std::size_t kStereo = 2;
-    if (block.inputs.size() != kStereo || IsNeutral()) {
-        for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
-            std::copy_n(block.inputs[channel], block.frames, block.outputs[channel]);
+    if (block.inputs.size() != kStereo) {
+        Pass(block, 0);
         return;
     }
-    for (std::size_t i = 0; i < block.frames; ++i) {
-        const float left = block.inputs[0][i];
-        const float right = block.inputs[1][i];
-        const float toLeft = fMidToLeft.Next();
-        const float toRight = fMidToRight.Next();
-        const float side = fSide.Next();
-        // (left + right) / 2 is the middle, (left - right) / 2 the side.
-        block.outputs[0][i] = (toLeft + side) / 2 * left + (toLeft - side) / 2 * right;
-        block.outputs[1][i] = (toRight - side) / 2 * left + (toRight + side) / 2 * right;
+    std::size_t i = 0;
+    for (; i < block.frames && !IsSettled(); ++i)
+        Mix(block, i, fMidToLeft.Next(), fMidToRight.Next(), fSide.Next());
+    if (IsNeutral()) {
+        Pass(block, i);
+        return;
     }
+    for (; i < block.frames; ++i)
+        Mix(block, i, fMidToLeft.Target(), fMidToRight.Target(), fSide.Target());
 }
 
 bool StereoExpander::IsSettled() const noexcept {

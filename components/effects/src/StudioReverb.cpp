@@ -107,7 +107,7 @@ constexpr double kMostOfRate = 0.45; // of the sample rate: beyond it there is n
 
 } // namespace
 
-StudioReverb::StudioReverb() : ComponentBase(kStudioReverbComponentID, std::move(ParameterTable().Add(kRows))) {
+StudioReverb::StudioReverb() : RoomReverb(kStudioReverbComponentID, std::move(ParameterTable().Add(kRows))) {
     Tell();
 }
 
@@ -123,66 +123,46 @@ void StudioReverb::ParameterHasChanged(int /*index*/) {
     Tell();
 }
 
-void StudioReverb::PrepareProcessing(std::size_t /*maximumBlock*/) {
+void StudioReverb::PrepareProcessing(std::size_t maximumBlock) {
+    RoomReverb::PrepareProcessing(maximumBlock);
     const double sampleRate = GetSampleRate();
-    const kromediatypes::AudioChannelLayout& layout = GetInputBuses().front().GetLayout();
-    fRoom.Prepare(sampleRate, layout);
-    std::vector<kromediatypes::AudioChannelLabel> labels;
-    for (const std::size_t channel : fRoom.Channels())
-        labels.push_back(layout[channel]);
-    fEarly.Prepare(sampleRate, labels);
-    fTank.Prepare(sampleRate, fRoom.size());
     fCuts.Prepare(sampleRate, fRoom.size(), 2);
-    for (SmoothedValue* const value : {&fDry, &fWet, &fWidth})
-        value->Prepare(sampleRate);
-    for (std::vector<float>* const sound : {&fSound, &fDirect, &fReflected})
-        sound->assign(fRoom.size(), 0.0F);
+    fWet.Prepare(sampleRate);
+    fWidth.Prepare(sampleRate);
 }
 
 void StudioReverb::ResetProcessing() noexcept {
-    fEarly.Reset();
-    fTank.Reset();
+    RoomReverb::ResetProcessing();
     fCuts.Reset();
 }
 
 void StudioReverb::ReadParameters(bool settle) noexcept {
-    const auto set = [&](SmoothedValue& value, int index) {
-        const auto share = static_cast<float>(Natural(index) * kPercent);
-        settle ? value.Settle(share) : value.SetTarget(share);
-    };
-    set(fDry, kStudioReverbDry);
-    set(fWet, kStudioReverbWet);
-    set(fWidth, kStudioReverbWidth);
+    fDry.Set(Natural(kStudioReverbDry) * kPercent, settle);
+    fWet.Set(Natural(kStudioReverbWet) * kPercent, settle);
+    fWidth.Set(Natural(kStudioReverbWidth) * kPercent, settle);
     fRoom.SetSums(false, settle);
     ReadRoom(settle);
     ReadCuts(settle);
 }
 
-void StudioReverb::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
-    for (std::size_t i = 0; i < block.frames; ++i) {
-        fRoom.Take(block, i);
-        fTank.Process(fRoom.Sound().data(), fSound.data());
-        fEarly.Process(fRoom.Sound(), fDirect, fReflected);
-        fCuts.Advance();
-        for (std::size_t k = 0; k < fSound.size(); ++k)
-            fSound[k] = static_cast<float>(fCuts.Process(k, double{fSound[k]} + fReflected[k]));
-        Widen(fWidth.Next());
-        const float dry = fDry.Next();
-        const float wet = fWet.Next();
-        for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
-            block.outputs[channel][i] = dry * fRoom.Dry(channel);
-        for (std::size_t k = 0; k < fSound.size(); ++k)
-            block.outputs[fRoom.Channels()[k]][i] += wet * fSound[k];
-    }
+void StudioReverb::Reverberate(std::span<float> sound) noexcept {
+    fTank.Process(sound.data(), sound.data());
+}
+
+void StudioReverb::Mix(std::span<float> wet, std::span<const float> /*direct*/,
+                       std::span<const float> reflected) noexcept {
+    fCuts.Advance();
+    for (std::size_t k = 0; k < wet.size(); ++k)
+        wet[k] = static_cast<float>(fCuts.Process(k, double{wet[k]} + reflected[k]));
+    Widen(wet, fWidth.Next());
+    const float level = fWet.Next();
+    for (float& sample : wet)
+        sample *= level;
 }
 
 void StudioReverb::Tell() noexcept {
-    const auto tell = [this](int index, double natural) {
-        const float stored = GetParameterInfo(index)->ToNormalised(static_cast<float>(natural));
-        if (stored != GetParameterValue(index)) StoreParameter(index, stored);
-    };
-    tell(kStudioReverbLength, Natural(kStudioReverbDecay) * kMilliseconds);
-    tell(kStudioReverbDirectRatio, DirectRatio(Natural(kStudioReverbDry), Natural(kStudioReverbWet)));
+    TellParameter(kStudioReverbLength, Natural(kStudioReverbDecay) * kMilliseconds);
+    TellParameter(kStudioReverbDirectRatio, DirectRatio(Natural(kStudioReverbDry), Natural(kStudioReverbWet)));
 }
 
 void StudioReverb::ReadRoom(bool settle) noexcept {
@@ -214,12 +194,12 @@ void StudioReverb::ReadCuts(bool settle) noexcept {
 }
 
 // Brings the channels nearer to their mean, and keeps the power of channels that are not correlated.
-void StudioReverb::Widen(float width) noexcept {
-    if (width == 1 || fSound.size() < 2) return;
-    const auto count = static_cast<float>(fSound.size());
-    const float mean = std::accumulate(fSound.begin(), fSound.end(), 0.0F) / count;
+void StudioReverb::Widen(std::span<float> sound, float width) const noexcept {
+    if (width == 1 || sound.size() < 2) return;
+    const auto count = static_cast<float>(sound.size());
+    const float mean = std::accumulate(sound.begin(), sound.end(), 0.0F) / count;
     const float middle = std::sqrt(count - (count - 1) * width * width);
-    for (float& sample : fSound)
+    for (float& sample : sound)
         sample = middle * mean + width * (sample - mean);
 }
 

@@ -52,9 +52,9 @@ struct Weights {
     }
     // `offset` samples after the one at taps / 2 - 1.
     static float Sinc(std::size_t tap, std::size_t taps, double offset, double beta) {
-        const auto middle = static_cast<double>(taps / 2 - 1);
-        return static_cast<float>(
-            WindowedSinc(static_cast<double>(tap) - middle - offset, static_cast<double>(taps / 2), beta));
+        const std::size_t reach = taps / 2;
+        const double distance = static_cast<double>(tap) - static_cast<double>(reach - 1) - offset;
+        return static_cast<float>(WindowedSinc(distance, static_cast<double>(reach), beta));
     }
 
     std::array<float, TruePeak::kTaps> half{};

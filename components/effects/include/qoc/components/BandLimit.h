@@ -1,16 +1,16 @@
 #pragma once
 
-#include "qoc/components/Biquad.h"
+#include "qoc/components/BandGain.h"
+#include "qoc/components/GlidingSections.h"
 #include "qoc/components/SmoothedValue.h"
 
 #include <cstddef>
-#include <vector>
 
 namespace qoc::components {
 
-// The part of several channels' sound between two frequencies, or all of it: a high pass and a low pass, Butterworth
-// filters of the second order. The frequencies and the switch glide, so that nothing clicks. Owned by its effect.
-// Everything but Prepare is real time safe.
+// The part of several channels' sound between two frequencies, or all of it: heard through a high pass and a low pass,
+// Butterworth filters of the second order, and changed by a gain that leaves the rest alone. The frequencies and the
+// switch glide, so that nothing clicks. Owned by its effect. Everything but Prepare is real time safe.
 class BandLimit {
 public:
     struct Settings {
@@ -28,18 +28,18 @@ public:
     void Advance() noexcept;
     // What of the sample belongs to the band: the sample itself, bit by bit, while there is no limit.
     float Next(std::size_t channel, float sample) noexcept;
+    // The sample with the band, or all of it, changed by a gain as a factor.
+    double Changed(std::size_t channel, double sample, double gain) noexcept {
+        return fShareNow == 0 ? gain * sample : ChangedInBand(channel, sample, gain);
+    }
 
 private:
-    struct Channel {
-        Biquad high;
-        Biquad low;
-    };
-
+    double ChangedInBand(std::size_t channel, double sample, double gain) noexcept;
     bool IsHeard() const noexcept { return !fShare.IsSettled() || fShare.Target() > 0; }
-    void Design(double low, double high) noexcept;
 
     double fSampleRate = 44100;
-    std::vector<Channel> fChannels;
+    GlidingSections fFilters;
+    BandGain fGain;
     SmoothedValue fShare; // of the limited sound
     SmoothedValue fLow;   // logarithms of the frequencies
     SmoothedValue fHigh;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 namespace qoc::components {
 
 // Where a response is asked for, shared by the sections of a cascade: e^(i w) of a frequency in hertz.
@@ -33,6 +35,12 @@ struct BiquadCoefficients {
     // The squared magnitude of the response, which multiplies along a cascade; exact to some 1e-4 dB even at the bottom
     // of a narrow notch at a low frequency.
     double MagnitudeSquared(const ResponsePoint& point) const noexcept;
+    // Whether what it divides by is what it multiplies with: the sound goes through.
+    bool IsNeutral() const noexcept { return b0 == 1 && b1 == a1 && b2 == a2; }
+    // The distance of the outer pole from the middle of the unit circle.
+    double PoleRadius() const noexcept;
+    // How long the slowest of the sections rings until an impulse has decayed to that share; neutral ones do not ring.
+    static double DecaySamples(std::span<const BiquadCoefficients> sections, double share) noexcept;
 };
 
 // One section at work on one channel, in double precision (transposed direct form II). Real time safe.

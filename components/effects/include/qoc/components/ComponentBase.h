@@ -45,6 +45,9 @@ protected:
     int Item(int index) const noexcept;
     bool IsOn(int index) const noexcept;
 
+    // Stores what the effect tells in a read-only parameter, held to its range. Any thread.
+    void TellParameter(int index, double natural) noexcept;
+
     // For effects whose ranges follow the channels.
     GenericParameterInfo* MutableInfo(int index) noexcept { return fTable.Find(index); }
 
@@ -54,6 +57,7 @@ private:
     krocore::string16 fComponentID;
     ParameterTable fTable;
     std::int32_t fSeenDirtyCount = 0; // sound thread
+    bool fIsPrepared = false;
 };
 
 } // namespace qoc::components

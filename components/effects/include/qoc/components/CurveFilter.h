@@ -2,11 +2,17 @@
 
 #include "qoc/components/ComponentBase.h"
 #include "qoc/components/CurveFIR.h"
+#include "qoc/components/CurveFilterRows.h"
 #include "qoc/components/FilterPartitions.h"
+#include "qoc/components/FrequencyCurve.h"
 #include "qoc/components/HandOver.h"
 #include "qoc/components/OverlapAdd.h"
+#include "qoc/components/ResponseCache.h"
 
+#include <complex>
 #include <optional>
+#include <span>
+#include <vector>
 
 namespace qoc::components {
 
@@ -33,14 +39,23 @@ protected:
         int updating;   // marks a curve that is being rewritten
         int firstPoint; // frequency and value of the points by turns, up to the last parameter
     };
-    static constexpr std::size_t kMostPoints = 128;
+    static constexpr std::size_t kMostPoints = CurveFilterRows::kMostPoints;
     static constexpr double kLowestFrequency = 20; // hertz, where the axis begins
 
-    CurveFilter(const char16_t* componentID, ParameterTable table, const Indices& indices);
+    // `first` and `others` describe the points, two rows each.
+    struct Rows {
+        std::span<const ParameterRow> common;
+        std::span<const ParameterRow> first;
+        std::span<const ParameterRow> others;
+    };
+    CurveFilter(const char16_t* componentID, const Rows& rows, const Indices& indices, CurveFIR::Kind kind);
     ~CurveFilter() override;
 
-    // The impulse response of `size` samples for the present parameters, its middle at size / 2.
-    virtual std::vector<float> DesignFIR(std::size_t size, CurveFIR& designer) const = 0;
+    // The curve that the parameters draw, and the response that one of its values stands for.
+    virtual FrequencyCurve ReadCurve() const = 0;
+    virtual std::complex<double> ResponseOf(double value) const noexcept = 0;
+    // Of the impulse response of that many samples.
+    virtual const FIRWindow& Window(std::size_t size) const = 0;
     virtual std::size_t ChosenSize() const noexcept = 0;
     // Whether the parameter, none of the points', has a part in the response.
     virtual bool Shapes(int index) const noexcept = 0;
@@ -69,16 +84,20 @@ private:
 
     bool IsPrepared() const noexcept { return fSize > 0; }
     bool IsHeard(int index) const noexcept;
+    std::vector<float> ComputeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis) const;
     void Redesign() const;
+    std::vector<float> DesignFIR(std::size_t size) const;
     std::unique_ptr<FilterPartitions> MakePartitions(std::span<const float> fir) const;
 
     Indices fIndices;
+    CurveFIR::Kind fKind;
     // User-interface thread; mutable, since asking for the response may find the design wanting.
     mutable CurveFIR fDesigner;
     mutable std::vector<float> fFIR; // the last complete curve's; empty before the first
     mutable bool fIsStale = true;    // parameters have changed since
     mutable FIRResponse fResponse;   // of the impulse response, once somebody has asked
     mutable bool fHasResponse = false;
+    mutable ResponseCache fShown;
     std::unique_ptr<RealFFT> fPartitionTransform;
     HandOver<FilterPartitions> fHandOver;
     std::size_t fSize = 0; // as prepared

@@ -44,7 +44,7 @@ private:
         std::size_t held = 0;
     };
     struct Channel {
-        std::vector<float> sound; // rings: what came in, and what of it belongs to the band
+        std::vector<float> sound; // rings: what came in, and what of it the detector hears
         std::vector<float> band;
         double power = 0;
     };

@@ -3,6 +3,7 @@
 #include "kromediatypes/AudioChannelLabel.h"
 #include "qoc/components/Room.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -21,6 +22,9 @@ public:
     // Later than the direct sound there are none, in rooms of up to 30000 cubic metres.
     static constexpr double kLongestSeconds = 0.7;
 
+    static constexpr std::size_t kPiece = 32;
+    using Piece = std::array<float, kPiece>;
+
     struct Scene {
         Room room;
         RoomPlace source;
@@ -37,8 +41,11 @@ public:
     void Reset() noexcept;
     // `settle`: without a fade.
     void Set(const Scene& scene, bool settle) noexcept;
-    // One sample a channel.
-    void Process(std::span<const float> inputs, std::span<float> direct, std::span<float> reflected) noexcept;
+    // One sample a channel, up to kPiece times in a row.
+    void Take(std::span<const float> inputs) noexcept;
+    // What the samples taken since the last time send, by channel: as many as were taken count. A tap adds a piece at
+    // once, which is several times as fast as sample by sample.
+    void Give(std::span<Piece> direct, std::span<Piece> reflected) noexcept;
 
 private:
     struct Microphone {
@@ -63,14 +70,29 @@ private:
                  Taps& taps) const noexcept;
     RoomPlace SourceOf(const Scene& scene, std::size_t source) const noexcept;
     RoomPlace MicrophoneAt(const Room& room, const Microphone& microphone) const noexcept;
-    void Write(std::span<const float> inputs) noexcept;
-    void Add(std::span<const Tap> taps, float share, std::span<float> outputs) const noexcept;
+    void Write(std::size_t source, float sample) noexcept;
+    std::size_t RingSize() const noexcept { return fMask + 1 + kPiece; }
+
+    // Frames of a piece.
+    struct Part {
+        std::size_t begin;
+        std::size_t frames;
+        std::size_t position; // of the first in the rings
+    };
+    float ShareBefore(std::size_t frame) const noexcept;
+    void Add(const Taps& taps, const Part& part, bool isBefore, std::span<Piece> direct,
+             std::span<Piece> reflected) const noexcept;
+    void Add(std::span<const Tap> taps, const Part& part, bool isBefore, std::span<Piece> outputs) const noexcept;
 
     double fSampleRate = 44100;
     std::vector<Microphone> fMicrophones;
-    std::vector<float> fRings; // of the sources one behind the other, that of their mean last
+    // Of the sources one behind the other, that of their mean last. The first kPiece samples of each stand again behind
+    // its end.
+    std::vector<float> fRings;
+    std::size_t fLongest = 0; // samples
     std::size_t fMask = 0;
     std::size_t fPosition = 0;
+    std::size_t fTaken = 0; // and not given yet
     Scene fScene;
     Scene fPending; // waits for the fade to end
     Taps fFrom;

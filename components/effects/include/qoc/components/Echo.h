@@ -1,8 +1,8 @@
 #pragma once
 
-#include "qoc/components/Biquad.h"
 #include "qoc/components/ComponentBase.h"
 #include "qoc/components/FadingTap.h"
+#include "qoc/components/GlidingSections.h"
 #include "qoc/components/GraphicEQDesign.h"
 #include "qoc/components/HandOver.h"
 #include "qoc/components/SmoothedValue.h"
@@ -50,11 +50,9 @@ private:
     struct Channel {
         TapLine line;
         FadingTap tap;
-        std::array<Biquad, kBands> biquads;
         SmoothedValue feedback;
         SmoothedValue level;
         std::size_t mirror = 0; // the channel on the other side
-        int firstParameter = 0; // of its side
         bool isRight = false;
         float input = 0; // of the present sample
         float echo = 0;
@@ -66,9 +64,7 @@ private:
     int FirstParameter(bool isRight) const noexcept;
     std::size_t DelayInSamples(int timeParameter) const noexcept;
 
-    void TakeEqualiser() noexcept;
-    void Glide() noexcept;
-    void Repeat(Channel& channel) noexcept;
+    void TakeEqualiser(bool settle) noexcept;
 
     // User-interface thread.
     std::unique_ptr<GraphicEQDesign> fDesign;
@@ -77,11 +73,9 @@ private:
     // Sound thread.
     std::vector<Channel> fChannels;
     std::unique_ptr<Equaliser> fTarget;
-    Equaliser fStart;      // where the glide began
-    Equaliser fNow;        // and has come to
-    SmoothedValue fGlide;  // 0...1
+    GlidingSections fEqualiser;
+    SmoothedValue fEqualiserGain;
     SmoothedValue fBounce; // 0...1
-    bool fIsFlat = true;   // and was, since the last reset
 };
 
 } // namespace qoc::components

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "qoc/components/CurveFilter.h"
-#include "qoc/components/FrequencyCurve.h"
 
 namespace qoc::components {
 
@@ -17,15 +16,14 @@ public:
 protected:
     ~FFTFilter() override;
 
-    std::vector<float> DesignFIR(std::size_t size, CurveFIR& designer) const override;
+    FrequencyCurve ReadCurve() const override;
+    std::complex<double> ResponseOf(double level) const noexcept override;
+    const FIRWindow& Window(std::size_t size) const override;
     std::size_t ChosenSize() const noexcept override;
     bool Shapes(int index) const noexcept override;
     std::size_t PointCount() const noexcept override;
 
 private:
-    FrequencyCurve ReadCurve() const;
-    const FIRWindow& Window(std::size_t size) const;
-
     mutable std::unique_ptr<FIRWindow> fWindow; // the last one used
     mutable int fWindowItem = 0;
 };

@@ -1,14 +1,12 @@
 #pragma once
 
-#include "qoc/components/ComponentBase.h"
-#include "qoc/components/EarlyReflections.h"
 #include "qoc/components/FadedDelay.h"
 #include "qoc/components/GlidingSections.h"
-#include "qoc/components/ReverbTank.h"
-#include "qoc/components/RoomChannels.h"
+#include "qoc/components/RoomReverb.h"
 #include "qoc/components/SmoothedValue.h"
 
 #include <array>
+#include <span>
 #include <vector>
 
 namespace qoc::components {
@@ -21,7 +19,7 @@ namespace qoc::components {
 //
 // Response curve 0: the equaliser in decibels, over the logarithmic axis from kCurveStart to kCurveEnd (or half the
 // sample rate).
-class FullReverb : public ComponentBase {
+class FullReverb : public RoomReverb {
 public:
     static constexpr double kCurveStart = 20; // hertz
     static constexpr double kCurveEnd = 20000;
@@ -39,7 +37,8 @@ protected:
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;
-    void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
+    void Reverberate(std::span<float> sound) noexcept override;
+    void Mix(std::span<float> wet, std::span<const float> direct, std::span<const float> reflected) noexcept override;
 
 private:
     using Equaliser = std::array<BiquadCoefficients, 3>;
@@ -53,18 +52,10 @@ private:
     void ReadLevels(bool settle) noexcept;
     void ReadRoom(bool settle) noexcept;
 
-    RoomChannels fRoom;
     FadedDelay fPredelay;
-    ReverbTank fTank;
-    EarlyReflections fEarly;
     GlidingSections fHighPass;
     GlidingSections fEqualiser;
-    SmoothedValue fDry; // of what does not go through the room
     SmoothedValue fReverberation;
-    // Of the room's channels.
-    std::vector<float> fLate;
-    std::vector<float> fDirect;
-    std::vector<float> fReflected;
 };
 
 } // namespace qoc::components

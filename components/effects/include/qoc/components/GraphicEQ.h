@@ -2,6 +2,7 @@
 
 #include "qoc/components/Biquad.h"
 #include "qoc/components/ComponentBase.h"
+#include "qoc/components/GlidingSections.h"
 #include "qoc/components/GraphicEQDesign.h"
 #include "qoc/components/HandOver.h"
 #include "qoc/components/ParameterIndices.h"
@@ -56,10 +57,7 @@ private:
     double DecibelsAt(double hertz) const noexcept;
     double MasterGain() const noexcept;
 
-    void TakeSections() noexcept;
-    void Glide() noexcept;
-    void ProcessGliding(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frames) noexcept;
-    void ProcessSettled(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin) noexcept;
+    void TakeSections(bool settle) noexcept;
 
     std::span<const double> fCentres;
     // User-interface thread.
@@ -67,14 +65,9 @@ private:
     Sections fDesigned;
     HandOver<Sections> fHandOver;
     // Sound thread.
-    std::vector<std::vector<Biquad>> fBiquads; // by channel
     std::unique_ptr<Sections> fTarget;
-    Sections fStart;      // where the glide began
-    Sections fNow;        // and has come to
-    SmoothedValue fGlide; // 0...1
+    GlidingSections fBands;
     SmoothedValue fMaster;
-    bool fIsFlat = true; // and was, since the last reset
-    std::vector<double> fScratch;
 };
 
 } // namespace qoc::components

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "qoc/components/CurveFilter.h"
-#include "qoc/components/FrequencyCurve.h"
 
 namespace qoc::components {
 
@@ -18,15 +17,15 @@ public:
 protected:
     ~GraphicPhaseShifter() override;
 
-    std::vector<float> DesignFIR(std::size_t size, CurveFIR& designer) const override;
+    FrequencyCurve ReadCurve() const override;
+    std::complex<double> ResponseOf(double degrees) const noexcept override;
+    const FIRWindow& Window(std::size_t size) const override;
     std::size_t ChosenSize() const noexcept override;
     bool Shapes(int index) const noexcept override;
     std::size_t PointCount() const noexcept override;
     std::optional<std::size_t> OnlyChannel() const noexcept override;
 
 private:
-    FrequencyCurve ReadCurve() const;
-
     mutable std::unique_ptr<FIRWindow> fWindow; // of the last size used
 };
 

@@ -2,6 +2,7 @@
 
 #include "qoc/components/ComponentBase.h"
 #include "qoc/components/NotchSection.h"
+#include "qoc/components/ResponseCache.h"
 
 #include <array>
 
@@ -43,13 +44,6 @@ private:
     };
     template <class Real>
     struct Run;
-    // The latest answer, which panels ask for again and again.
-    struct Response {
-        std::int32_t dirtyCount = 0;
-        float sampleRate = 0;
-        kroaudiofilterhost::FrequencyAxis axis;
-        std::vector<float> decibels;
-    };
 
     std::vector<float> ComputeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis) const;
     NotchSection::Setting SettingOf(int section) const noexcept;
@@ -67,7 +61,7 @@ private:
     std::array<NotchSection, kSections> fSections;
     std::array<std::array<State, kSections>, kMaximumChannels> fStates;
     bool fUltraQuiet = false;
-    mutable Response fResponse; // user-interface thread
+    mutable ResponseCache fResponse; // user-interface thread
 };
 
 } // namespace qoc::components

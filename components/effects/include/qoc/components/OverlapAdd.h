@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kroaudiofilterhost/AudioFilter.h"
+#include "qoc/components/HopGrid.h"
 #include "qoc/components/RealFFT.h"
 
 #include <complex>
@@ -56,7 +57,8 @@ private:
         std::vector<std::complex<float>> spectrum;
     };
 
-    void Exchange(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames) noexcept;
+    void Exchange(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames,
+                  std::size_t position) noexcept;
     void RunFrame(SpectrumProcessor& processor) noexcept;
     void Analyse(Channel& channel) noexcept;
     void Synthesise(Channel& channel) noexcept;
@@ -68,7 +70,7 @@ private:
     std::vector<float> fScratch;
     std::vector<Channel> fChannels;
     std::vector<SpectrumProcessor::Spectrum> fSpectra;
-    std::size_t fPosition = 0; // in the present hop
+    HopGrid fGrid;
 };
 
 } // namespace qoc::components

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
+#include "qoc/components/GlidingSections.h"
 #include "qoc/components/ParametricEQDesign.h"
 #include "qoc/components/SmoothedValue.h"
 
-#include <span>
 #include <vector>
 
 namespace qoc::components {
@@ -45,20 +45,9 @@ private:
     double OutputDecibels() const noexcept;
     void StoreHighestGain();
 
-    void GlideTo(const Sections& sections) noexcept;
-    void Glide() noexcept;
-    void ForgetNeutralSections() noexcept;
-    void ProcessGliding(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frames) noexcept;
-    void ProcessSettled(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin) noexcept;
-
     // Sound thread.
-    std::vector<std::array<Biquad, ParametricEQDesign::kSections>> fBiquads; // by channel
-    Sections fStart;                                                         // where the glide began
-    Sections fNow;                                                           // and has come to
-    Sections fTarget;
-    SmoothedValue fGlide; // 0...1
+    GlidingSections fBands;
     SmoothedValue fGain;
-    std::vector<double> fScratch;
 };
 
 } // namespace qoc::components

@@ -41,10 +41,6 @@ public:
 
     // Frequencies that come too near half the sample rate (hertz) are held below it.
     static Sections Make(const Settings& settings, double sampleRate) noexcept;
-
-    static bool IsNeutral(const BiquadCoefficients& section) noexcept {
-        return section.b0 == 1 && section.b1 == section.a1 && section.b2 == section.a2;
-    }
 };
 
 } // namespace qoc::components

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kroaudiofilterhost/AudioFilter.h"
+#include "qoc/components/HopGrid.h"
 
 #include <cstddef>
 #include <span>
@@ -49,12 +50,13 @@ private:
         std::vector<float> repaired;
     };
 
-    void Exchange(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames) noexcept;
+    void Exchange(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames,
+                  std::size_t position) noexcept;
     void RunFrame(FrameRepairer& repairer) noexcept;
 
     Layout fLayout;
     std::vector<Channel> fChannels;
-    std::size_t fPosition = 0; // in the present hop
+    HopGrid fGrid;
 };
 
 } // namespace qoc::components

@@ -63,8 +63,6 @@ private:
     struct Group {
         std::array<std::vector<float>, kDiffusers> allpasses; // rings
         std::array<std::size_t, kDiffusers> positions{};
-        float inputGain = 1;
-        float outputGain = 1;
         float diffused = 0;
         float output = 0;
     };
@@ -80,12 +78,16 @@ private:
     void Mix(Lines& sound) noexcept;
 
     double fSampleRate = 44100;
-    std::vector<float> fRing; // the lines' samples side by side
+    std::vector<float> fRings; // of the lines one behind the other
+    std::size_t fStride = 0;   // from one to the next
     std::size_t fMask = 0;
     std::size_t fPosition = 0;
     std::vector<Group> fGroups;
     std::vector<std::size_t> fGroupOf; // by channel
-    Lines fInputBefore{};              // of the absorption
+    std::array<std::size_t, kLines> fGroupOfLine{};
+    Lines fInputGain{};
+    Lines fOutputGain{};
+    Lines fInputBefore{}; // of the absorption
     Lines fOutputBefore{};
 
     Settings fSettings; // glided to, or there

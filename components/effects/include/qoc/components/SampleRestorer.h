@@ -24,8 +24,9 @@ private:
     void SetUp(std::span<const double> coefficients, std::span<const std::size_t> unknown,
                std::span<double> sound) noexcept;
     bool Factorise(std::size_t count) noexcept;
+    void SubtractEarlier(std::size_t index) noexcept;
     void Solve(std::size_t count) noexcept;
-    // Column `index` of the band's lower half, from the diagonal on.
+    // Column `index` of the band's lower half, from the diagonal on; zeros behind the last row.
     double* Column(std::size_t index) noexcept { return fBand.data() + index * fWidth; }
 
     std::size_t fWidth = 1; // order + 1

@@ -2,6 +2,7 @@
 
 #include "qoc/components/ComponentBase.h"
 #include "qoc/components/FilterSections.h"
+#include "qoc/components/ResponseCache.h"
 #include "qoc/components/SectionCascade.h"
 #include "qoc/components/SmoothedValue.h"
 
@@ -49,6 +50,7 @@ private:
     ScientificFilterSettings Settings() const noexcept;
     FilterSections Design() const noexcept;
     kroaudiofilterhost::FrequencyAxis ShownAxis() const noexcept;
+    std::vector<float> ComputeMagnitude(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis) const;
     // Tells the transition bandwidth that the other parameters make.
     void StoreTransitionBandwidth() noexcept;
 
@@ -60,6 +62,7 @@ private:
     void ProcessPiece(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin,
                       std::size_t frames) noexcept;
 
+    mutable ResponseCache fMagnitude;  // user-interface thread
     ScientificFilterSettings fWanted;  // by the parameters
     ScientificFilterSettings fPresent; // of fCascade, or while fading of fNextCascade
     SectionCascade fCascade;

@@ -14,12 +14,20 @@ public:
     // (1 + 25) * exp(-25): what is left to jump at the end is less than 4e-10 of the way.
     static constexpr int kSettlingTimeConstants = 25;
 
+    // By how much of what is missing each of the low-passes moves with a sample, and for how many.
+    static double CoefficientAt(double sampleRate) noexcept;
+    static std::size_t SettlingSamplesAt(double sampleRate) noexcept;
+
     // `sampleRate` in hertz.
     void Prepare(double sampleRate) noexcept;
     // To be there now.
     void Settle(float value) noexcept;
     // To go there from the next sample on.
     void SetTarget(float target) noexcept;
+    // The one or the other.
+    void Set(double target, bool settle) noexcept {
+        settle ? Settle(static_cast<float>(target)) : SetTarget(static_cast<float>(target));
+    }
 
     bool IsSettled() const noexcept { return fRemaining == 0; }
     float Target() const noexcept { return fTarget; }

@@ -1,12 +1,10 @@
 #pragma once
 
-#include "qoc/components/ComponentBase.h"
-#include "qoc/components/EarlyReflections.h"
 #include "qoc/components/GlidingSections.h"
-#include "qoc/components/ReverbTank.h"
-#include "qoc/components/RoomChannels.h"
+#include "qoc/components/RoomReverb.h"
 #include "qoc/components/SmoothedValue.h"
 
+#include <span>
 #include <vector>
 
 namespace qoc::components {
@@ -16,7 +14,7 @@ namespace qoc::components {
 // time; damping shortens the decay of high ones. Without reverberation the sound comes out bit by bit as it went in.
 // Two parameters tell what comes of the others: how long the reverberation is heard, and how much louder than it the
 // direct sound is.
-class StudioReverb : public ComponentBase {
+class StudioReverb : public RoomReverb {
 public:
     StudioReverb();
 
@@ -30,25 +28,18 @@ protected:
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;
-    void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
+    void Reverberate(std::span<float> sound) noexcept override;
+    void Mix(std::span<float> wet, std::span<const float> direct, std::span<const float> reflected) noexcept override;
 
 private:
     void Tell() noexcept;
     void ReadRoom(bool settle) noexcept;
     void ReadCuts(bool settle) noexcept;
-    void Widen(float width) noexcept;
+    void Widen(std::span<float> sound, float width) const noexcept;
 
-    RoomChannels fRoom;
-    EarlyReflections fEarly;
-    ReverbTank fTank;
     GlidingSections fCuts;
-    SmoothedValue fDry;
     SmoothedValue fWet;
     SmoothedValue fWidth;
-    // Of the room's channels.
-    std::vector<float> fSound;
-    std::vector<float> fDirect;
-    std::vector<float> fReflected;
 };
 
 } // namespace qoc::components

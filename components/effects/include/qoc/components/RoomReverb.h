@@ -1,0 +1,53 @@
+#pragma once
+
+#include "qoc/components/ComponentBase.h"
+#include "qoc/components/EarlyReflections.h"
+#include "qoc/components/ReverbTank.h"
+#include "qoc/components/RoomChannels.h"
+#include "qoc/components/SmoothedValue.h"
+
+#include <span>
+#include <vector>
+
+namespace qoc::components {
+
+// Base of the reverbs that have a room: its first reflections and a tank, of all channels but the low frequency
+// effects'. Sound goes through in pieces, because reflections are found by the piece.
+class RoomReverb : public ComponentBase {
+protected:
+    using ComponentBase::ComponentBase;
+    ~RoomReverb() override;
+
+    // A frame of the room's channels, to become what the tank makes of it.
+    virtual void Reverberate(std::span<float> sound) noexcept = 0;
+    // Makes what is added to the dry sound in the next frame, of the room's channels: `wet` is what Reverberate has
+    // left, `direct` and `reflected` what fEarly tells.
+    virtual void Mix(std::span<float> wet, std::span<const float> direct,
+                     std::span<const float> reflected) noexcept = 0;
+
+    void PrepareProcessing(std::size_t maximumBlock) override;
+    void ResetProcessing() noexcept override;
+    void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept final;
+
+    RoomChannels fRoom;
+    EarlyReflections fEarly;
+    ReverbTank fTank;
+    SmoothedValue fDry; // of what does not go through the room
+
+private:
+    using Piece = EarlyReflections::Piece;
+
+    // `place`: of the frame in its piece.
+    void Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::size_t place) noexcept;
+    void Add(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::size_t place) noexcept;
+
+    // Of the room's channels: pieces, and a frame of each.
+    std::vector<Piece> fLate;
+    std::vector<Piece> fDirect;
+    std::vector<Piece> fReflected;
+    std::vector<float> fWetFrame;
+    std::vector<float> fDirectFrame;
+    std::vector<float> fReflectedFrame;
+};
+
+} // namespace qoc::components
