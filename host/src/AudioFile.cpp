@@ -40,6 +40,15 @@ void CheckReadable(const fs::path& path) {
     }
 }
 
+// libsndfile writes "System error : No space left on device."; nothing of it but the reason is for a user.
+std::string ReasonOf(const char* text) {
+    constexpr std::string_view kPrefix = "System error : ";
+    std::string_view reason = text;
+    if (reason.starts_with(kPrefix)) reason.remove_prefix(kPrefix.size());
+    if (reason.ends_with('.')) reason.remove_suffix(1);
+    return std::string(reason);
+}
+
 // A RIFF or IFF file says in its first chunk how long it is. What was recorded to a pipe says a length that is too
 // large for it instead.
 bool IsCutOff(const fs::path& path) {
@@ -67,7 +76,9 @@ bool IsCutOff(const fs::path& path) {
     case SF_ERR_MALFORMED_FILE: Refuse("$$$/qohost/AudioFile/Damaged=@0: the file is damaged.", path);
     case SF_ERR_UNSUPPORTED_ENCODING:
         Refuse("$$$/qohost/AudioFile/Unsupported=@0: sound that is stored like this can't be read.", path);
-    default: Refuse("$$$/qohost/AudioFile/Unreadable=@0: the file can't be read (@1).", path, sf_strerror(nullptr));
+    default:
+        Refuse("$$$/qohost/AudioFile/Unreadable=@0: the file can't be read (@1).", path,
+               ReasonOf(sf_strerror(nullptr)));
     }
 }
 
@@ -146,12 +157,13 @@ void WriteContents(const ReplacementFile& replacement, const fs::path& path, con
     info.channels = static_cast<int>(sound.channels.size());
     info.samplerate = static_cast<int>(std::lround(sound.sampleRate));
     SoundFileHandle file = OpenSoundFile(replacement.Path(), SFM_WRITE, info);
-    if (!file) Refuse(kUnwritable, path, sf_strerror(nullptr));
+    if (!file) Refuse(kUnwritable, path, ReasonOf(sf_strerror(nullptr)));
     sf_command(file.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
     WriteLayout(file.get(), sound.layout);
-    if (!WriteSamples(file.get(), sound, encoding)) Refuse(kUnwritable, path, sf_strerror(file.get()));
+    if (!WriteSamples(file.get(), sound, encoding)) Refuse(kUnwritable, path, ReasonOf(sf_strerror(file.get())));
     sf_write_sync(file.get());
-    if (const int error = sf_close(file.release()); error != 0) Refuse(kUnwritable, path, sf_error_number(error));
+    if (const int error = sf_close(file.release()); error != 0)
+        Refuse(kUnwritable, path, ReasonOf(sf_error_number(error)));
 }
 
 } // namespace

@@ -11,13 +11,8 @@ namespace {
 constexpr double kFadeSeconds = 0.005;
 constexpr double kMaximumTailSeconds = 60; // of effects that never end
 
-std::size_t LoopEnd(const PlaybackRequest& request, std::size_t frames) {
-    return request.loopEnd > request.loopBegin ? std::min(request.loopEnd, frames) : frames;
-}
-
-std::size_t LoopBegin(const PlaybackRequest& request, std::size_t frames) {
-    const bool isRange = request.loopEnd > request.loopBegin && request.loopBegin < frames;
-    return isRange ? request.loopBegin : 0;
+std::size_t BeginOf(const PlaybackRange& range, std::size_t frames) {
+    return range.end > range.begin && range.begin < frames ? range.begin : 0;
 }
 
 // One step from `value` towards `target`.
@@ -71,13 +66,23 @@ void PlaybackCore::JumpTo(std::size_t frame) noexcept {
 std::size_t PlaybackCore::Position() const noexcept {
     const std::size_t gone = fFed + fSilenceFed;
     const std::size_t heard = gone > fLatency ? gone - fLatency : 0;
-    return std::clamp(heard, fOrigin, Frames());
+    return std::clamp(heard, fOrigin, fFed);
+}
+
+// What plays on behind the range plays to the end of the sound.
+std::size_t PlaybackCore::EndOf(const PlaybackRange& range) const noexcept {
+    const std::size_t end = range.end > range.begin ? std::min(range.end, Frames()) : Frames();
+    return fFed <= end ? end : Frames();
+}
+
+bool PlaybackCore::HasSoundEnded(const PlaybackRange& range) const noexcept {
+    return fFed == EndOf(range) && fSilenceFed >= fLatency + fTail;
 }
 
 bool PlaybackCore::Render(float* interleaved, std::size_t frames, std::size_t channels,
                           const PlaybackRequest& request) noexcept {
     // Asked before the block, so that only what comes behind the last sample of the tail is faded.
-    const bool hasEnded = HasSoundEnded() && !request.loop;
+    const bool hasEnded = HasSoundEnded(request.range) && !request.loop;
     FetchInput(frames, request);
     fFilter->Process({fInputPointers, fOutputPointers, frames});
     DelayInput(frames);
@@ -90,20 +95,25 @@ bool PlaybackCore::Render(float* interleaved, std::size_t frames, std::size_t ch
 }
 
 void PlaybackCore::FetchInput(std::size_t frames, const PlaybackRequest& request) noexcept {
-    const std::size_t loopEnd = LoopEnd(request, Frames());
     std::size_t done = 0;
     while (done < frames) {
-        const bool isBeforeLoopEnd = request.loop && fFed <= loopEnd;
-        done += CopyFromSound(done, frames - done, isBeforeLoopEnd ? loopEnd : Frames());
+        if (fFed != EndOf(request.range)) GoOnFrom(fFed);
+        done += CopyFromSound(done, frames - done, EndOf(request.range));
         if (done == frames) return;
         if (!request.loop || Frames() == 0) break;
-        fOrigin = fFed = LoopBegin(request, Frames());
-        fSilenceFed = 0;
+        GoOnFrom(BeginOf(request.range, Frames()));
     }
     for (auto& channel : fInput)
         std::fill(channel.begin() + static_cast<std::ptrdiff_t>(done),
                   channel.begin() + static_cast<std::ptrdiff_t>(frames), 0.0F);
     fSilenceFed += frames - done;
+}
+
+// What was silence until now, behind the end, is no part of the time that is shown.
+void PlaybackCore::GoOnFrom(std::size_t frame) noexcept {
+    if (frame == fFed && fSilenceFed == 0) return;
+    fOrigin = fFed = frame;
+    fSilenceFed = 0;
 }
 
 std::size_t PlaybackCore::CopyFromSound(std::size_t offset, std::size_t frames, std::size_t end) noexcept {
@@ -177,7 +187,7 @@ bool PlaybackCore::FinishFade(const PlaybackRequest& request) noexcept {
         JumpTo(*request.seek);
         if (!request.stop) return true;
     } else {
-        JumpTo(HasSoundEnded() ? 0 : Position());
+        JumpTo(HasSoundEnded(request.range) ? BeginOf(request.range, Frames()) : Position());
     }
     return false;
 }

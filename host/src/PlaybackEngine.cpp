@@ -61,6 +61,13 @@ void PlaybackEngine::Stop() noexcept {
     if (IsPlaying()) fStop.store(true);
 }
 
+void PlaybackEngine::StopAtOnce() noexcept {
+    const Pause pause(*this);
+    fPlaying.store(false);
+    fStop.store(false);
+    TellFilter(false);
+}
+
 void PlaybackEngine::Poll() noexcept {
     if (IsPlaying()) return;
     TellFilter(false);
@@ -79,11 +86,11 @@ void PlaybackEngine::Seek(std::size_t frame) noexcept {
     fPosition.store(fCore->Position());
 }
 
-void PlaybackEngine::SetLoop(bool loop, std::size_t begin, std::size_t end) noexcept {
-    fLoop.store(false); // no half-set range is looped
-    fLoopBegin.store(begin);
-    fLoopEnd.store(end);
-    fLoop.store(loop);
+void PlaybackEngine::SetRange(const PlaybackRange& range) noexcept {
+    ++fRangeVersion;
+    fRangeBegin.store(range.begin);
+    fRangeEnd.store(range.end);
+    ++fRangeVersion;
 }
 
 void PlaybackEngine::Render(float* interleaved, std::size_t frames, std::size_t channels) noexcept {
@@ -114,13 +121,20 @@ void PlaybackEngine::RaisePeaks(Peaks& peaks, std::span<const std::vector<float>
     }
 }
 
-PlaybackRequest PlaybackEngine::CurrentRequest() const noexcept {
+// A range that is just being written is taken with the next block.
+PlaybackRange PlaybackEngine::CurrentRange() noexcept {
+    const unsigned version = fRangeVersion.load();
+    const PlaybackRange range{fRangeBegin.load(), fRangeEnd.load()};
+    if (version % 2 == 0 && fRangeVersion.load() == version) fLastRange = range;
+    return fLastRange;
+}
+
+PlaybackRequest PlaybackEngine::CurrentRequest() noexcept {
     PlaybackRequest request;
     request.stop = fStop.load();
     request.bypass = IsBypassed();
     request.loop = IsLooping();
-    request.loopBegin = fLoopBegin.load(std::memory_order_relaxed);
-    request.loopEnd = fLoopEnd.load(std::memory_order_relaxed);
+    request.range = CurrentRange();
     const std::int64_t seek = fSeek.load();
     if (seek != kNoSeek) request.seek = static_cast<std::size_t>(seek);
     return request;

@@ -31,6 +31,7 @@ using Json = nlohmann::basic_json<std::map, std::vector, std::string, bool, std:
 constexpr const char* kNaturalMember = "natural";
 constexpr const char* kNormalisedMember = "values";
 constexpr int kIndent = 2;
+constexpr std::u16string_view kHertz = u"Hz";
 
 std::string Text(const char* key, std::string_view about, std::string_view instead = {}) {
     return krocore::ToStdString(
@@ -151,12 +152,14 @@ float Normalised(const AudioFilterParameterInfo& info, const Preset::Value& valu
 
 struct Settings {
     std::vector<std::pair<int, float>> values;
+    bool needsStoppedEngine = false;
     std::vector<std::string> notes;
 };
 
 void AddSetting(const AudioFilter& filter, int index, float value, Settings& settings) {
     const AudioFilterParameterInfo& info = *filter.GetParameterInfo(index);
     if (value == filter.GetParameterValue(index)) return;
+    settings.needsStoppedEngine = settings.needsStoppedEngine || !info.IsAutomatable();
     if (info.IsAutomatable() || filter.CanChangeNonAutomatableParameters())
         settings.values.emplace_back(index, value);
     else
@@ -182,6 +185,8 @@ void AddNamed(const AudioFilter& filter, int index, const Preset::Value& value, 
 }
 
 Settings Resolve(const AudioFilter& filter, const Preset& preset) {
+    if (const std::string effect = krocore::ToStdString(filter.GetComponentID()); effect != preset.effect)
+        Refuse("$$$/qohost/Preset/OtherEffect=The preset is for \"@0\", not for \"@1\".", preset.effect, effect);
     Settings settings;
     auto left = preset.values;
     for (int index = 0; index < filter.GetParameterCount(); ++index) {
@@ -255,14 +260,42 @@ Preset CapturePreset(const AudioFilter& filter, std::string name) {
     return preset;
 }
 
+Preset CapturePresetForAnyRate(const AudioFilter& filter, std::string name) {
+    Preset preset = CapturePreset(filter, std::move(name));
+    for (int index = 0; index < filter.GetParameterCount(); ++index) {
+        const AudioFilterParameterInfo* const info = filter.GetParameterInfo(index);
+        const bool isFrequency = info != nullptr && info->GetKind() == Kind::kNumber && info->GetUnit() == kHertz;
+        const auto found = isFrequency ? preset.values.find(info->GetID()) : preset.values.end();
+        if (found == preset.values.end()) continue;
+        const float natural = info->ToNatural(found->second.number);
+        if (std::isfinite(natural)) found->second = {.number = natural, .isNatural = true};
+    }
+    return preset;
+}
+
 std::vector<std::string> ApplyPreset(AudioFilter& filter, const Preset& preset) {
-    if (const std::string effect = krocore::ToStdString(filter.GetComponentID()); effect != preset.effect)
-        Refuse("$$$/qohost/Preset/OtherEffect=The preset is for \"@0\", not for \"@1\".", preset.effect, effect);
     Settings settings = Resolve(filter, preset);
     const RewritingScope scope(filter);
     for (const auto& [index, value] : settings.values)
         filter.SetParameterValue(index, value);
     return std::move(settings.notes);
+}
+
+bool NeedsStoppedEngine(const AudioFilter& filter, const Preset& preset) {
+    return Resolve(filter, preset).needsStoppedEngine;
+}
+
+bool HasSettingsOf(const AudioFilter& filter, const Preset& preset) {
+    constexpr float kTolerance = 1e-6F;
+    for (int index = 0; index < filter.GetParameterCount(); ++index) {
+        const AudioFilterParameterInfo* const info = filter.GetParameterInfo(index);
+        const auto found = info != nullptr ? preset.values.find(info->GetID()) : preset.values.end();
+        if (found == preset.values.end()) continue;
+        const float wanted = Normalised(*info, found->second);
+        const float bounded = found->second.isNatural ? std::clamp(wanted, 0.0F, 1.0F) : wanted;
+        if (std::abs(bounded - filter.GetParameterValue(index)) > kTolerance) return false;
+    }
+    return true;
 }
 
 } // namespace qohost

@@ -39,7 +39,12 @@ ReplacementFile::~ReplacementFile() {
     fs::remove(fPath, error);
 }
 
+// A device or a pipe would be gone, with a file in its place.
 void ReplacementFile::Commit() {
+    if (fs::exists(fTarget) && !fs::is_regular_file(fTarget)) {
+        const auto reason = fs::is_directory(fTarget) ? std::errc::is_a_directory : std::errc::operation_not_permitted;
+        throw fs::filesystem_error("replace", fTarget, std::make_error_code(reason));
+    }
     if (fs::exists(fTarget)) fs::permissions(fPath, fs::status(fTarget).permissions());
     fs::rename(fPath, fTarget);
 }

@@ -110,7 +110,8 @@ TEST_F(PlaybackEngineTest, SeekWhilePlayingAndWhileStopped) {
 TEST_F(PlaybackEngineTest, LoopsWithoutGapAtAnyPlace) {
     OpenAmplify(Ramp(20000));
     for (const std::size_t end : {1000, 1024, 20000, 30000}) { // inside a block, at a block's end, the whole sound
-        fEngine.SetLoop(true, 500, end);
+        fEngine.SetRange({500, end});
+        fEngine.SetLoop(true);
         fEngine.Seek(0);
         fEngine.Play();
         const std::vector<float> out = Render(45000);
@@ -149,6 +150,33 @@ TEST_F(PlaybackEngineTest, TailSoundsAfterTheEnd) {
     const std::vector<float> out = Render(2000);
     EXPECT_EQ(out[1149], 0.5F * At(999));
     EXPECT_EQ(out[1150], 0.0F);
+    EXPECT_FALSE(fEngine.IsPlaying());
+}
+
+TEST_F(PlaybackEngineTest, RangeIsPlayedLikeASoundOfItsOwn) {
+    fFilter = new EchoFilter(100);
+    fEngine.Open(Ramp(20000), fFilter, 1, 256);
+    fEngine.SetRange({5000, 6000});
+    fEngine.Seek(5000);
+    fEngine.Play();
+    std::vector<float> out = Render(2000);
+    EXPECT_EQ(out[1099], At(5999) + 0.5F * At(5949)); // its last sample, late by the latency
+    EXPECT_EQ(out[1149], 0.5F * At(5999));            // the echo of it
+    EXPECT_EQ(out[1150], 0.0F);
+    EXPECT_FALSE(fEngine.IsPlaying());
+    EXPECT_EQ(fEngine.Position(), 5000U);
+
+    // While it sounds on, the range grows: it goes on, and the time that is shown with it.
+    fEngine.Play();
+    Render(1120);
+    fEngine.SetRange({5000, 8000});
+    out = Render(1000);
+    EXPECT_EQ(out[999], At(6000 + 1000 - 101) + 0.5F * At(6000 + 1000 - 151));
+    EXPECT_EQ(fEngine.Position(), 6900U);
+
+    // Behind the range, to the end of the sound.
+    fEngine.Seek(19000);
+    Render(2000);
     EXPECT_FALSE(fEngine.IsPlaying());
 }
 
@@ -206,7 +234,8 @@ TEST_F(PlaybackEngineTest, LoadingWhileTheDeviceRunsIsSafe) {
     const auto sound = std::make_shared<const Sound>(MakeTestSignal(0.05));
     for (int i = 0; i < 200; ++i) {
         OpenAmplify(sound, 2);
-        fEngine.SetLoop(i % 2 == 0, 10, 700);
+        fEngine.SetRange({10, 700});
+        fEngine.SetLoop(i % 2 == 0);
         fEngine.Play();
         fEngine.Seek(static_cast<std::size_t>(i * 7));
         fEngine.SetBypass(i % 3 == 0);

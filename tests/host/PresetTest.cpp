@@ -1,5 +1,6 @@
 #include "host/FactoryPresets.h"
 #include "host/UndoHistory.h"
+#include "host/UserPresets.h"
 #include "krocore/config/Error.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/ParameterIndices.h"
@@ -9,6 +10,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <limits>
 #include <unistd.h>
 
@@ -114,6 +116,49 @@ TEST_F(PresetTest, FilesKeepEveryBit) {
     }
     fAmplify->SetParameterValue(kGain1, 0.1F);
     EXPECT_THAT(WritePreset(CapturePreset(*fAmplify, "x")), HasSubstr("\"gain1\": 0.1,"));
+}
+
+TEST_F(PresetTest, FrequenciesAreKeptInHertzAtWhateverSampleRate) {
+    // Normalised = (hertz - 0.5) / Nyquist.
+    const auto notch = CreateEffect(qoc::components::kNotchComponentID);
+    const auto stereo = kromediatypes::AudioChannelLayout::Stereo();
+    notch->Prepare(44100, 512, stereo);
+    notch->SetParameterValue(0, 999.5F / 22050);
+    const Preset preset = ParsePreset(WritePreset(CapturePresetForAnyRate(*notch, "x")));
+    EXPECT_TRUE(HasSettingsOf(*notch, preset));
+    notch->Prepare(96000, 512, stereo);
+    EXPECT_FALSE(HasSettingsOf(*notch, preset));
+    EXPECT_THAT(ApplyPreset(*notch, preset), IsEmpty());
+    EXPECT_NEAR(notch->GetParameterValue(0), 999.5F / 48000, 1e-7F);
+    EXPECT_TRUE(HasSettingsOf(*notch, preset));
+}
+
+TEST_F(PresetTest, UsersPresetsAreFilesOfAFolderAnEffect) {
+    const auto folder = std::filesystem::temp_directory_path() / ("presets-" + std::to_string(getpid()));
+    const UserPresets presets(folder / "made" / "when needed");
+    EXPECT_THAT(presets.Names("amplify"), IsEmpty());
+    fAmplify->SetParameterValue(kGain1, 0.25F);
+    for (const char* const name : {"b", "A\xC3\xA4 (2)", "B"})
+        presets.Write("amplify", CapturePreset(*fAmplify, name));
+    EXPECT_THAT(presets.Names("amplify"), ElementsAre("A\xC3\xA4 (2)", "B", "b"));
+    EXPECT_THAT(presets.Names("notch"), IsEmpty());
+    // A file that was renamed is the preset of its new name; others don't count.
+    std::filesystem::rename(presets.FileOf("amplify", "b"), folder / "made/when needed/amplify/c.json");
+    std::filesystem::create_directory(folder / "made/when needed/amplify/d.json");
+    EXPECT_THAT(presets.Names("amplify"), ElementsAre("A\xC3\xA4 (2)", "B", "c"));
+    EXPECT_EQ(presets.Read("amplify", "c").name, "c");
+    EXPECT_EQ(presets.Read("amplify", "c").values.at("gain1").number, 0.25F);
+    presets.Remove("amplify", "c");
+    EXPECT_FALSE(presets.Has("amplify", "c"));
+    for (const char* const name : {"", "../x", "a/b", ".x", "x.", "x ", "con:", "a\nb"}) {
+        EXPECT_FALSE(presets.Has("amplify", name)) << name;
+        EXPECT_THAT(ErrorOf([&] { presets.Write("amplify", CapturePreset(*fAmplify, name)); }), HasSubstr("name"));
+    }
+    std::filesystem::remove_all(folder);
+    // Where a file stands in place of the folder.
+    std::ofstream(folder) << "x";
+    EXPECT_THAT(ErrorOf([&] { presets.Write("amplify", CapturePreset(*fAmplify, "x")); }), HasSubstr("folder"));
+    std::filesystem::remove(folder);
 }
 
 TEST_F(PresetTest, FileErrorsNameTheFile) {

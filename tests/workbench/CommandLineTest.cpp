@@ -219,6 +219,7 @@ TEST_F(CommandLine, AnInterruptedRenderLeavesTheOutputAsItWas) {
     EXPECT_EQ(std::filesystem::file_size(Path("in.wav")), oldSize);
     EXPECT_NO_THROW(qohost::ReadAudioFile(Path("in.wav")));
     EXPECT_THAT(outcome.exitCode, testing::AnyOf(-1, 0, 130));
+    EXPECT_EQ(outcome.exitCode == 130, outcome.errors.find("was not written") != std::string::npos) << outcome.errors;
 }
 
 TEST_F(CommandLine, ListsNameEffectsAndParametersWithRangesAndDefaults) {

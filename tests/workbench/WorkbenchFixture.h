@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TemporaryFolder.h"
 #include "kroui/ui/HeadlessWindow.h"
 #include "workbench/EffectNames.h"
 #include "workbench/SilentOutput.h"
@@ -12,7 +13,9 @@ namespace workbench {
 // The whole workbench in a window without a screen, with the Amplify effect, on a clock that the test moves.
 class WorkbenchFixture : public testing::Test {
 protected:
-    WorkbenchFixture() : fWindow(fLibrary.Supplier(), WorkbenchView::kDefaultSize), fSession(fOutput, Amplify()) {
+    WorkbenchFixture()
+        : fWindow(fLibrary.Supplier(), WorkbenchView::kDefaultSize),
+          fSession(fOutput, Amplify(), {}, qohost::UserPresets(fFolder.Path() / "presets")) {
         fView = new WorkbenchView(fSession, Effects());
         fView->UI_SetFrame({0, 0, WorkbenchView::kDefaultSize.width, WorkbenchView::kDefaultSize.height});
         fWindow.Window().SetContent(fView);
@@ -47,6 +50,14 @@ protected:
     bool PressLetter(char16_t letter, std::uint8_t modifiers) {
         return PressKey(kroui::ui::Key::kCharacter, modifiers, letter);
     }
+    std::string ValueOf(std::string_view id) { return krocore::ToStdString(Node(id).UI_GetAccessibleInfo().value); }
+    // Opens the menu of a button and goes to the item in that place by keys, lines and greyed ones not counted.
+    void ChooseFromMenu(std::string_view button, int item) {
+        Click(button);
+        for (int i = 0; i <= item; ++i)
+            PressKey(kroui::ui::Key::kDown);
+        PressKey(kroui::ui::Key::kEnter);
+    }
     // The left channel's gain, normalised.
     float Gain() const { return fSession.Filter()->GetParameterValue(kLeftGain); }
     // Drags the left channel's slider from its knob at 0 dB.
@@ -64,6 +75,7 @@ protected:
 
     static constexpr int kLeftGain = 2;
 
+    TemporaryFolder fFolder;
     PanelsLibrary fLibrary;
     kroui::ui::HeadlessWindow fWindow;
     SilentOutput fOutput;

@@ -202,7 +202,7 @@ TEST_F(WorkbenchFixture, PanelLargerThanItsPlaceScrollsByWheelAndBar) {
 }
 
 TEST_F(WorkbenchFixture, PartsNeverOverlapFromTheSmallestSizeOn) {
-    const char* const parts[] = {"header", "effects", "panelPlace", "levels", "waveform", "transport", "status"};
+    const char* const parts[] = {"header", "browser", "panelPlace", "levels", "waveform", "transport", "status"};
     for (const kroui::Size size :
          {WorkbenchView::kSmallestSize, WorkbenchView::kDefaultSize, kroui::Size{2560, 1440}}) {
         fWindow.Window().SetSize(size);

@@ -66,9 +66,9 @@ private:
     }
 
     void Check(const path& file) {
-        const auto text = ReadFile(file);
+        auto text = ReadFile(file);
         if (!text) return Refuse(file, "can't be read");
-        const Script script{file.string(), *text};
+        const Script script{file.string(), *std::move(text)};
         const std::string kind = LowerExtension(file);
         if (kind == kArchive) return Tell(fChecker.CheckArchive(script));
         if (kind == kSheet) return Tell(fChecker.CheckSheet(script));

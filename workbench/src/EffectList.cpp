@@ -1,9 +1,10 @@
 #include "workbench/EffectList.h"
 
-#include "kroui/controls/UI_StaticText.h"
+#include "krocore/Localizer.h"
 #include "workbench/PixelSnap.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace workbench {
 
@@ -27,57 +28,100 @@ constexpr float kColumnWidth = EffectList::kWidth - 2 * kFocusWidth;
 // As large as its lines.
 class Column final : public kroui::ui::UI_Node {};
 
+boost::intrusive_ptr<UI_StaticText> NewHeading() {
+    boost::intrusive_ptr<UI_StaticText> heading(new UI_StaticText);
+    heading->SetBold(true);
+    heading->SetFontSize(kHeadingSize);
+    heading->SetColorRole(kroui::ui::kColorDimText);
+    return heading;
+}
+
 } // namespace
 
 EffectList::EffectList(const Effects& effects, Listener listener)
-    : fListener(std::move(listener)), fScroll(new ScrollView), fColumn(new Column) {
+    : fListener(std::move(listener)), fScroll(new ScrollView), fColumn(new Column), fNothing(NewHeading()) {
     UI_SetID("effects");
     UI_SetStateFlags(kStateWantsKeyboardFocus);
-    float top = kTopMargin;
+    fNothing->SetText(krocore::Localize("$$$/Workbench/NoEffect=No effect is called so."));
+    fColumn->ChildPushBack(fNothing);
     for (int category = 0; category <= static_cast<int>(EffectCategory::kTimeAndPitch); ++category)
-        AddCategory(static_cast<EffectCategory>(category), effects, top);
-    fColumn->UI_SetFrame({0, 0, kColumnWidth, top});
+        AddCategory(static_cast<EffectCategory>(category), effects);
+    Arrange();
     fScroll->SetDocument(fColumn);
     ChildPushBack(fScroll);
 }
 
-void EffectList::AddCategory(EffectCategory category, const Effects& effects, float& top) {
-    const auto isInCategory = [category](const EffectDescription* effect) { return effect->category == category; };
-    if (std::none_of(effects.begin(), effects.end(), isInCategory)) return;
-    const boost::intrusive_ptr<UI_StaticText> heading(new UI_StaticText);
-    heading->SetText(qoc::components::CategoryName(category));
-    heading->SetBold(true);
-    heading->SetFontSize(kHeadingSize);
-    heading->SetColorRole(kroui::ui::kColorDimText);
-    heading->UI_SetFrame({kHeadingMargin, top, kColumnWidth - 2 * kHeadingMargin, kHeadingHeight});
-    fColumn->ChildPushBack(heading);
-    top += kHeadingHeight;
+void EffectList::AddCategory(EffectCategory category, const Effects& effects) {
+    Category added{NewHeading(), {}};
+    added.heading->SetText(qoc::components::CategoryName(category));
+    fColumn->ChildPushBack(added.heading);
     for (const EffectDescription* const effect : effects) {
-        if (!isInCategory(effect)) continue;
-        const boost::intrusive_ptr<EffectListItem> item(new EffectListItem(*effect));
-        item->UI_SetFrame({kItemMargin, top, kColumnWidth - 2 * kItemMargin, EffectListItem::kHeight});
+        if (effect->category != category) continue;
+        const Item item(new EffectListItem(*effect));
         item->NotifyWhenChanged([this](auto* message) { OnItem(message); });
         fColumn->ChildPushBack(item);
-        fItems.push_back(item);
+        added.items.push_back(item);
+    }
+    fCategories.push_back(std::move(added));
+}
+
+void EffectList::Arrange() {
+    float top = kTopMargin;
+    for (const Category& category : fCategories)
+        ArrangeCategory(category, top);
+    fNothing->UI_Show(top == kTopMargin);
+    fNothing->UI_SetFrame({kHeadingMargin, kTopMargin, kColumnWidth - 2 * kHeadingMargin, kHeadingHeight});
+    fColumn->UI_SetFrame({0, 0, kColumnWidth, std::max(top, kTopMargin + kHeadingHeight)});
+    fScroll->DocumentResized();
+}
+
+void EffectList::ArrangeCategory(const Category& category, float& top) {
+    const bool isShown = std::ranges::any_of(category.items, [](const Item& item) { return item->UI_IsVisible(); });
+    category.heading->UI_Show(isShown);
+    if (!isShown) return;
+    category.heading->UI_SetFrame({kHeadingMargin, top, kColumnWidth - 2 * kHeadingMargin, kHeadingHeight});
+    top += kHeadingHeight;
+    for (const Item& item : category.items) {
+        if (!item->UI_IsVisible()) continue;
+        item->UI_SetFrame({kItemMargin, top, kColumnWidth - 2 * kItemMargin, EffectListItem::kHeight});
         top += EffectListItem::kHeight;
     }
     top += kCategoryGap;
 }
 
+void EffectList::Filter(std::u16string_view text) {
+    for (const Category& category : fCategories) {
+        for (const Item& item : category.items)
+            item->UI_Show(item->Matches(text));
+    }
+    Arrange();
+    fScroll->ScrollTo({});
+    for (const EffectListItem* const item : ShownItems()) {
+        if (item->IsSelected()) fScroll->Reveal(item->UI_GetFrame());
+    }
+}
+
 void EffectList::Select(const EffectDescription& effect) {
-    for (const auto& item : fItems) {
-        item->Select(&item->Effect() == &effect);
-        if (item->IsSelected()) fScroll->Reveal(item->UI_GetFrame().Inset(0, -kHeadingHeight));
+    for (const Category& category : fCategories) {
+        for (const Item& item : category.items) {
+            item->Select(&item->Effect() == &effect);
+            if (item->IsSelected() && item->UI_IsVisible())
+                fScroll->Reveal(item->UI_GetFrame().Inset(0, -kHeadingHeight - kTopMargin));
+        }
     }
 }
 
 void EffectList::UI_Draw(kroui::limner::Limner* limner) {
     const kroui::Rect rect = UI_GetLocalRect();
     limner->FillRect(rect, GetColor(kroui::ui::kColorPanel));
-    const kroui::Rect edge = Snapped(*this, *limner, {rect.width - 1, 0, 1, rect.height});
-    limner->FillRect(edge, GetColor(kroui::ui::kColorLine));
+    DrawRightLine(*this, *limner);
     if (!UI_HasFocus()) return;
     limner->FrameRoundRect(rect, 0, GetColor(kroui::ui::kColorAccent), kFocusWidth);
+}
+
+void EffectList::DrawRightLine(const UI_Node& node, kroui::limner::Limner& limner) {
+    const kroui::Rect rect = node.UI_GetLocalRect();
+    limner.FillRect(Snapped(node, limner, {rect.width - 1, 0, 1, rect.height}), node.GetColor(kroui::ui::kColorLine));
 }
 
 void EffectList::UI_SizeChanged(const kroui::RectT<float>& rect) {
@@ -85,23 +129,43 @@ void EffectList::UI_SizeChanged(const kroui::RectT<float>& rect) {
     fScroll->UI_SetFrame({edge, edge, rect.width - 2 * edge, rect.height - 2 * edge});
 }
 
-std::size_t EffectList::SelectedIndex() const {
-    const auto found = std::find_if(fItems.begin(), fItems.end(), [](const auto& item) { return item->IsSelected(); });
-    return static_cast<std::size_t>(found - fItems.begin());
+std::vector<EffectListItem*> EffectList::ShownItems() const {
+    std::vector<EffectListItem*> shown;
+    for (const Category& category : fCategories) {
+        for (const Item& item : category.items)
+            if (item->UI_IsVisible()) shown.push_back(item.get());
+    }
+    return shown;
 }
 
-void EffectList::Choose(std::size_t index) {
-    if (index < fItems.size() && !fItems[index]->IsSelected()) fListener(fItems[index]->Effect());
+void EffectList::Choose(const EffectListItem& item) {
+    if (!item.IsSelected()) fListener(item.Effect());
+}
+
+bool EffectList::ChooseByKey(Key key) {
+    const std::vector<EffectListItem*> shown = ShownItems();
+    if (shown.empty()) return true;
+    const auto found = std::ranges::find_if(shown, [](const EffectListItem* item) { return item->IsSelected(); });
+    if (found == shown.end() || key == Key::kHome) {
+        Choose(*shown.front());
+    } else if (key == Key::kEnd) {
+        Choose(*shown.back());
+    } else if (key == Key::kUp && found != shown.begin()) {
+        Choose(**std::prev(found));
+    } else if (key == Key::kDown && std::next(found) != shown.end()) {
+        Choose(**std::next(found));
+    }
+    return true;
 }
 
 bool EffectList::UI_DoKeyEvent(const kroui::ui::KeyEvent& event) {
-    if (event.modifiers != kroui::ui::kNoModifier || fItems.empty()) return false;
-    const std::size_t selected = SelectedIndex();
+    if (event.modifiers != kroui::ui::kNoModifier) return false;
     switch (event.key) {
-    case Key::kUp: Choose(selected - std::min<std::size_t>(selected, 1)); return true;
-    case Key::kDown: Choose(std::min(selected + 1, fItems.size() - 1)); return true;
-    case Key::kHome: Choose(0); return true;
-    case Key::kEnd: Choose(fItems.size() - 1); return true;
+    case Key::kUp:
+    case Key::kDown:
+    case Key::kHome:
+    case Key::kEnd:
+    case Key::kEnter: return ChooseByKey(event.key);
     default: return false;
     }
 }
@@ -114,6 +178,7 @@ void EffectList::UI_FocusChanged(bool hasFocus) {
 kroui::ui::AccessibleInfo EffectList::UI_GetAccessibleInfo() const {
     kroui::ui::AccessibleInfo info = UI_Node::UI_GetAccessibleInfo();
     info.role = kroui::ui::Role::kList;
+    info.name = krocore::Localize("$$$/Workbench/Effects=Effects");
     info.focusable = true;
     return info;
 }

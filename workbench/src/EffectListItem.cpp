@@ -1,6 +1,9 @@
 #include "workbench/EffectListItem.h"
 
+#include "kroui/controls/TypeAhead.h"
 #include "workbench/PixelSnap.h"
+
+#include <algorithm>
 
 namespace workbench {
 
@@ -16,6 +19,16 @@ constexpr float kRadius = 4;
 EffectListItem::EffectListItem(const qoc::components::EffectDescription& effect)
     : fEffect(effect), fName(effect.DisplayName()) {
     UI_SetID("effect-" + std::string(effect.shortName));
+}
+
+bool EffectListItem::Matches(std::u16string_view text) const {
+    const krocore::string16 all = fName + u' ' + qoc::components::CategoryName(fEffect.category);
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = std::min(text.find(u' ', begin), text.size());
+        if (!kroui::controls::TypeAhead::Contains(all, text.substr(begin, end - begin))) return false;
+        begin = end + 1;
+    }
+    return true;
 }
 
 void EffectListItem::UI_Draw(kroui::limner::Limner* limner) {

@@ -39,9 +39,11 @@ void SetStep(UI_TextButton& button, bool can, std::u16string_view what, const ch
 
 } // namespace
 
-HeaderBar::HeaderBar(Actions actions)
+HeaderBar::HeaderBar(Actions actions, boost::intrusive_ptr<CompareSwitch> compare,
+                     boost::intrusive_ptr<PresetBar> presets)
     : fActions(std::move(actions)), fName(new UI_StaticText), fFacts(new UI_StaticText),
-      fUndo(NewButton("undo", "$$$/Workbench/Undo=Undo")), fRedo(NewButton("redo", "$$$/Workbench/Redo=Redo")) {
+      fUndo(NewButton("undo", "$$$/Workbench/Undo=Undo")), fRedo(NewButton("redo", "$$$/Workbench/Redo=Redo")),
+      fCompare(std::move(compare)), fPresets(std::move(presets)) {
     UI_SetID("header");
     fName->UI_SetID("soundName");
     fName->SetBold(true);
@@ -55,6 +57,8 @@ HeaderBar::HeaderBar(Actions actions)
     ChildPushBack(fFacts);
     ChildPushBack(fUndo);
     ChildPushBack(fRedo);
+    ChildPushBack(fCompare);
+    ChildPushBack(fPresets);
 }
 
 void HeaderBar::SetSound(std::u16string_view name, std::u16string_view facts) {
@@ -88,10 +92,14 @@ void HeaderBar::UI_NodeChanged(NodeChange change) {
 void HeaderBar::Arrange() {
     const kroui::Rect rect = UI_GetLocalRect();
     const float top = (rect.height - kButtonHeight) / 2;
-    const float redo = rect.width - kMargin - kButtonWidth;
+    const float presets = rect.width - kMargin - PresetBar::kWidth;
+    const float compare = presets - kGap - CompareSwitch::kWidth;
+    const float redo = compare - kGap - kButtonWidth;
     const float undo = redo - kButtonGap - kButtonWidth;
     fRedo->UI_SetFrame({redo, top, kButtonWidth, kButtonHeight});
     fUndo->UI_SetFrame({undo, top, kButtonWidth, kButtonHeight});
+    fCompare->UI_SetFrame({compare, top, CompareSwitch::kWidth, kButtonHeight});
+    fPresets->UI_SetFrame({presets, top, PresetBar::kWidth, kButtonHeight});
 
     const auto* const supplier = UI_GetDrawSupplier();
     if (!supplier) return;

@@ -1,5 +1,6 @@
 #include "workbench/OpenCommand.h"
 
+#include "host/AudioFile.h"
 #include "krocore/config/Error.h"
 #include "workbench/CommandLine.h"
 #include "workbench/EffectNames.h"
@@ -14,6 +15,7 @@
 #include <fstream>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 namespace workbench {
 
@@ -52,10 +54,13 @@ int Open(const OpenRequest& request) {
     std::optional<ScriptEffect> scripts;
     if (!request.scripts.empty()) effects.push_back(&scripts.emplace(request.scripts).Description());
     const EffectDescription& effect = scripts ? scripts->Description() : EffectToBeginWith(request.effect, effects);
+    // What is wrong with the file is told even where there is no screen and no sound.
+    std::optional<qohost::AudioFile> sound;
+    if (!request.file.empty()) sound = qohost::ReadAudioFile(request.file);
     SdlWindow window(library.Supplier(), {WorkbenchView::kDefaultSize, WorkbenchView::kSmallestSize, request.scale});
     SdlSoundOutput output;
     Session session(output, effect, scripts ? scripts->Filter() : nullptr);
-    if (!request.file.empty()) session.OpenFile(request.file);
+    if (sound) session.OpenSound(request.file, std::move(*sound));
 
     const boost::intrusive_ptr<WorkbenchView> view(new WorkbenchView(session, effects, &panels));
     window.Window().SetTheme(request.theme == Theme::Light().Name() ? Theme::Light() : Theme::Dark());

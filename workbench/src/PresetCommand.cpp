@@ -1,6 +1,7 @@
 #include "workbench/PresetCommand.h"
 
 #include "host/FactoryPresets.h"
+#include "host/UserPresets.h"
 #include "krocore/config/Error.h"
 #include "workbench/EffectNames.h"
 
@@ -20,11 +21,17 @@ namespace {
 constexpr std::size_t kStereo = 2;
 constexpr std::size_t kBlock = 512;
 
+qohost::UserPresets SavedPresets() {
+    return qohost::UserPresets(qohost::UserPresets::UsualFolder());
+}
+
 Preset PresetFromText(const EffectDescription& effect, std::string_view text) {
     const std::vector<Preset> presets = qohost::FactoryPresets(effect);
     const auto found = std::ranges::find_if(
         presets, [&](const Preset& preset) { return krocore::EqualsIgnoringCase(preset.name, text); });
     if (found != presets.end()) return *found;
+    const qohost::UserPresets saved = SavedPresets();
+    if (saved.Has(effect.shortName, text)) return saved.Read(effect.shortName, text);
     std::error_code error;
     if (std::filesystem::exists(text, error)) return qohost::ReadPresetFile(text);
     throw krocore::config::Error(fmt::format(
@@ -34,9 +41,12 @@ Preset PresetFromText(const EffectDescription& effect, std::string_view text) {
 } // namespace
 
 std::string PresetListOf(std::string_view effectName) {
+    const EffectDescription& effect = EffectFromName(effectName);
     std::string names;
-    for (const Preset& preset : qohost::FactoryPresets(EffectFromName(effectName)))
+    for (const Preset& preset : qohost::FactoryPresets(effect))
         names += preset.name + '\n';
+    for (const std::string& name : SavedPresets().Names(effect.shortName))
+        names += name + '\n';
     return names;
 }
 
@@ -52,7 +62,7 @@ void MakePreset(const PresetRequest& request) {
     filter->Prepare(filter->GetSampleRate(), kBlock, kromediatypes::AudioChannelLayout::ForChannelCount(kStereo));
     ApplyPresetNamed(*filter, effect, request.preset);
     ApplySettings(*filter, request.settings);
-    qohost::WritePresetFile(request.output, qohost::CapturePreset(*filter, request.output.stem().string()));
+    qohost::WritePresetFile(request.output, qohost::CapturePresetForAnyRate(*filter, request.output.stem().string()));
 }
 
 } // namespace workbench

@@ -65,7 +65,10 @@ int Render(const RenderRequest& request) {
         };
         result = qohost::RenderOffline(*filter, file.sound, options);
     }
-    if (!result || interruption.HasHappened()) return kExitInterrupted;
+    if (!result || interruption.HasHappened()) {
+        fmt::print(stderr, "workbench: interrupted; {} was not written\n", request.output.string());
+        return kExitInterrupted;
+    }
     qohost::WriteAudioFile(request.output, *result, file.encoding);
     return kExitDone;
 }

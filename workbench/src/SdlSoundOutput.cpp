@@ -16,6 +16,7 @@ constexpr Uint16 kBlock = 1024;
 } // namespace
 
 SdlSoundOutput::SdlSoundOutput() {
+    SDL_SetMainReady();
     if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0) fReason = SDL_GetError();
 }
 

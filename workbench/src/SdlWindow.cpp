@@ -80,6 +80,8 @@ struct SdlWindow::SdlLibrary {
         SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
         SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
         SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
+        // Of 32 units by default, in which a slider moves a long way.
+        SDL_SetHint(SDL_HINT_MOUSE_DOUBLE_CLICK_RADIUS, "4");
         if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) Refuse(SDL_GetError());
         if (!IsScreenThere()) {
             SDL_QuitSubSystem(SDL_INIT_VIDEO);

@@ -1,6 +1,7 @@
 #include "workbench/Session.h"
 
 #include "host/AudioFile.h"
+#include "host/OfflineRenderer.h"
 #include "host/TestSignal.h"
 #include "krocore/Localizer.h"
 #include "uit/TimecodeFormat.h"
@@ -13,8 +14,9 @@ namespace workbench {
 
 using qoc::components::EffectDescription;
 
-Session::Session(SoundOutput& output, const EffectDescription& effect, FilterPtr filter)
-    : fOutput(output), fEffect(&effect), fCurrent(filter ? &AddUse(effect, filter) : &UseOf(effect)),
+Session::Session(SoundOutput& output, const EffectDescription& effect, FilterPtr filter, qohost::UserPresets presets)
+    : fOutput(output), fUserPresets(std::move(presets)), fEffect(&effect),
+      fCurrent(filter ? &AddUse(effect, filter) : &UseOf(effect)),
       fSound(std::make_shared<const qohost::Sound>(qohost::MakeTestSignal())),
       fSoundName(krocore::Localize("$$$/Workbench/TestSound=Test sound")) {
     LoadEngine(fSound, fCurrent->filter);
@@ -36,7 +38,7 @@ Session::Use& Session::UseOf(const EffectDescription& effect) {
 
 Session::Use& Session::AddUse(const EffectDescription& effect, const FilterPtr& filter) {
     filter->SetAudioFilterHost(this);
-    return fUses.try_emplace(&effect, filter).first->second;
+    return fUses.try_emplace(&effect, effect, filter, fUserPresets).first->second;
 }
 
 // Minutes, seconds and thousandths, as the transport shows time.
@@ -65,7 +67,11 @@ void Session::LoadEngine(const std::shared_ptr<const qohost::Sound>& sound, cons
 }
 
 void Session::OpenFile(const std::filesystem::path& file) {
-    const auto sound = std::make_shared<const qohost::Sound>(std::move(qohost::ReadAudioFile(file).sound));
+    OpenSound(file, qohost::ReadAudioFile(file));
+}
+
+void Session::OpenSound(const std::filesystem::path& file, qohost::AudioFile read) {
+    const auto sound = std::make_shared<const qohost::Sound>(std::move(read.sound));
     fOutput.Stop();
     try {
         LoadEngine(sound, fCurrent->filter);
@@ -74,6 +80,9 @@ void Session::OpenFile(const std::filesystem::path& file) {
         throw;
     }
     fSound = sound;
+    fFile = file;
+    fEncoding = read.encoding;
+    Select({});
     fSoundName = krocore::ToUTF16(file.filename().u8string().empty() ? file.string() : file.filename().string());
     fOutput.Start(fEngine, fSound->sampleRate);
 }
@@ -90,7 +99,51 @@ void Session::ChooseEffect(const EffectDescription& effect) {
     if (wasPlaying) Play();
 }
 
+std::vector<std::string> Session::TakePreset(const PresetBook::Entry& entry) {
+    auto notes = Apply(Presets().Read(entry));
+    Presets().Take(entry);
+    return notes;
+}
+
+std::vector<std::string> Session::SwitchSlot() {
+    const auto settings = fCurrent->slots.Switch(*Filter());
+    return settings ? Apply(*settings) : std::vector<std::string>();
+}
+
+std::vector<std::string> Session::Apply(const qohost::Preset& preset) {
+    const bool hasToStop = qohost::NeedsStoppedEngine(*Filter(), preset) && fEngine.IsPlaying();
+    if (hasToStop) fEngine.StopAtOnce();
+    auto notes = qohost::ApplyPreset(*Filter(), preset);
+    if (hasToStop) fEngine.Play();
+    return notes;
+}
+
+void Session::Select(const qohost::PlaybackRange& range) {
+    fSelection = range;
+    fEngine.SetRange(range);
+}
+
+RenderJob::Task Session::TaskToRender() const {
+    const FilterPtr filter = NewFilter(*fEffect);
+    filter->SetAudioFilterHost(const_cast<Session*>(this));
+    filter->SetDuration(static_cast<double>(fSound->Frames()));
+    filter->Prepare(fSound->sampleRate, qohost::RenderOptions().blockFrames, fSound->layout);
+    qohost::ApplyPreset(*filter, qohost::CapturePreset(*Filter(), {}));
+    return {fSound, fSelection, filter, fEncoding, FileToRender()};
+}
+
+std::filesystem::path Session::FileToRender() const {
+    namespace fs = std::filesystem;
+    const fs::path source = fFile.empty() ? fs::path(krocore::ToStdString(fSoundName)) : fFile;
+    fs::path name = fFile.empty() ? source : source.stem();
+    name += "-" + std::string(fEffect->shortName) + ".wav";
+    return fs::absolute(source).parent_path() / name;
+}
+
 void Session::Play() {
+    const std::size_t position = fEngine.Position();
+    if (HasSelection() && !fEngine.IsPlaying() && (position < fSelection.begin || position >= fSelection.end))
+        fEngine.Seek(fSelection.begin);
     fEngine.Play();
     fOutput.Poll();
 }
@@ -102,7 +155,7 @@ void Session::Stop() {
 
 void Session::StopOrRewind() {
     if (fEngine.IsPlaying()) return Stop();
-    fEngine.Seek(0);
+    fEngine.Seek(HasSelection() ? fSelection.begin : 0);
 }
 
 void Session::Seek(double seconds) {

@@ -36,7 +36,7 @@ kroui::limner::ImagePtr Draw(const PanelsLibrary& library, const PanelPtr& panel
     window.Advance(kSettleSeconds);
     // Some panels find their size only in a window.
     const kroui::Size size = card->UI_GetNaturalSize();
-    if (size.width < 1 || size.height < 1) throw Error("the panel is empty: its scripts are missing");
+    if (size.width < 1 || size.height < 1) throw Error("the panel is empty: its layout is missing or has no size");
     card->UI_SetFrame({0, 0, size.width, size.height});
     window.Window().SetSize(size);
     kroui::limner::ImagePtr picture = window.Snapshot();

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 
 namespace workbench {
@@ -20,9 +19,13 @@ std::string Lower(std::string text) {
 std::optional<std::string> ReadFile(const std::filesystem::path& file) {
     std::error_code error;
     if (!std::filesystem::is_regular_file(file, error)) return {};
+    const auto size = std::filesystem::file_size(file, error);
     std::ifstream stream(file, std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-    if (!stream.is_open() || stream.bad()) return {};
+    if (error || !stream) return {};
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    stream.read(bytes.data(), static_cast<std::streamsize>(size));
+    if (stream.bad()) return {};
+    bytes.resize(static_cast<std::size_t>(stream.gcount())); // shorter, if it is being written
     return bytes;
 }
 

@@ -37,6 +37,11 @@ krocore::string16 TimeText(double seconds) {
     return krocore::ToUTF16(text);
 }
 
+krocore::string16 RangeText(double begin, double end) {
+    return krocore::ReplacePlaceholders(krocore::Localize("$$$/Workbench/Selection=selection @0 - @1"),
+                                        {TimeText(begin), TimeText(end)});
+}
+
 krocore::string16 SoundText(const qohost::Sound& sound) {
     constexpr double kHertzAKilohertz = 1000;
     krocore::string16 text =

@@ -22,9 +22,11 @@ constexpr float kLoopLeft = 136;
 constexpr float kTimeLeft = 196;
 constexpr float kTimeWidth = 220;
 constexpr float kTimeSize = 20;
-constexpr float kDurationSize = 11;
+constexpr float kRangeSize = 11;
 constexpr float kBypassWidth = 88;
-constexpr float kBypassHeight = 24;
+constexpr float kRenderWidth = 136;
+constexpr float kTextButtonHeight = 24;
+constexpr float kTextButtonGap = 16;
 
 boost::intrusive_ptr<TransportButton> NewButton(TransportButton::Sign sign, const char* id, const char* tip) {
     boost::intrusive_ptr<TransportButton> button(new TransportButton(sign));
@@ -41,7 +43,7 @@ TransportBar::TransportBar(Actions actions)
       fStop(
           NewButton(TransportButton::Sign::kStop, "stop", "$$$/Workbench/StopTip=Stop; again: to the start (Escape)")),
       fLoop(NewButton(TransportButton::Sign::kLoop, "loop", "$$$/Workbench/LoopTip=Play again and again (L)")),
-      fBypass(new UI_TextButton), fTime(new UI_StaticText), fDuration(new UI_StaticText) {
+      fBypass(new UI_TextButton), fRender(new UI_TextButton), fTime(new UI_StaticText), fRange(new UI_StaticText) {
     UI_SetID("transport");
     fPlay->SetDefaultAppearance(true);
     fLoop->SetSpringLoaded(false);
@@ -50,12 +52,16 @@ TransportBar::TransportBar(Actions actions)
     fBypass->UI_SetTooltip(krocore::Localize("$$$/Workbench/BypassTip=Hear the sound without the effect (B)"));
     fBypass->SetSpringLoaded(false);
     fBypass->SetChangeFocusOnClick(false);
+    fRender->UI_SetID("render");
+    fRender->SetDefaultAppearance(true);
+    fRender->SetChangeFocusOnClick(false);
+    ShowRender();
     fTime->UI_SetID("time");
     fTime->SetBold(true);
     fTime->SetFontSize(kTimeSize);
-    fDuration->UI_SetID("duration");
-    fDuration->SetFontSize(kDurationSize);
-    fDuration->SetColorRole(kroui::ui::kColorDimText);
+    fRange->UI_SetID("duration");
+    fRange->SetFontSize(kRangeSize);
+    fRange->SetColorRole(kroui::ui::kColorDimText);
     Connect();
 }
 
@@ -64,12 +70,14 @@ void TransportBar::Connect() {
     fStop->NotifyWhenChanged([this](auto*) { fActions.stop(); });
     fLoop->NotifyWhenChanged([this](auto*) { fActions.loop(fLoop->IsChecked()); });
     fBypass->NotifyWhenChanged([this](auto*) { fActions.bypass(fBypass->IsChecked()); });
+    fRender->NotifyWhenChanged([this](auto*) { fActions.render(); });
     ChildPushBack(fPlay);
     ChildPushBack(fStop);
     ChildPushBack(fLoop);
     ChildPushBack(fTime);
-    ChildPushBack(fDuration);
+    ChildPushBack(fRange);
     ChildPushBack(fBypass);
+    ChildPushBack(fRender);
 }
 
 void TransportBar::SetPlaying(bool playing) {
@@ -80,14 +88,36 @@ void TransportBar::SetPlaying(bool playing) {
         krocore::Localize(playing ? "$$$/Workbench/PauseTip=Pause (Space)" : "$$$/Workbench/PlayTip=Play (Space)"));
 }
 
-void TransportBar::SetTime(double position, double duration) {
+void TransportBar::SetRendering(bool rendering) {
+    if (rendering == fIsRendering) return;
+    fIsRendering = rendering;
+    ShowRender();
+}
+
+void TransportBar::ShowRender() {
+    const char* const text = fIsRendering   ? "$$$/Workbench/CancelRender=Cancel"
+                             : fIsSelection ? "$$$/Workbench/RenderSelection=Render Selection"
+                                            : "$$$/Workbench/Render=Render";
+    const char* const tip = fIsRendering
+                                ? "$$$/Workbench/CancelRenderTip=Stop rendering; no file is made"
+                                : "$$$/Workbench/RenderTip=Write what the effect makes into a new file beside the "
+                                  "sound (Ctrl+R)";
+    fRender->SetText(krocore::Localize(text));
+    fRender->UI_SetTooltip(krocore::Localize(tip));
+}
+
+void TransportBar::SetTime(double position) {
     const long milliseconds = std::lround(position * 1000);
     if (milliseconds != fMilliseconds) fTime->SetText(TimeText(position));
     fMilliseconds = milliseconds;
-    if (duration == fShownDuration) return;
-    fShownDuration = duration;
-    fDuration->SetText(
-        krocore::ReplacePlaceholders(krocore::Localize("$$$/Workbench/Duration=of @0"), {TimeText(duration)}));
+}
+
+void TransportBar::SetRange(const TimeRange& range, bool isSelection) {
+    fIsSelection = isSelection;
+    fRange->SetText(isSelection ? RangeText(range.begin, range.end)
+                                : krocore::ReplacePlaceholders(krocore::Localize("$$$/Workbench/Duration=of @0"),
+                                                               {TimeText(range.end)}));
+    ShowRender();
 }
 
 void TransportBar::UI_Draw(kroui::limner::Limner* limner) {
@@ -101,11 +131,14 @@ void TransportBar::UI_SizeChanged(const kroui::RectT<float>& rect) {
     fStop->UI_SetFrame({kStopLeft, centred(kButtonSize), kButtonSize, kButtonSize});
     fLoop->UI_SetFrame({kLoopLeft, centred(kButtonSize), kButtonSize, kButtonSize});
     constexpr float kTimeHeight = 28;
-    constexpr float kDurationHeight = 18;
-    const float top = centred(kTimeHeight + kDurationHeight);
+    constexpr float kRangeHeight = 18;
+    const float top = centred(kTimeHeight + kRangeHeight);
     fTime->UI_SetFrame({kTimeLeft, top, kTimeWidth, kTimeHeight});
-    fDuration->UI_SetFrame({kTimeLeft, top + kTimeHeight, kTimeWidth, kDurationHeight});
-    fBypass->UI_SetFrame({rect.width - kMargin - kBypassWidth, centred(kBypassHeight), kBypassWidth, kBypassHeight});
+    fRange->UI_SetFrame({kTimeLeft, top + kTimeHeight, kTimeWidth, kRangeHeight});
+    const float render = rect.width - kMargin - kRenderWidth;
+    const float bypass = render - kTextButtonGap - kBypassWidth;
+    fBypass->UI_SetFrame({bypass, centred(kTextButtonHeight), kBypassWidth, kTextButtonHeight});
+    fRender->UI_SetFrame({render, centred(kTextButtonHeight), kRenderWidth, kTextButtonHeight});
 }
 
 } // namespace workbench

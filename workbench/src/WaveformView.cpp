@@ -23,7 +23,9 @@ constexpr float kPlayheadWidth = 2;
 constexpr float kFocusWidth = 2;
 constexpr kroui::limner::Font kRulerFont{10};
 constexpr float kLeastLabelDistance = 80;
-constexpr double kKeyStep = 1; // seconds
+constexpr double kKeyStep = 1;      // seconds
+constexpr float kDragThreshold = 3; // view units that a click may tremble
+constexpr float kSelectionOpacity = 0.2F;
 
 // The shortest time between labels that leaves them room.
 double LabelStep(double seconds, float width) {
@@ -44,7 +46,7 @@ krocore::string16 LabelText(double seconds) {
 
 } // namespace
 
-WaveformView::WaveformView(boost::function<void(double)> listener) : fListener(std::move(listener)) {
+WaveformView::WaveformView(Actions actions) : fActions(std::move(actions)) {
     UI_SetID("waveform");
     UI_SetStateFlags(kStateWantsKeyboardFocus);
 }
@@ -54,6 +56,12 @@ void WaveformView::SetSound(const qohost::Sound& sound) {
     fSampleRate = sound.sampleRate;
     fSeconds = sound.Seconds();
     fPosition = 0;
+    fSelection = {};
+    UI_Invalidate();
+}
+
+void WaveformView::SetSelection(const TimeRange& range) {
+    fSelection = range;
     UI_Invalidate();
 }
 
@@ -92,6 +100,7 @@ void WaveformView::UI_Draw(kroui::limner::Limner* limner) {
     const kroui::Rect rect = UI_GetLocalRect();
     limner->FillRect(rect, GetColor(kroui::ui::kColorPanel));
     DrawTopLine(*this, *limner);
+    DrawSelection(*limner);
     DrawWave(*limner);
     DrawRuler(*limner);
     fDrawnAt = PlaceOf(fPosition);
@@ -101,12 +110,25 @@ void WaveformView::UI_Draw(kroui::limner::Limner* limner) {
     if (UI_HasFocus()) limner->FrameRoundRect(rect, 0, GetColor(kroui::ui::kColorAccent), kFocusWidth);
 }
 
+void WaveformView::DrawSelection(kroui::limner::Limner& limner) const {
+    if (fSelection.IsEmpty()) return;
+    const kroui::Rect wave = WaveRect();
+    const float left = PlaceOf(fSelection.begin);
+    const kroui::Rect rect = {left, wave.top, PlaceOf(fSelection.end) - left, wave.height};
+    limner.FillRect(Snapped(*this, limner, rect), GetColor(kroui::ui::kColorAccent).WithAlpha(kSelectionOpacity));
+}
+
+// What will be heard: the selection, or else what was heard already stands out.
+bool WaveformView::IsLit(float x) const {
+    if (fSelection.IsEmpty()) return x < PlaceOf(fPosition);
+    return x >= PlaceOf(fSelection.begin) && x < PlaceOf(fSelection.end);
+}
+
 void WaveformView::DrawWave(kroui::limner::Limner& limner) const {
     const kroui::Rect wave = Snapped(*this, limner, WaveRect());
     const kroui::Rect visible = kroui::Intersection(wave, limner.ClipBounds());
     const float pixel = 1 / limner.ScaleFactor();
     const float middle = wave.Centre().y;
-    const float played = PlaceOf(fPosition);
     const double framesAUnit = fSeconds * fSampleRate / wave.width;
     const auto accent = GetColor(kroui::ui::kColorAccent);
     const auto quiet = GetColor(kroui::ui::kColorDimText);
@@ -118,7 +140,7 @@ void WaveformView::DrawWave(kroui::limner::Limner& limner) const {
         const WaveformPeaks::Range range = fPeaks.Between(begin, begin + pixel * framesAUnit);
         const float top = middle - std::min(1.0F, range.high) * wave.height / 2;
         const float bottom = middle - std::max(-1.0F, range.low) * wave.height / 2;
-        limner.FillRect({x, top, pixel, std::max(pixel, bottom - top)}, x < played ? accent : quiet);
+        limner.FillRect({x, top, pixel, std::max(pixel, bottom - top)}, IsLit(x) ? accent : quiet);
     }
 }
 
@@ -141,14 +163,57 @@ void WaveformView::DrawRuler(kroui::limner::Limner& limner) const {
 
 bool WaveformView::UI_DoMouseEvent(kroui::ui::UI_Node* node, const MouseEvent& event) {
     switch (event.action) {
-    case MouseEvent::Action::kPressed: return event.button == 1 && SeekTo(TimeAt(event.position.x));
-    case MouseEvent::Action::kDragged: return SeekTo(TimeAt(event.position.x));
-    case MouseEvent::Action::kReleased: return true;
+    case MouseEvent::Action::kPressed: return event.button == 1 && Press(event);
+    case MouseEvent::Action::kDragged: return DragTo(event.position.x);
+    case MouseEvent::Action::kReleased: return Release();
     default: return UI_Node::UI_DoMouseEvent(node, event);
     }
 }
 
+bool WaveformView::Press(const MouseEvent& event) {
+    fPressedAt = event.position.x;
+    fIsSelecting = event.Has(kroui::ui::kShift);
+    const double time = TimeAt(event.position.x);
+    if (!fIsSelecting) {
+        fAnchor = time;
+        return true;
+    }
+    // The nearer end follows.
+    if (fSelection.IsEmpty())
+        fAnchor = fPosition;
+    else
+        fAnchor = time < (fSelection.begin + fSelection.end) / 2 ? fSelection.end : fSelection.begin;
+    return SelectTo(time);
+}
+
+bool WaveformView::DragTo(float x) {
+    fIsSelecting = fIsSelecting || std::abs(x - fPressedAt) > kDragThreshold;
+    return !fIsSelecting || SelectTo(TimeAt(x));
+}
+
+bool WaveformView::Release() {
+    if (fIsSelecting) return SeekTo(fSelection.IsEmpty() ? fAnchor : fSelection.begin);
+    SelectTo(fAnchor); // nothing
+    return SeekTo(fAnchor);
+}
+
+bool WaveformView::SelectTo(double seconds) {
+    SetSelection({std::min(fAnchor, seconds), std::max(fAnchor, seconds)});
+    fActions.select(fSelection);
+    return true;
+}
+
+bool WaveformView::SelectByKey(double step) {
+    if (fSelection.IsEmpty()) fAnchor = fPosition;
+    const double moving = fSelection.IsEmpty()          ? fAnchor
+                          : fAnchor == fSelection.begin ? fSelection.end
+                                                        : fSelection.begin;
+    return SelectTo(std::clamp(moving + step, 0.0, fSeconds));
+}
+
 bool WaveformView::UI_DoKeyEvent(const kroui::ui::KeyEvent& event) {
+    if (event.modifiers == kroui::ui::kShift && event.key == Key::kLeft) return SelectByKey(-kKeyStep);
+    if (event.modifiers == kroui::ui::kShift && event.key == Key::kRight) return SelectByKey(kKeyStep);
     if (event.modifiers != kroui::ui::kNoModifier) return false;
     switch (event.key) {
     case Key::kLeft: return SeekTo(fPosition - kKeyStep);
@@ -160,7 +225,7 @@ bool WaveformView::UI_DoKeyEvent(const kroui::ui::KeyEvent& event) {
 }
 
 bool WaveformView::SeekTo(double seconds) {
-    fListener(std::clamp(seconds, 0.0, fSeconds));
+    fActions.seek(std::clamp(seconds, 0.0, fSeconds));
     return true;
 }
 
@@ -174,6 +239,7 @@ kroui::ui::AccessibleInfo WaveformView::UI_GetAccessibleInfo() const {
     info.role = kroui::ui::Role::kSlider;
     info.name = krocore::Localize("$$$/Workbench/Position=Position");
     info.value = TimeText(fPosition);
+    if (!fSelection.IsEmpty()) info.value += u", " + RangeText(fSelection.begin, fSelection.end);
     info.focusable = true;
     return info;
 }

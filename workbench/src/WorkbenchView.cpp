@@ -1,20 +1,16 @@
 #include "workbench/WorkbenchView.h"
 
 #include "krocore/Localizer.h"
-#include "krocore/NumberFormat.h"
 #include "kroui/ui/UI_NodeManager.h"
 #include "kroui/ui/UI_Window.h"
 #include "workbench/TextOfSound.h"
 
 #include <algorithm>
-#include <cmath>
 #include <exception>
 
 namespace workbench {
 
-using kroui::ui::Key;
 using kroui::ui::KeyEvent;
-using kroui::ui::Theme;
 using qoc::components::EffectDescription;
 
 namespace {
@@ -24,18 +20,6 @@ constexpr float kPollSeconds = 1.0F / 30;
 constexpr float kIdlePollSeconds = 0.1F;
 // How often the files of a panel are looked at.
 constexpr float kWatchSeconds = 0.25F;
-constexpr float kZoomStep = 1.25F;
-constexpr float kSmallestZoom = 0.64F; // two steps down
-
-constexpr float kMargin = 24;
-constexpr float kMetersWidth = 240;
-// Where room is short, the panel needs it most.
-constexpr float kNarrowWindow = 1100;
-constexpr float kNarrowMargin = 12;
-constexpr float kNarrowMetersWidth = 164;
-constexpr float kWaveformPart = 0.16F;
-constexpr float kLowestWaveform = 84;
-constexpr float kHighestWaveform = 200;
 
 krocore::string16 Hint() {
     return krocore::Localize(
@@ -52,7 +36,8 @@ std::vector<krocore::string16> ChannelNames(const kromediatypes::AudioChannelLay
 } // namespace
 
 WorkbenchView::WorkbenchView(Session& session, const EffectList::Effects& effects, PanelSource* panels)
-    : fSession(session), fPanels(panels) {
+    : fSession(session), fPanels(panels), fStatus(new StatusLine(fAppearance.Button())), fPresets(session, *fStatus),
+      fRendering(session, *fStatus), fTransport(session, [this] { Do(Command::kRender); }) {
     UI_SetID("workbench");
     BuildParts(effects);
     ShowSound();
@@ -60,8 +45,8 @@ WorkbenchView::WorkbenchView(Session& session, const EffectList::Effects& effect
 }
 
 void WorkbenchView::BuildParts(const EffectList::Effects& effects) {
-    fHeader = new HeaderBar({[this] { Undo(); }, [this] { Redo(); }});
-    fEffects = new EffectList(effects, [this](const EffectDescription& effect) { ChooseEffect(effect); });
+    fHeader = new HeaderBar({[this] { Undo(); }, [this] { Redo(); }}, fPresets.Switch(), fPresets.Bar());
+    fEffects = new EffectBrowser(effects, [this](const EffectDescription& effect) { ChooseEffect(effect); });
     fPanelPlace = new ScrollView;
     fPanelPlace->UI_SetID("panelPlace");
     fPanelPlace->SetCentred(true);
@@ -72,12 +57,8 @@ void WorkbenchView::BuildParts(const EffectList::Effects& effects) {
     fPanelPlace->SetDocument(fPanelCard);
     fMeters = new LevelMeters;
     fMeters->UI_SetID("levels");
-    fWaveform = new WaveformView([this](double seconds) { Seek(seconds); });
-    fTransport = new TransportBar({[this] { PlayOrPause(); }, [this] { Stop(); }, [this](bool on) { SetLooping(on); },
-                                   [this](bool on) { SetBypassed(on); }});
-    fStatus = new StatusLine;
-    const boost::intrusive_ptr<UI_Node> parts[] = {fHeader,   fEffects,   fPanelPlace, fMeters,
-                                                   fWaveform, fTransport, fStatus};
+    const boost::intrusive_ptr<UI_Node> parts[] = {
+        fHeader, fEffects, fPanelPlace, fMeters, fTransport.Waveform(), fTransport.Bar(), fStatus};
     for (const auto& part : parts)
         ChildPushBack(part);
 }
@@ -113,13 +94,10 @@ krocore::string16 WorkbenchView::Title() const {
 void WorkbenchView::ShowSound() {
     const qohost::Sound& sound = fSession.CurrentSound();
     fHeader->SetSound(fSession.SoundName(), SoundText(sound));
-    fWaveform->SetSound(sound);
-    fTransport->SetTime(0, sound.Seconds());
+    fTransport.ShowSound();
+    fStatus->ShowHint(Hint());
     const krocore::string16 problem = fSession.Output().Problem();
-    if (problem.empty())
-        fStatus->ShowHint(Hint());
-    else
-        fStatus->ShowProblem(problem);
+    if (!problem.empty()) fStatus->ShowProblem(problem);
 }
 
 void WorkbenchView::ShowEffect() {
@@ -132,6 +110,7 @@ void WorkbenchView::ShowEffect() {
     fPeaks.assign(fMeters->Count(), 0.0F);
     Arrange();
     ShowHistory();
+    fPresets.ShowEffect();
     if (fTitleListener) fTitleListener();
 }
 
@@ -169,41 +148,21 @@ void WorkbenchView::ShowHistory() {
     fHeader->SetRedo(fCouldRedo, history.RedoName());
 }
 
-void WorkbenchView::ShowState() {
-    const kroui::ui::UI_Window* const window = UI_GetWindow();
-    if (!window) return;
-    constexpr double kPercent = 100;
-    fStatus->SetState(krocore::ReplacePlaceholders(
-        krocore::Localize("$$$/Workbench/State=zoom @0 %  @1"),
-        {krocore::FormatNumber(fZoom * kPercent, 0), krocore::FromASCII(window->GetTheme().Name())}));
-}
-
 void WorkbenchView::UI_SizeChanged(const kroui::RectT<float>& /*rect*/) {
     Arrange();
 }
 
 void WorkbenchView::Arrange() {
-    const float width = std::max(UI_GetFrame().width, kSmallestSize.width);
-    const float height = std::max(UI_GetFrame().height, kSmallestSize.height);
-    const float status = height - StatusLine::kHeight;
-    const float transport = status - TransportBar::kHeight;
-    const float waveHeight = std::round(std::clamp(height * kWaveformPart, kLowestWaveform, kHighestWaveform));
-    const float wave = transport - waveHeight;
-    const float centre = EffectList::kWidth;
-    const bool isNarrow = width < kNarrowWindow;
-    const float margin = isNarrow ? kNarrowMargin : kMargin;
-    const float metersWidth = isNarrow ? kNarrowMetersWidth : kMetersWidth;
-    const float meters = width - margin - metersWidth;
-    const float top = HeaderBar::kHeight + margin;
-    const float room = wave - margin - top;
-
-    fHeader->UI_SetFrame({0, 0, width, HeaderBar::kHeight});
-    fEffects->UI_SetFrame({0, HeaderBar::kHeight, EffectList::kWidth, transport - HeaderBar::kHeight});
-    fWaveform->UI_SetFrame({centre, wave, width - centre, waveHeight});
-    fTransport->UI_SetFrame({0, transport, width, TransportBar::kHeight});
-    fStatus->UI_SetFrame({0, status, width, StatusLine::kHeight});
-    fMeters->UI_SetFrame({meters, top, metersWidth, std::min(room, fMeters->WantedHeight())});
-    fPanelPlace->UI_SetFrame({centre + margin, top, meters - margin - centre - margin, room});
+    const WorkbenchLayout layout({UI_GetFrame().width, UI_GetFrame().height});
+    kroui::Rect meters = layout.meters;
+    meters.height = std::min(meters.height, fMeters->WantedHeight());
+    fHeader->UI_SetFrame(layout.header);
+    fEffects->UI_SetFrame(layout.browser);
+    fPanelPlace->UI_SetFrame(layout.panel);
+    fMeters->UI_SetFrame(meters);
+    fTransport.Waveform()->UI_SetFrame(layout.waveform);
+    fTransport.Bar()->UI_SetFrame(layout.transport);
+    fStatus->UI_SetFrame(layout.status);
     ArrangePanel();
 }
 
@@ -224,14 +183,14 @@ void WorkbenchView::UI_NodeChanged(NodeChange change) {
         if (fPanels && fPanels->IsWatching()) UI_InstallTimer(kWatchSeconds, fWatchTimer);
         UI_GetWindow()->SetUnhandledKeyHandler([this](const KeyEvent& event) { return HandleKey(event); });
         UI_GetWindow()->SetInputObserver([this](bool begins) { FollowInput(begins); });
-        ShowState();
+        fAppearance.Show();
     } else if (change == kDetaching) {
         UI_RemoveTimer(fTimer, false);
         UI_RemoveTimer(fWatchTimer, false);
         UI_GetWindow()->SetUnhandledKeyHandler({});
         UI_GetWindow()->SetInputObserver({});
     } else if (change == kThemeChanged) {
-        ShowState();
+        fAppearance.Show();
     }
 }
 
@@ -242,9 +201,10 @@ bool WorkbenchView::UI_DoTimerNotify(long timerID) {
     }
     if (timerID != fTimer) return UI_Node::UI_DoTimerNotify(timerID);
     fSession.Poll();
-    FollowTransport();
+    fTransport.Follow();
     FollowHistory();
     FollowLevels();
+    fRendering.Follow(*fTransport.Bar());
     fPanelCard->FollowPanel();
     SetPace();
     return true;
@@ -260,24 +220,19 @@ void WorkbenchView::FollowInput(bool begins) {
 }
 
 void WorkbenchView::SetPace() {
-    const bool isIdle = !fSession.Engine().IsPlaying() && fMeters->IsAtRest();
+    const bool isIdle = !fSession.Engine().IsPlaying() && fMeters->IsAtRest() && !fRendering.IsRendering();
     if (isIdle == fIsIdle || fTimer == 0) return;
     fIsIdle = isIdle;
     UI_InstallTimer(isIdle ? kIdlePollSeconds : kPollSeconds, fTimer);
-}
-
-void WorkbenchView::FollowTransport() {
-    const double position = fSession.Position();
-    fTransport->SetPlaying(fSession.Engine().IsPlaying());
-    fTransport->SetTime(position, fSession.CurrentSound().Seconds());
-    fWaveform->SetPosition(position);
 }
 
 void WorkbenchView::FollowHistory() {
     const qohost::UndoHistory& history = fSession.History();
     const bool isSame = fSession.Filter()->GetParameterDirtyCount() == fSeenDirtyCount &&
                         history.CanUndo() == fCouldUndo && history.CanRedo() == fCouldRedo;
-    if (!isSame) ShowHistory();
+    if (isSame) return;
+    ShowHistory();
+    fPresets.Follow();
 }
 
 void WorkbenchView::FollowLevels() {
@@ -300,101 +255,42 @@ bool WorkbenchView::UI_DropFiles(std::span<const std::filesystem::path> files, k
     return true;
 }
 
-// A key that does something wherever the focus is, unless a control uses it.
-struct WorkbenchView::Shortcut {
-    Key key;
-    char16_t character;
-    std::uint8_t modifiers;
-    void (WorkbenchView::*action)();
-};
-
 bool WorkbenchView::HandleKey(const KeyEvent& event) {
-    using kroui::ui::kCommand;
-    using kroui::ui::kNoModifier;
-    using kroui::ui::kShift;
-    static constexpr Shortcut kShortcuts[] = {
-        {Key::kSpace, 0, kNoModifier, &WorkbenchView::PlayOrPause},
-        {Key::kEscape, 0, kNoModifier, &WorkbenchView::Stop},
-        {Key::kCharacter, u'l', kNoModifier, &WorkbenchView::ToggleLoop},
-        {Key::kCharacter, u'b', kNoModifier, &WorkbenchView::ToggleBypass},
-        {Key::kCharacter, u'z', kCommand, &WorkbenchView::Undo},
-        {Key::kCharacter, u'z', kCommand | kShift, &WorkbenchView::Redo},
-        {Key::kCharacter, u'y', kCommand, &WorkbenchView::Redo},
-        {Key::kCharacter, u't', kCommand, &WorkbenchView::ToggleTheme},
-        {Key::kCharacter, u'+', kCommand, &WorkbenchView::ZoomIn},
-        {Key::kCharacter, u'+', kCommand | kShift, &WorkbenchView::ZoomIn},
-        {Key::kCharacter, u'=', kCommand, &WorkbenchView::ZoomIn},
-        {Key::kCharacter, u'=', kCommand | kShift, &WorkbenchView::ZoomIn},
-        {Key::kCharacter, u'-', kCommand, &WorkbenchView::ZoomOut},
-        {Key::kCharacter, u'0', kCommand, &WorkbenchView::ZoomToNormal},
-    };
-    for (const Shortcut& shortcut : kShortcuts) {
-        const bool isMeant = shortcut.key == event.key && shortcut.modifiers == event.modifiers &&
-                             (event.key != Key::kCharacter || shortcut.character == event.character);
-        if (!isMeant) continue;
-        (this->*shortcut.action)();
-        return true;
+    const auto command = CommandOf(event);
+    if (command) Do(*command);
+    return command.has_value();
+}
+
+void WorkbenchView::Do(Command command) {
+    switch (command) {
+    case Command::kPlayOrPause: fTransport.PlayOrPause(); break;
+    case Command::kStop: fTransport.Stop(); break;
+    case Command::kLoop: fTransport.ToggleLoop(); break;
+    case Command::kBypass: fTransport.ToggleBypass(); break;
+    case Command::kUndo: Undo(); break;
+    case Command::kRedo: Redo(); break;
+    case Command::kSwitchSlot: fPresets.SwitchSlot(); break;
+    case Command::kRender: fRendering.StartOrCancel(); break;
+    case Command::kSearch: fEffects->BeginSearch(); break;
+    case Command::kSelectAll: fTransport.SelectAll(); break;
+    case Command::kToggleTheme: fAppearance.ToggleTheme(); break;
+    case Command::kZoomIn: fAppearance.ZoomIn(); break;
+    case Command::kZoomOut: fAppearance.ZoomOut(); break;
+    case Command::kZoomToNormal: fAppearance.SetZoom(1); break;
     }
-    return false;
-}
-
-void WorkbenchView::PlayOrPause() {
-    fSession.Engine().IsPlaying() ? fSession.Stop() : fSession.Play();
-    FollowTransport();
     SetPace();
-}
-
-void WorkbenchView::Stop() {
-    fSession.StopOrRewind();
-    FollowTransport();
-}
-
-void WorkbenchView::Seek(double seconds) {
-    fSession.Seek(seconds);
-    FollowTransport();
 }
 
 void WorkbenchView::Undo() {
     fSession.History().Undo();
     ShowHistory();
+    fPresets.Follow();
 }
 
 void WorkbenchView::Redo() {
     fSession.History().Redo();
     ShowHistory();
-}
-
-void WorkbenchView::SetLooping(bool looping) {
-    fSession.Engine().SetLoop(looping);
-    fTransport->SetLooping(looping);
-}
-
-void WorkbenchView::SetBypassed(bool bypassed) {
-    fSession.Engine().SetBypass(bypassed);
-    fTransport->SetBypassed(bypassed);
-}
-
-void WorkbenchView::ToggleTheme() {
-    const bool isDark = &UI_GetWindow()->GetTheme() == &Theme::Dark();
-    UI_GetWindow()->SetTheme(isDark ? Theme::Light() : Theme::Dark());
-}
-
-void WorkbenchView::SetZoom(float zoom) {
-    fZoom = std::clamp(zoom, kSmallestZoom, fLargestZoom);
-    if (UI_GetWindow()) UI_GetWindow()->SetZoom(fZoom);
-    ShowState();
-}
-
-void WorkbenchView::ZoomIn() {
-    SetZoom(fZoom * kZoomStep);
-}
-
-void WorkbenchView::ZoomOut() {
-    SetZoom(fZoom / kZoomStep);
-}
-
-void WorkbenchView::ZoomToNormal() {
-    SetZoom(1);
+    fPresets.Follow();
 }
 
 } // namespace workbench

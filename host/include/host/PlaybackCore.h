@@ -12,13 +12,18 @@
 
 namespace qohost {
 
+// A part of a sound, in samples. An end that is not above the begin means the whole sound.
+struct PlaybackRange {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+};
+
 // What the user wants of the playback, as it stands when a block is rendered. Positions in samples.
 struct PlaybackRequest {
     bool stop = false;
     bool bypass = false;
     bool loop = false;
-    std::size_t loopBegin = 0;
-    std::size_t loopEnd = 0; // not above loopBegin: the whole sound
+    PlaybackRange range;
     std::optional<std::size_t> seek;
 };
 
@@ -42,8 +47,8 @@ public:
     // What is heard next, in samples from the start of the sound.
     std::size_t Position() const noexcept;
 
-    // Makes up to MaximumBlock() frames. False when the playback is over and silence follows; what is left of the block
-    // is silent already.
+    // Makes up to MaximumBlock() frames. At the end of the range the effect sounds on, or it goes on at its begin.
+    // False when the playback is over and silence follows; what is left of the block is silent already.
     bool Render(float* interleaved, std::size_t frames, std::size_t channels, const PlaybackRequest& request) noexcept;
     // Whether the last Render has done the seek that it was asked for.
     bool HasSought() const noexcept { return fHasSought; }
@@ -56,13 +61,15 @@ private:
     void Prepare();
     using Buffers = std::vector<std::vector<float>>;
 
+    void GoOnFrom(std::size_t frame) noexcept;
     void FetchInput(std::size_t frames, const PlaybackRequest& request) noexcept;
     std::size_t CopyFromSound(std::size_t offset, std::size_t frames, std::size_t end) noexcept;
     void DelayInput(std::size_t frames) noexcept;
     void MixDry(std::size_t frames, bool bypass) noexcept;
     void Fade(std::size_t frames, float target) noexcept;
     void WriteOut(float* interleaved, std::size_t frames, std::size_t channels) const noexcept;
-    bool HasSoundEnded() const noexcept { return fFed == Frames() && fSilenceFed >= fLatency + fTail; }
+    std::size_t EndOf(const PlaybackRange& range) const noexcept;
+    bool HasSoundEnded(const PlaybackRange& range) const noexcept;
     bool FinishFade(const PlaybackRequest& request) noexcept;
 
     std::shared_ptr<const Sound> fSound;

@@ -37,6 +37,8 @@ public:
     void Play();
     // Fades out, and is over when IsPlaying says so.
     void Stop() noexcept;
+    // Without a fade: for changes of the filter that can't wait and can't be made while it plays.
+    void StopAtOnce() noexcept;
     bool IsPlaying() const noexcept { return fPlaying.load(); }
     // To be called by the program's timer: tells the filter when the playing has ended.
     void Poll() noexcept;
@@ -46,8 +48,10 @@ public:
     // Beyond the end means the end.
     void Seek(std::size_t frame) noexcept;
 
-    // From `end` it goes on at `begin`, without a fade; both in samples. An empty range means the whole sound.
-    void SetLoop(bool loop, std::size_t begin = 0, std::size_t end = 0) noexcept;
+    // What it plays, once or again and again. What is played behind the range goes on to the end of the sound.
+    void SetRange(const PlaybackRange& range) noexcept;
+    // From the end of the range it goes on at its begin, without a fade.
+    void SetLoop(bool loop) noexcept { fLoop.store(loop, std::memory_order_relaxed); }
     bool IsLooping() const noexcept { return fLoop.load(std::memory_order_relaxed); }
 
     // Hears the sound without the effect, at the same time (the latency stays).
@@ -70,7 +74,8 @@ private:
 
     static float TakePeak(Peaks& peaks, std::size_t channel) noexcept;
     static void RaisePeaks(Peaks& peaks, std::span<const std::vector<float>> channels, std::size_t frames) noexcept;
-    PlaybackRequest CurrentRequest() const noexcept;
+    PlaybackRequest CurrentRequest() noexcept;
+    PlaybackRange CurrentRange() noexcept;
     void RenderBlock(float* interleaved, std::size_t frames, std::size_t channels) noexcept;
     void TellFilter(bool playing) noexcept;
 
@@ -84,8 +89,10 @@ private:
     std::atomic<std::int64_t> fSeek{kNoSeek};
     std::atomic<std::size_t> fPosition{0};
     std::atomic<bool> fLoop{false};
-    std::atomic<std::size_t> fLoopBegin{0};
-    std::atomic<std::size_t> fLoopEnd{0};
+    std::atomic<unsigned> fRangeVersion{0}; // odd while the range is written
+    std::atomic<std::size_t> fRangeBegin{0};
+    std::atomic<std::size_t> fRangeEnd{0};
+    PlaybackRange fLastRange; // the sound thread's
     std::atomic<bool> fBypass{false};
     Peaks fInputPeaks{};
     Peaks fOutputPeaks{};

@@ -45,6 +45,8 @@ std::vector<Preset> ParsePresetCollection(std::string_view json);
 
 // All that can be set of the filter, as it is now.
 Preset CapturePreset(const kroaudiofilterhost::AudioFilter& filter, std::string name);
+// The same for keeping: with frequencies in hertz, since what a stored value of them means may follow the sample rate.
+Preset CapturePresetForAnyRate(const kroaudiofilterhost::AudioFilter& filter, std::string name);
 
 // Gives the filter the preset's values and every other parameter its default, as one gesture about all parameters.
 // Returns what could not be taken as it is, a sentence each: names that the filter doesn't have or that can't be set,
@@ -52,5 +54,12 @@ Preset CapturePreset(const kroaudiofilterhost::AudioFilter& filter, std::string 
 // Throws krocore::config::Error, with nothing changed, for a preset of another effect, for a number that is not finite
 // and for a natural value that a switch or choice doesn't have.
 std::vector<std::string> ApplyPreset(kroaudiofilterhost::AudioFilter& filter, const Preset& preset);
+
+// Whether ApplyPreset would change parameters that can't be changed while the engine runs. Throws as it does.
+bool NeedsStoppedEngine(const kroaudiofilterhost::AudioFilter& filter, const Preset& preset);
+
+// Whether the filter's settings are those of the preset, but for what rounding may do. What the preset doesn't have
+// doesn't count: how many parameters there are may follow the channels.
+bool HasSettingsOf(const kroaudiofilterhost::AudioFilter& filter, const Preset& preset);
 
 } // namespace qohost

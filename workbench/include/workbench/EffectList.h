@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kroui/controls/UI_StaticText.h"
 #include "workbench/EffectListItem.h"
 #include "workbench/ScrollView.h"
 
@@ -7,7 +8,8 @@
 
 namespace workbench {
 
-// The effects by category, down the left side. A click or, with the focus, the arrow keys choose one.
+// The effects by category, or those of them that match a search. A click or, with the focus, the arrow keys choose one;
+// Enter chooses the first if the chosen one is not shown.
 class EffectList final : public kroui::ui::UI_Node {
 public:
     static constexpr float kWidth = 212;
@@ -19,6 +21,10 @@ public:
 
     // Marks the effect; tells nobody.
     void Select(const qoc::components::EffectDescription& effect);
+    // Shows the effects whose name or category holds every word of the text.
+    void Filter(std::u16string_view text);
+    // The edge towards the rest of the window.
+    static void DrawRightLine(const kroui::ui::UI_Node& node, kroui::limner::Limner& limner);
 
     void UI_Draw(kroui::limner::Limner* limner) override;
     void UI_SizeChanged(const kroui::RectT<float>& rect) override;
@@ -27,15 +33,25 @@ public:
     kroui::ui::AccessibleInfo UI_GetAccessibleInfo() const override;
 
 private:
-    void AddCategory(qoc::components::EffectCategory category, const Effects& effects, float& top);
-    void Choose(std::size_t index);
-    std::size_t SelectedIndex() const;
+    using Item = boost::intrusive_ptr<EffectListItem>;
+    struct Category {
+        boost::intrusive_ptr<kroui::controls::UI_StaticText> heading;
+        std::vector<Item> items;
+    };
+
+    void AddCategory(qoc::components::EffectCategory category, const Effects& effects);
+    void Arrange();
+    void ArrangeCategory(const Category& category, float& top);
+    std::vector<EffectListItem*> ShownItems() const;
+    bool ChooseByKey(kroui::ui::Key key);
+    void Choose(const EffectListItem& item);
     void OnItem(kroui::controls::UI_ControlChangedMessage* message);
 
     Listener fListener;
     boost::intrusive_ptr<ScrollView> fScroll;
     boost::intrusive_ptr<kroui::ui::UI_Node> fColumn;
-    std::vector<boost::intrusive_ptr<EffectListItem>> fItems;
+    boost::intrusive_ptr<kroui::controls::UI_StaticText> fNothing; // shown if nothing matches
+    std::vector<Category> fCategories;
 };
 
 } // namespace workbench

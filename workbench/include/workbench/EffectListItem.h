@@ -14,6 +14,8 @@ public:
     explicit EffectListItem(const qoc::components::EffectDescription& effect);
 
     const qoc::components::EffectDescription& Effect() const { return fEffect; }
+    // Whether the name or the category holds every word of the text; case doesn't count.
+    bool Matches(std::u16string_view text) const;
     void Select(bool selected) { SetDownState(selected); }
     bool IsSelected() const { return DownState(); }
 

@@ -2,12 +2,14 @@
 
 #include "kroui/controls/UI_StaticText.h"
 #include "kroui/controls/UI_TextButton.h"
+#include "workbench/CompareSwitch.h"
+#include "workbench/PresetBar.h"
 
 #include <boost/function.hpp>
 
 namespace workbench {
 
-// The top of the window: which sound is open, undo and redo.
+// The top of the window: which sound is open, undo and redo, and what is about the settings as a whole.
 class HeaderBar final : public kroui::ui::UI_Node {
 public:
     static constexpr float kHeight = 40;
@@ -16,7 +18,8 @@ public:
         boost::function<void()> undo;
         boost::function<void()> redo;
     };
-    explicit HeaderBar(Actions actions);
+    // The switch and the presets stand at the end.
+    HeaderBar(Actions actions, boost::intrusive_ptr<CompareSwitch> compare, boost::intrusive_ptr<PresetBar> presets);
 
     void SetSound(std::u16string_view name, std::u16string_view facts);
     // What the next undo and redo would change; `can` off greys the button.
@@ -35,6 +38,8 @@ private:
     boost::intrusive_ptr<kroui::controls::UI_StaticText> fFacts;
     boost::intrusive_ptr<kroui::controls::UI_TextButton> fUndo;
     boost::intrusive_ptr<kroui::controls::UI_TextButton> fRedo;
+    boost::intrusive_ptr<CompareSwitch> fCompare;
+    boost::intrusive_ptr<PresetBar> fPresets;
 };
 
 } // namespace workbench

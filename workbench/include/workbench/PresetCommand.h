@@ -17,12 +17,13 @@ struct PresetRequest {
     std::filesystem::path output;
 };
 
-// The names of the presets that come with an effect, a line each. Throws krocore::config::Error for a name of none.
+// The names of the presets that come with an effect and of those that the user has saved, a line each. Throws
+// krocore::config::Error for a name of none.
 std::string PresetListOf(std::string_view effectName);
 
-// Gives a prepared filter the preset that `text` names: one that comes with the effect (case is ignored), or else a
-// file. What could not be taken from it is told on standard error. An empty text changes nothing. Throws
-// krocore::config::Error, with nothing set.
+// Gives a prepared filter the preset that `text` names: one that comes with the effect (case is ignored), one that the
+// user has saved, or else a file. What could not be taken from it is told on standard error. An empty text changes
+// nothing. Throws krocore::config::Error, with nothing set.
 void ApplyPresetNamed(kroaudiofilterhost::AudioFilter& filter, const qoc::components::EffectDescription& effect,
                       std::string_view text);
 

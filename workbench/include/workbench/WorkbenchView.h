@@ -1,14 +1,18 @@
 #pragma once
 
-#include "workbench/EffectList.h"
+#include "workbench/Appearance.h"
+#include "workbench/EffectBrowser.h"
 #include "workbench/HeaderBar.h"
 #include "workbench/LevelMeters.h"
 #include "workbench/PanelCard.h"
 #include "workbench/PanelSource.h"
+#include "workbench/PresetDesk.h"
+#include "workbench/RenderDesk.h"
 #include "workbench/Session.h"
+#include "workbench/Shortcuts.h"
 #include "workbench/StatusLine.h"
-#include "workbench/TransportBar.h"
-#include "workbench/WaveformView.h"
+#include "workbench/TransportDesk.h"
+#include "workbench/WorkbenchLayout.h"
 
 namespace workbench {
 
@@ -17,7 +21,7 @@ namespace workbench {
 class WorkbenchView final : public kroui::ui::UI_Node {
 public:
     static constexpr kroui::Size kDefaultSize = {1440, 920};
-    static constexpr kroui::Size kSmallestSize = {900, 600};
+    static constexpr kroui::Size kSmallestSize = WorkbenchLayout::kSmallestSize;
 
     // Session and source outlive the view. `panels` makes the panels; null: they are as the library has them. If it
     // watches a folder, the panel follows the files in it, keeping the filter with its values and history.
@@ -28,8 +32,8 @@ public:
     bool ChooseEffect(const qoc::components::EffectDescription& effect);
 
     // The user's magnification, from when the view is attached; held within what is useful and the largest one.
-    void SetZoom(float zoom);
-    void SetLargestZoom(float zoom) { fLargestZoom = zoom; }
+    void SetZoom(float zoom) { fAppearance.SetZoom(zoom); }
+    void SetLargestZoom(float zoom) { fAppearance.SetLargestZoom(zoom); }
 
     // "file - Effect - Workbench".
     krocore::string16 Title() const;
@@ -44,22 +48,10 @@ public:
     bool UI_DropFiles(std::span<const std::filesystem::path> files, kroui::Point position) override;
 
 private:
-    struct Shortcut;
-
     bool HandleKey(const kroui::ui::KeyEvent& event);
-    void PlayOrPause();
-    void Stop();
-    void Seek(double seconds);
+    void Do(Command command);
     void Undo();
     void Redo();
-    void SetLooping(bool looping);
-    void SetBypassed(bool bypassed);
-    void ToggleLoop() { SetLooping(!fSession.Engine().IsLooping()); }
-    void ToggleBypass() { SetBypassed(!fSession.Engine().IsBypassed()); }
-    void ToggleTheme();
-    void ZoomIn();
-    void ZoomOut();
-    void ZoomToNormal();
 
     void BuildParts(const EffectList::Effects& effects);
     void Arrange();
@@ -69,32 +61,30 @@ private:
     void ShowPanel();
     void FollowFiles();
     void ShowHistory();
-    void ShowState();
     void FollowInput(bool begins);
     void SetPace();
-    void FollowTransport();
     void FollowHistory();
     void FollowLevels();
 
     Session& fSession;
     PanelSource* fPanels;
     boost::function<void()> fTitleListener;
+    Appearance fAppearance;
+    boost::intrusive_ptr<StatusLine> fStatus;
+    PresetDesk fPresets;
+    RenderDesk fRendering;
+    TransportDesk fTransport;
     boost::intrusive_ptr<HeaderBar> fHeader;
-    boost::intrusive_ptr<EffectList> fEffects;
+    boost::intrusive_ptr<EffectBrowser> fEffects;
     boost::intrusive_ptr<ScrollView> fPanelPlace;
     boost::intrusive_ptr<PanelCard> fPanelCard;
     boost::intrusive_ptr<LevelMeters> fMeters;
-    boost::intrusive_ptr<WaveformView> fWaveform;
-    boost::intrusive_ptr<TransportBar> fTransport;
-    boost::intrusive_ptr<StatusLine> fStatus;
     std::vector<float> fPeaks; // reused at every poll
     long fTimer = 0;
     long fWatchTimer = 0;
     bool fIsInInput = false;    // the user is doing something
     bool fPanelIsStale = false; // its files have changed
     double fLastPoll = 0;       // seconds
-    float fZoom = 1;
-    float fLargestZoom = 3;
     std::int32_t fSeenDirtyCount = 0;
     bool fCouldUndo = false;
     bool fCouldRedo = false;
