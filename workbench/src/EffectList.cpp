@@ -96,19 +96,21 @@ void EffectList::Filter(std::u16string_view text) {
     }
     Arrange();
     fScroll->ScrollTo({});
-    for (const EffectListItem* const item : ShownItems()) {
-        if (item->IsSelected()) fScroll->Reveal(item->UI_GetFrame());
-    }
+    RevealSelected();
 }
 
 void EffectList::Select(const EffectDescription& effect) {
     for (const Category& category : fCategories) {
-        for (const Item& item : category.items) {
+        for (const Item& item : category.items)
             item->Select(&item->Effect() == &effect);
-            if (item->IsSelected() && item->UI_IsVisible())
-                fScroll->Reveal(item->UI_GetFrame().Inset(0, -kHeadingHeight - kTopMargin));
-        }
     }
+    RevealSelected();
+}
+
+// With a heading that may stand above it.
+void EffectList::RevealSelected() {
+    for (const EffectListItem* const item : ShownItems())
+        if (item->IsSelected()) fScroll->Reveal(item->UI_GetFrame().Inset(0, -kHeadingHeight - kTopMargin));
 }
 
 void EffectList::UI_Draw(kroui::limner::Limner* limner) {
@@ -126,7 +128,11 @@ void EffectList::DrawRightLine(const UI_Node& node, kroui::limner::Limner& limne
 
 void EffectList::UI_SizeChanged(const kroui::RectT<float>& rect) {
     const float edge = kFocusWidth;
+    const bool hadNoRoom = fScroll->UI_GetFrame().height <= 0;
     fScroll->UI_SetFrame({edge, edge, rect.width - 2 * edge, rect.height - 2 * edge});
+    if (!hadNoRoom) return;
+    fScroll->ScrollTo({});
+    RevealSelected();
 }
 
 std::vector<EffectListItem*> EffectList::ShownItems() const {

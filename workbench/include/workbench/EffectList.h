@@ -42,6 +42,7 @@ private:
     void AddCategory(qoc::components::EffectCategory category, const Effects& effects);
     void Arrange();
     void ArrangeCategory(const Category& category, float& top);
+    void RevealSelected();
     std::vector<EffectListItem*> ShownItems() const;
     bool ChooseByKey(kroui::ui::Key key);
     void Choose(const EffectListItem& item);
