@@ -3,7 +3,6 @@
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/ParameterIndices.h"
 
-#include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>
@@ -22,8 +21,8 @@ constexpr const char* kPrecisions[] = {"$$$/PitchShift/Low=Low", "$$$/PitchShift
 constexpr ParameterRow kRows[] = {
     {.id = "ratio",
      .name = "$$$/PitchShift/Ratio=Ratio",
-     .lo = SpliceStretcher::kLowestRatio,
-     .hi = SpliceStretcher::kHighestRatio,
+     .lo = Splicer::kLowestRatio,
+     .hi = Splicer::kHighestRatio,
      .defaultValue = 1,
      .decimals = 4,
      .scale = ParameterScale::kLogarithmic},
@@ -56,9 +55,8 @@ constexpr ParameterRow kRows[] = {
 };
 
 constexpr double kPercent = 100;
-// The interpolator's reach at the highest speed, in stretched samples, and in frames at the lowest.
+// The interpolator's, to either side of the place that is read, at the highest speed.
 constexpr std::int64_t kReach = 2 * SampleInterpolator::kLargestHalfWidth + 2;
-constexpr std::int64_t kChunk = SpliceStretcher::kChunk;
 
 using Kind = SampleInterpolator::Kind;
 constexpr std::array<Kind, 3> kKinds = {Kind::kSinc8, Kind::kSinc16, Kind::kSinc32}; // by precision
@@ -83,123 +81,91 @@ PitchShift::PitchShift() : ComponentBase(kPitchShiftComponentID, std::move(Param
 
 PitchShift::~PitchShift() = default;
 
-void PitchShift::ParameterHasChanged(int index) {
-    const bool isSplicing = index >= kPitchShiftSplicingFrequency && index <= kPitchShiftUseDefaultSettings;
-    const bool isPrepared = fLatency > 0;
-    if (isSplicing && isPrepared) fHandOver.Offer(MakeStretcher());
-}
-
-void PitchShift::PrepareProcessing(std::size_t /*maximumBlock*/) {
+void PitchShift::PrepareProcessing(std::size_t maximumBlock) {
     const double sampleRate = GetSampleRate();
-    const auto longest = static_cast<std::size_t>(std::ceil(sampleRate / kLowestSplicingFrequency));
-    fLatency = SpliceStretcher::LongestDelay(sampleRate, longest) + kReach;
-    const std::size_t kept = std::bit_ceil(fLatency + 2 * kReach + 4 * kChunk);
+    fSplicer.Prepare(GetNumberOfInputChannels(), sampleRate, sampleRate / kLowestSplicingFrequency);
+    const std::size_t reach = fSplicer.Reach() + kReach;
+    fLatency = reach;
+    const std::size_t kept = std::bit_ceil(fLatency + reach + maximumBlock);
     fClock.Prepare(kept);
     fHistory.Prepare(GetNumberOfInputChannels(), kept);
-    for (SmoothedValue* value : {&fRatio, &fWet, &fFade})
+    for (SmoothedValue* value : {&fRatio, &fWet})
         value->Prepare(sampleRate);
-    fHandOver.Clear();
-    fStretcher = MakeStretcher();
 }
 
 void PitchShift::ResetProcessing() noexcept {
-    if (auto offered = fHandOver.Take()) fStretcher = std::move(offered);
-    fFormer.reset();
-    fFade.Settle(1);
     fClock.Reset();
     fHistory.Reset();
-    fStretcher->Start(0, fClock);
+    fSplicer.Reset();
 }
 
 void PitchShift::ReadParameters(bool settle) noexcept {
     const float ratio = Natural(kPitchShiftRatio);
-    settle ? fRatio.Settle(ratio) : fRatio.SetTarget(ratio);
+    fRatio.Set(ratio, settle);
     if (settle) fWet.Settle(ratio == 1.0F ? 0.0F : 1.0F);
-    const int precision = Item(kPitchShiftPrecision);
-    fKind = kKinds[static_cast<std::size_t>(precision)];
-    fQuickSeek = precision == 0;
-    fStretcher->SetQuickSeek(fQuickSeek);
+    fKind = kKinds[static_cast<std::size_t>(Item(kPitchShiftPrecision))];
+    fSplicer.SetLengths(ReadLengths());
+}
+
+Splicer::Lengths PitchShift::ReadLengths() const noexcept {
+    if (IsOn(kPitchShiftUseDefaultSettings)) return {};
+    const double sequence = GetSampleRate() / double{Natural(kPitchShiftSplicingFrequency)};
+    return {sequence, sequence * Natural(kPitchShiftOverlapping) / kPercent};
 }
 
 void PitchShift::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
-    for (std::size_t begin = 0; begin < block.frames;) {
-        if (fClock.Now() % kChunk == 0) TakeStretcher();
-        const auto rest = static_cast<std::size_t>(kChunk - fClock.Now() % kChunk);
-        const std::size_t frames = std::min(block.frames - begin, rest);
-        ProcessPart(block, begin, frames);
-        begin += frames;
-    }
-}
-
-std::unique_ptr<SpliceStretcher> PitchShift::MakeStretcher() const {
-    SpliceLengths lengths;
-    if (!IsOn(kPitchShiftUseDefaultSettings)) {
-        const double sequence = GetSampleRate() / double{Natural(kPitchShiftSplicingFrequency)};
-        lengths.sequence = std::max<std::size_t>(1, static_cast<std::size_t>(std::llround(sequence)));
-        lengths.overlap = static_cast<std::size_t>(std::llround(sequence * Natural(kPitchShiftOverlapping) / kPercent));
-    }
-    return std::make_unique<SpliceStretcher>(GetNumberOfInputChannels(), GetSampleRate(), lengths);
-}
-
-void PitchShift::TakeStretcher() noexcept {
-    if (fFormer != nullptr) return;
-    auto offered = fHandOver.Take();
-    if (offered == nullptr) return;
-    fFormer = std::exchange(fStretcher, std::move(offered));
-    const std::int64_t fed = fFormer->Now();
-    const std::int64_t needed = fClock.Now() - static_cast<std::int64_t>(fLatency) - kReach;
-    fStretcher->SetQuickSeek(fQuickSeek);
-    fStretcher->Start(std::max<std::int64_t>(0, needed / kChunk - 1) * kChunk, fClock);
-    while (fStretcher->Now() < fed)
-        fStretcher->Feed(fHistory, fClock);
-    fFade.Settle(0);
-    fFade.SetTarget(1);
-}
-
-void PitchShift::ProcessPart(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin,
-                             std::size_t frames) noexcept {
-    const std::int64_t start = fClock.Now();
-    fHistory.Write(block.inputs, begin, frames);
-    for (std::size_t i = 0; i < frames; ++i)
+    const std::int64_t start = fClock.Now() - static_cast<std::int64_t>(fLatency);
+    fHistory.Write(block.inputs, 0, block.frames);
+    for (std::size_t i = 0; i < block.frames; ++i)
         fClock.Push(fRatio.Next());
-    if (fClock.Now() % kChunk == 0) {
-        fStretcher->Feed(fHistory, fClock);
-        if (fFormer != nullptr) fFormer->Feed(fHistory, fClock);
-    }
-    for (std::size_t i = 0; i < frames; ++i)
-        Write(block, begin + i, start + static_cast<std::int64_t>(i) - static_cast<std::int64_t>(fLatency));
-    if (fFormer != nullptr && fFade.IsSettled()) fHandOver.GiveBack(std::move(fFormer));
+    for (std::size_t i = 0; i < block.frames; ++i)
+        Write(block, i, start + static_cast<std::int64_t>(i));
 }
 
 void PitchShift::Write(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame,
                        std::int64_t source) noexcept {
-    const float fade = fFade.Next();
     if (source < 0) {
         for (float* output : block.outputs)
             output[frame] = 0;
         return;
     }
-    const float ratio = fClock.RatioAt(source);
-    fWet.SetTarget(ratio == 1.0F ? 0.0F : 1.0F);
+    fWet.SetTarget(fClock.RatioAt(source) == 1.0F ? 0.0F : 1.0F);
     const float wet = fWet.Next();
-    const double place = fClock.PositionAt(source);
-    const double whole = std::floor(place);
-    if (wet > 0) fInterpolator.Compute(fKind, place - whole, ratio, static_cast<double>(kReach), fWeights);
-    const std::int64_t first = static_cast<std::int64_t>(whole) + fWeights.first;
+    if (wet > 0) {
+        WriteShifted(block, frame, source, wet);
+        return;
+    }
+    fSplicer.Follow(source, fClock);
+    for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
+        block.outputs[channel][frame] = *fHistory.At(channel, source);
+}
+
+void PitchShift::WriteShifted(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::int64_t source,
+                              float wet) noexcept {
+    const float ratio = fClock.RatioAt(source);
+    fSplicer.Advance(source, fClock, fHistory);
+    const float share = fSplicer.Share();
+    PlaceReading(fSplicer.Place(), ratio, fPresent);
+    if (share < 1) PlaceReading(fSplicer.FormerPlace(), ratio, fFormer);
     for (std::size_t channel = 0; channel < block.outputs.size(); ++channel) {
-        float sound = *fHistory.At(channel, source);
-        if (wet > 0) {
-            float shifted = ReadStretched(*fStretcher, channel, first);
-            if (fFormer != nullptr) shifted += (1 - fade) * (ReadStretched(*fFormer, channel, first) - shifted);
-            sound = wet == 1 ? shifted : sound + wet * (shifted - sound);
+        float shifted = Read(fPresent, channel);
+        if (share < 1) {
+            const float former = Read(fFormer, channel);
+            shifted = former + share * (shifted - former);
         }
-        block.outputs[channel][frame] = sound;
+        const float dry = *fHistory.At(channel, source);
+        block.outputs[channel][frame] = wet == 1 ? shifted : dry + wet * (shifted - dry);
     }
 }
 
-float PitchShift::ReadStretched(const SpliceStretcher& stretcher, std::size_t channel,
-                                std::int64_t position) const noexcept {
-    return Product(std::span(fWeights.values).first(fWeights.count), stretcher.At(channel, position));
+void PitchShift::PlaceReading(double place, float ratio, Reading& reading) const noexcept {
+    const double whole = std::floor(place);
+    fInterpolator.Compute(fKind, place - whole, ratio, static_cast<double>(kReach), reading.weights);
+    reading.first = static_cast<std::int64_t>(whole) + reading.weights.first;
+}
+
+float PitchShift::Read(const Reading& reading, std::size_t channel) const noexcept {
+    return Product(std::span(reading.weights.values).first(reading.weights.count), fHistory.At(channel, reading.first));
 }
 
 } // namespace qoc::components
