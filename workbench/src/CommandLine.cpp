@@ -92,6 +92,9 @@ void DescribeOpen(CLI::App& app, OpenRequest& request) {
     AddTheme(command, request.theme);
     AddScale(command, request.scale, "--scale", "pixels a unit of the picture, 0.5 to 4");
     AddScale(command, request.zoom, "--zoom", "magnification on top of that, 0.5 to 4");
+    command.add_option("--trace", request.trace, "write traces up to this level, 1 to 9, on the error output")
+        ->type_name("LEVEL")
+        ->check(CLI::Range(0, 9));
     AddPath(command, request.file, "FILE", "the sound to open; without it a built-in one");
 }
 

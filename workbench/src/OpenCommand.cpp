@@ -2,6 +2,7 @@
 
 #include "host/AudioFile.h"
 #include "krocore/config/Error.h"
+#include "krocore/debug/Trace.h"
 #include "workbench/CommandLine.h"
 #include "workbench/EffectNames.h"
 #include "workbench/ScriptEffect.h"
@@ -47,6 +48,7 @@ void WriteTreeIfWanted(const std::filesystem::path& file, const kroui::ui::UI_Wi
 } // namespace
 
 int Open(const OpenRequest& request) {
+    krocore::debug::SetTraceLevel("*", request.trace);
     const PanelsLibrary library;
     EffectList::Effects effects = AvailableEffects();
     PanelSource panels(library);

@@ -13,6 +13,7 @@ struct OpenRequest {
     std::string theme = "dark";  // or "light"
     float scale = 1;             // the host's factor, on top of the screen's own
     float zoom = 1;
+    int trace = 0; // the level up to which traces are written on stderr
 };
 
 // Runs the window until the user closes it; returns an exit code. Throws krocore::config::Error when there is no
