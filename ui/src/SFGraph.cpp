@@ -220,7 +220,7 @@ void SFGraph::UpdatePoints() {
         // From one end of the turn to the other there is no way to be drawn.
         const bool isWrap = fView == View::kPhase && std::abs(value - previous) > kHalfTurn;
         if (isWrap) fPoints.push_back({x, std::numeric_limits<float>::quiet_NaN()});
-        const float y = GetPixelForCoordinatePair({0, value}).y;
+        const float y = VerticalRuler().GetPixel(value);
         fPoints.push_back({x, std::clamp(y, content.top - kBeyond, content.Bottom() + kBeyond)});
         previous = value;
     }
