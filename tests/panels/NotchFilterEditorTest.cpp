@@ -162,7 +162,7 @@ TEST_F(NotchFilterEditorTest, AnotherSampleRateIsFollowedWithoutWriting) {
     Open();
     EXPECT_EQ(Field("Frequency1").GetMaxValue(), 22050);
     fFilter->Prepare(192000, 64, kromediatypes::AudioChannelLayout::Stereo());
-    Poll();
+    fWindow.Advance(0.11);
     EXPECT_EQ(Field("Frequency1").GetMaxValue(), 96000);
     const float natural = fFilter->GetParameterInfo(2)->ToNatural(fFilter->GetParameterValue(2));
     EXPECT_NEAR(Field("Frequency3").GetValue(), natural, 1e-2);

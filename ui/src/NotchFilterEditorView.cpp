@@ -51,7 +51,7 @@ bool IsFrequency(int parameterIndex) {
 } // namespace
 
 NotchFilterEditorView::NotchFilterEditorView(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter)
-    : AudioComponentEditorXMLView("NotchFilter", filter), fSampleRate(filter->GetSampleRate()) {
+    : AudioComponentEditorXMLView("NotchFilter", filter) {
 }
 
 NotchFilterEditorView::~NotchFilterEditorView() = default;
@@ -70,6 +70,7 @@ NotchFilterEditorView::CreateCustomNode(const krocore::string16& className) cons
 void NotchFilterEditorView::ConnectControls() {
     AudioComponentEditorXMLView::ConnectControls();
     fGraph = FindNamed<NotchFilterGraph>("Graph");
+    if (fGraph) fGraph->NotifyWhenSampleRateChanges(boost::bind(&NotchFilterEditorView::FollowSampleRate, this));
     for (std::size_t i = 0; i < kSections; ++i) {
         const std::string number = std::to_string(i + 1);
         fSections[i].frequency = ConnectHotText("Frequency" + number, Index(kNotchFirstFrequency, i));
@@ -86,11 +87,6 @@ void NotchFilterEditorView::ConnectControls() {
     AddParameterObserver(kNotchFixGainEnable, updateEnablement);
     for (std::size_t i = 0; i < kSections; ++i)
         AddParameterObserver(Index(kNotchFirstEnable, i), updateEnablement);
-}
-
-void NotchFilterEditorView::SyncParameters() {
-    AudioComponentEditorXMLView::SyncParameters();
-    if (GetAudioComponent()->GetSampleRate() != fSampleRate) FollowSampleRate();
 }
 
 NotchFilterEditorView::HotTextPtr NotchFilterEditorView::ConnectHotText(const std::string& id, int parameterIndex) {
@@ -193,9 +189,8 @@ void NotchFilterEditorView::UpdateGraph() {
     if (fGraph) fGraph->UpdateGraph();
 }
 
+// The bounds of the frequencies count in it.
 void NotchFilterEditorView::FollowSampleRate() {
-    fSampleRate = GetAudioComponent()->GetSampleRate();
-    if (fGraph) fGraph->FollowSampleRate();
     for (std::size_t i = 0; i < kSections; ++i) {
         const int index = Index(kNotchFirstFrequency, i);
         if (!fSections[i].frequency) continue;

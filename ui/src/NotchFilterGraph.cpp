@@ -1,6 +1,7 @@
 #include "qocui/ui/NotchFilterGraph.h"
 
 #include "krocore/Localizer.h"
+#include "kroui/ui/UI_NodeManager.h"
 #include "qoc/components/ParameterIndices.h"
 
 #include <boost/bind/bind.hpp>
@@ -24,7 +25,13 @@ namespace {
 
 constexpr double kLargestGain = 96;      // dB, either way
 constexpr double kFrequencyOffset = 0.5; // hertz, of stored frequencies
+constexpr float kWatchSeconds = 0.1F;    // from one look at the sample rate to the next
 constexpr double kValuesPerPixel = 4;    // of the response: narrow notches keep their shape
+
+long WatchTimerID() {
+    static const long sTimerID = kroui::ui::UI_NodeManager::Get().GetUniqueTimerID();
+    return sTimerID;
+}
 
 double ToDecibels(float stored) {
     return (static_cast<double>(stored) - 0.5) * kLargestGain * 2;
@@ -50,7 +57,8 @@ std::vector<krocore::string16> NumbersTo(int count) {
 NotchFilterGraph::NotchFilterGraph(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter)
     : FrequencyGraph(filter, {kNotchViewStart, kNotchViewEnd, kFrequencyOffset},
                      MakeLogRuler(false, kLowestFrequency, NyquistOf(*filter)),
-                     MakeLinearRuler(true, -kLargestGain, kLargestGain)) {
+                     MakeLinearRuler(true, -kLargestGain, kLargestGain)),
+      fSampleRate(filter->GetSampleRate()) {
     SetWantsKeyboardFocus(true);
     SetRulersSupportZooming(true);
     SetMaxPointCount(kSections);
@@ -80,6 +88,22 @@ void NotchFilterGraph::EnsureSectionVisible(int parameterIndex) {
         Parameter(kNotchFirstFrequency + section) * static_cast<double>(Filter().GetSampleRate()) * 0.5;
     SetCurrentRange(std::min(GetHorizontalStart(), hertz), std::max(GetHorizontalEnd(), hertz),
                     std::max(GetVerticalStart(), decibels), std::min(GetVerticalEnd(), decibels));
+}
+
+void NotchFilterGraph::UI_NodeChanged(NodeChange change) {
+    if (change == kAttached) UI_InstallTimer(kWatchSeconds, WatchTimerID());
+    if (change == kDetaching) UI_RemoveTimer(WatchTimerID(), false);
+    FrequencyGraph::UI_NodeChanged(change);
+}
+
+bool NotchFilterGraph::UI_DoTimerNotify(long timerID) {
+    if (timerID != WatchTimerID()) return FrequencyGraph::UI_DoTimerNotify(timerID);
+    const float sampleRate = Filter().GetSampleRate();
+    if (sampleRate == fSampleRate) return true;
+    fSampleRate = sampleRate;
+    FollowSampleRate();
+    if (fSampleRateListener) fSampleRateListener();
+    return true;
 }
 
 void NotchFilterGraph::UpdateRulers() {

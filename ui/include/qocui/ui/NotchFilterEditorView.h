@@ -28,8 +28,6 @@ protected:
 
     boost::intrusive_ptr<kroui::ui::UI_Node> CreateCustomNode(const krocore::string16& className) const override;
     void ConnectControls() override;
-    // Follows the sample rate too, which the frequencies count in.
-    void SyncParameters() override;
 
 private:
     static constexpr std::size_t kSections = 6;
@@ -78,7 +76,6 @@ private:
     CheckboxPtr fUltraQuiet;
     CheckboxPtr fFixGain;
     HotTextPtr fFixedGain;
-    float fSampleRate; // that the fields' bounds were set for
 };
 
 } // namespace qocui::ui

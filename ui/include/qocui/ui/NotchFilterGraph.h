@@ -3,7 +3,10 @@
 #include "qocui/module/Export.h"
 #include "qocui/ui/FrequencyGraph.h"
 
+#include <boost/function.hpp>
+
 #include <array>
+#include <utility>
 
 namespace qocui::ui {
 
@@ -17,6 +20,12 @@ public:
     // Widens what is shown so that the section that has this frequency or gain parameter lies in it; nothing for other
     // parameters.
     void EnsureSectionVisible(int parameterIndex);
+
+    // While it is to be seen, the graph follows the filter's sample rate; the listener is told each time, afterwards.
+    void NotifyWhenSampleRateChanges(boost::function<void()> listener) { fSampleRateListener = std::move(listener); }
+
+    void UI_NodeChanged(NodeChange change) override;
+    bool UI_DoTimerNotify(long timerID) override;
 
 protected:
     ~NotchFilterGraph() override;
@@ -41,6 +50,8 @@ private:
     void BeginEdit();
     void EndEdit();
 
+    boost::function<void()> fSampleRateListener;
+    float fSampleRate;                          // that the axis was made for
     bool fEditOpen = false;                     // brackets were opened for the latest drag
     CurvePoints fPreviousPoints;                // from the start of the drag
     std::array<bool, kSections> fMovedAcross{}; // since then
