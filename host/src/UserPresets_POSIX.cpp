@@ -4,7 +4,7 @@
 
 namespace qohost {
 
-// XDG Base Directory Specification 0.8: paths that are not absolute don't count.
+// XDG Base Directory 0.8: paths that are not absolute don't count.
 std::filesystem::path UserPresets::UsualFolder() {
     const char* const data = std::getenv("XDG_DATA_HOME");
     std::filesystem::path folder = data != nullptr ? data : "";
