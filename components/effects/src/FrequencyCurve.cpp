@@ -14,10 +14,6 @@ FrequencyCurve::FrequencyCurve(std::vector<Point> points, Axis axis, bool spline
     if (spline && fPoints.size() > 2) ComputeSlopes();
 }
 
-bool FrequencyCurve::IsConstant() const noexcept {
-    return std::ranges::all_of(fPoints, [this](const Point& p) { return p.value == fPoints.front().value; });
-}
-
 double FrequencyCurve::At(double hertz) const noexcept {
     if (hertz >= fPoints.back().hertz) return fPoints.back().value;
     if (hertz <= fPoints.front().hertz) return fPoints.front().value;

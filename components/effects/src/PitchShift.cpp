@@ -2,11 +2,11 @@
 
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/ParameterIndices.h"
+#include "qoc/components/SumInTurns.h"
 
 #include <array>
 #include <bit>
 #include <cmath>
-#include <span>
 #include <utility>
 
 namespace qoc::components {
@@ -60,19 +60,6 @@ constexpr std::int64_t kReach = 2 * SampleInterpolator::kLargestHalfWidth + 2;
 
 using Kind = SampleInterpolator::Kind;
 constexpr std::array<Kind, 3> kKinds = {Kind::kSinc8, Kind::kSinc16, Kind::kSinc32}; // by precision
-
-// In four sums, which need not wait for each other.
-float Product(std::span<const float> weights, const float* sound) noexcept {
-    std::array<float, 4> sums{};
-    std::size_t i = 0;
-    for (; i + sums.size() <= weights.size(); i += sums.size()) {
-        for (std::size_t lane = 0; lane < sums.size(); ++lane)
-            sums[lane] += weights[i + lane] * sound[i + lane];
-    }
-    for (; i < weights.size(); ++i)
-        sums[0] += weights[i] * sound[i];
-    return (sums[0] + sums[1]) + (sums[2] + sums[3]);
-}
 
 } // namespace
 
@@ -165,7 +152,9 @@ void PitchShift::PlaceReading(double place, float ratio, Reading& reading) const
 }
 
 float PitchShift::Read(const Reading& reading, std::size_t channel) const noexcept {
-    return Product(std::span(reading.weights.values).first(reading.weights.count), fHistory.At(channel, reading.first));
+    const float* const weights = reading.weights.values.data();
+    const float* const sound = fHistory.At(channel, reading.first);
+    return SumInTurns<float>(0, reading.weights.count, [=](std::size_t i) { return weights[i] * sound[i]; });
 }
 
 } // namespace qoc::components

@@ -1,5 +1,7 @@
 #include "qoc/components/SampleRestorer.h"
 
+#include "qoc/components/SumInTurns.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -21,20 +23,6 @@ Lanes Load(const double* from) noexcept {
 
 void Store(double* to, Lanes lanes) noexcept {
     std::memcpy(to, &lanes, sizeof(lanes));
-}
-
-// Four sums by turns, because none has to wait for another.
-template <class Term>
-double Sum(std::size_t first, std::size_t end, const Term& term) noexcept {
-    std::array<double, 4> sums{};
-    std::size_t i = first;
-    for (; i + 4 <= end; i += 4) {
-        for (std::size_t k = 0; k < 4; ++k)
-            sums[k] += term(i + k);
-    }
-    for (; i < end; ++i)
-        sums[0] += term(i);
-    return (sums[0] + sums[1]) + (sums[2] + sums[3]);
 }
 
 } // namespace
@@ -76,7 +64,7 @@ void SampleRestorer::SetUp(std::span<const double> coefficients, std::span<const
             column[j - i] = fProducts[unknown[j] - unknown[i]];
         const double* const middle = sound.data() + unknown[i];
         const auto around = [&](std::size_t lag) { return fProducts[lag] * (*(middle - lag) + middle[lag]); };
-        fValues[i] = -Sum(1, fWidth, around);
+        fValues[i] = -SumInTurns<double>(1, fWidth, around);
     }
 }
 
@@ -135,7 +123,8 @@ void SampleRestorer::Solve(std::size_t count) noexcept {
         const double* const column = Column(i);
         const double* const later = fValues.data() + i;
         const std::size_t length = std::min(fWidth, count - i);
-        fValues[i] = (fValues[i] - Sum(1, length, [&](std::size_t k) { return column[k] * later[k]; })) / column[0];
+        fValues[i] = (fValues[i] - SumInTurns<double>(1, length, [&](std::size_t k) { return column[k] * later[k]; })) /
+                     column[0];
     }
 }
 

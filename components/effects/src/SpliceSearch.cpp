@@ -1,7 +1,8 @@
 #include "qoc/components/SpliceSearch.h"
 
+#include "qoc/components/SumInTurns.h"
+
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cmath>
 #include <numeric>
@@ -21,17 +22,8 @@ constexpr double kPull = 0.4;
 constexpr double kSilence = 1e-6;
 constexpr double kLeast = 1e-20;
 
-// The sum of the products, in four sums, which need not wait for each other.
 double Product(const float* one, const float* other, std::size_t count) noexcept {
-    std::array<double, 4> sums{};
-    std::size_t i = 0;
-    for (; i + sums.size() <= count; i += sums.size()) {
-        for (std::size_t lane = 0; lane < sums.size(); ++lane)
-            sums[lane] += double{one[i + lane]} * other[i + lane];
-    }
-    for (; i < count; ++i)
-        sums[0] += double{one[i]} * other[i];
-    return (sums[0] + sums[1]) + (sums[2] + sums[3]);
+    return SumInTurns<double>(0, count, [=](std::size_t i) { return double{one[i]} * other[i]; });
 }
 
 // Written out: the operator takes care of infinite values, which costs time.

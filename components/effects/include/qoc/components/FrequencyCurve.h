@@ -21,8 +21,6 @@ public:
     // curve is `fallback` everywhere.
     FrequencyCurve(std::vector<Point> points, Axis axis, bool spline, double fallback);
 
-    // Whether the curve is level.
-    bool IsConstant() const noexcept;
     double At(double hertz) const noexcept;
     // The values at `count` frequencies evenly spaced from 0 to `end` hertz.
     std::vector<double> Sample(std::size_t count, double end) const;
