@@ -33,12 +33,13 @@ FrequencyGraph::RulerPtr FrequencyGraph::MakeLogRuler(bool vertical, double mini
     return ui::MakeLogRuler(vertical, minimum, maximum);
 }
 
-void FrequencyGraph::FollowSampleRate() {
+bool FrequencyGraph::FollowSampleRate() {
     constexpr int kRight = 1;
     const float nyquist = Nyquist();
-    if (!(nyquist > kLowestFrequency) || GetBound(kRight) == nyquist) return;
+    if (!(nyquist > kLowestFrequency) || GetBound(kRight) == nyquist) return false;
     UpdateRulers();
     UpdateCurvePointsFromComponent();
+    return true;
 }
 
 void FrequencyGraph::SetCurrentRange(double horizontalStart, double horizontalEnd, double verticalStart,

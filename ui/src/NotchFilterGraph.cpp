@@ -57,8 +57,7 @@ std::vector<krocore::string16> NumbersTo(int count) {
 NotchFilterGraph::NotchFilterGraph(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter)
     : FrequencyGraph(filter, {kNotchViewStart, kNotchViewEnd, kFrequencyOffset},
                      MakeLogRuler(false, kLowestFrequency, NyquistOf(*filter)),
-                     MakeLinearRuler(true, -kLargestGain, kLargestGain)),
-      fSampleRate(filter->GetSampleRate()) {
+                     MakeLinearRuler(true, -kLargestGain, kLargestGain)) {
     SetWantsKeyboardFocus(true);
     SetRulersSupportZooming(true);
     SetMaxPointCount(kSections);
@@ -98,11 +97,7 @@ void NotchFilterGraph::UI_NodeChanged(NodeChange change) {
 
 bool NotchFilterGraph::UI_DoTimerNotify(long timerID) {
     if (timerID != WatchTimerID()) return FrequencyGraph::UI_DoTimerNotify(timerID);
-    const float sampleRate = Filter().GetSampleRate();
-    if (sampleRate == fSampleRate) return true;
-    fSampleRate = sampleRate;
-    FollowSampleRate();
-    if (fSampleRateListener) fSampleRateListener();
+    if (FollowSampleRate() && fSampleRateListener) fSampleRateListener();
     return true;
 }
 

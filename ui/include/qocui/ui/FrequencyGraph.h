@@ -15,7 +15,8 @@ public:
     // Reads the filter again and redraws.
     void UpdateGraph() { UpdateCurvePointsFromComponent(); }
     // Follows a sample rate that has become another while the graph is open: rulers and points are made anew.
-    void FollowSampleRate();
+    // Returns whether it has.
+    bool FollowSampleRate();
 
     // Stores the frequencies shown in the filter, quietly, and asks for the response anew.
     void SetCurrentRange(double horizontalStart, double horizontalEnd, double verticalStart,

@@ -51,7 +51,6 @@ private:
     void EndEdit();
 
     boost::function<void()> fSampleRateListener;
-    float fSampleRate;                          // that the axis was made for
     bool fEditOpen = false;                     // brackets were opened for the latest drag
     CurvePoints fPreviousPoints;                // from the start of the drag
     std::array<bool, kSections> fMovedAcross{}; // since then
