@@ -32,7 +32,7 @@ bool CanBeFileName(std::string_view name) {
 
 bool IsBefore(const std::string& a, const std::string& b) {
     const auto lower = [](unsigned char c) { return std::tolower(c); };
-    if (const bool isSame = std::ranges::equal(a, b, {}, lower, lower)) return isSame && a < b;
+    if (std::ranges::equal(a, b, {}, lower, lower)) return a < b;
     return std::ranges::lexicographical_compare(a, b, {}, lower, lower);
 }
 

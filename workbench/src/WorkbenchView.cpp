@@ -146,6 +146,7 @@ void WorkbenchView::ShowHistory() {
     fCouldRedo = history.CanRedo();
     fHeader->SetUndo(fCouldUndo, history.UndoName());
     fHeader->SetRedo(fCouldRedo, history.RedoName());
+    fPresets.Follow();
 }
 
 void WorkbenchView::UI_SizeChanged(const kroui::RectT<float>& /*rect*/) {
@@ -232,7 +233,6 @@ void WorkbenchView::FollowHistory() {
                         history.CanUndo() == fCouldUndo && history.CanRedo() == fCouldRedo;
     if (isSame) return;
     ShowHistory();
-    fPresets.Follow();
 }
 
 void WorkbenchView::FollowLevels() {
@@ -284,13 +284,11 @@ void WorkbenchView::Do(Command command) {
 void WorkbenchView::Undo() {
     fSession.History().Undo();
     ShowHistory();
-    fPresets.Follow();
 }
 
 void WorkbenchView::Redo() {
     fSession.History().Redo();
     ShowHistory();
-    fPresets.Follow();
 }
 
 } // namespace workbench
