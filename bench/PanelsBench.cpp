@@ -2,6 +2,7 @@
 // value, the poll of an open view, and a drag of one of 128 points of a curve, the whole way from the pointer to the
 // picture.
 
+#include "SourcePaths.h"
 #include "krocore/ModuleResources.h"
 #include "kroui/limner/CairoSupplier.h"
 #include "kroui/ui/HeadlessWindow.h"

@@ -74,6 +74,13 @@ function(qo_embed_resources target symbol)
         GENERATED TRUE LANGUAGE ASM SKIP_PRECOMPILE_HEADERS ON)
 endfunction()
 
+# Where tests and benches find the project's files and its program. A header and no definitions of each target, so that only
+# those sources that include it depend on where the project lies.
+file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/paths/SourcePaths.h CONTENT "#pragma once
+#define QO_SOURCE_DIR \"${CMAKE_SOURCE_DIR}\"
+#define QO_WORKBENCH_PROGRAM \"${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/workbench${CMAKE_EXECUTABLE_SUFFIX}\"
+")
+
 # A layer's tests, one program: qo_test(<name> APIS <layers it may include> LINK <libraries>
 # SUPPORT <sources of tests/support that it needs>)
 function(qo_test name)
@@ -94,8 +101,7 @@ function(qo_test name)
     target_compile_options(${target} PRIVATE -fPIC)
     target_precompile_headers(${target} REUSE_FROM qo_test_pch)
     set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-    target_compile_definitions(${target} PRIVATE QO_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/${name}"
-                                                 QO_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
+    target_include_directories(${target} PRIVATE ${CMAKE_BINARY_DIR}/paths)
     add_test(NAME ${name} COMMAND ${target})
     set_tests_properties(${name} PROPERTIES ENVIRONMENT
         "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tools/lsan.supp:print_suppressions=0")

@@ -2,6 +2,7 @@
 
 #include "AllocationCounter.h"
 #include "ProcessSound.h"
+#include "SourcePaths.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/ParameterIndices.h"
@@ -67,7 +68,7 @@ ReferenceFilter ParseReference(const std::string& line) {
 }
 
 std::vector<ReferenceFilter> ReferenceFilters() {
-    std::ifstream file(QO_TEST_DATA "/data/scientific_filter.txt");
+    std::ifstream file(QO_SOURCE_DIR "/tests/components/data/scientific_filter.txt");
     std::vector<ReferenceFilter> filters;
     for (std::string line; std::getline(file, line);) {
         if (!line.starts_with("#")) filters.push_back(ParseReference(line));

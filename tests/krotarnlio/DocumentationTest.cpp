@@ -5,6 +5,7 @@
 //   // set: CELL VALUE, // expect: CELL VALUE
 //   // click: IDENTIFIER
 //   // error: LINE:COLUMN: MESSAGE   in the block's lines; of a layout all of them
+#include "SourcePaths.h"
 #include "krotarnlio/Functions.h"
 #include "krotarnlio/ScriptChecker.h"
 #include "krotarnlio/UI_KROLioRoot.h"

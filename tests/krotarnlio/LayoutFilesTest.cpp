@@ -1,5 +1,6 @@
 #include "LioFixture.h"
 
+#include "SourcePaths.h"
 #include "kroui/controls/UI_TabGroup.h"
 #include "orrin/serialization.h"
 
@@ -91,7 +92,7 @@ protected:
     }
 };
 
-const std::filesystem::path kLayouts = std::filesystem::path(QO_TEST_DATA) / "layouts";
+const std::filesystem::path kLayouts = std::filesystem::path(QO_SOURCE_DIR "/tests/krotarnlio") / "layouts";
 
 std::vector<std::string> LayoutFiles() {
     std::vector<std::string> files;

@@ -1,6 +1,7 @@
 // Runs the scripts in language/<feature>/*.txt. A script is a list of cases: an expression, which may go over several
 // lines, and a line "// expect: <the value as text>" or "// error: line:column: <message>", where lines count from the
 // beginning of the file. "// let name = expression" sets a variable for the cases below it.
+#include "SourcePaths.h"
 #include "orrin/dictionary.h"
 #include "orrin/expression_parser.h"
 #include "orrin/functions.h"
@@ -118,7 +119,7 @@ private:
 };
 
 std::vector<std::string> Scripts() {
-    const std::filesystem::path folder = QO_TEST_DATA "/language";
+    const std::filesystem::path folder = QO_SOURCE_DIR "/tests/orrin/language";
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
         if (entry.path().extension() == ".txt") names.push_back(entry.path().lexically_relative(folder).string());
@@ -137,7 +138,7 @@ std::string TestName(const testing::TestParamInfo<std::string>& info) {
 class Language : public testing::TestWithParam<std::string> {};
 
 TEST_P(Language, ScriptDoesWhatItExpects) {
-    ScriptRunner(std::filesystem::path(QO_TEST_DATA "/language") / GetParam()).Run();
+    ScriptRunner(std::filesystem::path(QO_SOURCE_DIR "/tests/orrin/language") / GetParam()).Run();
 }
 
 INSTANTIATE_TEST_SUITE_P(Scripts, Language, testing::ValuesIn(Scripts()), TestName);

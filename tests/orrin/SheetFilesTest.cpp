@@ -1,3 +1,4 @@
+#include "SourcePaths.h"
 #include "orrin/serialization.h"
 #include "orrin/sheet.h"
 
@@ -147,7 +148,7 @@ protected:
     std::uint64_t fCounted = 0;
 };
 
-const std::filesystem::path kSheets = std::filesystem::path(QO_TEST_DATA) / "sheets";
+const std::filesystem::path kSheets = std::filesystem::path(QO_SOURCE_DIR "/tests/orrin") / "sheets";
 
 std::vector<std::string> SheetFiles() {
     std::vector<std::string> files;

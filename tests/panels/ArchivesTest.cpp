@@ -1,3 +1,4 @@
+#include "SourcePaths.h"
 #include "kroui/ui/UI_NodeBuilder.h"
 #include "kroui/ui/UI_NodeWriter.h"
 #include "kroui/ui/UI_SubView.h"

@@ -2,6 +2,7 @@
 // which has no effect behind it.
 
 #include "FakeFilter.h"
+#include "SourcePaths.h"
 #include "kroui/controls/UI_Checkbox.h"
 #include "kroui/controls/UI_Popup.h"
 #include "kroui/limner/CairoSupplier.h"

@@ -1,3 +1,4 @@
+#include "SourcePaths.h"
 #include "kroui/limner/CairoSupplier.h"
 #include "kroui/ui/HeadlessWindow.h"
 #include "orrin/sheet.h"

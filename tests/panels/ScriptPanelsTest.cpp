@@ -1,3 +1,4 @@
+#include "SourcePaths.h"
 #include "kroui/controls/UI_Checkbox.h"
 #include "kroui/controls/UI_DisclosureTriangleButton.h"
 #include "kroui/controls/UI_DisplayNumber.h"

@@ -1,6 +1,7 @@
 // Every parameter of every effect whose panel is a pair of scripts, walked through its sheet: from the input to the
 // cell that a control shows, and on to the output.
 
+#include "SourcePaths.h"
 #include "kroui/limner/CairoSupplier.h"
 #include "orrin/dictionary.h"
 #include "orrin/sheet.h"

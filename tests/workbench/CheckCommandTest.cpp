@@ -1,5 +1,6 @@
 #include "workbench/CheckCommand.h"
 
+#include "SourcePaths.h"
 #include "TemporaryFolder.h"
 
 #include <gmock/gmock.h>

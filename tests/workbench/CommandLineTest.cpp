@@ -1,3 +1,4 @@
+#include "SourcePaths.h"
 #include "host/AudioFile.h"
 #include "host/TestSignal.h"
 #include "qoc/components/EffectCatalogue.h"

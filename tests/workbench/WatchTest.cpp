@@ -1,6 +1,7 @@
 #include "TemporaryFolder.h"
 #include "WorkbenchFixture.h"
 
+#include "SourcePaths.h"
 #include "krocore/config/Error.h"
 #include "workbench/ScriptEffect.h"
 
