@@ -294,6 +294,235 @@ TEST(Planner, RandomRelations_ThePlanIsTheBestOfAll) {
     EXPECT_GT(planned, 100);
 }
 
+// The same rules spelled out: every cell asks in turn, and each wish is tried on a plan made from nothing.
+class PlainPlanner {
+public:
+    PlainPlanner(std::vector<char> keepsValue, const std::vector<clauses_t>& relations)
+        : fKeepsValue(std::move(keepsValue)), fRelations(relations), fActive(relations.size(), true) {
+        std::set<index_t> cells;
+        for (index_t relation = 0; relation < relations.size(); ++relation)
+            cells.merge(CellsOf(relation));
+        fStrongestFirst.assign(cells.begin(), cells.end());
+    }
+
+    void Touch(index_t cell) {
+        if (fStrongestFirst.front() == cell || std::erase(fStrongestFirst, cell) == 0) return;
+        fStrongestFirst.insert(fStrongestFirst.begin(), cell);
+        fIsStale = true;
+    }
+    void SetActive(index_t relation, bool active) {
+        fIsStale = fIsStale || fActive[relation] != static_cast<char>(active);
+        fActive[relation] = active;
+    }
+
+    // The clause that each relation runs; empty if there is no plan.
+    const std::vector<index_t>& Plan() {
+        if (!std::exchange(fIsStale, false)) return fPlan;
+        std::set<index_t> stays;
+        fPlan = Attempt(stays);
+        if (fPlan.empty()) return fPlan;
+        for (const index_t cell : fStrongestFirst)
+            if (fKeepsValue[cell]) Keep(cell, stays);
+        RankAlongFlow();
+        return fPlan;
+    }
+
+private:
+    std::set<index_t> CellsOf(index_t relation) const {
+        const planner_t::clause_t& clause = fRelations[relation].front();
+        std::set<index_t> cells(clause.inputs.begin(), clause.inputs.end());
+        cells.insert(clause.outputs.begin(), clause.outputs.end());
+        return cells;
+    }
+
+    void Keep(index_t cell, std::set<index_t>& stays) {
+        stays.insert(cell);
+        if (!IsWritten(cell)) return;
+        std::vector<index_t> plan = Attempt(stays);
+        if (plan.empty())
+            stays.erase(cell);
+        else
+            fPlan = std::move(plan);
+    }
+
+    // Whatever only one relation mentions can be written by that relation last.
+    std::vector<index_t> Attempt(const std::set<index_t>& stays) const {
+        std::vector<index_t> plan(fRelations.size(), kNone);
+        std::vector<int> references(fKeepsValue.size());
+        for (const index_t cell : stays)
+            ++references[cell];
+        std::set<index_t> pending;
+        for (index_t relation = 0; relation < fRelations.size(); ++relation)
+            if (fActive[relation]) pending.insert(relation);
+        for (const index_t relation : pending)
+            for (const index_t cell : CellsOf(relation))
+                ++references[cell];
+        std::vector<index_t> free;
+        for (auto cell = fStrongestFirst.rbegin(); cell != fStrongestFirst.rend(); ++cell)
+            if (references[*cell] == 1) free.push_back(*cell);
+        for (std::size_t next = 0; next < free.size(); ++next) {
+            const auto found =
+                std::ranges::find_if(pending, [&](index_t relation) { return CellsOf(relation).contains(free[next]); });
+            if (found == pending.end()) continue;
+            plan[*found] = FreestClause(*found, free[next], references);
+            if (plan[*found] == kNone) continue;
+            for (const index_t cell : CellsOf(*found))
+                if (--references[cell] == 1) free.push_back(cell);
+            pending.erase(found);
+        }
+        return pending.empty() ? plan : std::vector<index_t>();
+    }
+
+    index_t FreestClause(index_t relation, index_t cell, const std::vector<int>& references) const {
+        index_t best = kNone;
+        const clauses_t& clauses = fRelations[relation];
+        for (index_t clause = 0; clause < clauses.size(); ++clause) {
+            const std::vector<index_t>& outputs = clauses[clause].outputs;
+            if (std::ranges::count(outputs, cell) > 0 &&
+                std::ranges::all_of(outputs, [&](index_t output) { return references[output] == 1; }) &&
+                (best == kNone || outputs.size() < clauses[best].outputs.size()))
+                best = clause;
+        }
+        return best;
+    }
+
+    const planner_t::clause_t* WriterOf(index_t cell) const {
+        for (index_t relation = 0; relation < fPlan.size(); ++relation) {
+            if (fPlan[relation] == kNone) continue;
+            const planner_t::clause_t& clause = fRelations[relation][fPlan[relation]];
+            if (std::ranges::count(clause.outputs, cell) > 0) return &clause;
+        }
+        return nullptr;
+    }
+    bool IsWritten(index_t cell) const { return WriterOf(cell) != nullptr; }
+
+    // The strongest cell of which all that it is computed from is ranked comes next.
+    void RankAlongFlow() {
+        const auto isRanked = [&](index_t cell) { return std::ranges::count(fStrongestFirst, cell) == 0; };
+        const auto isReady = [&](index_t cell) {
+            const planner_t::clause_t* const writer = WriterOf(cell);
+            return !writer || std::ranges::all_of(writer->inputs, isRanked);
+        };
+        std::vector<index_t> ranked;
+        while (!fStrongestFirst.empty()) {
+            const auto next = std::ranges::find_if(fStrongestFirst, isReady);
+            ranked.push_back(*next);
+            fStrongestFirst.erase(next);
+        }
+        fStrongestFirst = std::move(ranked);
+    }
+
+    std::vector<char> fKeepsValue;
+    const std::vector<clauses_t>& fRelations;
+    std::vector<char> fActive;
+    std::vector<index_t> fStrongestFirst;
+    std::vector<index_t> fPlan;
+    bool fIsStale = true;
+};
+
+// Relations of two to four cells, each joined with the one before, with clauses of one output and often one of two.
+std::vector<clauses_t> RandomRelations(std::mt19937& random, std::size_t cells, std::size_t count) {
+    std::vector<clauses_t> relations;
+    std::vector<index_t> all(cells);
+    for (index_t i = 0; i < cells; ++i)
+        all[i] = i;
+    for (; count > 0; --count) {
+        std::ranges::shuffle(all, random);
+        if (!relations.empty()) std::swap(all[0], *std::ranges::find(all, relations.back().front().outputs.front()));
+        const std::vector<index_t> some(all.begin(), all.begin() + 2 + random() % std::min<std::size_t>(3, cells - 1));
+        clauses_t clauses = AnyFromTheOthers(some);
+        clauses.resize(1 + random() % clauses.size());
+        if (some.size() > 2 && random() % 2 == 0)
+            clauses.insert(clauses.begin() + random() % clauses.size(),
+                           {{some.begin() + 2, some.end()}, {some[0], some[1]}});
+        relations.push_back(clauses);
+    }
+    return relations;
+}
+
+TEST(Planner, RandomEdits_ThePlansAreThoseOfTheRulesSpelledOut) {
+    std::mt19937 random(20261123);
+    int plans = 0;
+    for (int round = 0; round < 1000; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        const std::size_t cells = 3 + random() % 14;
+        const bool allKeep = random() % 2 == 0;
+        const std::vector<clauses_t> relations = RandomRelations(random, cells, 1 + random() % cells);
+        std::vector<char> keepsValue(cells, true);
+        planner_t planner;
+        for (char& keeps : keepsValue) {
+            keeps = allKeep || random() % 4 > 0;
+            planner.add_cell(keeps);
+        }
+        for (const clauses_t& clauses : relations)
+            planner.add_relation(clauses);
+        PlainPlanner plain(keepsValue, relations);
+        for (int step = 0; step < 12; ++step) {
+            planner.plan();
+            const std::vector<index_t>& expected = plain.Plan();
+            ASSERT_EQ(planner.conflicts().empty(), !expected.empty());
+            if (expected.empty()) break;
+            ++plans;
+            for (index_t relation = 0; relation < relations.size(); ++relation)
+                ASSERT_EQ(planner.clause_of(relation), expected[relation]) << "step " << step;
+            for (std::size_t edits = 1 + random() % 4; edits > 0; --edits) {
+                const auto relation = static_cast<index_t>(random() % relations.size());
+                const bool active = random() % 3 > 0;
+                if (random() % 6 == 0) planner.set_active(relation, active), plain.SetActive(relation, active);
+                const auto cell = static_cast<index_t>(random() % cells);
+                planner.touch(cell);
+                plain.Touch(cell);
+            }
+        }
+    }
+    EXPECT_GT(plans, 1000);
+}
+
+// Running totals: c2 = c0 + c1, c4 = c2 + c3, c6 = c4 + c5, ...
+planner_t RunningTotals(index_t relations) {
+    planner_t planner = PlannerOf(2 * relations + 1);
+    for (index_t i = 0; i < relations; ++i)
+        planner.add_relation(AnyFromTheOthers({2 * i, 2 * i + 1, 2 * i + 2}));
+    planner.plan();
+    return planner;
+}
+
+// A table whose rows and columns have totals.
+planner_t TotalsOfATable(index_t side) {
+    planner_t planner = PlannerOf(side * side + 2 * side);
+    for (index_t line = 0; line < side; ++line) {
+        std::vector<index_t> row{side * side + line}, column{side * side + side + line};
+        for (index_t i = 0; i < side; ++i) {
+            row.push_back(line * side + i);
+            column.push_back(i * side + line);
+        }
+        planner.add_relation(AnyFromTheOthers(row));
+        planner.add_relation(AnyFromTheOthers(column));
+    }
+    planner.plan();
+    return planner;
+}
+
+TEST(Planner, SettingAllCells_CostsAFewChoicesForEveryRelation) {
+    std::mt19937 random(1);
+    const auto choicesOf = [&](planner_t planner, index_t cells, int order) {
+        std::vector<index_t> touched(cells);
+        for (index_t i = 0; i < cells; ++i)
+            touched[i] = i;
+        if (order == 1) std::ranges::reverse(touched);
+        if (order == 2) std::ranges::shuffle(touched, random);
+        const std::uint64_t before = planner.choice_count();
+        for (const index_t cell : touched)
+            planner.touch(cell);
+        planner.plan();
+        return planner.choice_count() - before;
+    };
+    for (const int order : {0, 1, 2}) {
+        EXPECT_LE(choicesOf(RunningTotals(2000), 4001, order), 4U * 2000) << order;
+        EXPECT_LE(choicesOf(TotalsOfATable(30), 960, order), 8U * 60) << order;
+    }
+}
+
 TEST(Planner, LongChainIsPlannedFromEitherEnd) {
     constexpr index_t kCells = 20'000;
     planner_t planner = PlannerOf(kCells);

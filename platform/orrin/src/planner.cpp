@@ -78,6 +78,7 @@ index_t planner_t::add_relation(std::span<const clause_t> clauses, bool active) 
     relation.cells = append(fRelationCells, cells);
     relation.clauses.begin = static_cast<index_t>(fClauses.size());
     for (const clause_t& clause : clauses) {
+        relation.fewestOutputs = std::min(relation.fewestOutputs, static_cast<index_t>(clause.outputs.size()));
         const range_t inputs = append(fClauseCells, without_repeats(clause.inputs));
         fClauses.push_back({inputs, append(fClauseCells, clause.outputs)});
     }
@@ -103,18 +104,33 @@ std::size_t planner_t::most_joined() {
     return most;
 }
 
+void planner_t::touch(index_t cell) {
+    join();
+    if (fCells[cell].group == kNone) return;
+    group_t& group = fGroups[fCells[cell].group];
+    if (cell == (group.latest == kNone ? group.cells.front() : group.latest)) return;
+    ++fTouches;
+    note_touch(cell);
+    group.stale = fStale = true;
+}
+
 void planner_t::touch(std::span<const index_t> cells) {
     join();
+    raise_touched(); // so that they have the order that they keep among themselves
+    ++fTouches;
     for (const index_t cell : cells)
-        fCells[cell].touched = true;
-    for (const index_t cell : cells)
-        if (fCells[cell].touched && fCells[cell].group != kNone) raise_touched(fGroups[fCells[cell].group]);
-    for (const index_t cell : cells)
-        fCells[cell].touched = false;
+        if (fCells[cell].group != kNone) note_touch(cell);
+    raise_touched();
+}
+
+void planner_t::note_touch(index_t cell) {
+    fCells[cell].touchedAt = fTouches;
+    if (std::exchange(fGroups[fCells[cell].group].latest, cell) == kNone) fTouched.push_back(fCells[cell].group);
 }
 
 bool planner_t::plan() {
     join();
+    raise_touched();
     if (!fStale) return false;
     for (group_t& group : fGroups)
         if (std::exchange(group.stale, false)) plan_group(group);
@@ -153,9 +169,11 @@ void planner_t::join() {
     index_relations_of_cells();
     const std::vector<index_t> root = join_groups();
     fGroups.clear();
+    fTouched.clear();
     std::vector<index_t> groupOf(fCells.size(), kNone);
     for (index_t cell = 0; cell < fCells.size(); ++cell) {
         fCells[cell].group = kNone;
+        fCells[cell].touchedAt = 0;
         if (relations_of(cell).empty()) continue;
         index_t& group = groupOf[root[cell]];
         if (group == kNone) {
@@ -202,14 +220,21 @@ std::vector<index_t> planner_t::join_groups() const {
     return parent;
 }
 
+void planner_t::raise_touched() {
+    for (const index_t group : fTouched)
+        raise_touched(fGroups[group]);
+    fTouched.clear();
+}
+
 void planner_t::raise_touched(group_t& group) {
-    const auto isTouched = [this](index_t cell) { return fCells[cell].touched; };
-    if (!std::ranges::is_partitioned(group.cells, isTouched)) {
-        std::stable_partition(group.cells.begin(), group.cells.end(), isTouched);
+    const auto touchedAt = [this](index_t cell) { return fCells[cell].touchedAt; };
+    if (!std::ranges::is_sorted(group.cells, std::greater<>(), touchedAt)) {
+        std::ranges::stable_sort(group.cells, std::greater<>(), touchedAt);
         group.stale = fStale = true;
     }
     for (const index_t cell : group.cells)
-        fCells[cell].touched = false;
+        fCells[cell].touchedAt = 0;
+    group.latest = kNone;
 }
 
 void planner_t::plan_group(group_t& group) {
@@ -217,20 +242,22 @@ void planner_t::plan_group(group_t& group) {
     group.selections.clear();
     group.conflict.clear();
     if (attempt(group)) {
-        group.selections = fTrial;
-        note_writers(group);
         grant_stays(group);
+        attempt(group);
+        group.selections = fTrial;
+        std::ranges::reverse(group.selections);
+        note_plan(group);
+        rank_along_flow(group);
     } else {
         for (const index_t relation : group.relations)
             if (fRelations[relation].pending) group.conflict.push_back(relation);
+        note_plan(group);
     }
-    apply(group);
-    if (group.conflict.empty()) rank_along_flow(group);
 }
 
 void planner_t::count_relations(const group_t& group) {
     for (const index_t cell : group.cells) {
-        fCells[cell].stays = false;
+        fCells[cell].stays = fCells[cell].settled = false;
         fCells[cell].relationCount = 0;
     }
     for (const index_t relation : group.relations)
@@ -239,51 +266,102 @@ void planner_t::count_relations(const group_t& group) {
                 ++fCells[cell].relationCount;
 }
 
+// From the strongest cell on, each keeps its value if any plan allows it together with the ones before. The plan at
+// hand decides for most: what it leaves alone may stay, and what is settled cannot.
 void planner_t::grant_stays(group_t& group) {
-    std::size_t left = most_sources(group);
-    for (std::size_t rank = 0; rank < group.cells.size() && left > 0; ++rank)
-        if (fCells[group.cells[rank]].keepsValue && keep(group, group.cells[rank])) --left;
-}
-
-// No plan lets more cells keep their values than this.
-std::size_t planner_t::most_sources(const group_t& group) const {
-    std::size_t written = 0;
-    for (const index_t index : group.relations) {
-        const relation_t& relation = fRelations[index];
-        if (!relation.active) continue;
-        index_t fewest = kNone;
-        for (index_t clause = relation.clauses.begin; clause < relation.clauses.end; ++clause)
-            fewest = std::min(fewest, fClauses[clause].outputs.size());
-        written += fewest;
+    propose(group, 0);
+    follow_trial(group);
+    for (std::size_t rank = 0; rank < group.cells.size(); ++rank) {
+        const cell_t& cell = fCells[group.cells[rank]];
+        if (cell.keepsValue && !cell.settled && keep(group, rank)) settle(group.cells[rank]);
     }
-    return group.cells.size() - written;
 }
 
-bool planner_t::keep(group_t& group, index_t cell) {
-    cell_t& kept = fCells[cell];
+bool planner_t::keep(group_t& group, std::size_t rank) {
+    cell_t& kept = fCells[group.cells[rank]];
     kept.stays = true;
     if (kept.writer == kNone) return true;
-    kept.stays = attempt(group);
-    if (!kept.stays) return false;
-    group.selections = fTrial;
-    note_writers(group);
-    return true;
+    kept.stays = propose(group, rank + 1);
+    if (kept.stays) follow_trial(group);
+    return kept.stays;
 }
 
-// The simple planner: whatever only one relation mentions can be written by that relation last.
-bool planner_t::attempt(const group_t& group) {
+// Looks for a plan that leaves alone the cells that stay. Those from `firstWish` on, which are the weaker ones, wish to
+// stay as well, but give way, the weakest first, when there is no going on.
+bool planner_t::propose(const group_t& group, std::size_t firstWish) {
+    const std::size_t wanted = begin_trial(group, firstWish);
+    free_queued();
+    for (std::size_t rank = group.cells.size(); rank > firstWish && fTrial.size() < wanted; --rank)
+        give_way(group.cells[rank - 1]);
+    return fTrial.size() == wanted;
+}
+
+// Returns how many relations need a clause.
+std::size_t planner_t::begin_trial(const group_t& group, std::size_t firstWish) {
     fTrial.clear();
     fQueue.clear();
     std::size_t pending = 0;
     for (const index_t relation : group.relations)
         pending += fRelations[relation].pending = fRelations[relation].active;
-    for (auto cell = group.cells.rbegin(); cell != group.cells.rend(); ++cell) {
-        fCells[*cell].references = fCells[*cell].relationCount + (fCells[*cell].stays ? 1 : 0);
-        if (fCells[*cell].references == 1) fQueue.push_back(*cell);
+    for (std::size_t rank = group.cells.size(); rank-- > 0;) {
+        cell_t& cell = fCells[group.cells[rank]];
+        cell.holds = cell.stays || (rank >= firstWish && cell.keepsValue && !cell.settled);
+        cell.references = cell.relationCount + (cell.holds ? 1 : 0);
+        if (cell.references == 1) fQueue.push_back(group.cells[rank]);
     }
+    return pending;
+}
+
+void planner_t::give_way(index_t cell) {
+    if (!fCells[cell].holds || fCells[cell].references == 1) return; // no relation is left that could write it
+    fCells[cell].holds = false;
+    if (--fCells[cell].references > 1) return;
+    fQueue.push_back(cell);
+    free_queued();
+}
+
+void planner_t::follow_trial(group_t& group) {
+    group.selections = fTrial;
+    note_plan(group);
+    fQueue.clear();
+    const auto isOpen = [this](index_t input) { return !fCells[input].settled; };
+    for (const selection_t selection : group.selections)
+        fRelations[selection.relation].waitsFor =
+            static_cast<index_t>(std::ranges::count_if(clause_cells(selected_clause(selection).inputs), isOpen));
+    for (const selection_t selection : group.selections)
+        if (fRelations[selection.relation].waitsFor == 0) settle_outputs(fRelations[selection.relation]);
+    settle_what_follows();
+}
+
+void planner_t::settle(index_t cell) {
+    fCells[cell].settled = true;
+    fQueue.assign(1, cell);
+    settle_what_follows();
+}
+
+// Relations that read settled cells alone and write as few others as they can need all of these: none of them can stay.
+void planner_t::settle_outputs(const relation_t& relation) {
+    const range_t outputs = fClauses[relation.clauses.begin + relation.selected].outputs;
+    if (outputs.size() > relation.fewestOutputs) return;
+    for (const index_t output : clause_cells(outputs))
+        if (!std::exchange(fCells[output].settled, true)) fQueue.push_back(output);
+}
+
+void planner_t::settle_what_follows() {
+    for (std::size_t next = 0; next < fQueue.size(); ++next)
+        for (const index_t index : relations_of(fQueue[next])) {
+            relation_t& relation = fRelations[index];
+            if (relation.selected == kNone || fCells[fQueue[next]].writer == index) continue;
+            if (--relation.waitsFor == 0) settle_outputs(relation);
+        }
+    fQueue.clear();
+}
+
+// The simple planner: whatever only one relation mentions can be written by that relation last.
+void planner_t::free_queued() {
     for (std::size_t next = 0; next < fQueue.size(); ++next)
         free_cell(fQueue[next]);
-    return fTrial.size() == pending;
+    fQueue.clear();
 }
 
 void planner_t::free_cell(index_t cell) {
@@ -316,27 +394,24 @@ index_t planner_t::freest_clause(index_t relation, index_t cell) const {
 }
 
 void planner_t::select(selection_t selection) {
+    ++fChoices;
     fTrial.push_back(selection);
     fRelations[selection.relation].pending = false;
     for (const index_t cell : cells_of(selection.relation))
         if (--fCells[cell].references == 1) fQueue.push_back(cell);
 }
 
-void planner_t::note_writers(const group_t& group) {
+// What relations run and who writes the cells, as the group's selections say.
+void planner_t::note_plan(const group_t& group) {
     for (const index_t cell : group.cells)
         fCells[cell].writer = kNone;
-    for (const selection_t selection : group.selections)
-        for (const index_t output : clause_cells(selected_clause(selection).outputs))
-            fCells[output].writer = selection.relation;
-}
-
-void planner_t::apply(group_t& group) {
-    std::ranges::reverse(group.selections);
     for (const index_t relation : group.relations)
         fRelations[relation].selected = kNone;
-    for (const selection_t selection : group.selections)
+    for (const selection_t selection : group.selections) {
         fRelations[selection.relation].selected = selection.clause;
-    note_writers(group);
+        for (const index_t output : clause_cells(selected_clause(selection).outputs))
+            fCells[output].writer = selection.relation;
+    }
 }
 
 // A cell that is computed becomes weaker than what it is computed from; otherwise the order stays. So a later change of

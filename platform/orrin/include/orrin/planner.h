@@ -17,8 +17,9 @@ namespace orrin {
 // hierarchies of multiway dataflow constraints", TOPLAS 18(1), 1996) with one weak constraint a cell for keeping its
 // value. Cells that no relation joins are planned apart, and only where something changed.
 //
-// Planning takes time in proportion to the cells and relations that are joined, times, at worst, the number of these
-// cells; an edit of a cell that is the strongest already takes none.
+// Planning takes time in proportion to the cells and relations that are joined, and as much again for every cell whose
+// wish a first guess got wrong, which needs relations that are joined in rings. Touching takes none until the next
+// plan, and an edit of a cell that is the strongest already needs no new one.
 //
 // Knows numbers only, no values. A sheet owns one for each of its stages.
 class planner_t {
@@ -68,7 +69,7 @@ public:
 
     // Makes the cells the strongest ones, in the order of strength that they have among themselves.
     void touch(std::span<const index_t> cells);
-    void touch(index_t cell) { touch({&cell, 1}); }
+    void touch(index_t cell);
 
     // Plans what changed since the last time. False if nothing had to be planned, so that all below is as it was.
     bool plan();
@@ -82,6 +83,9 @@ public:
     std::span<const conflict_t> conflicts() const { return fConflicts; }
     // True if the cell is joined to relations for which there is no plan.
     bool is_in_conflict(index_t cell) const;
+
+    // How many times a clause was chosen so far, in trials too: what planning costs.
+    std::uint64_t choice_count() const { return fChoices; }
 
 private:
     struct range_t {
@@ -98,7 +102,8 @@ private:
         range_t clauses; // in fClauses
         index_t group = kNone;
         index_t selected = kNone;
-        index_t waitsFor = 0; // inputs of its selected clause that have no rank yet
+        index_t fewestOutputs = kNone; // of its clauses
+        index_t waitsFor = 0;          // inputs of its selected clause that are not settled, or have no rank yet
         bool active = true;
         bool pending = false; // in a trial
     };
@@ -106,12 +111,14 @@ private:
         range_t relations; // in fCellRelations
         index_t group = kNone;
         index_t writer = kNone;
-        index_t relationCount = 0; // active ones that mention it
-        index_t references = 0;    // of those, the ones that are pending, and its own wish to keep its value
-        index_t rank = 0;          // in its group, 0 the strongest
+        index_t relationCount = 0;   // active ones that mention it
+        index_t references = 0;      // of those, the ones that are pending, and its own wish to keep its value
+        index_t rank = 0;            // in its group, 0 the strongest
+        std::uint64_t touchedAt = 0; // 0: not since the group's order was brought up to date
         bool keepsValue = true;
         bool stays = false;   // its wish is granted
-        bool touched = false; // while touch() runs
+        bool holds = false;   // its wish counts in the trial
+        bool settled = false; // it stays, or is computed from settled cells alone
     };
     // Cells that relations join, directly or through others.
     struct group_t {
@@ -119,6 +126,7 @@ private:
         std::vector<index_t> relations;
         std::vector<selection_t> selections;
         std::vector<index_t> conflict;
+        index_t latest = kNone; // touched since the order was brought up to date, the last one
         bool stale = true;
     };
 
@@ -130,19 +138,27 @@ private:
     void join();
     void index_relations_of_cells();
     std::vector<index_t> join_groups() const;
+    void note_touch(index_t cell);
+    void raise_touched();
     void raise_touched(group_t& group);
     void plan_group(group_t& group);
     void count_relations(const group_t& group);
     void grant_stays(group_t& group);
-    std::size_t most_sources(const group_t& group) const;
-    bool keep(group_t& group, index_t cell);
-    bool attempt(const group_t& group);
+    bool keep(group_t& group, std::size_t rank);
+    bool attempt(const group_t& group) { return propose(group, group.cells.size()); }
+    bool propose(const group_t& group, std::size_t firstWish);
+    std::size_t begin_trial(const group_t& group, std::size_t firstWish);
+    void give_way(index_t cell);
+    void follow_trial(group_t& group);
+    void settle(index_t cell);
+    void settle_outputs(const relation_t& relation);
+    void settle_what_follows();
+    void free_queued();
     void free_cell(index_t cell);
     index_t pending_relation(index_t cell) const;
     index_t freest_clause(index_t relation, index_t cell) const;
     void select(selection_t selection);
-    void note_writers(const group_t& group);
-    void apply(group_t& group);
+    void note_plan(const group_t& group);
     void rank_along_flow(group_t& group);
     void gather();
     bool can_match(std::span<const index_t> relations) const;
@@ -156,6 +172,9 @@ private:
     std::vector<group_t> fGroups;
     std::vector<selection_t> fSelections;
     std::vector<conflict_t> fConflicts;
+    std::vector<index_t> fTouched; // groups
+    std::uint64_t fTouches = 0;
+    std::uint64_t fChoices = 0;
 
     // Of the trial in progress.
     std::vector<index_t> fQueue;
