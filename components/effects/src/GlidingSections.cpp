@@ -26,7 +26,7 @@ void GlidingSections::Prepare(double sampleRate, std::size_t channels, std::size
 }
 
 void GlidingSections::Reset() noexcept {
-    std::ranges::fill(fMemories, Memory());
+    std::ranges::fill(fMemories, StateVariableStep::Memory());
 }
 
 void GlidingSections::Set(std::span<const BiquadCoefficients> sections, bool settle) noexcept {
@@ -58,24 +58,14 @@ void GlidingSections::Process(const kroaudiofilterhost::AudioFilterBlock& block,
     }
 }
 
-void GlidingSections::Step::Design(const Values& values) noexcept {
-    const double g = std::exp(values[kPitch]);
-    const double bandFromBand = 1 / (1 + g * (g + values[kDamping]));
-    const double bandFromInput = g * bandFromBand;
-    const double lowFromInput = g * bandFromInput;
-    bandToBand = 2 * bandFromBand - 1;
-    cross = 2 * bandFromInput;
-    lowToLow = 1 - 2 * lowFromInput;
-    inputToLow = 2 * lowFromInput;
-    direct = values[kInput] + values[kBand] * bandFromInput + values[kLow] * lowFromInput;
-    bandHeard = values[kBand] * bandFromBand + values[kLow] * bandFromInput;
-    lowHeard = values[kLow] * (1 - lowFromInput) - values[kBand] * bandFromInput;
-}
-
 bool GlidingSections::Section::IsNeutral() const noexcept {
     return std::ranges::all_of(std::array{&to, &between, &now}, [](const Values* values) {
         return LetsThrough(std::span(*values).template subspan<kInput, 3>());
     });
+}
+
+StateVariableStep GlidingSections::StepOf(const Values& values) noexcept {
+    return {std::exp(values[kPitch]), values[kDamping], values[kInput], values[kBand], values[kLow]};
 }
 
 // The bilinear transform backwards, s = (1 - 1/z) / (1 + 1/z): (n2 s^2 + n1 s + n0) / (s^2 + k g s + g^2).
@@ -116,7 +106,7 @@ void GlidingSections::Glide() noexcept {
             section.between[value] += fCoefficient * (section.to[value] - section.between[value]);
             section.now[value] += fCoefficient * (section.between[value] - section.now[value]);
         }
-        section.step.Design(section.now);
+        section.step = StepOf(section.now);
     }
 }
 
@@ -124,7 +114,7 @@ void GlidingSections::Arrive() noexcept {
     fRemaining = 0;
     for (Section& section : fSections) {
         section.between = section.now = section.to;
-        section.step.Design(section.to);
+        section.step = StepOf(section.to);
     }
     FindHeard();
 }

@@ -3,6 +3,7 @@
 #include "kroaudiofilterhost/AudioFilter.h"
 #include "qoc/components/Biquad.h"
 #include "qoc/components/SmoothedValue.h"
+#include "qoc/components/StateVariableStep.h"
 
 #include <array>
 #include <cstddef>
@@ -14,11 +15,9 @@ namespace qoc::components {
 // A fixed number of second-order sections in a row, on several channels, that glide to other coefficients while sound
 // goes through. Owned by its effect; everything but Prepare is real time safe.
 //
-// At work they are state-variable filters with trapezoidal integrators (A. Simper, "Solving the continuous SVF
-// equations using trapezoidal integration", 2013). What those remember are the outputs of a band pass and of a low
-// pass, which mean the same before and after a change; the memory of a direct form is a difference of large numbers,
-// which a change lets out as a thump as loud as the sound where poles lie low. What glides is the logarithm of the
-// frequency, the damping and the outputs' shares: any values between those of two stable sections are a stable section.
+// At work they are state-variable filters, for the memory of a direct form, a difference of large numbers, is let out
+// by a change as a thump as loud as the sound where poles lie low. What glides is the logarithm of the frequency, the
+// damping and the outputs' shares: any values between those of two stable sections are a stable section.
 // Sections that let the sound through cost nothing, and are bit-exact.
 class GlidingSections {
 public:
@@ -35,7 +34,7 @@ public:
         if (fRemaining > 0) Glide();
     }
     double Process(std::size_t channel, double sample) noexcept {
-        Memory* const memories = fMemories.data() + channel * fSections.size();
+        StateVariableStep::Memory* const memories = fMemories.data() + channel * fSections.size();
         for (const std::size_t i : fHeard)
             sample = fSections[i].step.Next(memories[i], sample);
         return sample;
@@ -49,32 +48,16 @@ private:
     enum { kPitch, kDamping, kInput, kBand, kLow, kValues };
     using Values = std::array<double, kValues>;
 
-    struct Memory {
-        double band = 0;
-        double low = 0;
-    };
-    // From one sample to the next, solved for the memory.
-    struct Step {
-        void Design(const Values& values) noexcept;
-        double Next(Memory& memory, double input) const noexcept {
-            const auto [band, low] = memory;
-            memory.band = bandToBand * band - cross * low + cross * input;
-            memory.low = cross * band + lowToLow * low + inputToLow * input;
-            return direct * input + bandHeard * band + lowHeard * low;
-        }
-
-        double bandToBand = 0, cross = 0, lowToLow = 0, inputToLow = 0;
-        double direct = 1, bandHeard = 0, lowHeard = 0;
-    };
     struct Section {
         bool IsNeutral() const noexcept;
 
         Values to = {0, 2, 1, 0, 0};
         Values now = to;
         Values between = to; // of the two low-passes that values glide through, behind the first
-        Step step;
+        StateVariableStep step;
     };
 
+    static StateVariableStep StepOf(const Values& values) noexcept;
     static Values ValuesOf(const BiquadCoefficients& coefficients) noexcept;
     bool Aim(std::size_t index, Values to) noexcept;
     void Glide() noexcept;
@@ -82,9 +65,9 @@ private:
     void FindHeard() noexcept;
 
     std::vector<Section> fSections;
-    std::vector<Memory> fMemories;   // of the first channel, of the second, ...
-    std::vector<std::size_t> fHeard; // the sections that are not neutral
-    double fCoefficient = 1;         // of the glide, as of a SmoothedValue
+    std::vector<StateVariableStep::Memory> fMemories; // of the first channel, of the second, ...
+    std::vector<std::size_t> fHeard;                  // the sections that are not neutral
+    double fCoefficient = 1;                          // of the glide, as of a SmoothedValue
     std::size_t fSettlingSamples = 1;
     std::size_t fRemaining = 0;
 };
