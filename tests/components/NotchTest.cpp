@@ -149,6 +149,25 @@ TEST(Notch, LinkedSectionsShareTheFixedGain) {
         EXPECT_NEAR(ResponseAt(*filter, hertz), Formula(linked, hertz), 0.01);
 }
 
+// A section as the textbook has it (transposed direct form II), in double.
+class Reference {
+public:
+    explicit Reference(const BiquadCoefficients& coefficients) : fCoefficients(coefficients) {}
+
+    double Process(double input) {
+        const auto& [b0, b1, b2, a1, a2] = fCoefficients;
+        const double output = b0 * input + fFirst;
+        fFirst = b1 * input - a1 * output + fSecond;
+        fSecond = b2 * input - a2 * output;
+        return output;
+    }
+
+private:
+    BiquadCoefficients fCoefficients;
+    double fFirst = 0;
+    double fSecond = 0;
+};
+
 // How far the sound is from what the same filters make of it in double throughout, in dB of full scale: for a tone at
 // the bottom of six notches, where all that is left of it is error.
 double RoundingError(bool ultraQuiet) {
@@ -157,10 +176,9 @@ double RoundingError(bool ultraQuiet) {
     const auto natural = [&](int index) {
         return filter->GetParameterInfo(index)->ToNatural(filter->GetParameterValue(index));
     };
-    std::array<Biquad, Notch::kSections> references;
-    for (Biquad& reference : references)
-        reference.SetCoefficients(NotchSection::ToBiquad(
-            kRate, {natural(0), 100, static_cast<float>(std::pow(10.0, natural(kNotchFirstGain) / 20.0))}));
+    const auto gain = static_cast<float>(std::pow(10.0, natural(kNotchFirstGain) / 20.0));
+    std::vector<Reference> references(Notch::kSections,
+                                      Reference(NotchSection::ToBiquad(kRate, {natural(0), 100, gain})));
     Channels input(1, std::vector<float>(static_cast<std::size_t>(kRate)));
     for (std::size_t i = 0; i < input[0].size(); ++i)
         input[0][i] = static_cast<float>(std::sin(2 * kPi * 1000 / kRate * static_cast<double>(i)));
@@ -168,7 +186,7 @@ double RoundingError(bool ultraQuiet) {
     double sum = 0;
     for (std::size_t i = 0; i < output.size(); ++i) {
         double expected = input[0][i];
-        for (Biquad& reference : references)
+        for (Reference& reference : references)
             expected = reference.Process(expected);
         if (i >= output.size() / 2) sum += (output[i] - expected) * (output[i] - expected);
     }

@@ -15,106 +15,135 @@ using Complex = std::complex<double>;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-// A point of the unit circle and its square: one and two samples of delay at a frequency.
-struct Delays {
-    Delays(double hertz, double sampleRate) noexcept
-        : one(std::polar(1.0, -2 * std::numbers::pi * hertz / sampleRate)), two(one * one) {}
-
-    Complex one;
-    Complex two;
-};
-
-// All zeros lie on the unit circle, where each delays by half a sample.
-double ZerosDelay(const BiquadCoefficients& section) noexcept {
-    if (section.b2 != 0) return 1;
-    return section.b1 != 0 ? 0.5 : 0;
+// Of a + c s + b s^2 at s = j `frequency`: the derivative of its phase by the frequency. Where it is 0, the limit.
+double PhaseSlope(double a, double b, double c, double frequency) noexcept {
+    if (c == 0) return 0;
+    const double squared = frequency * frequency;
+    const double real = a - b * squared;
+    return c * (a + b * squared) / (real * real + c * c * squared);
 }
 
-// Of 1 / (1 + a1 / z + a2 / z^2), in samples: the derivative of its phase.
-double PolesDelay(const BiquadCoefficients& section, const Delays& delays) noexcept {
-    const Complex first = section.a1 * delays.one;
-    const Complex second = section.a2 * delays.two;
-    return -((first + 2.0 * second) / (1.0 + first + second)).real();
+// The less resonant of two pairs comes first.
+bool IsTamer(const AnalogPrototype::Pair& one, const AnalogPrototype::Pair& other) noexcept {
+    return one.pole.real() * std::abs(other.pole) < other.pole.real() * std::abs(one.pole);
+}
+
+double HertzOf(double frequency, double sampleRate) noexcept {
+    return std::atan(frequency) / std::numbers::pi * sampleRate;
+}
+
+double FrequencyOf(double hertz, double sampleRate) noexcept {
+    return std::tan(std::numbers::pi * hertz / sampleRate);
 }
 
 } // namespace
 
-// (n2 s^2 + n1 s + n0) / (d2 s^2 + d1 s + d0); d2 is 0 for a section of the first order.
+Complex FilterSection::Response(double frequency) const noexcept {
+    const double squared = frequency * frequency;
+    const Complex zeros(low * tuning * tuning - high * squared, band * tuning * frequency);
+    // As a product, for near a resonance the difference is small.
+    const Complex poles((tuning - frequency) * (tuning + frequency), damping * tuning * frequency);
+    return zeros * std::conj(poles) / std::norm(poles);
+}
+
+double FilterSection::GroupDelay(double frequency) const noexcept {
+    const double poles = PhaseSlope(tuning * tuning, 1, damping * tuning, frequency);
+    const double zeros = PhaseSlope(low * tuning * tuning, high, band * tuning, frequency);
+    return (poles - zeros) * (1 + frequency * frequency) / 2;
+}
+
+double FilterSection::Zero() const noexcept {
+    return band == 0 && high != 0 ? tuning * std::sqrt(low / high) : 0;
+}
+
+double FilterSection::LogarithmOfPoleRadius() const noexcept {
+    if (damping < 2) {
+        const double sum = 1 + tuning * (tuning + damping);
+        return std::log1p(-2 * damping * tuning / sum) / 2;
+    }
+    // Two real poles, whose product is g^2; that of s becomes (1 + s) / (1 - s).
+    const double fast = tuning * (damping / 2 + std::sqrt(damping * damping / 4 - 1));
+    const double slow = tuning * tuning / fast;
+    const auto logarithm = [](double pole) { return std::log1p(-2 * std::min(pole, 1.0) / (1 + pole)); };
+    return std::max(logarithm(slow), fast > 1 ? std::log1p(-2 / (1 + fast)) : logarithm(fast));
+}
+
+StateVariableStep FilterSection::Step() const noexcept {
+    // What is high is the input less the damped band and the low.
+    return {tuning, damping, high, band - damping * high, low - high};
+}
+
+// (n2 s^2 + n1 s + n0) / (s^2 + d1 s + d0)
 struct FilterSections::AnalogSection {
     double n2, n1, n0;
-    double d2, d1, d0;
+    double d1, d0;
 
+    // s / (s + edge) or, with `high` 0 and `low` 1, edge / (s + edge).
+    static AnalogSection OfFirstOrder(double edge, double high, double low) noexcept {
+        return {high, (high + low) * edge, low * edge * edge, 2 * edge, edge * edge};
+    }
     // The magnitude at `frequency` rad/s, infinity included.
     double Gain(double frequency) const noexcept {
-        if (frequency == kInfinity) return d2 != 0 ? n2 / d2 : n1 / d1;
+        if (frequency == kInfinity) return n2;
         const Complex s(0, frequency);
-        return std::abs(((n2 * s + n1) * s + n0) / ((d2 * s + d1) * s + d0));
+        return std::abs(((n2 * s + n1) * s + n0) / ((s + d1) * s + d0));
     }
-    // s = (1 - 1/z) / (1 + 1/z).
-    BiquadCoefficients Digital(double gain) const noexcept {
-        if (d2 == 0) {
-            const double a0 = d1 + d0;
-            return {gain * (n1 + n0) / a0, gain * (n0 - n1) / a0, 0, (d0 - d1) / a0, 0};
-        }
-        const double a0 = d2 + d1 + d0;
-        return {gain * (n2 + n1 + n0) / a0, gain * 2 * (n0 - n2) / a0, gain * (n2 - n1 + n0) / a0, 2 * (d0 - d2) / a0,
-                (d2 - d1 + d0) / a0};
+    FilterSection Normalised(double gain) const noexcept {
+        const double g = std::sqrt(d0);
+        return {g, d1 / g, gain * n2, gain * n1 / g, gain * n0 / d0};
     }
 };
 
 FilterSections::FilterSections(const ScientificFilterSettings& settings, double sampleRate) noexcept
     : fSampleRate(sampleRate) {
-    const AnalogPrototype prototype = AnalogPrototype::Of(settings);
+    AnalogPrototype prototype = AnalogPrototype::Of(settings);
     const WarpedEdges edges(settings, sampleRate);
     if (prototype.realPole != 0) AddReal(settings, edges, prototype.realPole);
+    std::ranges::sort(prototype.pairs.begin(), prototype.pairs.begin() + prototype.pairCount, IsTamer);
     for (const AnalogPrototype::Pair& pair : prototype.Pairs())
         settings.IsBand() ? AddBandPair(settings, edges, pair.pole, pair.zero)
                           : AddPair(settings, edges, pair.pole, pair.zero);
-    const auto sections = std::span(fSections).first(static_cast<std::size_t>(fCount));
-    std::ranges::sort(sections, {}, &BiquadCoefficients::PoleRadius);
-    for (double* const coefficient : {&fSections[0].b0, &fSections[0].b1, &fSections[0].b2})
-        *coefficient *= prototype.gainAtZero;
+    for (double* const share : {&fSections[0].high, &fSections[0].band, &fSections[0].low})
+        *share *= prototype.gainAtZero;
 }
 
 Complex FilterSections::Response(double hertz) const noexcept {
-    const Delays delays(hertz, fSampleRate);
+    const double frequency = FrequencyOf(hertz, fSampleRate);
     Complex response = 1;
-    for (const BiquadCoefficients& section : Sections()) {
-        const Complex zeros = section.b0 + section.b1 * delays.one + section.b2 * delays.two;
-        const Complex poles = 1.0 + section.a1 * delays.one + section.a2 * delays.two;
-        response *= zeros * std::conj(poles) / std::norm(poles);
-    }
+    for (const FilterSection& section : Sections())
+        response *= section.Response(frequency);
     return response;
 }
 
 double FilterSections::GroupDelay(double hertz) const noexcept {
-    const Delays delays(hertz, fSampleRate);
+    const double frequency = FrequencyOf(hertz, fSampleRate);
     double samples = 0;
-    for (const BiquadCoefficients& section : Sections())
-        samples += ZerosDelay(section) + PolesDelay(section, delays);
+    for (const FilterSection& section : Sections())
+        samples += section.GroupDelay(frequency);
     return samples / fSampleRate;
 }
 
 std::size_t FilterSections::Zeros(std::span<double, kMostSections> hertz) const noexcept {
     std::size_t count = 0;
-    for (const BiquadCoefficients& section : Sections()) {
-        const double cosine = -section.b1 / (2 * section.b0);
-        if (section.b2 == section.b0 && std::abs(cosine) < 1)
-            hertz[count++] = std::acos(cosine) / (2 * std::numbers::pi) * fSampleRate;
+    for (const FilterSection& section : Sections()) {
+        if (const double zero = section.Zero(); zero > 0) hertz[count++] = HertzOf(zero, fSampleRate);
     }
     return count;
 }
 
 double FilterSections::DecaySamples() const noexcept {
-    constexpr double kDecay = 1e-6; // 120 dB
-    return BiquadCoefficients::DecaySamples(Sections(), kDecay);
+    const double kDecay = std::log(1e-6); // 120 dB
+    double slowest = -kInfinity;
+    for (const FilterSection& section : Sections())
+        slowest = std::max(slowest, section.LogarithmOfPoleRadius());
+    return kDecay / slowest;
 }
 
 void FilterSections::AddPair(const ScientificFilterSettings& settings, const WarpedEdges& edges, Complex pole,
                              double zero) noexcept {
     const bool isHighPass = settings.mode == FilterMode::kHighPass;
     const Complex moved = isHighPass ? edges.low / pole : edges.low * pole;
-    AnalogSection section{0, 0, 0, 1, -2 * moved.real(), std::norm(moved)};
+    AnalogSection section{0, 0, 0, -2 * moved.real(), std::norm(moved)};
     if (zero == 0) {
         (isHighPass ? section.n2 : section.n0) = 1;
     } else {
@@ -128,10 +157,10 @@ void FilterSections::AddPair(const ScientificFilterSettings& settings, const War
 void FilterSections::AddReal(const ScientificFilterSettings& settings, const WarpedEdges& edges, double pole) noexcept {
     const double centre = edges.CentreSquared();
     switch (settings.mode) {
-    case FilterMode::kLowPass: Add({0, 0, 1, 0, 1, -pole * edges.low}, 0); break;
-    case FilterMode::kHighPass: Add({0, 1, 0, 0, 1, -edges.low / pole}, kInfinity); break;
-    case FilterMode::kBandPass: Add({0, 1, 0, 1, -pole * edges.Width(), centre}, std::sqrt(centre)); break;
-    case FilterMode::kBandStop: Add({1, 0, centre, 1, -edges.Width() / pole, centre}, 0); break;
+    case FilterMode::kLowPass: Add(AnalogSection::OfFirstOrder(-pole * edges.low, 0, 1), 0); break;
+    case FilterMode::kHighPass: Add(AnalogSection::OfFirstOrder(-edges.low / pole, 1, 0), kInfinity); break;
+    case FilterMode::kBandPass: Add({0, 1, 0, -pole * edges.Width(), centre}, std::sqrt(centre)); break;
+    case FilterMode::kBandStop: Add({1, 0, centre, -edges.Width() / pole, centre}, 0); break;
     }
 }
 
@@ -155,14 +184,14 @@ void FilterSections::AddBandPair(const ScientificFilterSettings& settings, const
         outerZero = half + std::sqrt(half * half + centre);
     }
     for (const auto& [movedPole, movedZero] : {std::pair(outer, outerZero), std::pair(inner, centre / outerZero)}) {
-        AnalogSection section{1, 0, movedZero * movedZero, 1, -2 * movedPole.real(), std::norm(movedPole)};
-        if (zero == 0 && isBandPass) section = {0, 1, 0, 1, section.d1, section.d0};
+        AnalogSection section{1, 0, movedZero * movedZero, -2 * movedPole.real(), std::norm(movedPole)};
+        if (zero == 0 && isBandPass) section = {0, 1, 0, section.d1, section.d0};
         Add(section, reference);
     }
 }
 
 void FilterSections::Add(const AnalogSection& section, double referenceFrequency) noexcept {
-    fSections[static_cast<std::size_t>(fCount++)] = section.Digital(1 / section.Gain(referenceFrequency));
+    fSections[static_cast<std::size_t>(fCount++)] = section.Normalised(1 / section.Gain(referenceFrequency));
 }
 
 } // namespace qoc::components

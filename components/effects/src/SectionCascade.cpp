@@ -1,29 +1,31 @@
 #include "qoc/components/SectionCascade.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace qoc::components {
 
 void SectionCascade::Prepare(std::size_t channels, std::size_t mostSections) {
     fMostSections = mostSections;
-    fSections = 0;
-    fBiquads.assign(channels * mostSections, {});
+    fSections.clear();
+    fSections.reserve(mostSections);
+    fMemories.assign(channels * mostSections, {});
 }
 
-void SectionCascade::SetSections(std::span<const BiquadCoefficients> sections) noexcept {
-    fSections = sections.size();
-    for (std::size_t first = 0; first < fBiquads.size(); first += fMostSections) {
-        for (std::size_t i = 0; i < fSections; ++i) {
-            fBiquads[first + i].SetCoefficients(sections[i]);
-            fBiquads[first + i].Reset();
-        }
-    }
+void SectionCascade::SetSections(std::span<const FilterSection> sections) noexcept {
+    fSections.clear();
+    std::ranges::transform(sections, std::back_inserter(fSections), &FilterSection::Step);
+    std::ranges::fill(fMemories, StateVariableStep::Memory());
 }
 
 void SectionCascade::Process(std::size_t channel, std::span<double> sound) noexcept {
-    for (Biquad& section : std::span(fBiquads).subspan(channel * fMostSections, fSections)) {
-        Biquad working = section; // a copy that lives in registers
+    auto memory = fMemories.begin() + static_cast<std::ptrdiff_t>(channel * fMostSections);
+    for (const StateVariableStep& section : fSections) {
+        const StateVariableStep step = section; // copies that live in registers
+        StateVariableStep::Memory working = *memory;
         for (double& sample : sound)
-            sample = working.Process(sample);
-        section = working;
+            sample = step.Next(working, sample);
+        *memory++ = working;
     }
 }
 

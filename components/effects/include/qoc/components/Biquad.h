@@ -43,26 +43,4 @@ struct BiquadCoefficients {
     static double DecaySamples(std::span<const BiquadCoefficients> sections, double share) noexcept;
 };
 
-// One section at work on one channel, in double precision (transposed direct form II). Real time safe.
-class Biquad {
-public:
-    // Goes on with the sound that has gone in so far.
-    void SetCoefficients(const BiquadCoefficients& coefficients) noexcept { fCoefficients = coefficients; }
-    const BiquadCoefficients& Coefficients() const noexcept { return fCoefficients; }
-    // Forgets all sound.
-    void Reset() noexcept { fFirst = fSecond = 0; }
-
-    double Process(double input) noexcept {
-        const double output = fCoefficients.b0 * input + fFirst;
-        fFirst = fCoefficients.b1 * input - fCoefficients.a1 * output + fSecond;
-        fSecond = fCoefficients.b2 * input - fCoefficients.a2 * output;
-        return output;
-    }
-
-private:
-    BiquadCoefficients fCoefficients;
-    double fFirst = 0; // what goes into the next output, and into the one after it
-    double fSecond = 0;
-};
-
 } // namespace qoc::components

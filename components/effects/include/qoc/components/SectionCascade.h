@@ -1,6 +1,6 @@
 #pragma once
 
-#include "qoc/components/Biquad.h"
+#include "qoc/components/FilterSections.h"
 
 #include <cstddef>
 #include <span>
@@ -15,14 +15,14 @@ public:
     // Room for that many sections in each channel; there are none yet.
     void Prepare(std::size_t channels, std::size_t mostSections);
     // Takes other sections, no more than there is room for, and forgets all sound.
-    void SetSections(std::span<const BiquadCoefficients> sections) noexcept;
+    void SetSections(std::span<const FilterSection> sections) noexcept;
     // Replaces a piece of a channel's sound by what comes out.
     void Process(std::size_t channel, std::span<double> sound) noexcept;
 
 private:
-    std::vector<Biquad> fBiquads; // of the first channel, of the second, ...
+    std::vector<StateVariableStep> fSections;
+    std::vector<StateVariableStep::Memory> fMemories; // of the first channel, of the second, ...
     std::size_t fMostSections = 0;
-    std::size_t fSections = 0;
 };
 
 } // namespace qoc::components
