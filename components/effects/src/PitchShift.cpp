@@ -2,9 +2,7 @@
 
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/ParameterIndices.h"
-#include "qoc/components/SumInTurns.h"
 
-#include <array>
 #include <bit>
 #include <cmath>
 #include <utility>
@@ -55,11 +53,7 @@ constexpr ParameterRow kRows[] = {
 };
 
 constexpr double kPercent = 100;
-// The interpolator's, to either side of the place that is read, at the highest speed.
-constexpr std::int64_t kReach = 2 * SampleInterpolator::kLargestHalfWidth + 2;
-
-using Kind = SampleInterpolator::Kind;
-constexpr std::array<Kind, 3> kKinds = {Kind::kSinc8, Kind::kSinc16, Kind::kSinc32}; // by precision
+constexpr auto kReach = static_cast<std::int64_t>(BandLimitedInterpolator::kReach);
 
 } // namespace
 
@@ -90,7 +84,7 @@ void PitchShift::ReadParameters(bool settle) noexcept {
     const float ratio = Natural(kPitchShiftRatio);
     fRatio.Set(ratio, settle);
     if (settle) fWet.Settle(ratio == 1.0F ? 0.0F : 1.0F);
-    fKind = kKinds[static_cast<std::size_t>(Item(kPitchShiftPrecision))];
+    fPrecision = static_cast<BandLimitedInterpolator::Precision>(Item(kPitchShiftPrecision));
     fSplicer.SetLengths(ReadLengths());
 }
 
@@ -132,8 +126,9 @@ void PitchShift::WriteShifted(const kroaudiofilterhost::AudioFilterBlock& block,
     const float ratio = fClock.RatioAt(source);
     fSplicer.Advance(source, fClock, fHistory);
     const float share = fSplicer.Share();
-    PlaceReading(fSplicer.Place(), ratio, fPresent);
-    if (share < 1) PlaceReading(fSplicer.FormerPlace(), ratio, fFormer);
+    fInterpolator.Set(fPrecision, ratio);
+    PlaceReading(fSplicer.Place(), fPresent);
+    if (share < 1) PlaceReading(fSplicer.FormerPlace(), fFormer);
     for (std::size_t channel = 0; channel < block.outputs.size(); ++channel) {
         float shifted = Read(fPresent, channel);
         if (share < 1) {
@@ -145,16 +140,14 @@ void PitchShift::WriteShifted(const kroaudiofilterhost::AudioFilterBlock& block,
     }
 }
 
-void PitchShift::PlaceReading(double place, float ratio, Reading& reading) const noexcept {
+void PitchShift::PlaceReading(double place, Reading& reading) const noexcept {
     const double whole = std::floor(place);
-    fInterpolator.Compute(fKind, place - whole, ratio, static_cast<double>(kReach), reading.weights);
-    reading.first = static_cast<std::int64_t>(whole) + reading.weights.first;
+    fInterpolator.Compute(place - whole, reading.weights);
+    reading.whole = static_cast<std::int64_t>(whole);
 }
 
 float PitchShift::Read(const Reading& reading, std::size_t channel) const noexcept {
-    const float* const weights = reading.weights.values.data();
-    const float* const sound = fHistory.At(channel, reading.first);
-    return SumInTurns<float>(0, reading.weights.count, [=](std::size_t i) { return weights[i] * sound[i]; });
+    return reading.weights.Apply(fHistory.At(channel, reading.whole + reading.weights.First()));
 }
 
 } // namespace qoc::components

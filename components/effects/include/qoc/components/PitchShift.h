@@ -1,8 +1,8 @@
 #pragma once
 
+#include "qoc/components/BandLimitedInterpolator.h"
 #include "qoc/components/ComponentBase.h"
 #include "qoc/components/PitchClock.h"
-#include "qoc/components/SampleInterpolator.h"
 #include "qoc/components/SmoothedValue.h"
 #include "qoc/components/SoundHistory.h"
 #include "qoc/components/Splicer.h"
@@ -30,19 +30,19 @@ protected:
 private:
     // Where a sound is read, between its samples.
     struct Reading {
-        std::int64_t first = 0;
-        SampleInterpolator::Weights weights;
+        std::int64_t whole = 0;
+        BandLimitedInterpolator::Weights weights;
     };
 
     Splicer::Lengths ReadLengths() const noexcept;
     void Write(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::int64_t source) noexcept;
     void WriteShifted(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::int64_t source,
                       float wet) noexcept;
-    void PlaceReading(double place, float ratio, Reading& reading) const noexcept;
+    void PlaceReading(double place, Reading& reading) const noexcept;
     float Read(const Reading& reading, std::size_t channel) const noexcept;
 
-    SampleInterpolator fInterpolator;
-    SampleInterpolator::Kind fKind = SampleInterpolator::Kind::kSinc32;
+    BandLimitedInterpolator fInterpolator;
+    BandLimitedInterpolator::Precision fPrecision = BandLimitedInterpolator::Precision::kHigh;
     Reading fPresent;
     Reading fFormer; // of the piece that fades out
     PitchClock fClock;
