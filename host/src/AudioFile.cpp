@@ -2,9 +2,9 @@
 
 #include "AudioFileEncodings.h"
 #include "SoundFileHandle.h"
-#include "host/ReplacementFile.h"
 #include "kroaudiofilterhost/AudioFilter.h"
 #include "krocore/Localizer.h"
+#include "krocore/ReplacementFile.h"
 #include "krocore/config/Error.h"
 
 #include <algorithm>
@@ -150,20 +150,19 @@ int ChooseEncoding(const fs::path& path, const Sound& sound, AudioFileEncoding l
     return *encoding;
 }
 
-void WriteContents(const ReplacementFile& replacement, const fs::path& path, const Sound& sound, int encoding) {
-    constexpr const char* kUnwritable = "$$$/qohost/AudioFile/Unwritable=@0: the file can't be written (@1).";
+void WriteContents(const krocore::ReplacementFile& replacement, const Sound& sound, int encoding) {
     SF_INFO info{};
     info.format = encoding;
     info.channels = static_cast<int>(sound.channels.size());
     info.samplerate = static_cast<int>(std::lround(sound.sampleRate));
     SoundFileHandle file = OpenSoundFile(replacement.Path(), SFM_WRITE, info);
-    if (!file) Refuse(kUnwritable, path, ReasonOf(sf_strerror(nullptr)));
+    if (!file) replacement.Fail(ReasonOf(sf_strerror(nullptr)));
     sf_command(file.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
     WriteLayout(file.get(), sound.layout);
-    if (!WriteSamples(file.get(), sound, encoding)) Refuse(kUnwritable, path, ReasonOf(sf_strerror(file.get())));
+    if (!WriteSamples(file.get(), sound, encoding)) replacement.Fail(ReasonOf(sf_strerror(file.get())));
     sf_write_sync(file.get());
     if (const int error = sf_close(file.release()); error != 0)
-        Refuse(kUnwritable, path, ReasonOf(sf_error_number(error)));
+        replacement.Fail(ReasonOf(sf_error_number(error)));
 }
 
 } // namespace
@@ -190,13 +189,9 @@ AudioFile ReadAudioFile(const fs::path& path) {
 void WriteAudioFile(const fs::path& path, const Sound& sound, AudioFileEncoding like) {
     CheckChannels(path, static_cast<int>(sound.channels.size()));
     const int encoding = ChooseEncoding(path, sound, like);
-    ReplacementFile replacement(path);
-    WriteContents(replacement, path, sound, encoding);
-    try {
-        replacement.Commit();
-    } catch (const fs::filesystem_error& error) {
-        Refuse("$$$/qohost/AudioFile/Unwritable=@0: the file can't be written (@1).", path, error.code().message());
-    }
+    krocore::ReplacementFile replacement(path);
+    WriteContents(replacement, sound, encoding);
+    replacement.Commit();
 }
 
 } // namespace qohost

@@ -1,7 +1,7 @@
 #include "host/Preset.h"
 
-#include "host/ReplacementFile.h"
 #include "krocore/Localizer.h"
+#include "krocore/ReplacementFile.h"
 #include "krocore/config/Error.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/ParameterIndices.h"
@@ -226,16 +226,7 @@ Preset ReadPresetFile(const std::filesystem::path& file) {
 }
 
 void WritePresetFile(const std::filesystem::path& file, const Preset& preset) {
-    try {
-        ReplacementFile replacement(file);
-        std::ofstream stream(replacement.Path(), std::ios::binary);
-        stream << WritePreset(preset);
-        stream.close();
-        if (!stream) throw std::filesystem::filesystem_error("", std::make_error_code(std::errc::io_error));
-        replacement.Commit();
-    } catch (const std::filesystem::filesystem_error&) {
-        throw Error(Text("$$$/qohost/Preset/NotWritten=@0: can't be written", file.string()));
-    }
+    krocore::ReplaceFile(file, WritePreset(preset));
 }
 
 std::vector<Preset> ParsePresetCollection(std::string_view json) {

@@ -2,15 +2,14 @@
 
 #include "CairoHandle.h"
 #include "MemoryImage.h"
+#include "krocore/ReplacementFile.h"
 #include "krocore/config/Error.h"
 #include "kroui/limner/Limner.h"
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <system_error>
+#include <string>
 
 namespace kroui::limner {
 
@@ -48,45 +47,9 @@ cairo_status_t TakeBytes(void* closure, unsigned char* data, unsigned int length
 }
 
 cairo_status_t AppendBytes(void* closure, const unsigned char* data, unsigned int length) {
-    auto& bytes = *static_cast<std::vector<unsigned char>*>(closure);
-    bytes.insert(bytes.end(), data, data + length);
+    static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
     return CAIRO_STATUS_SUCCESS;
 }
-
-std::vector<unsigned char> Encoded(const Image& image) {
-    PixelBuffer copy{image.PixelWidth(), image.PixelHeight(), {}};
-    const std::size_t perRow = image.Stride() / sizeof(std::uint32_t);
-    for (int y = 0; y < copy.height; ++y) {
-        const auto row = image.Pixels().subspan(y * perRow, copy.width);
-        copy.pixels.insert(copy.pixels.end(), row.begin(), row.end());
-    }
-    std::vector<unsigned char> bytes;
-    const SurfaceHandle surface = SurfaceOn(copy);
-    const cairo_status_t status = cairo_surface_write_to_png_stream(surface.get(), AppendBytes, &bytes);
-    if (status != CAIRO_STATUS_SUCCESS) throw krocore::config::Error(cairo_status_to_string(status));
-    return bytes;
-}
-
-[[noreturn]] void Fail(const std::filesystem::path& file, const std::string& reason) {
-    throw krocore::config::Error("Can't write the picture \"" + file.string() + "\": " + reason + ".");
-}
-
-// Removes a file at the end unless it was renamed before.
-class TemporaryFile {
-public:
-    explicit TemporaryFile(std::filesystem::path path) : fPath(std::move(path)) {}
-    ~TemporaryFile() {
-        std::error_code ignored;
-        std::filesystem::remove(fPath, ignored);
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    const std::filesystem::path& Path() const { return fPath; }
-
-private:
-    std::filesystem::path fPath;
-};
 
 } // namespace
 
@@ -106,19 +69,22 @@ std::optional<PixelBuffer> ReadPNG(std::span<const std::byte> bytes) {
     return buffer;
 }
 
+std::string EncodePNG(const Image& image) {
+    PixelBuffer copy{image.PixelWidth(), image.PixelHeight(), {}};
+    const std::size_t perRow = image.Stride() / sizeof(std::uint32_t);
+    for (int y = 0; y < copy.height; ++y) {
+        const auto row = image.Pixels().subspan(y * perRow, copy.width);
+        copy.pixels.insert(copy.pixels.end(), row.begin(), row.end());
+    }
+    std::string bytes;
+    const SurfaceHandle surface = SurfaceOn(copy);
+    const cairo_status_t status = cairo_surface_write_to_png_stream(surface.get(), AppendBytes, &bytes);
+    if (status != CAIRO_STATUS_SUCCESS) throw krocore::config::Error(cairo_status_to_string(status));
+    return bytes;
+}
+
 void WritePNG(const Image& image, const std::filesystem::path& file) {
-    const std::vector<unsigned char> bytes = Encoded(image);
-    std::filesystem::path temporaryName = file;
-    temporaryName += ".part";
-    const TemporaryFile temporary(temporaryName);
-    errno = 0;
-    std::ofstream stream(temporary.Path(), std::ios::binary);
-    stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    stream.close();
-    if (!stream) Fail(file, std::generic_category().message(errno));
-    std::error_code error;
-    std::filesystem::rename(temporary.Path(), file, error);
-    if (error) Fail(file, error.message());
+    krocore::ReplaceFile(file, EncodePNG(image));
 }
 
 } // namespace kroui::limner

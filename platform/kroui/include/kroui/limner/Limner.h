@@ -6,6 +6,7 @@
 #include <boost/function.hpp>
 
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -84,8 +85,11 @@ public:
     virtual ImagePtr DrawImage(Size size, float scale, const boost::function<void(Limner&)>& draw) const = 0;
 };
 
-// Writes a picture as a PNG file. Throws krocore::config::Error naming the file when that fails; no half-written file
-// is left behind.
+// The bytes of a picture as a PNG file.
+std::string EncodePNG(const Image& image);
+
+// Writes a picture as a PNG file, as krocore::ReplaceFile does. Throws krocore::config::Error naming the file when that
+// fails.
 void WritePNG(const Image& image, const std::filesystem::path& file);
 
 } // namespace kroui::limner
