@@ -16,9 +16,9 @@ namespace {
 using namespace kromediatypes;
 
 constexpr std::pair<std::string_view, int> kContainers[] = {
-    {".wav", SF_FORMAT_WAV},   {".wave", SF_FORMAT_WAV}, {".aif", SF_FORMAT_AIFF}, {".aiff", SF_FORMAT_AIFF},
-    {".flac", SF_FORMAT_FLAC}, {".ogg", SF_FORMAT_OGG},  {".oga", SF_FORMAT_OGG},  {".caf", SF_FORMAT_CAF},
-    {".w64", SF_FORMAT_W64},   {".au", SF_FORMAT_AU},
+    {"wav", SF_FORMAT_WAV},   {"wave", SF_FORMAT_WAV}, {"aif", SF_FORMAT_AIFF}, {"aiff", SF_FORMAT_AIFF},
+    {"flac", SF_FORMAT_FLAC}, {"ogg", SF_FORMAT_OGG},  {"oga", SF_FORMAT_OGG},  {"caf", SF_FORMAT_CAF},
+    {"w64", SF_FORMAT_W64},   {"au", SF_FORMAT_AU},    {"raw", SF_FORMAT_RAW},
 };
 
 constexpr std::pair<int, AudioChannelLabel> kPlaces[] = {
@@ -39,6 +39,8 @@ constexpr std::pair<int, AudioChannelLabel> kPlaces[] = {
 
 // A plain WAVE file says its length in 32 bits; the header has room in the rest.
 constexpr std::uint64_t kLargestPlainWave = 0xFFFF0000;
+// So does an AIFF file, with a sign that some programs take as one.
+constexpr std::uint64_t kLargestAIFF = 0x7FFF0000;
 
 bool IsFloat(int encoding) {
     const int sample = encoding & SF_FORMAT_SUBMASK;
@@ -53,6 +55,10 @@ int SampleBytes(int encoding) {
     if ((encoding & SF_FORMAT_SUBMASK) == SF_FORMAT_DOUBLE) return 8;
     const int bits = WholeNumberBits(encoding);
     return bits > 0 ? bits / 8 : 4;
+}
+
+std::uint64_t SoundBytes(int encoding, std::size_t channels, std::uint64_t frames) {
+    return frames * channels * static_cast<std::uint64_t>(SampleBytes(encoding));
 }
 
 bool IsPossible(int encoding, int channels, int sampleRate) {
@@ -91,25 +97,31 @@ void RenameRearPair(std::vector<AudioChannelLabel>& labels) {
 
 int ContainerFor(const std::filesystem::path& path) {
     const std::string extension = path.extension().string();
+    return extension.empty() ? 0 : ContainerOfType(std::string_view(extension).substr(1));
+}
+
+int ContainerOfType(std::string_view type) {
     for (const auto& [known, container] : kContainers) {
-        if (krocore::EqualsIgnoringCase(extension, known)) return container;
+        if (krocore::EqualsIgnoringCase(type, known)) return container;
     }
     return 0;
 }
 
-std::optional<int> EncodingFor(const std::filesystem::path& path, int like, int channels, int sampleRate,
-                               std::uint64_t frames) {
-    const int container = ContainerFor(path);
+std::optional<int> EncodingFor(int container, int like, int channels, int sampleRate, std::uint64_t frames) {
     const int wanted = like & SF_FORMAT_SUBMASK;
     const int best = IsFloat(like) || wanted == 0 ? SF_FORMAT_FLOAT : SF_FORMAT_PCM_24;
     const std::array<int, 5> samples = {wanted, best, SF_FORMAT_PCM_24, SF_FORMAT_PCM_16, SF_FORMAT_VORBIS};
     for (const int sample : samples) {
         if (container == 0 || sample == 0 || !IsPossible(container | sample, channels, sampleRate)) continue;
+        if (container == SF_FORMAT_RAW) return container | sample | SF_ENDIAN_LITTLE;
         if (!IsWave(container)) return container | sample;
-        const std::uint64_t bytes = frames * static_cast<std::uint64_t>(channels * SampleBytes(sample));
-        return WaveContainer(like, channels, bytes) | sample;
+        return WaveContainer(like, channels, SoundBytes(sample, static_cast<std::size_t>(channels), frames)) | sample;
     }
     return std::nullopt;
+}
+
+bool HasRoomFor(int encoding, std::size_t channels, std::uint64_t frames) {
+    return (encoding & SF_FORMAT_TYPEMASK) != SF_FORMAT_AIFF || SoundBytes(encoding, channels, frames) <= kLargestAIFF;
 }
 
 int WholeNumberBits(int encoding) {

@@ -1,5 +1,7 @@
 #include "host/OfflineRenderer.h"
 
+#include "host/SoundInMemory.h"
+
 #include <algorithm>
 #include <utility>
 #include <vector>
@@ -32,81 +34,72 @@ private:
     bool fCouldChange;
 };
 
-// The blocks of one rendering. Positions count from the first sample of the input; the filter's output for one is
-// `latency` samples behind.
-class Rendering {
-public:
-    Rendering(AudioFilter& filter, const Sound& input, const RenderOptions& options, std::size_t blockFrames)
-        : fFilter(filter), fInput(input), fLatency(filter.Latency()),
-          fResult(Sound::Silent(input.sampleRate, filter.GetOutputBuses().front().GetLayout(),
-                                input.Frames() + KeptTail(filter, input, options))),
-          fInputBlock(input.channels.size(), std::vector<float>(blockFrames)),
-          fOutputBlock(fResult.channels.size(), std::vector<float>(blockFrames)) {
-        for (const auto& channel : fInputBlock)
-            fInputPointers.push_back(channel.data());
-        for (auto& channel : fOutputBlock)
-            fOutputPointers.push_back(channel.data());
-    }
-
-    std::size_t FramesToFeed() const { return fResult.Frames() + fLatency; }
-
-    void Block(std::size_t position, std::size_t frames) {
-        Fetch(position, frames);
-        fFilter.Process({fInputPointers, fOutputPointers, frames});
-        Store(position, frames);
-    }
-
-    Sound TakeResult() { return std::move(fResult); }
-
-private:
-    static std::size_t KeptTail(const AudioFilter& filter, const Sound& input, const RenderOptions& options) {
-        if (!options.keepTail) return 0;
-        return std::min(filter.Tail(), static_cast<std::size_t>(options.maximumTailSeconds * input.sampleRate));
-    }
-
-    void Fetch(std::size_t position, std::size_t frames) {
-        const std::size_t left = position < fInput.Frames() ? fInput.Frames() - position : 0;
-        const std::size_t count = std::min(frames, left);
-        for (std::size_t channel = 0; channel < fInputBlock.size(); ++channel) {
-            if (count > 0) std::copy_n(fInput.channels[channel].data() + position, count, fInputBlock[channel].data());
-            std::fill_n(fInputBlock[channel].data() + count, frames - count, 0.0F);
-        }
-    }
-
-    void Store(std::size_t position, std::size_t frames) {
-        const std::size_t skipped = position < fLatency ? std::min(frames, fLatency - position) : 0;
-        const std::size_t target = position + skipped - fLatency;
-        for (std::size_t channel = 0; skipped < frames && channel < fOutputBlock.size(); ++channel)
-            std::copy_n(fOutputBlock[channel].data() + skipped, frames - skipped,
-                        fResult.channels[channel].data() + target);
-    }
-
-    AudioFilter& fFilter;
-    const Sound& fInput;
-    std::size_t fLatency;
-    Sound fResult;
-    std::vector<std::vector<float>> fInputBlock;
-    std::vector<std::vector<float>> fOutputBlock;
-    std::vector<const float*> fInputPointers;
-    std::vector<float*> fOutputPointers;
-};
+std::vector<float*> PointersTo(std::vector<std::vector<float>>& buffers) {
+    std::vector<float*> pointers;
+    for (std::vector<float>& buffer : buffers)
+        pointers.push_back(buffer.data());
+    return pointers;
+}
 
 } // namespace
 
-std::optional<Sound> RenderOffline(AudioFilter& filter, const Sound& input, const RenderOptions& options) {
-    const std::size_t blockFrames = std::max<std::size_t>(options.blockFrames, 1);
+OfflineRenderer::OfflineRenderer(AudioFilter& filter, SoundReader& input, RenderOptions options)
+    : fFilter(filter), fInput(input), fOptions(std::move(options)) {
+    fOptions.blockFrames = std::max<std::size_t>(fOptions.blockFrames, 1);
     filter.SetDuration(static_cast<double>(input.Frames()));
-    filter.Prepare(input.sampleRate, blockFrames, input.layout);
-    const RunningScope running(filter);
-    Rendering rendering(filter, input, options, blockFrames);
-    const std::size_t total = rendering.FramesToFeed();
-    for (std::size_t position = 0; position < total; position += blockFrames) {
-        const std::size_t frames = std::min(blockFrames, total - position);
-        rendering.Block(position, frames);
+    filter.Prepare(input.SampleRate(), fOptions.blockFrames, input.Layout());
+    fLatency = filter.Latency();
+    const auto longestTail = static_cast<std::uint64_t>(fOptions.maximumTailSeconds * input.SampleRate());
+    fFrames = input.Frames() + (fOptions.keepTail ? std::min<std::uint64_t>(filter.Tail(), longestTail) : 0);
+    fInputBlock.assign(input.Layout().size(), std::vector<float>(fOptions.blockFrames));
+    fOutputBlock.assign(Layout().size(), std::vector<float>(fOptions.blockFrames));
+    fInputPointers = PointersTo(fInputBlock);
+    fOutputPointers = PointersTo(fOutputBlock);
+}
+
+const kromediatypes::AudioChannelLayout& OfflineRenderer::Layout() const {
+    return fFilter.GetOutputBuses().front().GetLayout();
+}
+
+bool OfflineRenderer::Run(SoundWriter& output) {
+    const RunningScope running(fFilter);
+    const std::vector<const float*> inputs(fInputPointers.begin(), fInputPointers.end());
+    const std::uint64_t total = fFrames + fLatency;
+    for (std::uint64_t position = 0; position < total; position += fOptions.blockFrames) {
+        const auto frames = static_cast<std::size_t>(std::min<std::uint64_t>(fOptions.blockFrames, total - position));
+        Fetch(frames);
+        fFilter.Process({inputs, fOutputPointers, frames});
+        Store(position, frames, output);
         const double done = static_cast<double>(position + frames) / static_cast<double>(total);
-        if (options.progress && !options.progress(done)) return std::nullopt;
+        if (fOptions.progress && !fOptions.progress(done)) return false;
     }
-    return rendering.TakeResult();
+    return true;
+}
+
+// Behind the end of the sound follows silence.
+void OfflineRenderer::Fetch(std::size_t frames) {
+    const std::size_t count = fInput.Read(fInputPointers, frames);
+    for (std::vector<float>& channel : fInputBlock)
+        std::fill_n(channel.data() + count, frames - count, 0.0F);
+}
+
+// The filter's output for a sample of the input is `latency` samples behind.
+void OfflineRenderer::Store(std::uint64_t position, std::size_t frames, SoundWriter& output) {
+    const std::uint64_t early = position < fLatency ? fLatency - position : 0;
+    if (early >= frames) return;
+    std::vector<const float*> wanted;
+    for (const std::vector<float>& channel : fOutputBlock)
+        wanted.push_back(channel.data() + early);
+    output.Write(wanted, frames - static_cast<std::size_t>(early));
+}
+
+std::optional<Sound> RenderOffline(AudioFilter& filter, const Sound& input, const RenderOptions& options) {
+    SoundInMemoryReader reader(input);
+    OfflineRenderer renderer(filter, reader, options);
+    Sound result = Sound::Silent(input.sampleRate, renderer.Layout(), 0);
+    SoundInMemoryWriter writer(result);
+    if (!renderer.Run(writer)) return std::nullopt;
+    return result;
 }
 
 } // namespace qohost

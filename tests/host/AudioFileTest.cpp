@@ -8,11 +8,15 @@
 
 #include <sndfile.h>
 
+#include <algorithm>
+#include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <optional>
 
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 using namespace qohost;
 using kromediatypes::AudioChannelLayout;
@@ -138,6 +142,7 @@ TEST_F(AudioFileTest, ReadingRefusesWithFileAndReason) {
     noChannels[22] = 0; // the channel count of the format chunk
     std::string tooManyChannels = wave;
     tooManyChannels[22] = 33;
+    ASSERT_EQ(mkfifo((fFolder / "pipe").c_str(), 0600), 0);
     struct Case {
         fs::path path;
         const char* reason;
@@ -145,6 +150,8 @@ TEST_F(AudioFileTest, ReadingRefusesWithFileAndReason) {
     const Case cases[] = {
         {fFolder / "none.wav", "no such file"},
         {fFolder, "a folder"},
+        {fFolder / "pipe", "a pipe"},
+        {"/dev/zero", "a device"},
         {WriteBytes("empty.wav", ""), "empty"},
         {WriteBytes("text.wav", "This is no sound at all, only words."), "no sound file"},
         {WriteBytes("half.wav", std::string_view(wave).substr(0, wave.size() / 2)), "cut off"},
@@ -156,6 +163,87 @@ TEST_F(AudioFileTest, ReadingRefusesWithFileAndReason) {
     };
     for (const Case& c : cases)
         ExpectRefusal([&] { ReadAudioFile(c.path); }, c.path, c.reason);
+}
+
+// The formats that libsndfile lists with a pair of commands.
+std::vector<int> Listed(int countCommand, int command) {
+    int count = 0;
+    sf_command(nullptr, countCommand, &count, sizeof count);
+    std::vector<int> formats;
+    for (int i = 0; i < count; ++i) {
+        SF_FORMAT_INFO info{};
+        info.format = i;
+        sf_command(nullptr, command, &info, sizeof info);
+        formats.push_back(info.format);
+    }
+    return formats;
+}
+
+// A tone in that format, in stereo where it can; empty if libsndfile can't write or read it.
+std::string Written(const fs::path& path, int format) {
+    constexpr int kFrames = 3000;
+    SF_INFO info{.frames = 0, .samplerate = 8000, .channels = 2, .format = format, .sections = 0, .seekable = 0};
+    if (sf_format_check(&info) == 0) info.channels = 1;
+    SNDFILE* const file = sf_format_check(&info) != 0 ? sf_open(path.c_str(), SFM_WRITE, &info) : nullptr;
+    if (file == nullptr) return {};
+    std::vector<float> sound(static_cast<std::size_t>(kFrames * info.channels));
+    for (std::size_t i = 0; i < sound.size(); ++i)
+        sound[i] = 0.5F * std::sin(0.05F * static_cast<float>(i));
+    sf_writef_float(file, sound.data(), kFrames);
+    sf_close(file);
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// Every kind of file that libsndfile writes here, cut at several places.
+TEST_F(AudioFileTest, WhatIsCutOffIsToldForEveryKindThatSaysItsLength) {
+    // They hold samples up to the file's end, however far that is, or need a second file.
+    const int untold[] = {SF_FORMAT_RAW, SF_FORMAT_PAF, SF_FORMAT_IRCAM, SF_FORMAT_PVF, SF_FORMAT_SD2, SF_FORMAT_XI};
+    const auto framesOf = [](const fs::path& path) -> std::optional<std::size_t> {
+        try {
+            return ReadAudioFile(path).sound.Frames();
+        } catch (const krocore::config::Error&) {
+            return std::nullopt;
+        }
+    };
+    int kinds = 0;
+    for (const int container : Listed(SFC_GET_FORMAT_MAJOR_COUNT, SFC_GET_FORMAT_MAJOR)) {
+        if (std::ranges::find(untold, container) != std::end(untold)) continue;
+        for (const int sample : Listed(SFC_GET_FORMAT_SUBTYPE_COUNT, SFC_GET_FORMAT_SUBTYPE)) {
+            for (const int order : {0, int(SF_ENDIAN_LITTLE), int(SF_ENDIAN_BIG)}) {
+                if (order != 0 && sample != SF_FORMAT_PCM_16) continue;
+                SCOPED_TRACE(testing::Message() << std::hex << (container | sample | order));
+                const std::string whole = Written(fFolder / "whole", container | sample | order);
+                const auto frames = whole.empty() ? std::nullopt : framesOf(fFolder / "whole");
+                if (!frames) continue;
+                ++kinds;
+                for (const std::size_t percent : {2, 40, 75, 97, 100}) {
+                    const std::size_t length = (whole.size() - 1) * percent / 100;
+                    const auto left = framesOf(WriteBytes("cut", std::string_view(whole).substr(0, length)));
+                    EXPECT_TRUE(!left || (percent > 90 && *left == *frames)) << length << " of " << whole.size();
+                }
+            }
+        }
+    }
+    EXPECT_GT(kinds, 100);
+}
+
+TEST_F(AudioFileTest, SoundRecordedToAPipeHasNoLengthAndIsTaken) {
+    WriteAudioFile(fFolder / "a.wav", MakeTestSignal(0.1), kWave16);
+    WriteAudioFile(fFolder / "a.au", MakeTestSignal(0.1), kWave16);
+    const auto with = [&](const char* name, std::size_t at, std::string_view bytes) {
+        std::string file = Bytes(fFolder / name);
+        file.replace(at, bytes.size(), bytes);
+        return file;
+    };
+    const std::string wave = Bytes(fFolder / "a.wav");
+    const std::size_t data = wave.find("data") + 4;
+    for (const char* const unknown : {"\xFF\xFF\xFF\xFF", "\xFF\xFF\xFF\x7F"}) {
+        std::string piped = with("a.wav", 4, unknown);
+        piped.replace(data, 4, unknown);
+        EXPECT_EQ(ReadAudioFile(WriteBytes("b.wav", piped)).sound.Frames(), 4410U);
+    }
+    EXPECT_EQ(ReadAudioFile(WriteBytes("b.au", with("a.au", 8, "\xFF\xFF\xFF\xFF"))).sound.Frames(), 4410U);
 }
 
 TEST_F(AudioFileTest, FailedWritingLeavesTheOldFileAndNothingElse) {

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "host/Sound.h"
+#include "host/SoundStream.h"
 #include "kroaudiofilterhost/AudioFilter.h"
 
 #include <boost/function.hpp>
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace qohost {
 
@@ -18,9 +21,39 @@ struct RenderOptions {
     boost::function<bool(double)> progress;
 };
 
-// Runs a whole sound through a filter, which is prepared for it, and takes the filter's latency out again. Nothing when
-// it was cancelled. The filter must not be run by anybody else meanwhile; it is left prepared, and suspended as it was.
-// Throws krocore::config::Error when the filter can't work on the sound.
+// Runs sound through a filter block by block, and takes the filter's latency out again. Memory does not follow the
+// length. The filter must not be run by anybody else meanwhile; it is left prepared, and suspended as it was.
+class OfflineRenderer {
+public:
+    // Prepares the filter. Both have to outlive this. Throws krocore::config::Error when the filter can't work on the
+    // sound.
+    OfflineRenderer(kroaudiofilterhost::AudioFilter& filter, SoundReader& input, RenderOptions options = {});
+
+    // What comes out, at the input's sample rate.
+    const kromediatypes::AudioChannelLayout& Layout() const;
+    std::uint64_t Frames() const noexcept { return fFrames; }
+
+    // Once. False when it was cancelled. Throws what reading and writing throw.
+    bool Run(SoundWriter& output);
+
+private:
+    using Buffers = std::vector<std::vector<float>>;
+
+    void Fetch(std::size_t frames);
+    void Store(std::uint64_t position, std::size_t frames, SoundWriter& output);
+
+    kroaudiofilterhost::AudioFilter& fFilter;
+    SoundReader& fInput;
+    RenderOptions fOptions;
+    std::uint64_t fLatency = 0;
+    std::uint64_t fFrames = 0;
+    Buffers fInputBlock;
+    Buffers fOutputBlock;
+    std::vector<float*> fInputPointers;
+    std::vector<float*> fOutputPointers;
+};
+
+// The same for a whole sound in memory. Nothing when it was cancelled.
 std::optional<Sound> RenderOffline(kroaudiofilterhost::AudioFilter& filter, const Sound& input,
                                    const RenderOptions& options = {});
 

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "kromediatypes/AudioChannelLayout.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace qohost {
+
+// Where sound comes from, block by block and once: a file, a stream, a sound in memory. One thread.
+class SoundReader {
+public:
+    SoundReader() = default;
+    SoundReader(const SoundReader&) = delete;
+    SoundReader& operator=(const SoundReader&) = delete;
+    virtual ~SoundReader() = default;
+
+    virtual float SampleRate() const = 0; // hertz
+    virtual const kromediatypes::AudioChannelLayout& Layout() const = 0;
+    // In all, from the start.
+    virtual std::uint64_t Frames() const = 0;
+
+    // The next `frames` frames, a buffer a channel; only at the end fewer. Returns how many. Throws
+    // krocore::config::Error when there are fewer in all than Frames(), or when they can't be read.
+    virtual std::size_t Read(std::span<float* const> channels, std::size_t frames) = 0;
+};
+
+// Where sound goes to, block by block. One thread.
+class SoundWriter {
+public:
+    SoundWriter() = default;
+    SoundWriter(const SoundWriter&) = delete;
+    SoundWriter& operator=(const SoundWriter&) = delete;
+    virtual ~SoundWriter() = default;
+
+    // A buffer a channel. Throws krocore::config::Error when they can't be written.
+    virtual void Write(std::span<const float* const> channels, std::size_t frames) = 0;
+};
+
+} // namespace qohost
