@@ -1,7 +1,7 @@
 #include "host/Preset.h"
 
+#include "host/ByteStream.h"
 #include "krocore/Localizer.h"
-#include "krocore/ReplacementFile.h"
 #include "krocore/config/Error.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/ParameterIndices.h"
@@ -11,9 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <fstream>
-#include <iterator>
-#include <system_error>
+#include <set>
 #include <utility>
 
 namespace qohost {
@@ -33,9 +31,23 @@ constexpr const char* kNormalisedMember = "values";
 constexpr int kIndent = 2;
 constexpr std::u16string_view kHertz = u"Hz";
 
+constexpr std::size_t kLargestFile = 16U << 20U; // bytes; thousands of times what any effect needs
+constexpr int kDeepest = 16;                     // levels of JSON; a preset has two, a collection four
+constexpr std::size_t kLongestQuote = 80;        // bytes of what a message repeats
+constexpr std::size_t kMostNotes = 20;
+
+// A message stays readable, whatever the file holds.
+std::string Quoted(std::string_view text) {
+    if (text.size() <= kLongestQuote) return std::string(text);
+    std::size_t end = kLongestQuote;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80) // inside a letter
+        --end;
+    return std::string(text.substr(0, end)) + "...";
+}
+
 std::string Text(const char* key, std::string_view about, std::string_view instead = {}) {
-    return krocore::ToStdString(
-        krocore::ReplacePlaceholders(krocore::Localize(key), {krocore::ToUTF16(about), krocore::ToUTF16(instead)}));
+    return krocore::ToStdString(krocore::ReplacePlaceholders(
+        krocore::Localize(key), {krocore::ToUTF16(Quoted(about)), krocore::ToUTF16(Quoted(instead))}));
 }
 
 [[noreturn]] void Refuse(const char* key, std::string_view about = {}, std::string_view instead = {}) {
@@ -49,9 +61,28 @@ std::string ReasonOf(const Json::exception& error) {
     return end == std::string::npos ? reason : reason.substr(end + 2);
 }
 
+// Watches a text while it is parsed: what is nested too deeply, or says something twice, is no preset.
+class ParsingGuard {
+public:
+    bool operator()(int depth, Json::parse_event_t event, const Json& parsed) {
+        using Event = Json::parse_event_t;
+        if (depth > kDeepest) Refuse("$$$/qohost/Preset/TooDeep=This is no preset: it is nested too deeply.");
+        if (event == Event::object_start) fMembers.emplace_back();
+        if (event == Event::object_end) fMembers.pop_back();
+        if (event == Event::key && !fMembers.back().insert(parsed.get<std::string>()).second)
+            Refuse("$$$/qohost/Preset/MemberTwice=This is no preset: it says twice what \"@0\" is.",
+                   parsed.get<std::string>());
+        return true;
+    }
+
+private:
+    std::vector<std::set<std::string>> fMembers; // of the objects that are open
+};
+
 Json ParseObject(std::string_view text) {
     try {
-        Json json = Json::parse(text.begin(), text.end());
+        ParsingGuard guard;
+        Json json = Json::parse(text.begin(), text.end(), std::ref(guard));
         if (json.is_object()) return json;
     } catch (const Json::exception& error) {
         Refuse("$$$/qohost/Preset/NoJSON=This is no preset: @0.", ReasonOf(error));
@@ -92,16 +123,6 @@ Preset ReadPreset(const Json& object, std::string effect) {
     ReadValues(object, false, preset);
     ReadValues(object, true, preset);
     return preset;
-}
-
-std::string ReadText(const std::filesystem::path& file) {
-    constexpr const char* kUnreadable = "$$$/qohost/Preset/NoFile=can't be read";
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(file, error)) Refuse(kUnreadable);
-    std::ifstream stream(file, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(stream), {}};
-    if (!stream.is_open() || stream.bad()) Refuse(kUnreadable);
-    return text;
 }
 
 // The curve of these effects is rewritten point by point; while their marker is on, they stay with the last whole one.
@@ -184,6 +205,16 @@ void AddNamed(const AudioFilter& filter, int index, const Preset::Value& value, 
     AddSetting(filter, index, normalised, settings);
 }
 
+// The first of them by name, and how many there are besides.
+void AddUnknown(const std::map<std::string, Preset::Value, std::less<>>& unknown, std::vector<std::string>& notes) {
+    std::size_t told = 0;
+    for (auto entry = unknown.begin(); entry != unknown.end() && told < kMostNotes; ++entry, ++told)
+        notes.push_back(Text("$$$/qohost/Preset/Unknown=There is nothing to set that is called \"@0\".", entry->first));
+    if (told < unknown.size())
+        notes.push_back(Text("$$$/qohost/Preset/MoreUnknown=Nor is there for @0 more names.",
+                             std::to_string(unknown.size() - told)));
+}
+
 Settings Resolve(const AudioFilter& filter, const Preset& preset) {
     if (const std::string effect = krocore::ToStdString(filter.GetComponentID()); effect != preset.effect)
         Refuse("$$$/qohost/Preset/OtherEffect=The preset is for \"@0\", not for \"@1\".", preset.effect, effect);
@@ -198,8 +229,7 @@ Settings Resolve(const AudioFilter& filter, const Preset& preset) {
         else
             AddNamed(filter, index, named.mapped(), settings);
     }
-    for (const auto& [id, value] : left)
-        settings.notes.push_back(Text("$$$/qohost/Preset/Unknown=There is nothing to set that is called \"@0\".", id));
+    AddUnknown(left, settings.notes);
     return settings;
 }
 
@@ -218,15 +248,16 @@ std::string WritePreset(const Preset& preset) {
 }
 
 Preset ReadPresetFile(const std::filesystem::path& file) {
+    const std::string text = ReadBytes(file, kLargestFile);
     try {
-        return ParsePreset(ReadText(file));
+        return ParsePreset(text);
     } catch (const Error& error) {
-        throw Error(file.string() + ": " + error.what());
+        throw Error(InputName(file) + ": " + error.what());
     }
 }
 
 void WritePresetFile(const std::filesystem::path& file, const Preset& preset) {
-    krocore::ReplaceFile(file, WritePreset(preset));
+    WriteBytes(file, WritePreset(preset));
 }
 
 std::vector<Preset> ParsePresetCollection(std::string_view json) {

@@ -104,6 +104,38 @@ TEST_F(PresetTest, FaultsAreNamedAndNothingChanges) {
     EXPECT_EQ(ValuesOf(*fAmplify), before);
 }
 
+TEST_F(PresetTest, DepthRepetitionsAndMessagesAreBounded) {
+    const std::string start = R"({"effect": "qoc.Amplify", "name": "x", )";
+    const auto repeated = [](const char* text, int times) {
+        std::string all;
+        for (int i = 0; i < times; ++i)
+            all += text;
+        return all;
+    };
+    EXPECT_NO_THROW(ParsePreset(start + R"("author": )" + repeated("[", 10) + repeated("]", 10) + "}"));
+    for (const auto& [open, close] : {std::pair{"[", "]"}, std::pair{R"({"a":)", "}"}}) {
+        const std::string nested = repeated(open, 500000) + "1" + repeated(close, 500000);
+        for (const char* const place : {R"("author": )", R"("values": )", R"("values": {"gain1": )"})
+            EXPECT_THAT(ErrorOf([&] { ParsePreset(start + place + nested); }), HasSubstr("nested too deeply"));
+    }
+    for (const char* const twice : {R"("name": "y"})", R"("values": {"gain1": 0, "gain1": 0}})"})
+        EXPECT_THAT(ErrorOf([&] { ParsePreset(start + twice); }), HasSubstr("says twice"));
+
+    const std::string longWord(1000000, 'w');
+    std::string unknown;
+    for (int i = 0; i < 100000; ++i)
+        unknown += (i == 0 ? "\"" : ", \"") + longWord.substr(0, 100) + std::to_string(i) + "\": 0";
+    const auto notes = ApplyPreset(*fAmplify, ParsePreset(start + R"("values": {)" + unknown + "}}"));
+    ASSERT_EQ(notes.size(), 21U);
+    EXPECT_THAT(notes.back(), HasSubstr("99980"));
+    for (const std::string& note : notes)
+        EXPECT_LT(note.size(), 200U);
+    for (const std::string& wrong :
+         {longWord, start + R"("values": {"gain1": ")" + longWord + "\"}}",
+          start + R"("values": {")" + longWord + "\": []}}", R"({"name": "x", "effect": ")" + longWord + "\"}"})
+        EXPECT_LT(ErrorOf([&] { ApplyPreset(*fAmplify, ParsePreset(wrong)); }).size(), 300U);
+}
+
 TEST_F(PresetTest, FilesKeepEveryBit) {
     for (const float value : {0.1F, 1.0F / 3, 1e-30F, -0.0F, 1.3654F, std::nextafter(0.5F, 1.0F)}) {
         fAmplify->SetParameterValue(kGain1, value);

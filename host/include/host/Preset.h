@@ -29,13 +29,14 @@ struct Preset {
     std::map<std::string, Value, std::less<>> values;
 };
 
-// Throws krocore::config::Error for a text that is no preset, and for a number that no float holds.
+// Throws krocore::config::Error for a text that is no preset, that is nested deeply or names a member twice, and for a
+// number that no float holds. What messages repeat of a text is shortened.
 Preset ParsePreset(std::string_view json);
 // What ParsePreset gives the same preset for, bit by bit.
 std::string WritePreset(const Preset& preset);
 
-// The same for files. They throw krocore::config::Error that names the file; one that can't be written completely stays
-// as it was.
+// The same for files and streams (see ByteStream.h), which are at most 16 MB long. They throw krocore::config::Error
+// that names the file; one that can't be written completely stays as it was.
 Preset ReadPresetFile(const std::filesystem::path& file);
 void WritePresetFile(const std::filesystem::path& file, const Preset& preset);
 
@@ -49,10 +50,10 @@ Preset CapturePreset(const kroaudiofilterhost::AudioFilter& filter, std::string 
 Preset CapturePresetForAnyRate(const kroaudiofilterhost::AudioFilter& filter, std::string name);
 
 // Gives the filter the preset's values and every other parameter its default, as one gesture about all parameters.
-// Returns what could not be taken as it is, a sentence each: names that the filter doesn't have or that can't be set,
-// natural numbers beyond the range (its end is taken), and while the engine runs parameters that can't be changed then.
-// Throws krocore::config::Error, with nothing changed, for a preset of another effect, for a number that is not finite
-// and for a natural value that a switch or choice doesn't have.
+// Returns what could not be taken as it is, a sentence each: names, of which the first 20 are told, that the filter
+// doesn't have or that can't be set, natural numbers beyond the range (its end is taken), and while the engine runs
+// parameters that can't be changed then. Throws krocore::config::Error, with nothing changed, for a preset of another
+// effect, for a number that is not finite and for a natural value that a switch or choice doesn't have.
 std::vector<std::string> ApplyPreset(kroaudiofilterhost::AudioFilter& filter, const Preset& preset);
 
 // Whether ApplyPreset would change parameters that can't be changed while the engine runs. Throws as it does.
