@@ -3,6 +3,7 @@
 #include "LioBuilder.h"
 #include "LocalizeFunction.h"
 
+#include "orrin/core_functions.h"
 #include "orrin/error.h"
 
 #include <algorithm>
@@ -196,7 +197,8 @@ std::shared_ptr<orrin::sheet_t> ScriptChecker::Load(const Script& sheet, Finding
 }
 
 bool ScriptChecker::IsFunction(name_t name) const {
-    return std::ranges::find(fSurroundings.functions, name) != fSurroundings.functions.end();
+    return orrin::is_core_function(name) ||
+           std::ranges::find(fSurroundings.functions, name) != fSurroundings.functions.end();
 }
 
 } // namespace krotarnlio

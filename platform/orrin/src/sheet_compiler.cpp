@@ -1,5 +1,7 @@
 #include "sheet_program.h"
 
+#include "orrin/core_functions.h"
+
 #include <string>
 #include <string_view>
 
@@ -71,8 +73,9 @@ private:
             fProgram.variables.push_back({read, contributed});
         }
         variables.end = static_cast<index_t>(fProgram.variables.size());
-        if (!code.functions().empty()) fProgram.callers.push_back(number);
-        fProgram.expressions.push_back({std::move(code), variables, cell});
+        const bool callsHost = calls_host(code);
+        if (callsHost) fProgram.callers.push_back(number);
+        fProgram.expressions.push_back({std::move(code), variables, cell, callsHost});
         return number;
     }
 

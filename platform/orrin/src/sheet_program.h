@@ -43,6 +43,7 @@ struct sheet_program_t {
         expression_t code;
         range_t variables;    // in variables
         index_t cell = kNone; // that is computed, the first one of several; kNone for conditions
+        bool callsHost = false;
     };
     struct clause_t {
         index_t relation = 0;
@@ -75,7 +76,7 @@ struct sheet_program_t {
     std::vector<index_t> targets;
     std::vector<relation_t> relations;
     std::vector<index_t> conditions;   // expressions
-    std::vector<index_t> callers;      // expressions that call functions
+    std::vector<index_t> callers;      // expressions that call functions of the host
     adjacency_t valueReaders;          // expressions, by the cell whose value they read
     adjacency_t contributedReaders;    // expressions, by the cell whose contributed value they read
     std::vector<index_t> inputClauses; // that depend on constants and inputs alone, in order

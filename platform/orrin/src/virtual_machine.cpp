@@ -2,6 +2,7 @@
 
 #include "operators.h"
 
+#include "orrin/core_functions.h"
 #include "orrin/dictionary.h"
 #include "orrin/error.h"
 
@@ -168,9 +169,13 @@ void virtual_machine_t::run_t::make_dictionary(std::size_t count) {
 }
 
 void virtual_machine_t::run_t::call(name_t function) {
-    if (!fMachine.fFunctionLookup) throw std::runtime_error("unknown function " + in_quotes(function.text()));
+    const bool isCore = is_core_function(function);
+    if (!isCore && !fMachine.fFunctionLookup)
+        throw std::runtime_error("unknown function " + in_quotes(function.text()));
     const any_regular_t arguments = pop();
-    push(look_up(function, [&] { return fMachine.fFunctionLookup(function, arguments); }));
+    push(look_up(function, [&] {
+        return isCore ? call_core_function(function, arguments) : fMachine.fFunctionLookup(function, arguments);
+    }));
 }
 
 void virtual_machine_t::run_t::jump_unless(std::uint32_t target) {

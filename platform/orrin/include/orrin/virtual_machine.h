@@ -14,8 +14,9 @@ using function_lookup_t = boost::function<any_regular_t(name_t function, const a
 // Throws a standard exception for a name that it does not know.
 using variable_lookup_t = boost::function<any_regular_t(name_t variable)>;
 
-// Evaluates expressions. Functions and variables come from two lookups that its owner installs; without one every
-// function or variable is unknown. The lookups may evaluate on the same machine again. User-interface thread.
+// Evaluates expressions. Functions, beyond those of the language (core_functions.h), and variables come from two
+// lookups that its owner installs; without one every function or variable is unknown. The lookups may evaluate on the
+// same machine again. User-interface thread.
 class virtual_machine_t {
 public:
     void set_function_lookup(function_lookup_t lookup);
