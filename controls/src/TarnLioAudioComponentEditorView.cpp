@@ -12,6 +12,7 @@
 
 #include <boost/bind/bind.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <sstream>
 #include <utility>
@@ -62,6 +63,12 @@ void TraceSheetError(const orrin::error_t& error) {
     if (krocore::debug::TraceEnabled(kCategory, 1, true)) krocore::debug::Trace(std::string(error.what()) + "\n");
 }
 
+// As a parameter: a number, and neither infinite nor undefined.
+bool IsStorable(const any_regular_t& value) {
+    const double* const number = value.get_if<double>();
+    return number && std::isfinite(*number);
+}
+
 // Sets a flag and gives it back its former value at the end.
 class FlagScope {
 public:
@@ -96,7 +103,7 @@ TarnLioAudioComponentEditorView::TarnLioAudioComponentEditorView(boost::intrusiv
                                                                  const krocore::string16& resourceName,
                                                                  HINSTANCE module)
     : AudioComponentEditorViewBase(std::move(filter)), fSheet(std::make_shared<orrin::sheet_t>()),
-      fLastSuspended(false), fSupplier(supplier) {
+      fLastSuspended(false), fSupplier(supplier), fSheetFile(krocore::ToStdString(resourceName) + ".trn") {
     const Scripts scripts = LoadScripts(resourceName, module);
     InitStandardFunctionPack();
     InitStandardReflectedVariableSet();
@@ -238,9 +245,10 @@ void TarnLioAudioComponentEditorView::AskHostForTime() {
     fTimeFormatPending = true;
 }
 
+// What is no number is told as a problem; the filter keeps what it has.
 void TarnLioAudioComponentEditorView::OnParameterChanged(const any_regular_t& value, int index) {
     static OutOfRangeTrace trace("TarnLioAudioComponentEditorView::OnParameterChanged", "(from UI)");
-    if (fSyncing) return;
+    if (fSyncing || !IsStorable(value)) return;
     const auto stored = static_cast<float>(value.get<double>());
     const boost::intrusive_ptr<AudioFilter> filter = GetAudioFilter();
     if (filter->GetParameterValue(index) == stored) return;
@@ -263,8 +271,12 @@ void TarnLioAudioComponentEditorView::SyncParameters() {
     if (!fSheet) return;
     bool pushed = PushParameters();
     pushed = PushTimeFormat() || pushed;
-    if (suspendedChanged) SetCell(Cells().suspended, suspended);
-    if (pushed) PushEnvironment();
+    if (suspendedChanged) GiveInput(Cells().suspended, suspended);
+    if (pushed)
+        PushEnvironment();
+    else
+        fSheet->settle();
+    FollowProblems();
 }
 
 bool TarnLioAudioComponentEditorView::PushParameters() {
@@ -272,28 +284,52 @@ bool TarnLioAudioComponentEditorView::PushParameters() {
     const boost::intrusive_ptr<AudioFilter> filter = GetAudioFilter();
     if (filter->GetParameterDirtyCount() == fLastDirtyCount) return false;
     for (int i = 0; i < filter->GetParameterCount(); ++i) {
-        if (static_cast<std::size_t>(i) == fInputNames.size()) fInputNames.push_back(Numbered("in", i));
-        const name_t input = fInputNames[static_cast<std::size_t>(i)];
-        if (!fSheet->has_input(input)) continue;
+        NameParameters();
+        const auto index = static_cast<std::size_t>(i);
+        if (!fSheet->has_input(fInputNames[index])) continue;
         const float value = filter->GetParameterValue(i);
-        fSheet->set(input, static_cast<double>(value));
+        GiveParameter(index, value);
         trace.Check(i, value);
     }
     return true;
 }
 
+void TarnLioAudioComponentEditorView::NameParameters() {
+    const auto count = static_cast<std::size_t>(GetAudioFilter()->GetParameterCount());
+    for (std::size_t i = fInputNames.size(); i < count; ++i) {
+        fInputNames.push_back(Numbered("in", static_cast<int>(i)));
+        fOutputNames.push_back(Numbered("out", static_cast<int>(i)));
+    }
+}
+
+// What the sheet says itself comes back rounded as it was stored: an echo. Any other value than that is news, also one
+// that the sheet was given before.
+void TarnLioAudioComponentEditorView::GiveParameter(std::size_t index, float value) {
+    const name_t input = fInputNames[index];
+    const name_t output = fOutputNames[index];
+    const any_regular_t said = fSheet->has_output(output) ? fSheet->get(output) : any_regular_t();
+    const bool isEcho = IsStorable(said) && static_cast<float>(said.get<double>()) == value;
+    const any_regular_t given = static_cast<double>(value);
+    const bool isNew = fSheet->contributed(input) != given;
+    if (isNew || (!isEcho && said.type() != orrin::type_t::empty))
+        fGiven.push_back({input, isEcho ? said : any_regular_t()});
+    fSheet->set(input, given);
+}
+
 bool TarnLioAudioComponentEditorView::PushTimeFormat() {
     if (!std::exchange(fTimeFormatPending, false)) return false;
-    SetCell(Cells().timeFormat, fTimeFormat);
+    GiveInput(Cells().timeFormat, fTimeFormat);
     return true;
 }
 
 void TarnLioAudioComponentEditorView::PushEnvironment() {
     const boost::intrusive_ptr<AudioFilter> filter = GetAudioFilter();
-    SetCell(Cells().sampleRate, static_cast<double>(filter->GetSampleRate()));
-    SetCell(Cells().currentDuration, filter->GetDuration());
+    GiveInput(Cells().sampleRate, static_cast<double>(filter->GetSampleRate()));
+    GiveInput(Cells().currentDuration, filter->GetDuration());
     fLastDirtyCount = filter->GetParameterDirtyCount();
-    RecalculateSheet();
+    fSheet->update();
+    fSheet->reinitialise(fGiven);
+    fGiven.clear();
     if (fLayoutRoot) fLayoutRoot->Refresh();
 }
 
@@ -309,6 +345,12 @@ void TarnLioAudioComponentEditorView::OnSuspendedStateChanged(const boost::intru
     }
 }
 
+void TarnLioAudioComponentEditorView::GiveInput(name_t input, const any_regular_t& value) {
+    if (!fSheet->has_input(input) || fSheet->contributed(input) == value) return;
+    fSheet->set(input, value);
+    fGiven.push_back({input, {}});
+}
+
 void TarnLioAudioComponentEditorView::SetCell(name_t cell, const any_regular_t& value) {
     if (fSheet->has_input(cell)) fSheet->set(cell, value);
 }
@@ -316,6 +358,53 @@ void TarnLioAudioComponentEditorView::SetCell(name_t cell, const any_regular_t& 
 void TarnLioAudioComponentEditorView::RecalculateSheet() {
     fSheet->update();
     fSheet->reinitialise();
+}
+
+// After every computation, whoever has caused it.
+void TarnLioAudioComponentEditorView::FollowProblems() {
+    if (std::exchange(fSeenEvaluations, fSheet->evaluation_count()) == fSheet->evaluation_count()) return;
+    std::vector<orrin::error_t> problems = FindProblems();
+    if (std::ranges::equal(problems, fProblems, {}, &orrin::error_t::what, &orrin::error_t::what)) return;
+    fProblems = std::move(problems);
+    UI_Invalidate();
+}
+
+std::vector<orrin::error_t> TarnLioAudioComponentEditorView::FindProblems() const {
+    std::vector<orrin::error_t> problems;
+    for (const orrin::error_t& error : fSheet->errors())
+        problems.emplace_back(fSheetFile, error.position(), error.message());
+    for (const name_t output : fOutputNames) {
+        if (!fSheet->has_output(output) || IsStorable(fSheet->get(output))) continue;
+        const orrin::type_t type = fSheet->get(output).type();
+        if (type == orrin::type_t::empty) continue; // it has never been computed, which is told already
+        problems.emplace_back(
+            fSheetFile, fSheet->position(output),
+            "cell " + orrin::in_quotes(output.text()) + ": an output needs a number, not " +
+                (type == orrin::type_t::number ? "one that is infinite or undefined" : orrin::type_phrase(type)));
+    }
+    return problems;
+}
+
+// A frame, and the first of the messages on a strip at the bottom.
+void TarnLioAudioComponentEditorView::UI_DrawOver(kroui::limner::Limner* limner) {
+    AudioComponentEditorViewBase::UI_DrawOver(limner);
+    if (fProblems.empty()) return;
+    constexpr float kFrame = 2;
+    constexpr float kStrip = 24;
+    constexpr float kMargin = 8;
+    const kroui::Rect rect = UI_GetLocalRect();
+    const kroui::limner::Color warning = GetColor(kroui::ui::kColorWarning);
+    const kroui::Rect strip{rect.left, rect.Bottom() - kStrip, rect.width, kStrip};
+    limner->FillRect(strip, GetColor(kroui::ui::kColorPanel));
+    limner->FrameRoundRect(rect.Inset(kFrame / 2, kFrame / 2), 0, warning, kFrame);
+    limner->DrawText(krocore::ToUTF16(fProblems.front().what()), {}, GetColor(kroui::ui::kColorText),
+                     strip.Inset(kMargin, 0), {.truncation = kroui::limner::TextTruncation::kEnd});
+}
+
+kroui::ui::AccessibleInfo TarnLioAudioComponentEditorView::UI_GetAccessibleInfo() const {
+    kroui::ui::AccessibleInfo info = AudioComponentEditorViewBase::UI_GetAccessibleInfo();
+    if (!fProblems.empty()) info.value = krocore::ToUTF16(fProblems.front().what());
+    return info;
 }
 
 } // namespace qocui::controls

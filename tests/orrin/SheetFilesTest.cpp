@@ -24,7 +24,9 @@ using testing::IsEmpty;
 //   // error LINE:COLUMN: MESSAGE   loading fails with this message (the only command then)
 //   // warning LINE:COLUMN: MESSAGE loading warns so
 //   // set CELL VALUE               sets the cell and updates; "stage" does not update
-//   // touch CELL, // update, // reinitialise
+//   // touch CELL, // update, // settle
+//   // give INPUT VALUE             stages it as the host's; "echo TOLD INPUT VALUE" as what brings back TOLD
+//   // reinitialise                 with what was given or echoed before; all cells if nothing was
 //   // expect CELL VALUE, // contributed CELL VALUE
 //   // evaluations COUNT            since the last such line, or since loading
 //   // failing LINE:COLUMN: MESSAGE is among the present errors; "working": there is none
@@ -77,13 +79,32 @@ protected:
         } else if (command == "touch") {
             fSheet.touch(Cell(words));
             fSheet.update();
+        } else if (command == "give") {
+            Give(words, {});
+        } else if (command == "echo") {
+            std::string told;
+            words >> told;
+            Give(words, evaluate_serialization(told));
+        } else if (command == "settle") {
+            fSheet.settle();
         } else if (command == "update") {
             fSheet.update();
         } else if (command == "reinitialise") {
-            fSheet.reinitialise();
+            Reinitialise();
         } else {
             Check(command, words);
         }
+    }
+
+    void Give(std::istringstream& words, any_regular_t told) {
+        const name_t input = Cell(words);
+        fSheet.set(input, Value(words));
+        fGiven.push_back({input, std::move(told)});
+    }
+
+    void Reinitialise() {
+        const std::vector<given_input_t> given = std::exchange(fGiven, {});
+        given.empty() ? fSheet.reinitialise() : fSheet.reinitialise(given);
     }
 
     void Check(const std::string& command, std::istringstream& words) {
@@ -145,6 +166,7 @@ protected:
     }
 
     sheet_t fSheet;
+    std::vector<given_input_t> fGiven;
     std::uint64_t fCounted = 0;
 };
 

@@ -365,6 +365,33 @@ std::string EqualizerScript(int bands) {
            "logic:\r\ngain_filter <== { min_value: gain_min, max_value: gain_max };\r\noutput:\r\n" + outputs + "}\r\n";
 }
 
+TEST_F(Sheet, AMisspeltKeywordIsToldAsOne) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"sheet x {\ninterfce: unlink a: 1;\n}", "2:1: 'interfce' is no section, perhaps \"interface:\" is meant"},
+        {"sheet x {\nInput: in0: 0;\n}", "2:1: 'Input' is no section, perhaps \"input:\" is meant"},
+        // Reads as a cell with an initialiser.
+        {"sheet x { interface: a: 1;\noutpt:\nout0 <== a; }",
+         "2:1: 'outpt' is no section, perhaps \"output:\" is meant"},
+        {"sheet x { interface:\nunlnik a: 1; }", "2:1: 'unlnik' is no keyword, perhaps \"unlink\" is meant"},
+        {"sheet x { interface: a: 1; b: 2; logic:\nrelte { a <== b; b <== a; } }",
+         "2:1: 'relte' is no keyword, perhaps \"relate\" is meant"},
+        {"sheet x { interface: a: 1; b: 2; logic:\nwehn (true) relate { a <== b; b <== a; } }",
+         "2:1: 'wehn' is no keyword, perhaps \"when\" is meant"},
+        // What stands inside of a declaration is none.
+        {"sheet x { interface: a: { inputs: 1 }; b: 2 output: out0 <== b; }",
+         "1:45: expected ';' behind the expression, found 'output'"},
+    };
+    for (const auto& [script, expected] : cases) {
+        try {
+            fSheet.load(script, "test");
+            ADD_FAILURE() << script;
+        } catch (const error_t& error) {
+            EXPECT_EQ(error.what(), "test:" + std::string(expected));
+        }
+    }
+    EXPECT_NO_THROW(fSheet.load("sheet x { input: inputs: 1; interface: outputs: 2 <== inputs; }", "test"));
+}
+
 TEST_F(Sheet, Poll_ComputesOnlyWhatTheInputReaches) {
     fSheet.load(EqualizerScript(30), "eq");
     const std::uint64_t before = fSheet.evaluation_count();

@@ -138,6 +138,46 @@ TEST_F(ScriptViewTest, AnExpressionThatFailsIsTracedWithItsPlace) {
     krocore::debug::SetTraceSink(sink);
 }
 
+TEST_F(ScriptViewTest, AnOutputThatIsNoNumberKeepsWhatTheFilterHasAndIsToldWithItsPlace) {
+    Open("sheet P { input: in0: 0.5; in1: 0.5;\ninterface: unlink on: in0 >= 0.5;\n"
+         "output: out0 <== on ? 1 : 0;\n  out1 <== on ? 0.5 : !on;\n  out2 <== on ? 0 : 1 / 0; }");
+    fFilter->Store(0, 1);
+    fFilter->Store(1, 0.5F);
+    fView->SyncParameters();
+    EXPECT_THAT(fView->GetProblems(), IsEmpty());
+    fFilter->TakeLog();
+    Click("Box");
+    fWindow.Advance(0.011);
+    EXPECT_THAT(fFilter->TakeLog(), ElementsAre("set 0 0"));
+    EXPECT_EQ(fFilter->GetParameterValue(1), 0.5F);
+    ASSERT_EQ(fView->GetProblems().size(), 2U);
+    EXPECT_STREQ(fView->GetProblems()[0].what(), "Panel.trn:4:3: cell 'out1': an output needs a number, not a bool");
+    EXPECT_STREQ(fView->GetProblems()[1].what(),
+                 "Panel.trn:5:3: cell 'out2': an output needs a number, not one that is infinite or undefined");
+    EXPECT_NE(fView->UI_GetAccessibleInfo().value, u"");
+    Click("Box");
+    fWindow.Advance(0.011);
+    EXPECT_THAT(fFilter->TakeLog(), testing::Contains("set 0 1"));
+    EXPECT_THAT(fView->GetProblems(), IsEmpty());
+}
+
+// The first output is half of what is clicked, so that it comes back rounded.
+TEST_F(ScriptViewTest, APollLeavesAloneWhatTheEffectDoesNotKnow) {
+    Open("sheet P { input: in0: 0; interface: unlink on: in0 > 0.01; unlink page: 0; unlink other: in0;"
+         "logic: text <== serialize_regular([page, other > 0.32]);"
+         "output: out0 <== on ? 0.1 : 0.3; out1 <== page / 3; }",
+         "layout P { view subview() { checkbox(identifier: 'Box', name: 'On', bind: @on);"
+         "radio_button(identifier: 'Page', name: 'Page', bind: @page, value: 1);"
+         "display_text(identifier: 'Text', value: @text); } }");
+    Click("Page");
+    Click("Box");
+    fWindow.Advance(0.1);
+    EXPECT_EQ(Shown("Text"), "[1, false]");
+    fFilter->Store(0, 0.4F);
+    fWindow.Advance(0.1);
+    EXPECT_EQ(Shown("Text"), "[1, true]");
+}
+
 // What calls a function is computed again at each push, so that the requests count them.
 TEST_F(ScriptViewTest, APollPushesOnlyAfterAChangeOrANewSuspendedState) {
     Open("sheet P { input: in0: 0; suspended: false; interface: unlink on: suspended;"

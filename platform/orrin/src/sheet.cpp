@@ -1,5 +1,6 @@
 #include "orrin/sheet.h"
 
+#include "keyword_hint.h"
 #include "sheet_engine.h"
 #include "sheet_program.h"
 #include "sheet_script.h"
@@ -44,16 +45,25 @@ sheet_t::~sheet_t() {
     fEngine->stop();
 }
 
-void sheet_t::load(std::string_view script, std::string scriptName) {
+void sheet_t::load(std::string_view script, const std::string& scriptName) {
     if (fLoading || fEngine->is_running()) throw std::logic_error("a sheet cannot be loaded while it updates");
     const flag_t loading(fLoading);
-    sheet_program_t program = compile_sheet(parse_sheet_script(script, std::move(scriptName)),
-                                            [this](name_t name) { return fMachine.knows_variable(name); });
+    sheet_program_t program = compile(script, scriptName);
     const auto engine = std::make_shared<sheet_engine_t>(std::move(program), fMachine);
     engine->start();
     engine->set_error_handler(fErrorHandler);
     fEngine->stop();
     fEngine = engine;
+}
+
+sheet_program_t sheet_t::compile(std::string_view script, const std::string& scriptName) const {
+    try {
+        return compile_sheet(parse_sheet_script(script, scriptName),
+                             [this](name_t name) { return fMachine.knows_variable(name); });
+    } catch (const error_t& error) {
+        if (const auto cause = misspelt_keyword(script, scriptName, error.position())) throw error_t(*cause);
+        throw;
+    }
 }
 
 name_t sheet_t::name() const {
@@ -79,6 +89,11 @@ std::vector<cell_info_t> sheet_t::cells() const {
         infos.push_back(
             {cell.name, cell.kind, cell.linked, cell.initialiser != kNone, program.source->position(cell.offset)});
     return infos;
+}
+
+position_t sheet_t::position(name_t name) const {
+    const sheet_program_t& program = fEngine->program();
+    return program.source->position(program.cells[find(name)].offset);
 }
 
 std::vector<function_use_t> sheet_t::function_uses() const {
@@ -113,11 +128,22 @@ void sheet_t::touch(name_t name) {
 }
 
 void sheet_t::update() {
-    fEngine->update(false);
+    fEngine->update();
 }
 
 void sheet_t::reinitialise() {
-    fEngine->update(true);
+    fEngine->want_initial_values();
+    fEngine->update();
+}
+
+void sheet_t::reinitialise(std::span<const given_input_t> given) {
+    for (const given_input_t& input : given)
+        fEngine->want_initial_values_of(find(input.name), input.told);
+    fEngine->update();
+}
+
+void sheet_t::settle() {
+    if (fEngine->settle()) fEngine->update();
 }
 
 boost::signals2::connection sheet_t::subscribe(name_t name, const slot_t& slot) {

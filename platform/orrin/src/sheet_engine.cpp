@@ -1,6 +1,10 @@
 #include "sheet_engine.h"
 
+#include "orrin/dictionary.h"
+
 #include <algorithm>
+#include <cmath>
+#include <iterator>
 #include <string>
 #include <utility>
 
@@ -11,6 +15,23 @@ namespace {
 // Rounds of one update, when subscribers set cells and update again.
 constexpr int kMostRounds = 100;
 constexpr std::size_t kMostNamed = 10; // in a message
+
+// But for what a conversion and its inverse lose of a double.
+bool nearly_equal(const any_regular_t& left, const any_regular_t& right) {
+    constexpr double kTolerance = 1e-9;
+    if (left == right) return true;
+    const double* const number = left.get_if<double>();
+    const double* const other = right.get_if<double>();
+    if (number && other) return std::abs(*number - *other) <= kTolerance * std::max(1.0, std::abs(*number));
+    const array_t* const array = left.get_if<array_t>();
+    const array_t* const otherArray = right.get_if<array_t>();
+    if (array && otherArray) return std::ranges::equal(*array, *otherArray, &nearly_equal);
+    const dictionary_t* const entries = left.get_if<dictionary_t>();
+    const dictionary_t* const otherEntries = right.get_if<dictionary_t>();
+    return entries && otherEntries && std::ranges::equal(*entries, *otherEntries, [](const auto& a, const auto& b) {
+               return a.first == b.first && nearly_equal(a.second, b.second);
+           });
+}
 
 } // namespace
 
@@ -34,6 +55,8 @@ sheet_engine_t::sheet_engine_t(sheet_program_t program, virtual_machine_t& machi
     fInitial.resize(cells);
     fIsChanged.resize(cells);
     fIsSet.resize(cells);
+    fIsSetSinceInitialised.resize(cells);
+    fIsDue.resize(cells);
     fSignals.resize(cells);
     for (const sheet_program_t::cell_t& cell : fProgram.cells)
         fWriters.push_back(cell.fixedWriter);
@@ -55,7 +78,8 @@ void sheet_engine_t::start() {
     const running_t running(*this);
     initialise_once(cell_kind_t::constant);
     initialise_once(cell_kind_t::input);
-    round(true);
+    want_initial_values();
+    round();
     fToNotify.clear();
     fErrors.take_new();
     if (const error_t* const conflict = fErrors.conflict()) throw *conflict;
@@ -80,13 +104,36 @@ void sheet_engine_t::set(index_t cell, any_regular_t value) {
 }
 
 void sheet_engine_t::touch(index_t cell) {
+    fIsSetSinceInitialised[cell] = true;
     const sheet_program_t::cell_t& touched = fProgram.cells[cell];
     if (touched.planned != kNone) fProgram.stages[touched.stage].planner.touch(touched.planned);
 }
 
-void sheet_engine_t::update(bool reinitialise) {
+void sheet_engine_t::want_initial_values() {
+    fIsDue.assign(fIsDue.size(), true);
+    fWantsInitialise = true;
+}
+
+void sheet_engine_t::want_initial_values_of(index_t input, const any_regular_t& told) {
+    fIsDue[input] = true;
+    fWantsInitialise = true;
+    if (told.type() != type_t::empty) fEchoes.push_back({input, told});
+}
+
+bool sheet_engine_t::settle() {
+    if (fHeldBack.empty()) return false;
+    const bool isInUse = std::ranges::find(fIsSetSinceInitialised, true) != fIsSetSinceInitialised.end();
+    fIsSetSinceInitialised.assign(fIsSetSinceInitialised.size(), false);
+    if (isInUse) return false;
+    std::swap(fSettling, fHeldBack);
+    for (const index_t cell : fSettling)
+        fIsDue[cell] = true;
+    fWantsInitialise = true;
+    return true;
+}
+
+void sheet_engine_t::update() {
     fWantsUpdate = true;
-    fWantsReinitialise = fWantsReinitialise || reinitialise;
     if (fRunning) return;
     const std::shared_ptr<sheet_engine_t> self = shared_from_this();
     const running_t running(*this);
@@ -98,20 +145,20 @@ void sheet_engine_t::update(bool reinitialise) {
             report_errors();
             break;
         }
-        round(std::exchange(fWantsReinitialise, false));
+        round();
         notify(thrown);
         report_errors();
     }
     if (thrown) std::rethrow_exception(thrown);
 }
 
-void sheet_engine_t::round(bool reinitialise) {
+void sheet_engine_t::round() {
     fTaken.clear();
     fInitialised.clear();
     std::swap(fTaken, fSetCells);
     take_inputs();
     run(fProgram.inputClauses);
-    if (reinitialise) initialise();
+    initialise();
     adopt_set_cells(0, false);
     run_stage(0);
     evaluate_conditions();
@@ -127,14 +174,45 @@ void sheet_engine_t::take_inputs() {
     if (!fChanged.empty()) mark(fProgram.callers);
 }
 
-void sheet_engine_t::initialise() {
+// What depends on the inputs that are due: what is computed from them, and what is initialised from either.
+void sheet_engine_t::mark_due() {
+    for (const index_t number : fProgram.inputClauses) {
+        const sheet_program_t::clause_t& clause = fProgram.clauses[number];
+        if (!reads_due(clause.expression)) continue;
+        for (const index_t target : clause.targets.of(fProgram.targets))
+            fIsDue[target] = true;
+    }
     for (index_t cell = 0; cell < fProgram.cells.size(); ++cell)
-        if (fProgram.cells[cell].kind == cell_kind_t::interface && initial_value_changes(cell)) {
-            fContributed[cell] = fInitial[cell];
-            fInitialised.push_back(cell);
-            mark(fProgram.contributedReaders[cell]);
-        }
+        if (const index_t initialiser = fProgram.cells[cell].initialiser;
+            fProgram.cells[cell].kind == cell_kind_t::interface && initialiser != kNone && reads_due(initialiser))
+            fIsDue[cell] = true;
+}
+
+// A function may look at anything that the host has changed.
+bool sheet_engine_t::reads_due(index_t number) const {
+    const sheet_program_t::expression_of_t& expression = fProgram.expressions[number];
+    return expression.callsHost ||
+           std::ranges::any_of(expression.variables.of(fProgram.variables), [this](const auto& variable) {
+               return variable.cell != kNone && fIsDue[variable.cell];
+           });
+}
+
+void sheet_engine_t::initialise() {
+    if (!std::exchange(fWantsInitialise, false)) return;
+    mark_due();
+    for (index_t cell = 0; cell < fProgram.cells.size(); ++cell) {
+        const bool isDue = std::exchange(fIsDue[cell], false);
+        if (!isDue || fProgram.cells[cell].kind != cell_kind_t::interface) continue;
+        if (!initial_value_changes(cell) || is_echo(cell)) continue;
+        fContributed[cell] = fInitial[cell];
+        fInitialised.push_back(cell);
+        mark(fProgram.contributedReaders[cell]);
+    }
+    fEchoes.clear();
+    fInitialised.insert(fInitialised.end(), fSettling.begin(), fSettling.end());
+    fSettling.clear();
     raise_initialised();
+    fIsSetSinceInitialised.assign(fIsSetSinceInitialised.size(), false);
 }
 
 bool sheet_engine_t::initial_value_changes(index_t cell) {
@@ -144,14 +222,46 @@ bool sheet_engine_t::initial_value_changes(index_t cell) {
     return !fErrors.failure(initialiser) && !(fInitial[cell] == fContributed[cell]);
 }
 
+// Whether the cell has what its initialiser says, but for the rounding of the inputs.
+bool sheet_engine_t::is_echo(index_t cell) {
+    const index_t initialiser = fProgram.cells[cell].initialiser;
+    return !fEchoes.empty() && nearly_equal(initial_value_as_told(initialiser), fContributed[cell]);
+}
+
+any_regular_t sheet_engine_t::initial_value_as_told(index_t initialiser) {
+    const auto exchange = [this] {
+        for (echo_t& echo : fEchoes)
+            std::swap(fNext[echo.input], echo.told);
+    };
+    exchange();
+    any_regular_t value;
+    evaluate(initialiser, value);
+    exchange();
+    return value;
+}
+
+// Where initial values have come up, puts the cells that have an initialiser in front of the others. One of these that
+// was set keeps its place, and holds them back.
 void sheet_engine_t::raise_initialised() {
-    for (index_t stage = 0; stage < fProgram.stages.size(); ++stage) {
+    fHeldBack.clear();
+    for (index_t number = 0; number < fProgram.stages.size(); ++number) {
+        const auto isOfStage = [&](index_t cell) {
+            return fProgram.cells[cell].planned != kNone && fProgram.cells[cell].stage == number;
+        };
+        if (std::ranges::none_of(fInitialised, isOfStage)) continue;
+        sheet_program_t::stage_t& stage = fProgram.stages[number];
         std::vector<index_t> raised;
-        for (const index_t cell : fInitialised)
-            if (fProgram.cells[cell].planned != kNone && fProgram.cells[cell].stage == stage)
+        for (const index_t cell : stage.cells)
+            if (fProgram.cells[cell].initialiser != kNone || fIsSetSinceInitialised[cell])
                 raised.push_back(fProgram.cells[cell].planned);
-        fProgram.stages[stage].planner.touch(raised);
+        stage.planner.touch(raised);
+        if (std::ranges::any_of(stage.cells, [this](index_t cell) { return is_set_without_initialiser(cell); }))
+            std::ranges::copy_if(fInitialised, std::back_inserter(fHeldBack), isOfStage);
     }
+}
+
+bool sheet_engine_t::is_set_without_initialiser(index_t cell) const {
+    return fIsSetSinceInitialised[cell] && fProgram.cells[cell].initialiser == kNone;
 }
 
 void sheet_engine_t::evaluate_conditions() {

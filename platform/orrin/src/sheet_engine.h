@@ -37,7 +37,12 @@ public:
     const any_regular_t& contributed(index_t cell) const { return fContributed[cell]; }
     void set(index_t cell, any_regular_t value);
     void touch(index_t cell);
-    void update(bool reinitialise);
+    // What the next update initialises: all cells that have an initialiser, or those that depend on an input.
+    void want_initial_values();
+    void want_initial_values_of(index_t input, const any_regular_t& told);
+    // True if the next update has something to do.
+    bool settle();
+    void update();
 
     boost::signals2::connection subscribe(index_t cell, const sheet_t::slot_t& slot);
     void set_error_handler(sheet_t::error_handler_t handler) { fErrorHandler = std::move(handler); }
@@ -74,11 +79,16 @@ private:
 
     void bind();
     void initialise_once(cell_kind_t kind);
-    void round(bool reinitialise);
+    void round();
     void take_inputs();
+    void mark_due();
+    bool reads_due(index_t expression) const;
     void initialise();
     bool initial_value_changes(index_t cell);
+    bool is_echo(index_t cell);
+    any_regular_t initial_value_as_told(index_t initialiser);
     void raise_initialised();
+    bool is_set_without_initialiser(index_t cell) const;
     void evaluate_conditions();
     bool evaluate_condition(index_t condition);
     void run_stage(index_t stage);
@@ -111,6 +121,8 @@ private:
     std::vector<index_t> fWriters;       // the clause that writes it at present
     flags_t fIsChanged;
     flags_t fIsSet;
+    flags_t fIsSetSinceInitialised;
+    flags_t fIsDue; // to be initialised, or an input or a result of inputs that makes others so
     std::vector<std::unique_ptr<signal_t>> fSignals; // null without a subscriber
 
     std::vector<const any_regular_t*> fBindings; // by variable of the program; null: look it up
@@ -131,7 +143,16 @@ private:
     bool fRunning = false;
     bool fStopped = false;
     bool fWantsUpdate = false;
-    bool fWantsReinitialise = false;
+    bool fWantsInitialise = false;
+
+    // Inputs that only tell again what the host was told, and what that was.
+    struct echo_t {
+        index_t input;
+        any_regular_t told;
+    };
+    std::vector<echo_t> fEchoes;
+    std::vector<index_t> fHeldBack; // initialised, but a cell that was set stands against their values
+    std::vector<index_t> fSettling; // held back until now
 };
 
 } // namespace orrin

@@ -35,6 +35,14 @@ public:
     // The user has let go of a control: ends the gesture that a press on the panel's ground began.
     void ControlReleased();
 
+    // What goes wrong in the sheet at present: expressions that fail with the values that there are now, outputs that
+    // are no numbers. Their cells and parameters keep the last good values, and the panel is framed. Script, line and
+    // column are those of the sheet's file; the message names the cell. Changes with the polls.
+    const std::vector<orrin::error_t>& GetProblems() const { return fProblems; }
+
+    void UI_DrawOver(kroui::limner::Limner* limner) override;
+    kroui::ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+
     // For tools that check scripts: the functions that scripts can call, and a machine that can call and name what they
     // can, as long as the view lives. `sheet`: whose cells are names too; null for the machine of a layout.
     std::vector<orrin::name_t> GetFunctionNames() const;
@@ -93,13 +101,18 @@ private:
     orrin::any_regular_t Trace(const orrin::any_regular_t& value);
 
     // --- sheet to filter, filter to sheet ---
+    void NameParameters();
     void OnParameterChanged(const orrin::any_regular_t& value, int index);
     bool PushParameters();
     bool PushTimeFormat();
     void PushEnvironment();
     void OnSuspendedStateChanged(const boost::intrusive_ptr<kroaudiofilterhost::AudioFilter>& filter);
+    void GiveParameter(std::size_t index, float value);
+    void GiveInput(orrin::name_t input, const orrin::any_regular_t& value);
     void SetCell(orrin::name_t cell, const orrin::any_regular_t& value);
     void RecalculateSheet();
+    void FollowProblems();
+    std::vector<orrin::error_t> FindProblems() const;
 
     std::int32_t fLastDirtyCount = -1;
     std::unique_ptr<krotarnlio::UI_KROLioRoot, ReleaseRoot> fLayoutRoot;
@@ -111,7 +124,12 @@ private:
     bool fTimeFormatPending = false; // to be written to the sheet
     bool fLastSuspended;
     const kroui::limner::SupplierInterface* fSupplier;
-    orrin::vector<orrin::name_t> fInputNames; // "in0", "in1", ...
+    orrin::vector<orrin::name_t> fInputNames;  // "in0", "in1", ...
+    orrin::vector<orrin::name_t> fOutputNames; // "out0", "out1", ...
+    std::vector<orrin::given_input_t> fGiven;  // inputs that have changed since the last push
+    std::string fSheetFile;                    // as messages call it
+    std::vector<orrin::error_t> fProblems;
+    std::uint64_t fSeenEvaluations = 0; // when problems were looked for
 };
 
 } // namespace qocui::controls

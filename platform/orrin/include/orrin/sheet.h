@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,7 @@
 namespace orrin {
 
 class sheet_engine_t;
+struct sheet_program_t;
 
 enum class cell_kind_t : std::uint8_t { constant, input, interface, logic, invariant, output };
 std::string_view cell_kind_name(cell_kind_t kind); // as it heads its section: "constant", "input", ...
@@ -33,6 +35,12 @@ struct cell_info_t {
 struct function_use_t {
     name_t function;
     position_t position;
+};
+
+// An input that the host has set.
+struct given_input_t {
+    name_t name;
+    any_regular_t told; // what the host had been told, of which the input is an echo; empty for a value of its own
 };
 
 // A property model: named cells whose values are set from outside or computed from each other. Its script:
@@ -54,7 +62,7 @@ struct function_use_t {
 // In its own definition the name of an interface cell means the contributed value.
 //
 // Initialisers can read constants, inputs, the interface cells above them (their contributed values) and what is
-// computed from constants and inputs alone. Functions can look at the state of the host besides their arguments: what
+// computed from constants and inputs alone. Functions of the host can look at its state besides their arguments: what
 // calls one is computed again whenever an input has changed.
 //
 // User-interface thread. A subscriber may do everything but load a script, and may destroy the sheet; what it sets
@@ -72,7 +80,7 @@ public:
     // Replaces all cells by those of the script, initialises and solves them. An empty script makes an empty sheet. The
     // lookups of the machine must be there already, since names that are no cells are looked up. Throws error_t, after
     // which everything is as it was. Connections to cells of the script before end.
-    void load(std::string_view script, std::string scriptName);
+    void load(std::string_view script, const std::string& scriptName);
 
     // What evaluates the expressions; install its lookups for functions and for names that are no cells.
     virtual_machine_t& machine() { return fMachine; }
@@ -82,6 +90,7 @@ public:
     bool has_input(name_t name) const;
     bool has_output(name_t name) const;
     std::vector<cell_info_t> cells() const; // as declared
+    position_t position(name_t name) const; // of the declaration
     // Every call in the script, so that a checker can tell unknown functions, which nobody notices before they are
     // called.
     std::vector<function_use_t> function_uses() const;
@@ -106,8 +115,17 @@ public:
     // The first exception of a subscriber is passed on when all others have been called.
     void update();
     // Sets every interface cell that has an initialiser to its initial value for the current inputs, in order, and
-    // updates. Cells that this changes become stronger than the others, keeping their order among themselves.
+    // updates. Cells keep their order of strength, with one exception: where this changes cells that relations join,
+    // those that have an initialiser come before those that have none, since the host knows nothing of the latter. One
+    // that has been set since the last time still keeps its place, until settle().
     void reinitialise();
+    // The same of the cells only whose initialisers read one of these inputs, directly or through others, or call a
+    // function of the host: all others keep what they were set to. Nor does a cell change that an input only tells
+    // again, rounded, what it was computed to.
+    void reinitialise(std::span<const given_input_t> given);
+    // Lets the host's values win where a cell that had been set stood against them, unless it has been set once more.
+    // For when a while has passed without an edit.
+    void settle();
 
     // Calls the slot with the value now, and whenever it has changed. The slot lives as long as the cell, or until the
     // connection or an object that it tracks is cut off.
@@ -135,6 +153,7 @@ public:
 
 private:
     std::uint32_t find(name_t name) const;
+    sheet_program_t compile(std::string_view script, const std::string& scriptName) const;
 
     virtual_machine_t fMachine;
     error_handler_t fErrorHandler;
