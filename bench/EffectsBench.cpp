@@ -3,6 +3,7 @@
 // are slower than they may be.
 
 #include "host/TestSignal.h"
+#include "host/UndoHistory.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/ParameterIndices.h"
@@ -110,6 +111,23 @@ void DragFFTFilterPoint(benchmark::State& state) {
     }
 }
 
+// What a step of undo or redo costs that changes a curve of all 128 points, at the largest size.
+void UndoCurve(benchmark::State& state, const char16_t* effect, int size, int firstPoint) {
+    const Filter filter = qoc::components::CreateEffect(effect);
+    const float largest = filter->GetParameterInfo(size)->FromItem(filter->GetParameterInfo(size)->GetItemCount() - 1);
+    filter->SetParameterValue(size, largest);
+    filter->Prepare(44100, kBlock, kromediatypes::AudioChannelLayout::Stereo());
+    std::vector<kroaudiofilterhost::AudioFilterParameterValue> curve = {{firstPoint - 1, 1}}; // the count
+    for (int point = 0; point < 128; ++point) {
+        curve.push_back({firstPoint + 2 * point, static_cast<float>(point + 1) / 129});
+        curve.push_back({firstPoint + 2 * point + 1, point % 2 == 0 ? 0.4F : 0.7F});
+    }
+    qohost::UndoHistory history(filter);
+    filter->SetParameterValues(curve);
+    for (auto _ : state)
+        if (!history.Undo()) history.Redo();
+}
+
 // Restoration takes the most work.
 double SlowestAllowed(const std::string& effect) {
     constexpr std::array kHeavy = {"adaptivenoisereduction", "autoclickremover", "intraclip"};
@@ -170,6 +188,14 @@ int main(int argc, char** argv) {
     benchmark::RegisterBenchmark("parametriceq/set", RunSetParametricEQ)->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark("intraclip/clipped", RunClippedIntraClip)->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark("fftfilter/drag", DragFFTFilterPoint)->Unit(benchmark::kMicrosecond);
+    benchmark::RegisterBenchmark("fftfilter/undo", [](benchmark::State& state) {
+        using namespace qoc::components;
+        UndoCurve(state, kFFTFilterComponentID, kFFTFilterSize, kFFTFilterFirstPoint);
+    })->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark("graphicphaseshifter/undo", [](benchmark::State& state) {
+        using namespace qoc::components;
+        UndoCurve(state, kGraphicPhaseShifterComponentID, kPhaseShifterSize, kPhaseShifterFirstPoint);
+    })->Unit(benchmark::kMillisecond);
     benchmark::Initialize(&argc, argv);
     SummingReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);

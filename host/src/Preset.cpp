@@ -3,8 +3,6 @@
 #include "host/ByteStream.h"
 #include "krocore/Localizer.h"
 #include "krocore/config/Error.h"
-#include "qoc/components/ComponentIDs.h"
-#include "qoc/components/ParameterIndices.h"
 
 #include <nlohmann/json.hpp>
 
@@ -20,6 +18,7 @@ namespace {
 
 using kroaudiofilterhost::AudioFilter;
 using kroaudiofilterhost::AudioFilterParameterInfo;
+using kroaudiofilterhost::AudioFilterParameterValue;
 using krocore::config::Error;
 using Kind = AudioFilterParameterInfo::Kind;
 
@@ -125,33 +124,6 @@ Preset ReadPreset(const Json& object, std::string effect) {
     return preset;
 }
 
-// The curve of these effects is rewritten point by point; while their marker is on, they stay with the last whole one.
-int MarkerOf(const AudioFilter& filter) {
-    const krocore::string16 effect = filter.GetComponentID();
-    if (effect == qoc::components::kFFTFilterComponentID) return qoc::components::kFFTFilterUpdating;
-    if (effect == qoc::components::kGraphicPhaseShifterComponentID) return qoc::components::kPhaseShifterUpdating;
-    return AudioFilter::kAllParameters;
-}
-
-// One step of undo, and no curve that is half the old one.
-class RewritingScope {
-public:
-    explicit RewritingScope(AudioFilter& filter) : fFilter(filter), fMarker(MarkerOf(filter)) {
-        fFilter.BeginParameterEdit(AudioFilter::kAllParameters);
-        fFilter.SetParameterValueQuietly(fMarker, 1); // no parameter's index: ignored
-    }
-    RewritingScope(const RewritingScope&) = delete;
-    RewritingScope& operator=(const RewritingScope&) = delete;
-    ~RewritingScope() {
-        fFilter.SetParameterValueQuietly(fMarker, 0);
-        fFilter.EndParameterEdit(AudioFilter::kAllParameters);
-    }
-
-private:
-    AudioFilter& fFilter;
-    int fMarker;
-};
-
 bool CanHave(const AudioFilterParameterInfo& info, float natural) {
     if (info.GetKind() == Kind::kSwitch) return natural == 0 || natural == 1;
     if (info.GetKind() == Kind::kChoice)
@@ -172,7 +144,7 @@ float Normalised(const AudioFilterParameterInfo& info, const Preset::Value& valu
 }
 
 struct Settings {
-    std::vector<std::pair<int, float>> values;
+    std::vector<AudioFilterParameterValue> values;
     bool needsStoppedEngine = false;
     std::vector<std::string> notes;
 };
@@ -182,7 +154,7 @@ void AddSetting(const AudioFilter& filter, int index, float value, Settings& set
     if (value == filter.GetParameterValue(index)) return;
     settings.needsStoppedEngine = settings.needsStoppedEngine || !info.IsAutomatable();
     if (info.IsAutomatable() || filter.CanChangeNonAutomatableParameters())
-        settings.values.emplace_back(index, value);
+        settings.values.push_back({index, value});
     else
         settings.notes.push_back(
             Text("$$$/qohost/Preset/Running=\"@0\" stays as it is while the sound plays.", info.GetID()));
@@ -297,9 +269,7 @@ Preset CapturePresetForAnyRate(const AudioFilter& filter, std::string name) {
 
 std::vector<std::string> ApplyPreset(AudioFilter& filter, const Preset& preset) {
     Settings settings = Resolve(filter, preset);
-    const RewritingScope scope(filter);
-    for (const auto& [index, value] : settings.values)
-        filter.SetParameterValue(index, value);
+    filter.SetParameterValues(settings.values);
     return std::move(settings.notes);
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <utility>
 
 namespace qohost {
@@ -136,9 +137,12 @@ bool UndoHistory::GoesOnFromLastStep() const {
 }
 
 void UndoHistory::Write(const Step& step, float Change::*value) {
+    std::vector<kroaudiofilterhost::AudioFilterParameterValue> values;
+    std::ranges::transform(step, std::back_inserter(values), [value](const Change& change) {
+        return kroaudiofilterhost::AudioFilterParameterValue{change.index, change.*value};
+    });
     fRestoring = true;
-    for (const Change& change : step)
-        fFilter->SetParameterValue(change.index, change.*value);
+    fFilter->SetParameterValues(values);
     fRestoring = false;
 }
 

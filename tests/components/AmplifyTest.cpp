@@ -174,4 +174,26 @@ TEST(Amplify, ParametersFollowTheChannels) {
     EXPECT_EQ(filter->GetParameterValue(kAmplifyFirstGain), Stored(-6));
 }
 
+class HeldAmplify : public Amplify {
+public:
+    using AudioFilter::ReleaseParameters;
+    using AudioFilter::TryHoldParameters;
+};
+
+// What holds for every effect.
+TEST(Amplify, ParametersThatAreBeingChangedAreReadInTheNextBlock) {
+    const boost::intrusive_ptr<HeldAmplify> filter(new HeldAmplify);
+    filter->Prepare(kSampleRate, kLargestBlock, AudioChannelLayout::Mono());
+    const Channels input = {std::vector<float>(3 * kLargestBlock, 0.5F)};
+    Channels output = input;
+    ASSERT_TRUE(filter->TryHoldParameters());
+    filter->SetParameterValue(kAmplifyFirstGain, Stored(-96));
+    Process(*filter, input, output, 0, kLargestBlock, kLargestBlock);
+    EXPECT_EQ(output[0][kLargestBlock - 1], 0.5F);
+    filter->ReleaseParameters();
+    Process(*filter, input, output, kLargestBlock, 3 * kLargestBlock, kLargestBlock);
+    EXPECT_LT(output[0].back(), 1e-3F);
+    EXPECT_TRUE(filter->TryHoldParameters()) << "given back after reading";
+}
+
 } // namespace

@@ -231,38 +231,6 @@ TEST_F(PresetTest, WhileTheEngineRunsSomeParametersStay) {
     EXPECT_EQ(filter->GetParameterValue(qoc::components::kFFTFilterFirstPoint + 1), 0.0F);
 }
 
-// Tells whether a drawn curve was marked as incomplete at every change of its points.
-struct MarkerWatch final : kroaudiofilterhost::AudioFilterListener {
-    explicit MarkerWatch(int marker) : fMarker(marker) {}
-    void ParameterChanged(AudioFilter& filter, const kroaudiofilterhost::AudioFilterParameterChange& change) override {
-        if (change.index == fMarker) return;
-        ++fChanges;
-        fIsAlwaysMarked = fIsAlwaysMarked && filter.GetParameterValue(fMarker) == 1;
-    }
-    void ParameterEditBegun(AudioFilter& /*filter*/, int /*index*/) override {}
-    void ParameterEditEnded(AudioFilter& /*filter*/, int /*index*/) override {}
-
-    int fMarker;
-    bool fIsAlwaysMarked = true;
-    int fChanges = 0;
-};
-
-TEST_F(PresetTest, CurvesChangeAsAWhole) {
-    const std::pair<const char16_t*, int> cases[] = {
-        {qoc::components::kFFTFilterComponentID, qoc::components::kFFTFilterUpdating},
-        {qoc::components::kGraphicPhaseShifterComponentID, qoc::components::kPhaseShifterUpdating}};
-    for (const auto& [effect, marker] : cases) {
-        const auto filter = CreateEffect(effect);
-        MarkerWatch watch(marker);
-        filter->AddListener(watch);
-        ApplyPreset(*filter, FactoryPresets(*qoc::components::FindEffect(effect)).at(1));
-        filter->RemoveListener(watch);
-        EXPECT_GT(watch.fChanges, 1);
-        EXPECT_TRUE(watch.fIsAlwaysMarked);
-        EXPECT_EQ(filter->GetParameterValue(marker), 0.0F);
-    }
-}
-
 TEST_F(PresetTest, EveryEffectHasPresetsThatItTakes) {
     for (const auto& effect : qoc::components::AllEffects()) {
         if (effect.create == nullptr) continue;

@@ -1,11 +1,16 @@
 #include "host/UndoHistory.h"
 
 #include "EchoFilter.h"
+#include "host/FactoryPresets.h"
+#include "host/Preset.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/ParameterIndices.h"
 
 #include <gtest/gtest.h>
+
+#include <set>
+#include <vector>
 
 using qohost::UndoHistory;
 
@@ -169,6 +174,67 @@ TEST(UndoHistory, ChangesOfOneNumberInQuickSuccessionAreOneStep) {
     drag(0.2F, 0.5F);
     filter->SetParameterValue(kGain, start);
     EXPECT_FALSE(history.CanUndo()) << "back where it began";
+}
+
+// Looks at all of a filter whenever it tells of a change.
+struct SettingsWatch final : kroaudiofilterhost::AudioFilterListener {
+    explicit SettingsWatch(kroaudiofilterhost::AudioFilter& filter) : fFilter(filter) { filter.AddListener(*this); }
+    SettingsWatch(const SettingsWatch&) = delete;
+    SettingsWatch& operator=(const SettingsWatch&) = delete;
+    ~SettingsWatch() override { fFilter.RemoveListener(*this); }
+    void ParameterChanged(kroaudiofilterhost::AudioFilter& filter,
+                          const kroaudiofilterhost::AudioFilterParameterChange& /*change*/) override {
+        fSeen.insert(Settings(filter));
+        ++fChanges;
+    }
+    void ParameterEditBegun(kroaudiofilterhost::AudioFilter& /*filter*/, int /*index*/) override {}
+    void ParameterEditEnded(kroaudiofilterhost::AudioFilter& /*filter*/, int /*index*/) override {}
+
+    // What can be set.
+    static std::vector<float> Settings(const kroaudiofilterhost::AudioFilter& filter) {
+        std::vector<float> settings;
+        for (int index = 0; index < filter.GetParameterCount(); ++index) {
+            const auto* const info = filter.GetParameterInfo(index);
+            settings.push_back(info != nullptr && info->IsReadOnly() ? 0 : filter.GetParameterValue(index));
+        }
+        return settings;
+    }
+
+    kroaudiofilterhost::AudioFilter& fFilter;
+    std::set<std::vector<float>> fSeen;
+    int fChanges = 0;
+};
+
+// Presets, undo, redo: nobody ever sees, hears or designs half of the old settings and half of the new.
+TEST(UndoHistory, EveryEffectGoesFromTheOldSettingsToTheNewAsOneChange) {
+    for (const auto& effect : qoc::components::AllEffects()) {
+        if (effect.create == nullptr) continue;
+        SCOPED_TRACE(std::string(effect.shortName));
+        const auto filter = effect.create();
+        filter->Prepare(48000, 512, kromediatypes::AudioChannelLayout::Stereo());
+        UndoHistory history(filter);
+        const auto before = SettingsWatch::Settings(*filter);
+        int changes = 0;
+        const auto expectOneChange = [&](const auto& act, const std::vector<float>* wanted) {
+            const SettingsWatch watch(*filter);
+            act();
+            changes = watch.fChanges;
+            const auto after = SettingsWatch::Settings(*filter);
+            EXPECT_LE(watch.fSeen.size(), 1U);
+            if (!watch.fSeen.empty()) {
+                EXPECT_EQ(*watch.fSeen.begin(), after);
+            }
+            if (wanted != nullptr) {
+                EXPECT_EQ(after, *wanted);
+            }
+        };
+        expectOneChange([&] { qohost::ApplyPreset(*filter, qohost::FactoryPresets(effect).at(1)); }, nullptr);
+        EXPECT_GT(changes, 0);
+        const auto preset = SettingsWatch::Settings(*filter);
+        expectOneChange([&] { EXPECT_TRUE(history.Undo()); }, &before);
+        EXPECT_FALSE(history.CanUndo()) << "a preset is one step";
+        expectOneChange([&] { EXPECT_TRUE(history.Redo()); }, &preset);
+    }
 }
 
 } // namespace

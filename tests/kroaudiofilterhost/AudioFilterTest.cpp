@@ -5,7 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
+#include <utility>
+#include <vector>
 
 using namespace kroaudiofilterhost;
 using kromediatypes::AudioChannelLayout;
@@ -27,14 +30,20 @@ public:
     TestFilter() : AudioFilter(3) {}
     krocore::string16 GetComponentID() const override { return u"test"; }
     const AudioFilterParameterInfo* GetParameterInfo(int index) const override {
+        if (fOnQuestion) fOnQuestion();
         return index == 2 ? &fReadOnly : nullptr;
     }
     void Process(const AudioFilterBlock& /*block*/) noexcept override {}
     void Measure(float value) { StoreParameter(2, value); }
+    using AudioFilter::ReleaseParameters;
+    using AudioFilter::TryHoldParameters;
 
     std::size_t fPreparedBlock = 0;
+    std::function<void()> fOnQuestion; // asked for a description, as before each change
+    std::vector<std::size_t> fChangesAtOnce;
 
 protected:
+    void OnParametersChanged(ParameterChanges changes) override { fChangesAtOnce.push_back(changes.size()); }
     AudioChannelLayout OutputLayoutFor(const AudioChannelLayout& input) const override {
         return input.size() == 1 ? AudioChannelLayout::Stereo() : input;
     }
@@ -98,6 +107,45 @@ TEST_F(AudioFilterTest, RefusedWritesChangeNothing) {
     EXPECT_EQ(fFilter->GetParameterValue(3), 0.0F);
     EXPECT_EQ(fFilter->GetParameterDirtyCount(), dirtyCount);
     EXPECT_TRUE(fRecorder.fChanges.empty());
+}
+
+TEST_F(AudioFilterTest, ManyValuesAreOneChange) {
+    fFilter->SetParameterValue(1, 0.5F);
+    fRecorder.fChanges.clear();
+    fFilter->fChangesAtOnce.clear();
+    std::vector<std::pair<float, float>> seen;
+    fRecorder.fOnChange = [&](AudioFilter& filter) {
+        EXPECT_EQ(fRecorder.fEnded.size(), 0U);
+        EXPECT_TRUE(fFilter->fChangesAtOnce.empty()) << "nothing is made before all know";
+        seen.emplace_back(filter.GetParameterValue(0), filter.GetParameterValue(1));
+    };
+    const float notANumber = std::numeric_limits<float>::quiet_NaN();
+    fFilter->SetParameterValues(
+        std::vector<AudioFilterParameterValue>{{0, 0.25F}, {3, 1}, {-1, 1}, {2, 1}, {1, notANumber}, {1, 0.75F}});
+    EXPECT_THAT(seen, testing::ElementsAre(std::pair(0.25F, 0.75F), std::pair(0.25F, 0.75F)));
+    ASSERT_EQ(fRecorder.fChanges.size(), 2U);
+    EXPECT_EQ(fRecorder.fChanges[1].oldValue, 0.5F);
+    EXPECT_FALSE(fRecorder.fChanges[1].quiet);
+    EXPECT_THAT(fFilter->fChangesAtOnce, testing::ElementsAre(2U));
+    EXPECT_THAT(fRecorder.fBegun, testing::ElementsAre(AudioFilter::kAllParameters));
+    EXPECT_THAT(fRecorder.fEnded, testing::ElementsAre(AudioFilter::kAllParameters));
+    fFilter->SetParameterValues(std::vector<AudioFilterParameterValue>{{0, 0.25F}});
+    fFilter->SetParameterValues({});
+    EXPECT_EQ(fRecorder.fChanges.size(), 2U);
+    EXPECT_EQ(fFilter->fChangesAtOnce.size(), 1U);
+}
+
+TEST_F(AudioFilterTest, WhileManyValuesAreStoredTheSoundThreadLeavesThemAlone) {
+    int refused = 0;
+    fFilter->fOnQuestion = [&] { refused += fFilter->TryHoldParameters() ? 0 : 1; };
+    fFilter->SetParameterValues(std::vector<AudioFilterParameterValue>{{0, 0.25F}, {1, 0.75F}});
+    EXPECT_EQ(refused, 2);
+    fFilter->fOnQuestion = {};
+    EXPECT_TRUE(fFilter->TryHoldParameters());
+    EXPECT_FALSE(fFilter->TryHoldParameters());
+    fFilter->ReleaseParameters();
+    EXPECT_TRUE(fFilter->TryHoldParameters());
+    fFilter->ReleaseParameters();
 }
 
 TEST_F(AudioFilterTest, DirtyCountMovesWithEveryKindOfChange) {

@@ -210,7 +210,7 @@ CenterChannelExtract::CenterChannelExtract()
 
 CenterChannelExtract::~CenterChannelExtract() = default;
 
-void CenterChannelExtract::ParameterHasChanged(int /*index*/) {
+void CenterChannelExtract::OnParametersChanged(ParameterChanges /*changes*/) {
     StorePresentBand();
 }
 

@@ -17,24 +17,13 @@ const GenericParameterInfo* ComponentBase::GetParameterInfo(int index) const {
     return index < GetParameterCount() ? fTable.Find(index) : nullptr;
 }
 
-void ComponentBase::SetParameterValue(int index, float value) {
-    const float oldValue = GetParameterValue(index);
-    MultiChannelComponentBase::SetParameterValue(index, value);
-    if (GetParameterValue(index) != oldValue) ParameterHasChanged(index);
-}
-
-void ComponentBase::SetParameterValueQuietly(int index, float value) {
-    const float oldValue = GetParameterValue(index);
-    MultiChannelComponentBase::SetParameterValueQuietly(index, value);
-    if (GetParameterValue(index) != oldValue) ParameterHasChanged(index);
-}
-
 void ComponentBase::Process(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
     const DenormalGuard guard;
     const std::int32_t dirtyCount = GetParameterDirtyCount();
-    if (dirtyCount != fSeenDirtyCount) {
+    if (dirtyCount != fSeenDirtyCount && TryHoldParameters()) {
         fSeenDirtyCount = dirtyCount;
         ReadParameters(false);
+        ReleaseParameters();
     }
     ProcessBlock(block);
 }
@@ -55,9 +44,6 @@ ComponentBase::ComponentBase(const char16_t* componentID, ParameterTable table)
 }
 
 ComponentBase::~ComponentBase() = default;
-
-void ComponentBase::ParameterHasChanged(int /*index*/) {
-}
 
 void ComponentBase::PrepareProcessing(std::size_t /*maximumBlock*/) {
 }

@@ -108,9 +108,11 @@ std::size_t Echo::Tail() const noexcept {
     return static_cast<std::size_t>(std::min(most, (1 + repeats) * longest));
 }
 
-void Echo::ParameterHasChanged(int index) {
-    const bool isBand = index >= kEchoFirstBand && index < kEchoFirstBand + static_cast<int>(kBands);
-    if (!isBand) return;
+void Echo::OnParametersChanged(ParameterChanges changes) {
+    const auto isBand = [](const auto& change) {
+        return change.index >= kEchoFirstBand && change.index < kEchoFirstBand + static_cast<int>(kBands);
+    };
+    if (std::ranges::none_of(changes, isBand)) return;
     Redesign();
     const bool isPrepared = fTarget != nullptr;
     if (isPrepared) fHandOver.Offer(std::make_unique<Equaliser>(fDesigned));

@@ -140,7 +140,7 @@ bool FullReverb::GetResponseCurve(int index, std::size_t size, std::vector<float
     return true;
 }
 
-void FullReverb::ParameterHasChanged(int /*index*/) {
+void FullReverb::OnParametersChanged(ParameterChanges /*changes*/) {
     TellRoom();
 }
 

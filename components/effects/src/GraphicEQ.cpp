@@ -116,8 +116,9 @@ bool GraphicEQ::GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost
     return true;
 }
 
-void GraphicEQ::ParameterHasChanged(int index) {
-    if (index == kGraphicEQMasterGain) {
+void GraphicEQ::OnParametersChanged(ParameterChanges changes) {
+    const auto isMasterGain = [](const auto& change) { return change.index == kGraphicEQMasterGain; };
+    if (std::ranges::all_of(changes, isMasterGain)) {
         StoreHighestGain();
         return;
     }

@@ -76,7 +76,7 @@ std::size_t Reverb::Tail() const noexcept {
     return static_cast<std::size_t>(std::ceil(seconds * GetSampleRate()));
 }
 
-void Reverb::ParameterHasChanged(int /*index*/) {
+void Reverb::OnParametersChanged(ParameterChanges /*changes*/) {
     Tell();
 }
 

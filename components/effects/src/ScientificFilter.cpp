@@ -209,7 +209,7 @@ std::size_t ScientificFilter::Tail() const noexcept {
     return static_cast<std::size_t>(std::min(Design().DecaySamples(), kLongestTail * GetSampleRate()));
 }
 
-void ScientificFilter::ParameterHasChanged(int /*index*/) {
+void ScientificFilter::OnParametersChanged(ParameterChanges /*changes*/) {
     StoreTransitionBandwidth();
 }
 

@@ -42,8 +42,8 @@ public:
     bool CanUndo() const noexcept { return IsClosed() && fPosition > 0; }
     bool CanRedo() const noexcept { return IsClosed() && fPosition < fSteps.size(); }
 
-    // Writes the values of before or after a step back with the committed setter. False, with nothing done, when there
-    // is no such step or a gesture is open.
+    // Writes the values of before or after a step back, committed and as one change. False, with nothing done, when
+    // there is no such step or a gesture is open.
     bool Undo();
     bool Redo();
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <thread>
 #include <utility>
 
 namespace kroaudiofilterhost {
@@ -68,6 +69,12 @@ void AudioFilter::SetParameterValue(int index, float value) {
 
 void AudioFilter::SetParameterValueQuietly(int index, float value) {
     ChangeParameter(index, value, true);
+}
+
+void AudioFilter::SetParameterValues(std::span<const AudioFilterParameterValue> values) {
+    BeginParameterEdit(kAllParameters);
+    TellOf(StoreTogether(values));
+    EndParameterEdit(kAllParameters);
 }
 
 void AudioFilter::BeginParameterEdit(int index) {
@@ -147,20 +154,45 @@ kromediatypes::AudioChannelLayout AudioFilter::OutputLayoutFor(const kromediatyp
 void AudioFilter::OnPrepare(std::size_t /*maximumBlock*/) {
 }
 
+void AudioFilter::OnParametersChanged(ParameterChanges /*changes*/) {
+}
+
 void AudioFilter::StoreParameter(int index, float value) noexcept {
     fValues[static_cast<std::size_t>(index)].store(value, std::memory_order_relaxed);
     fDirtyCount.fetch_add(1, std::memory_order_release);
 }
 
 void AudioFilter::ChangeParameter(int index, float value, bool quiet) {
-    if (!IsParameter(index) || !std::isfinite(value)) return;
+    if (const auto change = StoreChange(index, value, quiet)) TellOf({&*change, 1});
+}
+
+std::vector<AudioFilterParameterChange> AudioFilter::StoreTogether(std::span<const AudioFilterParameterValue> values) {
+    std::vector<AudioFilterParameterChange> changes;
+    changes.reserve(values.size());
+    while (!TryHoldParameters())
+        std::this_thread::yield();
+    for (const auto& [index, value] : values)
+        if (const auto change = StoreChange(index, value, false)) changes.push_back(*change);
+    ReleaseParameters();
+    return changes;
+}
+
+// Nothing for what is refused and for what is so already.
+std::optional<AudioFilterParameterChange> AudioFilter::StoreChange(int index, float value, bool quiet) {
+    if (!IsParameter(index) || !std::isfinite(value)) return {};
     const AudioFilterParameterInfo* info = GetParameterInfo(index);
-    if (info != nullptr && info->IsReadOnly()) return;
+    if (info != nullptr && info->IsReadOnly()) return {};
     const float oldValue = StoredParameter(static_cast<std::size_t>(index));
-    if (oldValue == value) return;
+    if (oldValue == value) return {};
     StoreParameter(index, value);
-    const AudioFilterParameterChange change{index, oldValue, value, quiet};
-    TellListeners([&](AudioFilterListener& listener) { listener.ParameterChanged(*this, change); });
+    return AudioFilterParameterChange{index, oldValue, value, quiet};
+}
+
+void AudioFilter::TellOf(ParameterChanges changes) {
+    if (changes.empty()) return;
+    for (const AudioFilterParameterChange& change : changes)
+        TellListeners([&](AudioFilterListener& listener) { listener.ParameterChanged(*this, change); });
+    OnParametersChanged(changes);
 }
 
 template <typename Call>

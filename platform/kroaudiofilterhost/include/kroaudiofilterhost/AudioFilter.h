@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -22,6 +23,12 @@ struct AudioFilterBlock {
     std::span<const float* const> inputs;
     std::span<float* const> outputs;
     std::size_t frames = 0;
+};
+
+// What one parameter is to be.
+struct AudioFilterParameterValue {
+    int index = 0;
+    float value = 0; // normalised
 };
 
 // Frequencies evenly spaced on a linear or logarithmic axis, first and last at its ends.
@@ -65,6 +72,12 @@ public:
     virtual void SetParameterValue(int index, float value);
     // The same for a change that is not to be undone.
     virtual void SetParameterValueQuietly(int index, float value);
+    // Commits many values as one change: a drawn curve with all its points, a preset, what undo brings back. All of
+    // them are stored before a listener is told of the first, what is costly to make of them is made once, and the
+    // sound goes from the old settings to the new ones without a mixture of both. A gesture about all parameters by
+    // itself. Each value is refused on the terms of SetParameterValue; of an index that stands twice the last value
+    // holds.
+    virtual void SetParameterValues(std::span<const AudioFilterParameterValue> values);
     // Bracket a gesture, so that all it changes is undone at once. They nest and interleave freely. An index that is
     // neither a parameter nor kAllParameters is ignored.
     virtual void BeginParameterEdit(int index);
@@ -135,6 +148,16 @@ protected:
     // The effect's part of Prepare: rate and buses are set already. Allocates what Process needs.
     virtual void OnPrepare(std::size_t maximumBlock);
 
+    // Setters have stored other values, and listeners have been told: what is made of parameters outside the sound
+    // thread, or told in read-only ones, may be made anew. Once for all that changes as one. User-interface thread.
+    using ParameterChanges = std::span<const AudioFilterParameterChange>;
+    virtual void OnParametersChanged(ParameterChanges changes);
+
+    // For Process: while the parameters are held, none of those that change as one does. False, at once, when they are
+    // changing just now; then the next block is early enough to read them. Whoever changes them waits for the release.
+    bool TryHoldParameters() noexcept { return !fAreParametersHeld.test_and_set(std::memory_order_acquire); }
+    void ReleaseParameters() noexcept { fAreParametersHeld.clear(std::memory_order_release); }
+
     // Stores a value without asking anybody: initial values, and what the filter itself measures. Any thread. The dirty
     // count moves, listeners are not told.
     void StoreParameter(int index, float value) noexcept;
@@ -146,12 +169,16 @@ private:
 
     bool IsParameter(int index) const { return index >= 0 && index < GetParameterCount(); }
     void ChangeParameter(int index, float value, bool quiet);
+    std::optional<AudioFilterParameterChange> StoreChange(int index, float value, bool quiet);
+    std::vector<AudioFilterParameterChange> StoreTogether(std::span<const AudioFilterParameterValue> values);
+    void TellOf(ParameterChanges changes);
     template <typename Call>
     void TellListeners(const Call& call);
 
     std::size_t fParameterCapacity;
     std::unique_ptr<std::atomic<float>[]> fValues;
     std::atomic<std::uint32_t> fDirtyCount{0};
+    std::atomic_flag fAreParametersHeld;
     std::vector<AudioFilterListener*> fListeners; // null: removed while the listeners are being told
     int fTelling = 0;
     std::vector<AudioFilterBusDescription> fInputBuses;

@@ -23,7 +23,7 @@ public:
 protected:
     ~CenterChannelExtract() override;
 
-    void ParameterHasChanged(int index) override;
+    void OnParametersChanged(ParameterChanges changes) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;

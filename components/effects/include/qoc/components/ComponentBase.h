@@ -16,8 +16,6 @@ public:
     int GetParameterCount() const override { return fTable.Size(); }
     const GenericParameterInfo* GetParameterInfo(int index) const override;
 
-    void SetParameterValue(int index, float value) final;
-    void SetParameterValueQuietly(int index, float value) final;
     void Process(const kroaudiofilterhost::AudioFilterBlock& block) noexcept final;
     void Reset() noexcept final;
 
@@ -26,9 +24,6 @@ protected:
     ComponentBase(const char16_t* componentID, ParameterTable table);
     ~ComponentBase() override;
 
-    // A setter has stored another value: what is made of parameters outside the sound thread, or told in read-only
-    // ones, may be made anew. Listeners have been told already. User-interface thread.
-    virtual void ParameterHasChanged(int index);
     // Allocates what the processing needs at the present sample rate and channels; Reset follows. User-interface
     // thread.
     virtual void PrepareProcessing(std::size_t maximumBlock);

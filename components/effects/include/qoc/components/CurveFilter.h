@@ -71,7 +71,7 @@ protected:
     double StoredFrequency(std::size_t point) const noexcept;
     double StoredValue(std::size_t point) const noexcept;
 
-    void ParameterHasChanged(int index) override;
+    void OnParametersChanged(ParameterChanges changes) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;

@@ -36,7 +36,7 @@ public:
 protected:
     ~Echo() override;
 
-    void ParameterHasChanged(int index) override;
+    void OnParametersChanged(ParameterChanges changes) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;

@@ -31,7 +31,7 @@ public:
 protected:
     ~ParametricEQ() override;
 
-    void ParameterHasChanged(int index) override;
+    void OnParametersChanged(ParameterChanges changes) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;

@@ -24,7 +24,7 @@ public:
 protected:
     ~StudioReverb() override;
 
-    void ParameterHasChanged(int index) override;
+    void OnParametersChanged(ParameterChanges changes) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;
