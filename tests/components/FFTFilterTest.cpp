@@ -182,4 +182,17 @@ TEST(FFTFilter, TheSizeDecidesTheLatencyWhenTheEffectIsPrepared) {
     EXPECT_EQ(filter->Latency(), 3072U);
 }
 
+TEST(FFTFilter, ACurveOfOnePointIsALevelAndOneOfNoneLeavesTheSound) {
+    for (const bool spline : {false, true}) {
+        for (const auto& [hertz, count, level] : {std::tuple(15000.0, 1, -10.0), {20.0, 1, -10.0}, {15000.0, 0, 0.0}}) {
+            const auto filter = Prepared({.nodes = {{hertz, -10}}, .spline = spline});
+            filter->SetParameterValueQuietly(kFFTFilterPointCount, static_cast<float>(count) / 128);
+            filter->Reset();
+            const std::vector<float> response = Measured(*filter);
+            for (const double place : {50.0, 1000.0, 20000.0})
+                EXPECT_NEAR(GainAt(response, place, 44100), level, 1e-3) << place;
+        }
+    }
+}
+
 } // namespace

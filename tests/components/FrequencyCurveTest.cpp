@@ -5,51 +5,58 @@
 #include <cmath>
 
 using namespace qoc::components;
+using kroaudiofilterhost::FrequencyAxis;
 
 namespace {
 
-using Axis = FrequencyCurve::Axis;
+constexpr FrequencyAxis kLinear{20, 20000, false};
+constexpr FrequencyAxis kLogarithmic{20, 20000, true};
 
 TEST(FrequencyCurve, IsStraightInTheAxisAndLevelBeyondTheEnds) {
     const std::vector<FrequencyCurve::Point> points = {{4000, 5}, {1000, 1}}; // in any order
-    const FrequencyCurve linear(points, Axis::kLinear, false, 0);
-    const FrequencyCurve logarithmic(points, Axis::kLogarithmic, false, 0);
+    const FrequencyCurve linear(points, kLinear, false, 0);
+    const FrequencyCurve logarithmic(points, kLogarithmic, false, 0);
     EXPECT_NEAR(linear.At(2500), 3, 1e-12);
     EXPECT_NEAR(logarithmic.At(2000), 3, 1e-12);
     for (const FrequencyCurve* curve : {&linear, &logarithmic}) {
         EXPECT_EQ(curve->At(20), 1);
         EXPECT_EQ(curve->At(20000), 5);
     }
-    EXPECT_EQ(FrequencyCurve({}, Axis::kLinear, true, 7).At(500), 7);
 }
 
-// Fritsch and Carlson by hand; secants 1 and 0: slopes 1, 0, 0. Secants 0.1 and 1.9: slopes 0.1, 1, 1.9, of which the
-// first two are shortened by 3 / hypot(1, 10).
-TEST(FrequencyCurve, SplineIsTheMonotoneCubic) {
-    const FrequencyCurve level({{1, 0}, {2, 1}, {3, 1}}, Axis::kLinear, true, 0);
-    EXPECT_NEAR(level.At(1.5), 0.5 + 0.125, 1e-12);
-    EXPECT_NEAR(level.At(2.5), 1, 1e-12);
-    const FrequencyCurve steep({{1, 0}, {2, 0.1}, {3, 2}}, Axis::kLinear, true, 0);
-    const double shortened = 3 / std::hypot(1.0, 10.0);
-    EXPECT_NEAR(steep.At(1.5), 0.05 + 0.125 * (0.1 - 1) * shortened, 1e-12);
-    const FrequencyCurve decades({{10, 0}, {100, 1}, {1000, 1}}, Axis::kLogarithmic, true, 0);
-    EXPECT_NEAR(decades.At(std::sqrt(1000.0)), 0.625, 1e-12);
+// Secants 1 and 0 a decade: half way the cubic lies an eighth of the first slope above the line.
+TEST(FrequencyCurve, ASplineIsEvenAlongTheAxis) {
+    const FrequencyCurve decades({{100, 0}, {1000, 1}, {10000, 1}}, kLogarithmic, true, 0);
+    EXPECT_NEAR(decades.At(std::sqrt(100000.0)), 0.625, 1e-12);
+    const FrequencyCurve linear({{1000, 0}, {2000, 1}, {3000, 1}}, kLinear, true, 0);
+    EXPECT_NEAR(linear.At(1500), 0.625, 1e-12);
 }
 
 TEST(FrequencyCurve, PointsAtOnePlaceMakeAStep) {
     for (const bool spline : {false, true}) {
-        const FrequencyCurve curve({{100, 0}, {200, 0}, {200, 1}, {300, 1}}, Axis::kLinear, spline, 0);
+        const FrequencyCurve curve({{100, 0}, {200, 0}, {200, 1}, {300, 1}}, kLinear, spline, 0);
         EXPECT_EQ(curve.At(199.999), 0);
         EXPECT_EQ(curve.At(200), 1);
         EXPECT_EQ(curve.At(250), 1);
     }
 }
 
+// With fewer points than make a line, too.
 TEST(FrequencyCurve, SamplesAreTheCurve) {
-    const FrequencyCurve curve({{30, 1}, {30, 2}, {500, -1}, {700, 3}, {1500, 3}}, Axis::kLogarithmic, true, 0);
-    const std::vector<double> samples = curve.Sample(1001, 2000);
-    for (std::size_t i = 0; i < samples.size(); ++i)
-        ASSERT_NEAR(samples[i], curve.At(2.0 * static_cast<double>(i)), 1e-12) << i;
+    const std::vector<FrequencyCurve::Point> curves[] = {
+        {{30, 1}, {30, 2}, {500, -1}, {700, 3}, {1500, 3}}, {{20, 1}, {2000, 4}}, {{700, 3}}, {}};
+    for (const auto& points : curves) {
+        for (const bool spline : {false, true}) {
+            const FrequencyCurve curve(points, kLogarithmic, spline, 7);
+            const std::vector<double> samples = curve.Sample(1001, 2000);
+            ASSERT_EQ(samples.size(), 1001U);
+            for (std::size_t i = 0; i < samples.size(); ++i)
+                ASSERT_NEAR(samples[i], curve.At(2.0 * static_cast<double>(i)), 1e-12) << i;
+            if (points.size() < 2) {
+                EXPECT_EQ(samples[500], points.empty() ? 7 : 3);
+            }
+        }
+    }
 }
 
 } // namespace

@@ -100,4 +100,20 @@ TEST(GraphicPhaseShifter, AFlatCurveNulls) {
     EXPECT_EQ(filter->Latency(), 32768U + 8192);
 }
 
+TEST(GraphicPhaseShifter, ACurveOfOnePointIsALevelAndOneOfNoneLeavesTheSound) {
+    for (const float spline : {0.0F, 1.0F}) {
+        const auto filter = Prepared({.nodes = {{5000, 90}}});
+        filter->SetParameterValue(kPhaseShifterSplineCurves, spline);
+        const auto expectEverywhere = [&](double degrees) {
+            filter->Reset();
+            const auto response = test::ImpulseResponse(*filter, filter->Latency() + filter->Tail() + 1)[0];
+            for (const double hertz : {200.0, 5000.0, 18000.0})
+                ExpectPhase(response, *filter, hertz, degrees);
+        };
+        expectEverywhere(90);
+        filter->SetParameterValueQuietly(kPhaseShifterPointCount, 0);
+        expectEverywhere(0);
+    }
+}
+
 } // namespace

@@ -23,7 +23,7 @@ TEST(CurveLine, Straight_SortsPointsAndIsLevelBesideThem) {
 // On two intervals of slope 0 and 1 and an end slope of the secant the Fritsch-Carlson tangents are 0, 0, 1: the cubic
 // of the second is y = 10 (2 t^2 - t^3 + ...) worked out below.
 TEST(CurveLine, Spline_FollowsTheCubicWorkedOutByHand) {
-    const Line line = CurveLine::Spline(Line{{0, 0}, {10, 0}, {20, 10}}, 0, 20, 1);
+    const Line line = CurveLine::Spline(Line{{0, 0}, {10, 0}, {20, 10}}, 0, 20, 1, 20);
     for (const Point& p : line) {
         // Hermite with p0 = 0, p1 = 10, slopes 0 and 1, width 10: (3t^2 - 2t^3) * 10 + (t^3 - t^2) * 10.
         const double t = std::max(0.0, (p.x - 10.0) / 10);
@@ -38,7 +38,7 @@ TEST(CurveLine, Spline_NeverLeavesTheHeightsOfItsNeighbours) {
                           {{-1e6F, 0}, {1e6F, 100}},
                           {{0, 3}, {0, 1}}};
     for (const Line& points : cases) {
-        const Line line = CurveLine::Spline(points, 0, 100, 1);
+        const Line line = CurveLine::Spline(points, 0, 100, 1, 100);
         EXPECT_LE(line.size(), 200U);
         for (const Point& p : line) {
             const auto behind = std::find_if(points.begin(), points.end(), [&](const Point& q) { return q.x >= p.x; });

@@ -102,8 +102,7 @@ FrequencyCurve FFTFilter::ReadCurve() const {
     std::vector<FrequencyCurve::Point> points(PointCount());
     for (std::size_t i = 0; i < points.size(); ++i)
         points[i] = {std::max(StoredFrequency(i) * Nyquist(), kLowestFrequency), StoredValue(i)};
-    const auto axis = IsOn(kFFTFilterScale) ? FrequencyCurve::Axis::kLinear : FrequencyCurve::Axis::kLogarithmic;
-    return {std::move(points), axis, IsOn(kFFTFilterSplineCurves), kUnityLevel};
+    return {std::move(points), WholeAxis(!IsOn(kFFTFilterScale)), IsOn(kFFTFilterSplineCurves), kUnityLevel};
 }
 
 // The travel of a fader is the cube root of an amplitude.

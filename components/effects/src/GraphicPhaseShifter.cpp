@@ -116,8 +116,7 @@ FrequencyCurve GraphicPhaseShifter::ReadCurve() const {
                                       : kLowestFrequency * std::pow(ratio, place);
         points[i] = {hertz, (2 * StoredValue(i) - 1) * range};
     }
-    const auto axis = isLinear ? FrequencyCurve::Axis::kLinear : FrequencyCurve::Axis::kLogarithmic;
-    return {std::move(points), axis, IsOn(kPhaseShifterSplineCurves), 0};
+    return {std::move(points), WholeAxis(!isLinear), IsOn(kPhaseShifterSplineCurves), 0};
 }
 
 std::complex<double> GraphicPhaseShifter::ResponseOf(double degrees) const noexcept {

@@ -144,13 +144,9 @@ bool UI_CurveEditor::DeleteSelectedPoints() {
 
 bool UI_CurveEditor::Invert() {
     FlushRun();
-    const auto held = [this](double value, int bound) {
-        const auto [low, high] = std::minmax({GetBound(bound), GetBound(bound + 1)});
-        return std::clamp(value, low, high);
-    };
     CurvePoints points = fPoints.All();
     for (CurvePoint& point : points)
-        point.coordinates = {held(point.coordinates.vertical, 0), held(point.coordinates.horizontal, 2)};
+        point.coordinates = HeldWithinBounds({point.coordinates.vertical, point.coordinates.horizontal});
     if (fUniquePositions)
         std::stable_sort(points.begin(), points.end(), [](const CurvePoint& a, const CurvePoint& b) {
             return a.coordinates.horizontal < b.coordinates.horizontal;
@@ -192,9 +188,11 @@ const std::vector<Point>& UI_CurveEditor::GetCurveLine() const {
     if (fCurveLineIsValid && fCurveLineAxes == GetAxesVersion()) return fCurveLine;
     std::vector<Point> pixels;
     for (int index = fPoints.NextVisible(-1, true); index >= 0; index = fPoints.NextVisible(index, true))
-        pixels.push_back(PixelOf(index));
+        pixels.push_back(GetPixelForCoordinatePair(HeldWithinBounds(fPoints.At(index).coordinates)));
     const Rect content = GetContentRect();
-    fCurveLine = fUseSplines ? CurveLine::Spline(pixels, content.left, content.Right(), 1)
+    const auto& ruler = HorizontalRuler();
+    const float axisLength = std::abs(ruler.GetPixel(GetBound(1)) - ruler.GetPixel(GetBound(0)));
+    fCurveLine = fUseSplines ? CurveLine::Spline(pixels, content.left, content.Right(), 1, axisLength)
                              : CurveLine::Straight(pixels, content.left, content.Right());
     fCurveLineAxes = GetAxesVersion();
     fCurveLineIsValid = true;
@@ -221,6 +219,14 @@ bool UI_CurveEditor::IsInSight(int index) const {
     constexpr float kSlack = 0.5F;
     if (!fPoints.May(CurvePointSet::kVisible, index) || GetContentRect().IsEmpty()) return false;
     return GetContentRect().Inset(-kSlack, -kSlack).Contains(PixelOf(index));
+}
+
+UI_CurveEditor::CoordinatePair UI_CurveEditor::HeldWithinBounds(const CoordinatePair& place) const {
+    const auto held = [this](double value, int bound) {
+        const auto [low, high] = std::minmax({GetBound(bound), GetBound(bound + 1)});
+        return std::clamp(value, low, high);
+    };
+    return {held(place.horizontal, 0), held(place.vertical, 2)};
 }
 
 UI_CurveEditor::CurvePoints UI_CurveEditor::Usable(const CurvePoints& points) const {

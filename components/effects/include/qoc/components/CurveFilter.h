@@ -67,6 +67,10 @@ protected:
     // The number of points that a stored value stands for.
     static std::size_t CountOf(float stored) noexcept;
     double Nyquist() const noexcept { return 0.5 * GetSampleRate(); }
+    // That of the graph in which the curve is drawn.
+    kroaudiofilterhost::FrequencyAxis WholeAxis(bool logarithmic) const noexcept {
+        return {kLowestFrequency, Nyquist(), logarithmic};
+    }
     // Of a point, as stored, brought into 0...1.
     double StoredFrequency(std::size_t point) const noexcept;
     double StoredValue(std::size_t point) const noexcept;

@@ -19,7 +19,7 @@ namespace qoc::components {
 // Response curve 0: the levels that go out for levels from -100 to 0 dB, without make-up gain.
 class Dynamics : public ComponentBase {
 public:
-    static constexpr double kLowestLevel = -100; // decibels, of the curve
+    static constexpr double kLowestLevel = -TransferCurve::kAxisLength; // decibels, of the curve
 
     Dynamics();
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "krocore/PointCurve.h"
+
 #include <array>
 #include <span>
 
@@ -8,12 +10,12 @@ namespace qoc::components {
 // The static curve of a dynamics effect: the level that goes out for a level that comes in, both in decibels, through
 // up to six points. Straight from point to point, with every corner rounded over the knee's width: the mean of the
 // curve over that width, which for one corner is the quadratic knee of D. Giannoulis, M. Massberg and J. D. Reiss,
-// "Digital Dynamic Range Compressor Design" (JAES 60, 2012). Or, when smooth, a monotone cubic through the points
-// (F. N. Fritsch and R. E. Carlson, "Monotone piecewise cubic interpolation", 1980) without a knee. The gain stays the
-// same beyond the first and the last point. A value; real time safe.
+// "Digital Dynamic Range Compressor Design" (JAES 60, 2012). Or, when smooth, the monotone cubic of krocore::PointCurve
+// without a knee. The gain stays the same beyond the first and the last point. A value; real time safe.
 class TransferCurve {
 public:
     static constexpr std::size_t kMostPoints = 6;
+    static constexpr double kAxisLength = 100; // decibels of the graph in which the curve is drawn
 
     struct Point {
         double input = 0;
@@ -35,24 +37,16 @@ public:
     // Decibels that are added at an input level.
     double GainAt(double level) const noexcept;
     // Of the last point.
-    double LastInput() const noexcept { return fNodes[fCount - 1].input; }
+    double LastInput() const noexcept { return fNodes[fCount - 1].place; }
 
 private:
-    struct Node {
-        double input = 0;
-        double gain = 0;
-        double slope = 0; // of the gain: to the next node, or of the smooth curve here
-        double area = 0;  // below the gain, from the first node to here
-    };
-
-    std::size_t NodeBelow(double level) const noexcept;
-    double SmoothGainAt(double level) const noexcept;
+    std::span<const krocore::PointCurve::Node> Nodes() const noexcept { return {fNodes.data(), fCount}; }
     double AreaUpTo(double level) const noexcept;
-    double Secant(std::size_t node) const noexcept;
-    void ComputeSegments() noexcept;
-    void ComputeTangents() noexcept;
+    void ComputeGains() noexcept;
+    void ComputeAreas() noexcept;
 
-    std::array<Node, kMostPoints> fNodes;
+    std::array<krocore::PointCurve::Node, kMostPoints> fNodes{}; // the gain over the level that comes in
+    std::array<double, kMostPoints> fAreas{};                    // below the gain, from the first node to each
     std::size_t fCount = 1;
     Shape fShape;
 };

@@ -113,7 +113,8 @@ protected:
     // The line through the points. Overridden by graphs that draw their own; the handles are drawn after it.
     virtual void DrawCurvePoints(kroui::limner::Limner& limner);
     // That line in pixels, straight or a spline, level from the content's edges to the first and the last visible
-    // point; kept until points or axes change. For Limner::StrokeFunction. Empty without points.
+    // point; kept until points or axes change. Points beyond the bounds count at them, as effects take what lies beyond
+    // a range. For Limner::StrokeFunction. Empty without points.
     const std::vector<kroui::Point>& GetCurveLine() const;
 
     void ControlStateChanged() override;
@@ -131,6 +132,7 @@ private:
     // Points (UI_CurveEditor.cpp).
     kroui::Point PixelOf(int index) const { return GetPixelForCoordinatePair(fPoints.At(index).coordinates); }
     bool IsInSight(int index) const;
+    CoordinatePair HeldWithinBounds(const CoordinatePair& place) const;
     CurvePoints Usable(const CurvePoints& points) const;
     CurveMove Mover(bool withinShown) const;
     bool IsDraggingPoints() const { return fDrag && fPoints.Has(fPressed); }
