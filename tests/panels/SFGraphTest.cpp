@@ -218,4 +218,30 @@ TEST_F(SFGraphTest, ReadsOutTheResponseUnderThePointer) {
     EXPECT_THAT(Draw(), Not(testing::Contains(HasSubstr("dB\" 11"))));
 }
 
+TEST_F(SFGraphTest, TheReadOutNeverCoversWhatIsReadOut) {
+    const Rect content = fGraph->GetContentRect();
+    for (const float x :
+         {content.left + 1, content.left + content.width / 2, content.Right() - 100, content.Right() - 1}) {
+        for (const float y : {content.top + 1, content.top + 60}) {
+            fWindow.MoveTo({x, y});
+            const auto words = Drawn("FillRoundRect");
+            ASSERT_EQ(words.size(), 7U);
+            const float left = std::stof(words[1]);
+            const float right = left + std::stof(words[3]);
+            EXPECT_GE(left, content.left);
+            EXPECT_LE(right, content.Right());
+            EXPECT_TRUE(x < left - 8 || x > right + 8) << x << ": " << left << " to " << right;
+        }
+    }
+    fWindow.Paint();
+    fWindow.MoveTo({content.left + 5, content.top + 60}); // from the left corner to the right one
+    fWindow.Paint();
+    for (const float x : {content.left + 20, content.Right() - 20})
+        EXPECT_TRUE(std::ranges::any_of(fWindow.LastDamage(),
+                                        [&](const Rect& r) {
+                                            return r.Contains({x, content.top + 14});
+                                        }))
+            << "both are painted anew: " << x;
+}
+
 } // namespace

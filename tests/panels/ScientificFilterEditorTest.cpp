@@ -183,6 +183,23 @@ TEST_F(ScientificFilterEditorTest, AnAbandonedDragGivesBackAllThatItHasMoved) {
     EXPECT_EQ(fRecorder.Take().back(), "end 3");
 }
 
+// The filter takes the two cutoffs of a band in either order, so the band stays what it was about to be.
+TEST_F(ScientificFilterEditorTest, ABandHasItsCutoffsInOrderWhereverItComesFrom) {
+    for (const int mode : {kBandPass, kBandPass + 1}) {
+        Set(kSFMode, 0);
+        Set(kSFCutoff, 9000);
+        Set(kSFHighCutoff, 4000);
+        Find<UI_Popup>("Mode").UI_TakeFocus();
+        for (int i = 0; i < mode; ++i)
+            fWindow.PressKey(Key::kDown);
+        EXPECT_EQ(fFilter->GetParameterInfo(kSFMode)->ToItem(fFilter->GetParameterValue(kSFMode)), mode);
+        EXPECT_NEAR(Natural(kSFCutoff), 4000, 0.1);
+        EXPECT_NEAR(Natural(kSFHighCutoff), 9000, 0.1);
+        EXPECT_NEAR(Number("Cutoff").GetValue(), 4000, 0.1);
+        EXPECT_NEAR(Number("HighCutoff").GetValue(), 9000, 0.1);
+    }
+}
+
 TEST_F(ScientificFilterEditorTest, InALowPassTheHighCutoffStaysWhereItIs) {
     Type("Cutoff", u"9k");
     EXPECT_NEAR(Natural(kSFCutoff), 9000, 0.1);
@@ -280,6 +297,62 @@ TEST_F(ScientificFilterEditorTest, AnotherSampleRateMovesTheLimitsAtTheNextPoll)
     fWindow.Advance(0.02);
     EXPECT_NEAR(Number("Cutoff").GetValue(), 30000, 0.1);
     EXPECT_EQ(Find<SFGraph>("Graph").GetHorizontalEnd(), 48000);
+}
+
+// Whatever is set, the loudest of what is shown stands in the upper part of the axis.
+TEST_F(ScientificFilterEditorTest, TheAxisKeepsTheResponseInSight) {
+    auto& graph = Find<SFGraph>("Graph");
+    for (const double gain : {-36.0, -12.0, 0.0, 36.0}) {
+        for (const double range : {6.0, 12.0, 24.0, 96.0, 240.0}) {
+            for (const double start : {0.0, 0.5}) { // a low pass at 1 kHz has lost some 100 dB there
+                Set(kSFMasterGain, gain);
+                Set(kSFLevelRange, range);
+                fFilter->SetParameterValueQuietly(kSFViewStart, static_cast<float>(start));
+                fWindow.Advance(0.02);
+                SCOPED_TRACE(testing::Message() << gain << " dB, range " << range << ", from " << start);
+                const double top = graph.GetBound(2);
+                EXPECT_NEAR(top - graph.GetBound(3), range, 1e-3);
+                const float loudest = std::ranges::max(graph.GetResponse());
+                EXPECT_LT(loudest, top);
+                EXPECT_GT(loudest, top - 0.7 * range);
+                if (start == 0 && gain > -20 && range > 90) {
+                    EXPECT_GT(top, 0) << "0 dB is in sight, too";
+                }
+            }
+        }
+    }
+}
+
+// A band of a thousandth of its frequency lies between two places of the graph. Its loudest level is the gain, less
+// what an even Chebyshev filter loses in the middle; its longest delay that of a graph which is zoomed in on it.
+TEST_F(ScientificFilterEditorTest, ANarrowBandHasItsPeakInTheGraph) {
+    auto& graph = Find<SFGraph>("Graph");
+    Set(kSFMode, kBandPass);
+    Set(kSFPassRipple, 12);
+    for (const double hertz : {37.0, 1000.0, 11111.0}) {
+        for (const int type : {0, 1, 2, kChebyshev2}) {
+            for (const int order : {1, 2, 3, 6}) {
+                Set(kSFType, type);
+                Set(kSFOrder, order);
+                Set(kSFHighCutoff, 1.001 * hertz);
+                Set(kSFCutoff, hertz);
+                SCOPED_TRACE(testing::Message() << hertz << " Hz, type " << type << ", order " << order);
+                EXPECT_NEAR(std::ranges::max(graph.GetResponse()), 0, 0.1);
+
+                std::vector<float> delays;
+                ASSERT_TRUE(fFilter->GetResponseCurve(2, 1000, delays));
+                const float longest = std::ranges::max(delays);
+                fFilter->SetParameterValueQuietly(kSFViewStart, static_cast<float>(0.99 * hertz / 22050));
+                fFilter->SetParameterValueQuietly(kSFViewEnd, static_cast<float>(1.011 * hertz / 22050));
+                ASSERT_TRUE(fFilter->GetResponseCurve(2, 4000, delays));
+                if (0.99 * hertz > 20) {
+                    EXPECT_NEAR(longest / std::ranges::max(delays), 1, 0.05);
+                }
+                fFilter->SetParameterValueQuietly(kSFViewStart, 0);
+                fFilter->SetParameterValueQuietly(kSFViewEnd, 1);
+            }
+        }
+    }
 }
 
 } // namespace

@@ -41,14 +41,19 @@ constexpr float kBeyond = 1000; // pixels outside the content: farther places lo
 
 constexpr double kHalfTurn = 180; // degrees
 constexpr float kDefaultLevelRange = 96;
-constexpr double kHeadroom = 3; // dB above the pass band, at least
+// Decibels above the pass band, at least, and in what steps the axis moves: of the usual ranges and of short ones.
+constexpr double kUsualRange = 24;
+constexpr double kHeadroom = 3;
+constexpr double kShortHeadroom = 1;
 constexpr double kLevelStep = 6;
+constexpr double kShortLevelStep = 1;
 constexpr double kShortestDelay = 0.01; // milliseconds, that the axis of delays reaches
 
 constexpr kroui::limner::Font kReadoutFont{11, false};
 constexpr float kReadoutWidth = 136;
 constexpr float kReadoutHeight = 20;
-constexpr float kReadoutMargin = 4; // from the content's corner
+constexpr float kReadoutMargin = 4;    // from the content's corner
+constexpr float kReadoutDistance = 12; // from the pointer
 constexpr float kReadoutRadius = 3;
 constexpr float kReadoutOpacity = 0.85F;
 
@@ -203,9 +208,20 @@ SFGraph::Levels SFGraph::WantedLevels() const {
     }
     case View::kMagnitude: break;
     }
-    const double loudest = std::max(Natural(kSFMasterGain, 0), 0.0F) + kHeadroom;
-    const double top = std::ceil(loudest / kLevelStep) * kLevelStep;
-    return {fView, top, top - Natural(kSFLevelRange, kDefaultLevelRange)};
+    const double range = Natural(kSFLevelRange, kDefaultLevelRange);
+    const bool isUsual = range >= kUsualRange;
+    const double step = isUsual ? kLevelStep : kShortLevelStep;
+    const double top = std::ceil((LevelInSight(range) + (isUsual ? kHeadroom : kShortHeadroom)) / step) * step;
+    return {fView, top, top - range};
+}
+
+// What the axis reaches up to: 0 dB and the pass band, if the loudest that is shown is not much below it.
+double SFGraph::LevelInSight(double range) const {
+    constexpr double kLowestPeak = 0.25; // of the range, from the top
+    const double passBand = std::max(Natural(kSFMasterGain, 0), 0.0F);
+    const auto loudest = std::ranges::max_element(fResponse);
+    if (loudest == fResponse.end() || !std::isfinite(*loudest)) return passBand;
+    return std::clamp<double>(passBand, *loudest, *loudest + kLowestPeak * range);
 }
 
 void SFGraph::UpdatePoints() {
@@ -228,14 +244,18 @@ void SFGraph::UpdatePoints() {
 
 void SFGraph::SetPointer(std::optional<Point> pointer) {
     if (pointer == fPointer) return;
+    UI_InvalidateRect(ReadoutRect());
     fPointer = pointer;
     UI_InvalidateRect(ReadoutRect());
 }
 
+// In a corner at the top: the right one, unless that would cover what is read out.
 Rect SFGraph::ReadoutRect() const {
     const Rect content = GetContentRect();
-    return {content.Right() - kReadoutWidth - kReadoutMargin, content.top + kReadoutMargin, kReadoutWidth,
-            kReadoutHeight};
+    Rect rect{content.Right() - kReadoutWidth - kReadoutMargin, content.top + kReadoutMargin, kReadoutWidth,
+              kReadoutHeight};
+    if (fPointer && fPointer->x > rect.left - kReadoutDistance) rect.left = content.left + kReadoutMargin;
+    return rect;
 }
 
 krocore::string16 SFGraph::ReadoutText() const {

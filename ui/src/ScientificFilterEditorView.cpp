@@ -20,6 +20,7 @@ namespace qocui::ui {
 using namespace qoc::components;
 
 using boost::placeholders::_1;
+using kroaudiofilterhost::AudioFilterParameterValue;
 using kroui::controls::UI_HotTextNumber;
 using kroui::controls::UI_InteractiveControlView;
 using kroui::controls::UI_Popup;
@@ -217,8 +218,23 @@ void ScientificFilterEditorView::OnTypeChanged(ChangedMessage* /*message*/) {
 }
 
 void ScientificFilterEditorView::OnModeChanged(ChangedMessage* /*message*/) {
-    SetNatural(kSFMode, fMode->GetValue());
+    GetAudioComponent()->SetParameterValues(ValuesForMode(fMode->GetValue()));
     UpdateControls();
+}
+
+// A low pass may have its cutoff above the high cutoff, which it does not use; a band has them in order. That is the
+// band which the filter makes of the two anyway.
+std::vector<AudioFilterParameterValue> ScientificFilterEditorView::ValuesForMode(int item) {
+    const auto* const info = GetAudioComponent()->GetParameterInfo(kSFMode);
+    if (!info) return {};
+    ScientificFilterSettings settings = Settings();
+    settings.mode = static_cast<FilterMode>(item);
+    const float cutoff = GetAudioComponent()->GetParameterValue(kSFCutoff);
+    const float highCutoff = GetAudioComponent()->GetParameterValue(kSFHighCutoff);
+    std::vector<AudioFilterParameterValue> values = {{kSFMode, info->FromItem(item)}};
+    if (settings.IsBand() && cutoff > highCutoff)
+        values.insert(values.end(), {{kSFCutoff, highCutoff}, {kSFHighCutoff, cutoff}});
+    return values;
 }
 
 void ScientificFilterEditorView::OnViewChanged(ChangedMessage* /*message*/, View view) {

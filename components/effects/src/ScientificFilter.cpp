@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <numbers>
 #include <utility>
 
@@ -122,6 +123,8 @@ constexpr ParameterRow kRows[] = {
      .flags = kParameterNotAutomatable},
 };
 
+constexpr float kSeenLevel = 0.5F;  // dB between two places of a curve, that are seen
+constexpr float kSeenPart = 0.01F;  // the same, of the longest group delay
 constexpr std::size_t kPiece = 256; // frames
 constexpr double kUnheardSeconds = 0.01;
 constexpr double kFadeSeconds = 0.02;
@@ -144,6 +147,29 @@ std::size_t FirstPlaceFrom(double hertz, const kroaudiofilterhost::FrequencyAxis
         }
     }
     return low;
+}
+
+// What rises between two places of a curve high enough to be seen is told of at the nearer one.
+void ShowPeaks(std::vector<float>& shown, const std::vector<float>& sampled,
+               const kroaudiofilterhost::FrequencyAxis& axis, const std::vector<double>& frequencies,
+               const std::function<float(double)>& valueAt, float seen) {
+    for (const double hertz : frequencies) {
+        const std::size_t upper = FirstPlaceFrom(hertz, axis, sampled.size());
+        if (upper == 0 || upper == sampled.size()) continue;
+        const float value = valueAt(hertz);
+        if (!(value > std::max(sampled[upper - 1], sampled[upper]) + seen)) continue;
+        float& place = shown[axis.PlaceOf(hertz, shown.size())];
+        place = std::max(place, value);
+    }
+}
+
+void ShowZeros(std::vector<float>& shown, const kroaudiofilterhost::FrequencyAxis& axis,
+               const FilterSections& sections) {
+    std::array<double, FilterSections::kMostSections> zeros{};
+    for (const double zero : std::span(zeros).first(sections.Zeros(zeros))) {
+        if (const std::size_t place = FirstPlaceFrom(zero, axis, shown.size()); place > 0 && place < shown.size())
+            shown[place] = ScientificFilter::kLowestLevel;
+    }
 }
 
 // What would ring in the filter for ever counts as silence: no numbers, and more than 120 dB over full scale.
@@ -178,14 +204,13 @@ std::vector<float> ScientificFilter::ComputeMagnitude(std::size_t count,
                                                       const kroaudiofilterhost::FrequencyAxis& axis) const {
     const FilterSections sections = Design();
     const double gain = ToFactor(Natural(kSFMasterGain));
-    std::vector<float> decibels(count);
-    std::ranges::transform(axis.AllHertz(count), decibels.begin(),
-                           [&](double hertz) { return ToDecibels(gain * sections.Response(hertz)); });
-    std::array<double, FilterSections::kMostSections> zeros{};
-    for (const double zero : std::span(zeros).first(sections.Zeros(zeros))) {
-        if (const std::size_t place = FirstPlaceFrom(zero, axis, count); place > 0 && place < count)
-            decibels[place] = kLowestLevel;
-    }
+    const auto levelAt = [&](double hertz) { return ToDecibels(gain * sections.Response(hertz)); };
+    std::vector<float> sampled(count);
+    std::ranges::transform(axis.AllHertz(count), sampled.begin(), levelAt);
+    std::vector<float> decibels = sampled;
+    ShowZeros(decibels, axis, sections);
+    // Last: between two places with a zero each a narrow band is what matters.
+    ShowPeaks(decibels, sampled, axis, PassBandFrequencies(Settings(), GetSampleRate()), levelAt, kSeenLevel);
     return decibels;
 }
 
@@ -196,12 +221,16 @@ bool ScientificFilter::GetResponseCurve(int index, std::size_t size, std::vector
     if (index == kMagnitudeCurve) return GetMagnitudeResponse(size, axis, values);
     if (size == 0 || (index != kPhaseCurve && index != kGroupDelayCurve)) return false;
     const FilterSections sections = Design();
+    const auto valueAt = [&](double hertz) {
+        return static_cast<float>(index == kPhaseCurve ? std::arg(sections.Response(hertz)) * kDegrees
+                                                       : sections.GroupDelay(hertz) * kMilliseconds);
+    };
     values.resize(size);
-    for (std::size_t i = 0; i < size; ++i) {
-        const double hertz = axis.HertzAt(i, size);
-        values[i] = static_cast<float>(index == kPhaseCurve ? std::arg(sections.Response(hertz)) * kDegrees
-                                                            : sections.GroupDelay(hertz) * kMilliseconds);
-    }
+    for (std::size_t i = 0; i < size; ++i)
+        values[i] = valueAt(axis.HertzAt(i, size));
+    if (index == kGroupDelayCurve)
+        ShowPeaks(values, std::vector(values), axis, PassBandFrequencies(Settings(), GetSampleRate()), valueAt,
+                  kSeenPart * std::ranges::max(values));
     return true;
 }
 

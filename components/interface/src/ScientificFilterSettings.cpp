@@ -55,6 +55,27 @@ WarpedEdges::WarpedEdges(const ScientificFilterSettings& settings, double sample
     high = warped(std::clamp(upper, lowEdge * kNarrowestBand, highest));
 }
 
+// A prototype is loudest at 0, a Chebyshev 1 one also at the zeros of its polynomial.
+std::vector<double> PassBandFrequencies(const ScientificFilterSettings& settings, double sampleRate) {
+    constexpr int kEvenly = 32;
+    std::vector<double> prototypes;
+    for (int i = 0; i <= kEvenly; ++i)
+        prototypes.push_back(static_cast<double>(i) / kEvenly);
+    for (int i = 1; settings.UsesPassRipple() && i <= settings.order / 2; ++i)
+        prototypes.push_back(std::cos((2 * i - 1) * std::numbers::pi / (2 * settings.order)));
+    const WarpedEdges edges(settings, sampleRate);
+    std::vector<double> frequencies;
+    const auto add = [&](double warped) {
+        if (std::isfinite(warped)) frequencies.push_back(std::atan(warped) * sampleRate / std::numbers::pi);
+    };
+    for (const double prototype : prototypes) {
+        const double low = TransformedFrequency(settings.mode, edges, prototype);
+        add(low);
+        if (settings.IsBand()) add(edges.CentreSquared() / low);
+    }
+    return frequencies;
+}
+
 // |H|^2 = 1 / (1 + 1 / (e^2 T^2(edge / w))) with e^2 = 1 / (10^(A/10) - 1) is a half at w = 1 where e T(edge) = 1
 // (A. V. Oppenheim, R. W. Schafer, "Discrete-Time Signal Processing", appendix B).
 double Chebyshev2StopEdge(int order, double stopAttenuation) noexcept {

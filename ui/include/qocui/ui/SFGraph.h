@@ -59,6 +59,7 @@ private:
     void UpdateResponse();
     void UpdateLevels();
     Levels WantedLevels() const;
+    double LevelInSight(double range) const;
     void UpdatePoints();
     void SetPointer(std::optional<kroui::Point> pointer);
     kroui::Rect ReadoutRect() const;

@@ -5,6 +5,7 @@
 #include "qocui/ui/SFGraph.h"
 
 #include <array>
+#include <vector>
 
 namespace kroui::controls {
 class UI_Popup;
@@ -69,6 +70,7 @@ private:
 
     void OnTypeChanged(ChangedMessage* message);
     void OnModeChanged(ChangedMessage* message);
+    std::vector<kroaudiofilterhost::AudioFilterParameterValue> ValuesForMode(int item);
     void OnViewChanged(ChangedMessage* message, View view);
     void OnAxisChanged(ChangedMessage* message);
     void OnColorChanged(InteractiveMessage* message, View view);

@@ -26,13 +26,13 @@ public:
 
     ScientificFilter();
 
-    // Where the response is 0 between two places, the upper one tells of that, so that a curve through few places still
-    // shows every zero.
+    // Where the response is 0 between two places, the upper one tells of that, and where it has a peak the nearer one
+    // does, so that a curve through few places still shows every zero and how loud a narrow band is.
     bool GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
                               std::vector<float>& decibels) const override;
     // One of the curves above over the frequencies that the view parameters choose, linear or logarithmic as they say,
     // within kLowestShown and the Nyquist frequency. The master gain counts; where the response is 0 the phase is
-    // whatever follows.
+    // whatever follows. Peaks of the group delay are shown like those of the magnitude.
     bool GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const override;
 
     // Until an impulse has decayed by 120 dB, at most half a minute.

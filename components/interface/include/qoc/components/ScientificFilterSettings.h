@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 namespace qoc::components {
 
@@ -46,6 +47,10 @@ struct WarpedEdges {
     double CentreSquared() const noexcept { return low * high; }
     double Width() const noexcept { return high - low; }
 };
+
+// Frequencies all over the pass band, in hertz, among them those where it is loudest: where a curve through few places
+// has to look for what lies between them.
+std::vector<double> PassBandFrequencies(const ScientificFilterSettings& settings, double sampleRate);
 
 // For a Chebyshev 2 filter that ends its pass band at 1 rad/s with a loss of 3.01 dB: the frequency from which on it
 // attenuates by `stopAttenuation` dB or more.
