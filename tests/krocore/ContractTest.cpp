@@ -77,6 +77,13 @@ TEST_F(Contract, TheDefaultDialogWritesOneLine) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "Some:7: contract violated: x > 0\n");
 }
 
+TEST_F(Contract, AdviceReachesTheDialogAndGoesWithTheCheck) {
+    testing::internal::CaptureStderr();
+    EXPECT_THROW(KROCORE_CHECK_INPUT_CONTRACT_ADVISED(false, "x > 0", "Some", 7, "make x"), config::Error);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Some:7: contract violated: x > 0; make x\n");
+    EXPECT_STREQ(debug::ContractAdvice(), "");
+}
+
 TEST_F(Contract, ErrorsFillInTheirPlaceholders) {
     const config::Error error(0, "$$$/A/B=@1 before @0@2", 1, 2, false, {u"zero", u"\u00E9ins", u"", u""});
     EXPECT_STREQ(error.what(), "\xC3\xA9ins before zero");

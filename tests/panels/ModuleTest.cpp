@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
+
 using namespace qocui::module;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -55,6 +57,18 @@ TEST_F(ModuleTest, MisuseIsAContractViolationAndTheRestGoesOn) {
     fViolations.clear();
     Terminate();
     EXPECT_THAT(fViolations, ElementsAre("sResourceManager != 0 @ Module_WIN:58"));
+}
+
+TEST_F(ModuleTest, TheDefaultDialogSaysWhatAForgetfulHostHasToCall) {
+    krocore::debug::SetContractDialog({});
+    for (const auto& misuse :
+         {std::function<void()>([] { GetResourceManager(); }), std::function<void()>(&Terminate)}) {
+        testing::internal::CaptureStderr();
+        misuse();
+        EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                    testing::AllOf(testing::HasSubstr("contract violated: sResourceManager != 0"),
+                                   testing::HasSubstr("qocui::module::Initialize")));
+    }
 }
 
 TEST_F(ModuleTest, WithoutAnInstanceInitializeReportsIt) {

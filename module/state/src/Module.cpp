@@ -17,19 +17,25 @@ constexpr int kCreateManagerLine = 51;
 constexpr int kDestroyManagerLine = 58;
 constexpr int kGetManagerLine = 66;
 
+// What the host has forgotten.
+constexpr const char* kNoInstance = "the library's entry point has not run";
+constexpr const char* kNotInitialised = "call qocui::module::Initialize(supplier) before anything is made of this "
+                                        "library, and qocui::module::Terminate() after the last view is gone";
+
 HINSTANCE sDLLInstance = nullptr;
 kroui::utility::OS_ResourceManager* sResourceManager = nullptr;
 const kroui::limner::SupplierInterface* sDrawSupplier = nullptr;
 uit::ImageProvider* sImageProvider = nullptr;
 
 void CreateResourceManager() {
-    KROCORE_CHECK_INPUT_CONTRACT(sDLLInstance != nullptr, "sDLLInstance != 0", kContractFile, kCreateManagerLine);
+    KROCORE_CHECK_INPUT_CONTRACT_ADVISED(sDLLInstance != nullptr, "sDLLInstance != 0", kContractFile,
+                                         kCreateManagerLine, kNoInstance);
     sResourceManager = new (std::nothrow) kroui::utility::OS_ResourceManager(sDLLInstance);
 }
 
 void DestroyResourceManager() {
-    KROCORE_CHECK_INPUT_CONTRACT(sResourceManager != nullptr, "sResourceManager != 0", kContractFile,
-                                 kDestroyManagerLine);
+    KROCORE_CHECK_INPUT_CONTRACT_ADVISED(sResourceManager != nullptr, "sResourceManager != 0", kContractFile,
+                                         kDestroyManagerLine, kNotInitialised);
     delete sResourceManager;
     sResourceManager = nullptr;
 }
@@ -56,7 +62,8 @@ const kroui::limner::SupplierInterface* GetDrawSupplier() {
 }
 
 kroui::utility::OS_ResourceManager* GetResourceManager() {
-    KROCORE_CHECK_INPUT_CONTRACT(sResourceManager != nullptr, "sResourceManager != 0", kContractFile, kGetManagerLine);
+    KROCORE_CHECK_INPUT_CONTRACT_ADVISED(sResourceManager != nullptr, "sResourceManager != 0", kContractFile,
+                                         kGetManagerLine, kNotInitialised);
     return sResourceManager;
 }
 
