@@ -98,7 +98,7 @@ struct SdlWindow::SdlLibrary {
 };
 
 SdlWindow::SdlWindow(const kroui::limner::CairoSupplier& supplier, const Settings& settings)
-    : fLibrary(std::make_unique<SdlLibrary>()), fSettings(settings) {
+    : fLibrary(std::make_unique<SdlLibrary>()), fSurface(supplier), fSettings(settings) {
     const auto points = [&settings](float units) { return static_cast<int>(std::lround(units * settings.scale)); };
     constexpr Uint32 kFlags = SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI | SDL_WINDOW_HIDDEN;
     const SDL_Rect screen = UsableScreen();
@@ -306,17 +306,16 @@ void SdlWindow::FinishKey() {
 }
 
 void SdlWindow::ShowAll() {
-    const auto& surface = fWindow->Surface();
-    const Rect all = {0, 0, static_cast<float>(surface.PixelWidth()), static_cast<float>(surface.PixelHeight())};
-    if (!all.IsEmpty()) Present(surface, {&all, 1});
+    const Rect all = {0, 0, static_cast<float>(fSurface.PixelWidth()), static_cast<float>(fSurface.PixelHeight())};
+    if (!all.IsEmpty()) Present({&all, 1});
 }
 
-void SdlWindow::Present(const kroui::limner::PixelSurface& surface, std::span<const Rect> pixelRects) {
+void SdlWindow::Present(std::span<const Rect> pixelRects) {
     SDL_Surface* const shown = SDL_GetWindowSurface(fSystemWindow);
     // SDL takes no constant pixels, but only reads them here.
     SDL_Surface* const drawn =
-        SDL_CreateRGBSurfaceWithFormatFrom(const_cast<std::uint32_t*>(surface.Pixels()), surface.PixelWidth(),
-                                           surface.PixelHeight(), 32, surface.Stride(), SDL_PIXELFORMAT_RGB888);
+        SDL_CreateRGBSurfaceWithFormatFrom(const_cast<std::uint32_t*>(fSurface.Pixels()), fSurface.PixelWidth(),
+                                           fSurface.PixelHeight(), 32, fSurface.Stride(), SDL_PIXELFORMAT_RGB888);
     if (shown != nullptr && drawn != nullptr) {
         std::vector<SDL_Rect> rects;
         for (const Rect& part : pixelRects) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kroui/limner/CairoSupplier.h"
+#include "kroui/limner/PixelSurface.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -45,7 +45,8 @@ public:
 
 private:
     void RequestPaint() override {}
-    void Present(const kroui::limner::PixelSurface& surface, std::span<const kroui::Rect> pixelRects) override;
+    kroui::limner::Surface& GetSurface() override { return fSurface; }
+    void Present(std::span<const kroui::Rect> pixelRects) override;
     void SetCursor(kroui::ui::Cursor cursor) override;
     void SetTextInput(bool on, const kroui::Rect& caretRect) override;
     std::u16string ClipboardText() override;
@@ -72,6 +73,7 @@ private:
 
     struct SdlLibrary;
     std::unique_ptr<SdlLibrary> fLibrary; // goes last
+    kroui::limner::PixelSurface fSurface;
     SDL_Window* fSystemWindow = nullptr;
     std::unique_ptr<kroui::ui::UI_Window> fWindow;
     Settings fSettings;

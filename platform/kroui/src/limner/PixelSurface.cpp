@@ -1,3 +1,5 @@
+#include "kroui/limner/PixelSurface.h"
+
 #include "CairoLimner.h"
 #include "MemoryImage.h"
 #include "SupplierCaches.h"
@@ -19,14 +21,14 @@ float UsableScale(float scale) {
 
 } // namespace
 
-struct PixelSurface::Surface {
+struct PixelSurface::Buffer {
     DrawingCaches& caches;
-    PixelBuffer buffer;
+    PixelBuffer pixels;
     float scale = 1;
 };
 
 PixelSurface::PixelSurface(const CairoSupplier& supplier)
-    : fSurface(std::make_unique<Surface>(Surface{*supplier.fCaches, {}})) {
+    : fBuffer(std::make_unique<Buffer>(Buffer{*supplier.fCaches, {}})) {
 }
 
 PixelSurface::~PixelSurface() = default;
@@ -37,40 +39,40 @@ void PixelSurface::SetSize(Size size, float scale) {
     int height = std::min(PixelsFor(size.height, usableScale), kMostPixelsASide);
     if (width == 0 || height == 0) width = height = 0;
     if (width > 0) height = static_cast<int>(std::min<std::int64_t>(height, kMostPixels / width));
-    Surface& surface = *fSurface;
-    if (width == surface.buffer.width && height == surface.buffer.height && usableScale == surface.scale) return;
-    surface.buffer = MakePixelBuffer(width, height, kOpaqueBlack);
-    surface.scale = usableScale;
+    Buffer& buffer = *fBuffer;
+    if (width == buffer.pixels.width && height == buffer.pixels.height && usableScale == buffer.scale) return;
+    buffer.pixels = MakePixelBuffer(width, height, kOpaqueBlack);
+    buffer.scale = usableScale;
 }
 
 int PixelSurface::PixelWidth() const {
-    return fSurface->buffer.width;
+    return fBuffer->pixels.width;
 }
 
 int PixelSurface::PixelHeight() const {
-    return fSurface->buffer.height;
+    return fBuffer->pixels.height;
 }
 
 int PixelSurface::Stride() const {
-    return fSurface->buffer.Stride();
+    return fBuffer->pixels.Stride();
 }
 
 float PixelSurface::Scale() const {
-    return fSurface->scale;
+    return fBuffer->scale;
 }
 
 const std::uint32_t* PixelSurface::Pixels() const {
-    return fSurface->buffer.pixels.data();
+    return fBuffer->pixels.pixels.data();
 }
 
 void PixelSurface::Draw(const Rect& part, const boost::function<void(Limner&)>& draw) {
-    CairoLimner limner(fSurface->buffer, fSurface->caches, fSurface->scale, fSurface->buffer.Bounds());
+    CairoLimner limner(fBuffer->pixels, fBuffer->caches, fBuffer->scale, fBuffer->pixels.Bounds());
     limner.ClipRect(part);
     if (!limner.ClipBounds().IsEmpty()) draw(limner);
 }
 
 ImagePtr PixelSurface::Snapshot() const {
-    return new MemoryImage(fSurface->buffer, fSurface->scale);
+    return new MemoryImage(fBuffer->pixels, fBuffer->scale);
 }
 
 } // namespace kroui::limner

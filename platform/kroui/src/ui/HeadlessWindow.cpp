@@ -5,7 +5,7 @@
 namespace kroui::ui {
 
 HeadlessWindow::HeadlessWindow(const limner::CairoSupplier& supplier, Size size, float scale)
-    : fWindow(supplier, *this) {
+    : fSurface(supplier), fWindow(supplier, *this) {
     UI_NodeManager::Get().SetClock([this] { return fTime; });
     fWindow.SetHostScale(scale);
     fWindow.SetSize(size);
@@ -34,7 +34,7 @@ long HeadlessWindow::Paint() {
     return fWindow.Paint();
 }
 
-void HeadlessWindow::Present(const limner::PixelSurface& /*surface*/, std::span<const Rect> pixelRects) {
+void HeadlessWindow::Present(std::span<const Rect> pixelRects) {
     fLastDamage.assign(pixelRects.begin(), pixelRects.end());
 }
 
@@ -94,7 +94,7 @@ Point HeadlessWindow::CentreOf(const UI_Node& node) {
 
 limner::ImagePtr HeadlessWindow::Snapshot() {
     Paint();
-    return fWindow.Surface().Snapshot();
+    return fSurface.Snapshot();
 }
 
 } // namespace kroui::ui

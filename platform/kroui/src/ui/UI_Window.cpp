@@ -31,8 +31,8 @@ Rect Scaled(const Rect& r, float factor) {
 
 } // namespace
 
-UI_Window::UI_Window(const limner::CairoSupplier& supplier, WindowBackend& backend)
-    : fSupplier(supplier), fBackend(backend), fSurface(supplier), fTheme(&Theme::Dark()),
+UI_Window::UI_Window(const limner::SupplierInterface& supplier, WindowBackend& backend)
+    : fSupplier(supplier), fBackend(backend), fSurface(backend.GetSurface()), fTheme(&Theme::Dark()),
       fTooltips(std::make_unique<TooltipController>(*this)) {
 }
 
@@ -120,7 +120,7 @@ long UI_Window::Paint() {
         painted.push_back(pixels);
         pixelCount += static_cast<long>(pixels.width) * static_cast<long>(pixels.height);
     }
-    if (!painted.empty()) fBackend.Present(fSurface, painted);
+    if (!painted.empty()) fBackend.Present(painted);
     return pixelCount;
 }
 

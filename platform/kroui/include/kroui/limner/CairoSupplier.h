@@ -2,7 +2,6 @@
 
 #include "kroui/limner/Limner.h"
 
-#include <cstdint>
 #include <memory>
 
 namespace kroui::limner {
@@ -27,34 +26,6 @@ private:
     std::unique_ptr<Caches> fCaches;
 
     friend class PixelSurface;
-};
-
-// The pixels of a window: an opaque surface that is drawn on part by part and shown by a window back-end. Pixels are
-// 0xFFRRGGBB in rows of Stride() bytes.
-class PixelSurface {
-public:
-    explicit PixelSurface(const CairoSupplier& supplier);
-    ~PixelSurface();
-    PixelSurface(const PixelSurface&) = delete;
-    PixelSurface& operator=(const PixelSurface&) = delete;
-
-    // Gives the surface a size in view units and a scale; what was on it is lost when either differs.
-    void SetSize(Size size, float scale);
-    int PixelWidth() const;
-    int PixelHeight() const;
-    int Stride() const;
-    float Scale() const;
-    const std::uint32_t* Pixels() const;
-
-    // Calls `draw` with a context clipped to `part` (view units, rounded outward to whole pixels by the caller).
-    void Draw(const Rect& part, const boost::function<void(Limner&)>& draw);
-
-    // A picture with a copy of the pixels.
-    ImagePtr Snapshot() const;
-
-private:
-    struct Surface;
-    std::unique_ptr<Surface> fSurface;
 };
 
 } // namespace kroui::limner

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kroui/limner/CairoSupplier.h"
+#include "kroui/limner/PixelSurface.h"
 #include "kroui/ui/UI_Window.h"
 
 namespace kroui::ui {
@@ -38,13 +40,15 @@ public:
 
 private:
     void RequestPaint() override {}
-    void Present(const limner::PixelSurface& surface, std::span<const Rect> pixelRects) override;
+    limner::Surface& GetSurface() override { return fSurface; }
+    void Present(std::span<const Rect> pixelRects) override;
     void SetCursor(Cursor cursor) override { fCursor = cursor; }
     void SetTextInput(bool, const Rect&) override {}
     std::u16string ClipboardText() override { return fClipboard; }
     void SetClipboardText(std::u16string_view text) override { fClipboard = text; }
 
     double fTime = 0;
+    limner::PixelSurface fSurface;
     UI_Window fWindow;
     std::vector<Rect> fLastDamage;
     std::u16string fClipboard;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "kroui/limner/CairoSupplier.h"
 #include "kroui/ui/DamageRegion.h"
 #include "kroui/ui/UI_Node.h"
 #include "kroui/ui/WindowBackend.h"
@@ -18,7 +17,7 @@ namespace kroui::ui {
 class UI_Window {
 public:
     // Supplier and back-end live longer than the window.
-    UI_Window(const limner::CairoSupplier& supplier, WindowBackend& backend);
+    UI_Window(const limner::SupplierInterface& supplier, WindowBackend& backend);
     ~UI_Window();
     UI_Window(const UI_Window&) = delete;
     UI_Window& operator=(const UI_Window&) = delete;
@@ -36,7 +35,7 @@ public:
     float ScaleFactor() const;
     void SetTheme(const Theme& theme);
     const Theme& GetTheme() const { return *fTheme; }
-    const limner::CairoSupplier& Supplier() const { return fSupplier; }
+    const limner::SupplierInterface& Supplier() const { return fSupplier; }
     WindowBackend& Backend() const { return fBackend; }
 
     // --- painting ---
@@ -46,7 +45,6 @@ public:
     bool NeedsPaint() const { return !fDamage.IsEmpty(); }
     // Paints what is damaged and hands it to the back-end. Returns the number of pixels painted.
     long Paint();
-    const limner::PixelSurface& Surface() const { return fSurface; }
 
     // --- events from the back-end, window coordinates; true if a node handled it ---
 
@@ -113,9 +111,9 @@ private:
     int CountClicks(const UI_Node* target, int clickCount);
     void CollectFocusable(UI_Node& node, std::vector<UI_Node*>& nodes) const;
 
-    const limner::CairoSupplier& fSupplier;
+    const limner::SupplierInterface& fSupplier;
     WindowBackend& fBackend;
-    limner::PixelSurface fSurface;
+    limner::Surface& fSurface;
     const Theme* fTheme;
     boost::intrusive_ptr<UI_Node> fContent;
     std::vector<Overlay> fOverlays;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kroui/limner/CairoSupplier.h"
+#include "kroui/limner/Surface.h"
 #include "kroui/ui/Events.h"
 
 #include <span>
@@ -15,8 +15,10 @@ public:
 
     // Something wants to be painted; the back-end calls UI_Window::Paint soon, once for any number of requests.
     virtual void RequestPaint() = 0;
+    // What the window is drawn on; the same one for as long as the back-end lives.
+    virtual limner::Surface& GetSurface() = 0;
     // The parts of the surface that have changed (pixels), to be shown now.
-    virtual void Present(const limner::PixelSurface& surface, std::span<const Rect> pixelRects) = 0;
+    virtual void Present(std::span<const Rect> pixelRects) = 0;
     virtual void SetCursor(Cursor cursor) = 0;
     // The user is, or is no longer, entering text at the rectangle (view units): input methods place their window
     // there.
