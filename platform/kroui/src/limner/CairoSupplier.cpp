@@ -24,7 +24,7 @@ TextExtent CairoSupplier::MeasureParagraph(std::u16string_view text, const Font&
 }
 
 void CairoSupplier::CaretPositions(std::u16string_view text, const Font& font, std::vector<float>& positions) const {
-    fCaches->shaper.CaretPositions(text, font, positions);
+    fCaches->shaper->CaretPositions(text, font, positions);
 }
 
 ImagePtr CairoSupplier::DecodePNG(std::span<const std::byte> bytes, float scale) const {

@@ -10,8 +10,8 @@ namespace kroui::limner {
 // What is computed once and drawn many times, shared by all contexts of a supplier.
 struct DrawingCaches {
     FontRasters rasters;
-    TextShaper shaper{rasters};
-    TextCache texts{shaper};
+    std::unique_ptr<TextShaper> shaper = MakeSystemTextShaper(rasters);
+    TextCache texts{*shaper};
     StampCache stamps;
 };
 

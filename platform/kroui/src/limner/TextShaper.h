@@ -3,53 +3,33 @@
 #include "FontRasters.h"
 #include "ShapedText.h"
 
-#include <pango/pango.h>
-
 #include <memory>
 #include <string_view>
 #include <vector>
 
 namespace kroui::limner {
 
-// Turns text into placed glyphs with Pango. Slow against drawing: TextCache keeps what comes out of it. Glyphs stand
-// where the unhinted outlines want them, so that a layout is the same at every scale.
+// Turns text into placed glyphs. Slow against drawing: TextCache keeps what comes out of it. Glyphs stand where the
+// unhinted outlines want them, so that a layout is the same at every scale. Figures are all of one width.
+// User-interface thread.
 class TextShaper {
 public:
-    explicit TextShaper(FontRasters& rasters);
+    virtual ~TextShaper() = default;
 
-    ShapedText Shape(std::u16string_view text, const TextStyle& style);
-    void CaretPositions(std::u16string_view text, const Font& font, std::vector<float>& positions);
+    // Control characters are shown as spaces, except for line ends in a paragraph; halves of a pair that stand alone as
+    // U+FFFD. Font sizes are held to what can be drawn.
+    virtual ShapedText Shape(std::u16string_view text, const TextStyle& style) = 0;
+    // Where the caret stands before each UTF-16 unit and after the last, from the beginning of the line in view units.
+    // Both halves of a pair have the same place.
+    virtual void CaretPositions(std::u16string_view text, const Font& font, std::vector<float>& positions) = 0;
 
-private:
-    template <auto Release>
-    struct Releaser {
-        template <class T>
-        void operator()(T* object) const {
-            Release(object);
-        }
-    };
-    template <class T>
-    using ObjectHandle = std::unique_ptr<T, Releaser<g_object_unref>>;
-    using DescriptionHandle = std::unique_ptr<PangoFontDescription, Releaser<pango_font_description_free>>;
-
-    // A font with what Pango says about it.
-    struct KnownFont {
-        Font font;
-        DescriptionHandle description;
-        float ascent = 0;
-        float descent = 0;
-    };
-    const KnownFont& Know(const Font& font);
-    void SetLayout(std::u16string_view text, const TextStyle& style, const KnownFont& font,
-                   std::vector<int>* utf8Offsets);
-    void AppendLine(PangoLayoutLine* line, ShapedText& shaped);
-    void AppendRun(const PangoGlyphItem& item, float& x, ShapedText& shaped);
-
-    FontRasters& fRasters;
-    ObjectHandle<PangoFontMap> fFontMap;
-    ObjectHandle<PangoContext> fContext;
-    ObjectHandle<PangoLayout> fLayout;
-    std::vector<KnownFont> fFonts;
+protected:
+    TextShaper() = default;
+    TextShaper(const TextShaper&) = default;
+    TextShaper& operator=(const TextShaper&) = default;
 };
+
+// The shaper over the system's fonts, which gives its typefaces to `rasters`.
+std::unique_ptr<TextShaper> MakeSystemTextShaper(FontRasters& rasters);
 
 } // namespace kroui::limner

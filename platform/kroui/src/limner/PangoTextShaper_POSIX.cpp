@@ -1,7 +1,8 @@
-#include "TextShaper.h"
+#include "PangoTextShaper.h"
 
 #include "CairoHandle.h"
 
+#include <dlfcn.h>
 #include <pango/pangocairo.h>
 
 #include <algorithm>
@@ -97,9 +98,22 @@ void SetAttributes(PangoLayout* layout) {
     pango_attr_list_unref(attributes);
 }
 
+// Pango gives its types to GObject, which stays in the process and forgets none. Unloaded with this library and loaded
+// again, Pango would wait for ever for types that it can't register.
+void KeepPangoLoaded() {
+    Dl_info pango;
+    if (dladdr(reinterpret_cast<const void*>(&pango_cairo_font_map_new), &pango) != 0)
+        dlopen(pango.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
+}
+
 } // namespace
 
-TextShaper::TextShaper(FontRasters& rasters)
+std::unique_ptr<TextShaper> MakeSystemTextShaper(FontRasters& rasters) {
+    KeepPangoLoaded();
+    return std::make_unique<PangoTextShaper>(rasters);
+}
+
+PangoTextShaper::PangoTextShaper(FontRasters& rasters)
     : fRasters(rasters), fFontMap(pango_cairo_font_map_new_for_font_type(CAIRO_FONT_TYPE_FT)) {
     if (!fFontMap) fFontMap.reset(pango_cairo_font_map_new());
     fContext.reset(pango_font_map_create_context(fFontMap.get()));
@@ -108,7 +122,7 @@ TextShaper::TextShaper(FontRasters& rasters)
     SetAttributes(fLayout.get());
 }
 
-ShapedText TextShaper::Shape(std::u16string_view text, const TextStyle& style) {
+ShapedText PangoTextShaper::Shape(std::u16string_view text, const TextStyle& style) {
     const KnownFont& font = Know(style.font);
     SetLayout(text, style, font, nullptr);
     ShapedText shaped;
@@ -132,7 +146,7 @@ ShapedText TextShaper::Shape(std::u16string_view text, const TextStyle& style) {
     return shaped;
 }
 
-void TextShaper::CaretPositions(std::u16string_view text, const Font& font, std::vector<float>& positions) {
+void PangoTextShaper::CaretPositions(std::u16string_view text, const Font& font, std::vector<float>& positions) {
     std::vector<int> offsets;
     SetLayout(text, {font}, Know(font), &offsets);
     PangoLayoutLine* line = pango_layout_get_line_readonly(fLayout.get(), 0);
@@ -144,7 +158,7 @@ void TextShaper::CaretPositions(std::u16string_view text, const Font& font, std:
     }
 }
 
-const TextShaper::KnownFont& TextShaper::Know(const Font& font) {
+const PangoTextShaper::KnownFont& PangoTextShaper::Know(const Font& font) {
     const Font usable{font.size >= kSmallestFont ? std::min(font.size, kLargestFont) : kSmallestFont, font.bold};
     const auto known = std::find_if(fFonts.begin(), fFonts.end(), [&](const KnownFont& f) { return f.font == usable; });
     if (known != fFonts.end()) return *known;
@@ -161,8 +175,8 @@ const TextShaper::KnownFont& TextShaper::Know(const Font& font) {
     return fFonts.emplace_back(std::move(added));
 }
 
-void TextShaper::SetLayout(std::u16string_view text, const TextStyle& style, const KnownFont& font,
-                           std::vector<int>* utf8Offsets) {
+void PangoTextShaper::SetLayout(std::u16string_view text, const TextStyle& style, const KnownFont& font,
+                                std::vector<int>* utf8Offsets) {
     PangoLayout* layout = fLayout.get();
     const std::string utf8 = ForPango(text, style.form == TextForm::kParagraph, utf8Offsets);
     const bool isLimited = style.form != TextForm::kLine;
@@ -175,7 +189,7 @@ void TextShaper::SetLayout(std::u16string_view text, const TextStyle& style, con
     pango_layout_set_text(layout, utf8.data(), static_cast<int>(utf8.size()));
 }
 
-void TextShaper::AppendLine(PangoLayoutLine* line, ShapedText& shaped) {
+void PangoTextShaper::AppendLine(PangoLayoutLine* line, ShapedText& shaped) {
     const int beginRun = static_cast<int>(shaped.runs.size());
     float x = 0;
     for (GSList* run = line->runs; run != nullptr; run = run->next) {
@@ -184,7 +198,7 @@ void TextShaper::AppendLine(PangoLayoutLine* line, ShapedText& shaped) {
     shaped.lines.push_back({x, 0, beginRun, static_cast<int>(shaped.runs.size())});
 }
 
-void TextShaper::AppendRun(const PangoGlyphItem& item, float& x, ShapedText& shaped) {
+void PangoTextShaper::AppendRun(const PangoGlyphItem& item, float& x, ShapedText& shaped) {
     const int begin = static_cast<int>(shaped.glyphs.size());
     for (int i = 0; i < item.glyphs->num_glyphs; ++i) {
         const PangoGlyphInfo& glyph = item.glyphs->glyphs[i];
