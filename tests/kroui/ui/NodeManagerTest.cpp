@@ -1,11 +1,13 @@
 #include "kroui/ui/UI_NodeManager.h"
 
+#include "krocore/debug/Trace.h"
 #include "kroui/ui/UI_Node.h"
 
 #include <gmock/gmock.h>
 
 using namespace kroui::ui;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
@@ -86,6 +88,28 @@ TEST_F(NodeManagerTest, TimersOfADeadNodeAreGone) {
     fNode.reset();
     EXPECT_EQ(fManager.TimerCount(), 0U);
     EXPECT_LT(fManager.SecondsToNextTimer(), 0);
+}
+
+TEST_F(NodeManagerTest, AHostThatForgetsTheLoopIsToldOnceAfterASecond) {
+    std::string traced;
+    krocore::debug::SetTraceSink([&traced](std::string_view text) { traced += text; });
+    fNode->UI_InstallTimer(0.25F, 7);
+    fTime = 1.2;
+    fManager.TellIfLoopIsMissing();
+    EXPECT_EQ(traced, "");
+    fTime = 1.25;
+    fManager.TellIfLoopIsMissing();
+    EXPECT_THAT(traced, HasSubstr("RunTimers"));
+    traced.clear();
+    fManager.TellIfLoopIsMissing();
+    EXPECT_EQ(traced, "");
+
+    fManager.SetClock([this] { return fTime; });
+    RunAt(1.5);
+    fTime = 100; // a loop that stands still for once
+    fManager.TellIfLoopIsMissing();
+    EXPECT_EQ(traced, "");
+    krocore::debug::SetTraceSink({});
 }
 
 } // namespace

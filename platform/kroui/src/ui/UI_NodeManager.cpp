@@ -1,5 +1,6 @@
 #include "kroui/ui/UI_NodeManager.h"
 
+#include "krocore/debug/Trace.h"
 #include "kroui/ui/UI_Node.h"
 
 #include <algorithm>
@@ -11,6 +12,7 @@ namespace {
 constexpr double kShortestPeriod = 0.001;
 // Sums of periods differ from the clock by rounding.
 constexpr double kTolerance = 1e-9;
+constexpr double kSecondsUntilToldOfLoop = 1;
 
 double SteadyNow() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
@@ -36,6 +38,7 @@ void UI_NodeManager::SetClock(Clock clock) {
     const double shift = Now() - before;
     for (Timer& timer : fTimers)
         timer.due += shift;
+    fHasRun = fHasToldOfLoop = false;
 }
 
 double UI_NodeManager::Now() const {
@@ -65,6 +68,7 @@ void UI_NodeManager::Sweep() {
 }
 
 void UI_NodeManager::RunTimers() {
+    fHasRun = true;
     if (fIsRunning) return;
     struct Running {
         UI_NodeManager& manager;
@@ -97,6 +101,18 @@ double UI_NodeManager::SecondsToNextTimer() const {
         if (next < 0 || left < next) next = left;
     }
     return next;
+}
+
+void UI_NodeManager::TellIfLoopIsMissing() {
+    if (fHasRun || fHasToldOfLoop) return;
+    const double now = Now();
+    fHasToldOfLoop = std::ranges::any_of(
+        fTimers, [now](const Timer& timer) { return timer.node && now >= timer.due + kSecondsUntilToldOfLoop; });
+    if (fHasToldOfLoop) {
+        krocore::debug::Trace(
+            "kroui: nobody runs the timers, so panels don't follow their filters: the event loop has to "
+            "call kroui::ui::UI_NodeManager::Get().RunTimers()\n");
+    }
 }
 
 std::size_t UI_NodeManager::TimerCount() const {

@@ -1,6 +1,7 @@
 #include "kroui/ui/UI_Window.h"
 
 #include "TooltipController.h"
+#include "kroui/ui/UI_NodeManager.h"
 
 #include <algorithm>
 #include <cmath>
@@ -101,6 +102,7 @@ void UI_Window::InvalidateAll() {
 }
 
 long UI_Window::Paint() {
+    UI_NodeManager::Get().TellIfLoopIsMissing();
     // What is invalidated while painting waits for the next pass.
     const DamageRegion damage = std::exchange(fDamage, DamageRegion());
     const float scale = ScaleFactor();
@@ -157,6 +159,7 @@ bool UI_Window::Deliver(UI_Node* target, MouseEvent event, Point windowPosition)
 }
 
 bool UI_Window::MouseMoved(Point position, std::uint8_t modifiers) {
+    UI_NodeManager::Get().TellIfLoopIsMissing();
     MouseEvent event;
     event.modifiers = modifiers;
     if (fCapture) {

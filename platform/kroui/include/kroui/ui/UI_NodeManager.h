@@ -14,7 +14,11 @@ class UI_Node;
 using Clock = boost::function<double()>;
 
 // The timers of all nodes, on a clock that tests replace. One for the process, made on first use. User-interface thread
-// only: whoever runs the event loop calls RunTimers.
+// only.
+//
+// Whoever runs the event loop calls RunTimers, often enough for the shortest period (SecondsToNextTimer tells when).
+// Without that panels draw themselves and never follow anything. Several owners of windows may all call it: a timer
+// that is not due is left alone. When a window is used for a second without the call, a trace says so.
 class UI_NodeManager {
 public:
     static UI_NodeManager& Get();
@@ -40,6 +44,8 @@ public:
     void RunTimers();
     // Seconds until the next timer is due (0 if one is overdue), or a negative number if there is none.
     double SecondsToNextTimer() const;
+    // Traces, once for each clock, that nobody runs the timers. For windows, whenever they are used.
+    void TellIfLoopIsMissing();
     std::size_t TimerCount() const;
 
 private:
@@ -58,6 +64,8 @@ private:
     Clock fClock;
     long fLastTimerID = 0;
     bool fIsRunning = false;
+    bool fHasRun = false; // since the clock was set
+    bool fHasToldOfLoop = false;
 };
 
 } // namespace kroui::ui
