@@ -3,11 +3,15 @@
 #include "krocore/debug/Contract.h"
 #include "kroui/limner/CairoSupplier.h"
 #include "kroui/utility/ResourceManager.h"
+#include "qoc/components/ComponentIDs.h"
+#include "qoc/components/EffectCatalogue.h"
 #include "qocui/module/ComponentUIFactory.h"
+#include "qocui/module/Session.h"
 
 #include <gmock/gmock.h>
 
 #include <functional>
+#include <memory>
 
 using namespace qocui::module;
 using testing::ElementsAre;
@@ -83,6 +87,33 @@ TEST_F(ModuleTest, WithoutAnInstanceInitializeReportsIt) {
     fViolations.clear();
     Initialize(&fSupplier);
     EXPECT_FALSE(GetResourceManager()->GetResource("AMPLIFY", "XML").empty());
+    Terminate();
+    EXPECT_THAT(fViolations, IsEmpty());
+}
+
+TEST_F(ModuleTest, SessionsOfOwnersThatDoNotKnowOfEachOtherShareOneModule) {
+    auto first = std::make_unique<Session>();
+    auto second = std::make_unique<Session>();
+    EXPECT_EQ(&first->Supplier(), &second->Supplier());
+    const auto filter = qoc::components::CreateEffect(qoc::components::kAmplifyComponentID);
+    auto view = ComponentUIFactory::GetInstance().CreateViewForComponent(filter);
+    first.reset();
+    EXPECT_NE(GetImageProvider(), nullptr) << "the second still lives";
+    view.reset();
+    second.reset();
+    EXPECT_EQ(GetDrawSupplier(), nullptr);
+    {
+        const Session third;
+        EXPECT_NE(GetResourceManager(), nullptr);
+    }
+    EXPECT_EQ(GetDrawSupplier(), nullptr);
+
+    Initialize(&fSupplier);
+    {
+        const Session guest;
+        EXPECT_EQ(&guest.Supplier(), &fSupplier);
+    }
+    EXPECT_EQ(GetDrawSupplier(), &fSupplier) << "the program that has called Initialize calls Terminate";
     Terminate();
     EXPECT_THAT(fViolations, IsEmpty());
 }
