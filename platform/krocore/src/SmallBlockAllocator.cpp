@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <mutex>
+#include <thread>
 #include <utility>
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -27,29 +29,6 @@ constexpr std::size_t kSizeClasses = SmallBlockHeap::kLargestSmallBlock / kGranu
 constexpr std::size_t kBatchBlocks = 32;
 constexpr std::size_t kChunkBytes = 65536;
 
-// Free blocks travel between threads in batches: lists of at most kBatchBlocks blocks. Only the first block of a batch
-// uses `nextBatch`.
-struct FreeBlock {
-    FreeBlock* next;
-    FreeBlock* nextBatch;
-};
-static_assert(sizeof(FreeBlock) <= kGranularity);
-
-struct Batch {
-    FreeBlock* first = nullptr;
-    std::size_t count = 0;
-};
-
-void Push(Batch& batch, void* block) noexcept {
-    batch.first = new (block) FreeBlock{batch.first, nullptr};
-    ++batch.count;
-}
-
-void* Pop(Batch& batch) noexcept {
-    --batch.count;
-    return std::exchange(batch.first, batch.first->next);
-}
-
 constexpr std::size_t SizeClass(std::size_t bytes) {
     return bytes == 0 ? 0 : (bytes - 1) / kGranularity;
 }
@@ -57,111 +36,114 @@ constexpr std::size_t BlockBytes(std::size_t sizeClass) {
     return (sizeClass + 1) * kGranularity;
 }
 
-// The free blocks that belong to no thread, and the chunk that new blocks are cut from. Chunks are never given back:
-// strings of static life time may outlive every other object of the process.
-class SharedStore {
+// Guards a handful of instructions. Constant-initialised and without a destructor on every system, so that the heap
+// works before the first and after the last static object.
+class SpinLock {
 public:
-    // A batch with at least one block.
-    Batch Take(std::size_t sizeClass) {
-        const std::lock_guard lock(fMutex);
-        FreeBlock*& batches = fBatches[sizeClass];
-        if (batches == nullptr) return Cut(BlockBytes(sizeClass));
-        FreeBlock* const first = std::exchange(batches, batches->nextBatch);
-        return {first, CountBlocks(first)};
+    void lock() noexcept {
+        while (fTaken.test_and_set(std::memory_order_acquire))
+            WaitUntilFree();
+    }
+    void unlock() noexcept { fTaken.clear(std::memory_order_release); }
+
+private:
+    void WaitUntilFree() const noexcept {
+        constexpr int kLooksBeforeYielding = 64;
+        for (int look = 0; fTaken.test(std::memory_order_relaxed); ++look) {
+            if (look >= kLooksBeforeYielding) std::this_thread::yield(); // its owner may wait for this processor
+        }
     }
 
-    void Give(std::size_t sizeClass, Batch batch) noexcept {
-        if (batch.first == nullptr) return;
-        const std::lock_guard lock(fMutex);
-        batch.first->nextBatch = std::exchange(fBatches[sizeClass], batch.first);
+    std::atomic_flag fTaken{};
+};
+
+// The memory that blocks are cut from.
+class ChunkStore {
+public:
+    // One block or more of a size, side by side.
+    struct Run {
+        std::byte* first = nullptr;
+        std::size_t blocks = 0;
+    };
+
+    Run Cut(std::size_t blockBytes) {
+        const std::lock_guard lock(fLock);
+        if (fChunkLeft < blockBytes) AddChunk();
+        const std::size_t blocks = std::min(kBatchBlocks, fChunkLeft / blockBytes);
+        fChunkLeft -= blocks * blockBytes;
+        return {std::exchange(fFree, fFree + blocks * blockBytes), blocks};
+    }
+
+    void FreeAll() noexcept {
+        while (fChunks != nullptr)
+            ::operator delete(std::exchange(fChunks, fChunks->next));
+        fChunkLeft = 0;
     }
 
 private:
-    static std::size_t CountBlocks(const FreeBlock* block) noexcept {
-        std::size_t count = 0;
-        for (; block != nullptr; block = block->next)
-            ++count;
-        return count;
+    // Stands at a chunk's beginning.
+    struct alignas(SmallBlockHeap::kAlignment) Chunk {
+        Chunk* next;
+    };
+
+    void AddChunk() {
+        fChunks = new (::operator new(kChunkBytes)) Chunk{fChunks};
+        fFree = reinterpret_cast<std::byte*>(fChunks + 1);
+        fChunkLeft = kChunkBytes - sizeof(Chunk);
     }
 
-    Batch Cut(std::size_t blockBytes) {
-        if (fChunkLeft < blockBytes) {
-            fChunk = static_cast<std::byte*>(::operator new(kChunkBytes));
-            fChunkLeft = kChunkBytes;
-        }
-        const std::size_t count = std::min(kBatchBlocks, fChunkLeft / blockBytes);
-        Batch batch;
-        for (std::size_t i = count; i > 0; --i)
-            Push(batch, fChunk + (i - 1) * blockBytes);
-        fChunk += count * blockBytes;
-        fChunkLeft -= count * blockBytes;
-        return batch;
-    }
-
-    std::mutex fMutex;
-    std::array<FreeBlock*, kSizeClasses> fBatches{};
-    std::byte* fChunk = nullptr;
+    SpinLock fLock;
+    Chunk* fChunks = nullptr;
+    std::byte* fFree = nullptr;
     std::size_t fChunkLeft = 0;
 };
 
-enum class ThreadState { fresh, live, ended };
+// The free blocks of one size.
+class FreeList {
+public:
+    void* Take(std::size_t blockBytes, ChunkStore& chunks) {
+        const std::lock_guard lock(fLock);
+        if (fFirst == nullptr) AddRun(chunks.Cut(blockBytes), blockBytes);
+        ++fTaken;
+        return std::exchange(fFirst, fFirst->next);
+    }
 
-// One thread's own free blocks. Two batches a class, so that taking and releasing at a batch's border stays free of
-// locks. Has no destructor on purpose: it is used until the thread's very last instruction.
-struct ThreadLists {
-    std::array<Batch, kSizeClasses> active{};
-    std::array<Batch, kSizeClasses> spare{};
-    ThreadState state = ThreadState::fresh;
+    void Give(void* block) noexcept {
+        const std::lock_guard lock(fLock);
+        --fTaken;
+        Push(block);
+    }
+
+    bool AreAllBlocksFree() const noexcept { return fTaken == 0; }
+    void Forget() noexcept { fFirst = nullptr; }
+
+private:
+    struct FreeBlock {
+        FreeBlock* next;
+    };
+    static_assert(sizeof(FreeBlock) <= kGranularity);
+
+    void Push(void* block) noexcept { fFirst = new (block) FreeBlock{fFirst}; }
+    void AddRun(ChunkStore::Run run, std::size_t blockBytes) noexcept {
+        for (std::size_t i = run.blocks; i > 0; --i)
+            Push(run.first + (i - 1) * blockBytes);
+    }
+
+    SpinLock fLock;
+    FreeBlock* fFirst = nullptr;
+    std::size_t fTaken = 0;
 };
 
-constinit SharedStore sStore;
+constinit ChunkStore sChunks;
+constinit std::array<FreeList, kSizeClasses> sFreeLists;
 
-// Half a kilobyte, well within what the loader keeps in reserve for the static model; the general model's call into
-// the loader would cost as much as everything else here.
-[[gnu::tls_model("initial-exec")]] constinit thread_local ThreadLists sLists;
-
-struct ThreadEnd {
-    ~ThreadEnd() {
-        for (std::size_t sizeClass = 0; sizeClass < kSizeClasses; ++sizeClass) {
-            sStore.Give(sizeClass, std::exchange(sLists.active[sizeClass], {}));
-            sStore.Give(sizeClass, std::exchange(sLists.spare[sizeClass], {}));
-        }
-        sLists.state = ThreadState::ended;
-    }
-};
-
-// Whether the thread may keep free blocks; sees to it that it gives them back at its end.
-bool MayKeepBlocks() noexcept {
-    if (sLists.state == ThreadState::fresh) {
-        static thread_local ThreadEnd threadEnd;
-        sLists.state = ThreadState::live;
-    }
-    return sLists.state == ThreadState::live;
-}
-
-void* AllocateFromStore(std::size_t sizeClass) {
-    Batch batch = sStore.Take(sizeClass);
-    void* const block = Pop(batch);
-    if (MayKeepBlocks()) {
-        sLists.active[sizeClass] = batch;
-    } else {
-        sStore.Give(sizeClass, batch);
-    }
-    return block;
-}
-
-void* AllocateFromEmptyList(std::size_t sizeClass) {
-    Batch& spare = sLists.spare[sizeClass];
-    if (spare.first == nullptr) return AllocateFromStore(sizeClass);
-    Batch& active = sLists.active[sizeClass];
-    active = std::exchange(spare, {});
-    return Pop(active);
-}
-
-void ReleaseToStore(void* block, std::size_t sizeClass) noexcept {
-    Batch single;
-    Push(single, block);
-    sStore.Give(sizeClass, single);
+// After the library's last static object, at the end of the process or when the library is unloaded. Blocks that
+// somebody still holds keep all of the memory alive.
+constexpr int kLast = 101;
+__attribute__((destructor(kLast))) void FreeChunksThatNobodyUses() {
+    if (!std::ranges::all_of(sFreeLists, &FreeList::AreAllBlocksFree)) return;
+    std::ranges::for_each(sFreeLists, &FreeList::Forget);
+    sChunks.FreeAll();
 }
 
 } // namespace
@@ -169,20 +151,12 @@ void ReleaseToStore(void* block, std::size_t sizeClass) noexcept {
 void* SmallBlockHeap::Allocate(std::size_t bytes) {
     if (kPlainHeap || bytes > kLargestSmallBlock) return ::operator new(bytes);
     const std::size_t sizeClass = SizeClass(bytes);
-    Batch& active = sLists.active[sizeClass];
-    return active.first != nullptr ? Pop(active) : AllocateFromEmptyList(sizeClass);
+    return sFreeLists[sizeClass].Take(BlockBytes(sizeClass), sChunks);
 }
 
 void SmallBlockHeap::Release(void* block, std::size_t bytes) noexcept {
     if (kPlainHeap || bytes > kLargestSmallBlock) return ::operator delete(block);
-    const std::size_t sizeClass = SizeClass(bytes);
-    if (sLists.state != ThreadState::live && !MayKeepBlocks()) return ReleaseToStore(block, sizeClass);
-
-    Batch& active = sLists.active[sizeClass];
-    Push(active, block);
-    if (active.count < kBatchBlocks) return;
-    sStore.Give(sizeClass, std::exchange(sLists.spare[sizeClass], active));
-    active = {};
+    sFreeLists[SizeClass(bytes)].Give(block);
 }
 
 } // namespace krocore

@@ -6,11 +6,10 @@
 
 namespace krocore {
 
-// The process-wide heap for small blocks: one free list a size class (16 bytes a step up to kLargestSmallBlock) and
-// thread, larger requests go to the global heap. Blocks may be released on another thread than the one that took them.
+// The process-wide heap for small blocks: one free list a size class (16 bytes a step up to kLargestSmallBlock), larger
+// requests go to the global heap. Any thread, and blocks may be released on another thread than the one that took them.
 // Works before main, after it, and in the destructors of thread-local objects. Memory taken for small blocks is kept
-// for later ones until the process ends.
-// Never throws anything but std::bad_alloc.
+// for later ones until the library is unloaded. Never throws anything but std::bad_alloc.
 class SmallBlockHeap {
 public:
     static constexpr std::size_t kLargestSmallBlock = 256;
