@@ -3,7 +3,7 @@
 # known.
 include(CMakePackageConfigHelpers)
 
-set(QO_EXPORTED_LIBRARIES kro qoc QoAudioComponentsUI)
+set(QO_EXPORTED_LIBRARIES kro qocinterface qoc QoAudioComponentsUI)
 set(QO_INSTALLED_HEADERS ${CMAKE_INSTALL_INCLUDEDIR}/QoAudioComponentsUI)
 set(QO_INSTALLED_PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/QoAudioComponentsUI)
 
