@@ -22,6 +22,7 @@ AudioComponentEditorViewBase::~AudioComponentEditorViewBase() {
 }
 
 bool AudioComponentEditorViewBase::UI_DoTimerNotify(long timerID) {
+    const kroui::ui::MessageScope scope;
     if (timerID == fTimerID) SyncParameters();
     return true;
 }

@@ -225,4 +225,70 @@ TEST_F(WindowEventsTest, ANodeMayRemoveItselfInItsOwnEvent) {
     EXPECT_EQ(fWindow.Window().CaptureNode(), nullptr);
 }
 
+// Tells when it dies.
+class Mortal : public UI_SubView {
+public:
+    explicit Mortal(bool& isAlive) : fIsAlive(isAlive) { fIsAlive = true; }
+    bool UI_DoTimerNotify(long) override { return Act(); }
+    bool UI_DoKeyEvent(const KeyEvent&) override { return Act(); }
+    bool UI_DoMouseEvent(UI_Node*, const MouseEvent&) override { return Act(); }
+    void UI_NodeChanged(NodeChange change) override {
+        if (change == kHidden) Act();
+    }
+
+    boost::function<void()> act;
+
+protected:
+    ~Mortal() override { fIsAlive = false; }
+
+private:
+    bool Act() {
+        if (act) act();
+        return true;
+    }
+
+    bool& fIsAlive;
+};
+
+TEST_F(WindowEventsTest, WhatIsLetGoWhileAMessageIsHandledDiesWhenAllAreDone) {
+    const boost::function<void(Mortal&)> messages[] = {
+        [this](Mortal&) {
+            fWindow.Press({130, 30});
+        },
+        [this](Mortal&) {
+            fWindow.MoveTo({131, 31});
+        },
+        [this](Mortal&) {
+            fWindow.Wheel({130, 30}, 1);
+        },
+        [this](Mortal& view) {
+            view.UI_TakeFocus();
+            fWindow.PressKey(Key::kSpace);
+        },
+        [this](Mortal& view) {
+            view.UI_InstallTimer(0.01F, 1);
+            fWindow.Advance(0.02);
+        },
+        [](Mortal& view) { view.UI_Show(false); },
+    };
+    for (const auto& send : messages) {
+        bool isAlive = false;
+        bool wasAlive = false;
+        boost::intrusive_ptr<Mortal> view(new Mortal(isAlive));
+        view->UI_SetFrame({120, 20, 40, 40});
+        view->UI_SetStateFlags(UI_Node::kStateWantsKeyboardFocus);
+        fRoot->ChildPushBack(view);
+        Mortal& sent = *view;
+        view->act = [&] {
+            if (view) fRoot->ChildRemove(view.get());
+            view.reset();
+            wasAlive = isAlive;
+        };
+        send(sent);
+        EXPECT_TRUE(wasAlive);
+        EXPECT_FALSE(isAlive);
+        fWindow.Release();
+    }
+}
+
 } // namespace

@@ -28,12 +28,16 @@ void UI_Container::ChildPushBack(boost::intrusive_ptr<UI_Node> child) {
 void UI_Container::ChildInsert(std::size_t index, boost::intrusive_ptr<UI_Node> child) {
     UI_Node* const self = ContainerNode();
     if (!child || IsAncestorOrSelf(*child, self)) return;
+    const MessageScope scope;
     if (UI_Node* const parent = child->UI_GetParent()) parent->ChildRemove(child.get());
+    child->FinishDetaching();
+    // Listeners of the change may have given it another parent, or put this one into it.
+    if (child->UI_GetParent() || IsAncestorOrSelf(*child, self)) return;
     index = std::min(index, fChildren.size());
     UI_Node& added = *child;
     fChildren.insert(fChildren.begin() + static_cast<std::ptrdiff_t>(index), std::move(child));
     added.fParent = self;
-    if (UI_Window* const window = self->UI_GetWindow()) added.AttachTo(window);
+    if (UI_Window* const window = self->UI_GetWindow(); window && !self->fIsDetaching) added.AttachTo(window);
     added.UI_Invalidate();
     ChildrenChanged();
 }
@@ -43,18 +47,23 @@ void UI_Container::ChildRemove(UI_Node* child) {
         return std::find_if(fChildren.begin(), fChildren.end(), [&](const auto& c) { return c.get() == child; });
     };
     if (!child || find() == fChildren.end()) return;
+    const MessageScope scope;
     const boost::intrusive_ptr<UI_Node> removed(child);
     removed->UI_Invalidate();
     if (removed->UI_IsAttached()) removed->DetachTree();
-    // Listeners of the change may have rearranged the children.
-    if (const auto at = find(); at != fChildren.end()) fChildren.erase(at);
+    // Listeners of the change may have rearranged the children, taken this one out themselves, or put it back.
+    const auto at = find();
+    const bool isBack = removed->UI_IsAttached() && !removed->fIsDetaching;
+    if (at == fChildren.end() || isBack) return;
+    fChildren.erase(at);
     removed->fParent = nullptr;
     ChildrenChanged();
 }
 
 void UI_Container::ChildRemoveAll() {
-    while (!fChildren.empty())
-        ChildRemove(fChildren.back().get());
+    const std::vector<boost::intrusive_ptr<UI_Node>> children = fChildren;
+    for (auto child = children.rbegin(); child != children.rend(); ++child)
+        ChildRemove(child->get());
 }
 
 } // namespace kroui::ui

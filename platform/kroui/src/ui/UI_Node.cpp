@@ -19,7 +19,9 @@ void UI_Node::UI_SetFrame(const Rect& frame) {
     const bool isResized = frame.width != fFrame.width || frame.height != fFrame.height;
     fFrame = frame;
     UI_Invalidate();
-    if (isResized) UI_SizeChanged(UI_GetLocalRect());
+    if (!isResized) return;
+    const MessageScope scope;
+    UI_SizeChanged(UI_GetLocalRect());
 }
 
 Point UI_Node::UI_LocalToWindow(Point point) const {
@@ -49,6 +51,7 @@ UI_Node* UI_Node::UI_FindNode(std::string_view id) {
 
 void UI_Node::UI_Show(bool visible) {
     if (visible == fVisible) return;
+    const MessageScope scope;
     if (!visible) {
         UI_Invalidate();
         if (fWindow) fWindow->Forget(*this);
@@ -187,28 +190,52 @@ const PropertyTable& UI_Node::PropertiesOfNode() {
     return kTable;
 }
 
+// Those that are children at the beginning and still are when their turn comes, whatever the visits do to the tree.
+template <class Visit>
+void UI_Node::ForEachChild(const Visit& visit) {
+    const std::vector<boost::intrusive_ptr<UI_Node>> children(Children().begin(), Children().end());
+    for (const auto& child : children)
+        if (child->fParent == this) visit(*child);
+}
+
+// Of a node that is in no window. Who hears of it may take the node out again, or put it elsewhere, where it is
+// attached anew with all below it.
 void UI_Node::AttachTo(UI_Window* window) {
+    const MessageScope scope;
     fWindow = window;
     UI_NodeChanged(kAttached);
-    // By index: a listener may add children, which then attach on their own.
-    for (std::size_t i = 0; i < ChildCount(); ++i)
-        if (UI_Node* const child = Child(i); child->fWindow != window) child->AttachTo(window);
+    ForEachChild([&](UI_Node& child) {
+        child.FinishDetaching();
+        const bool isWanted = child.fParent == this && fWindow == window && !fIsDetaching;
+        if (isWanted && !child.fWindow) child.AttachTo(window);
+    });
 }
 
 void UI_Node::DetachTree() {
-    if (!fWindow) return;
-    UI_Window* const window = fWindow;
+    if (!fWindow || fIsDetaching) return;
+    const MessageScope scope;
+    fIsDetaching = true;
     UI_NodeChanged(kDetaching);
-    for (std::size_t i = 0; i < ChildCount(); ++i)
-        Child(i)->DetachTree();
-    window->Forget(*this);
+    FinishDetaching();
+}
+
+// What is left to do after the node itself has been told. Who puts it elsewhere while it is being told does that first.
+void UI_Node::FinishDetaching() {
+    if (!fIsDetaching) return;
+    ForEachChild([this](UI_Node& child) {
+        if (fIsDetaching) child.DetachTree();
+    });
+    if (!fIsDetaching) return;
+    fWindow->Forget(*this);
+    if (!fIsDetaching) return;
     fWindow = nullptr;
+    fIsDetaching = false;
 }
 
 void UI_Node::Broadcast(NodeChange change) {
+    const MessageScope scope;
     UI_NodeChanged(change);
-    for (std::size_t i = 0; i < ChildCount(); ++i)
-        Child(i)->Broadcast(change);
+    ForEachChild([change](UI_Node& child) { child.Broadcast(change); });
 }
 
 } // namespace kroui::ui

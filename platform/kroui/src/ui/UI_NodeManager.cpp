@@ -86,10 +86,27 @@ void UI_NodeManager::RunTimers() {
         Timer& timer = fTimers[i];
         if (!timer.node || timer.due > now + kTolerance) continue;
         timer.due = timer.due + timer.period > now + kTolerance ? timer.due + timer.period : now + timer.period;
-        const boost::intrusive_ptr<UI_Node> keepAlive(timer.node);
+        const MessageScope scope;
+        const boost::intrusive_ptr<UI_Node> node(timer.node);
         const long id = timer.id;
-        keepAlive->UI_DoTimerNotify(id);
+        node->UI_DoTimerNotify(id);
     }
+}
+
+// What goes takes others with it, which no message is about any more.
+void UI_NodeManager::EndMessage() noexcept {
+    if (--fMessages != 0) return;
+    while (!fKept.empty()) {
+        const UI_NodeBase* const node = fKept.back();
+        fKept.pop_back();
+        node->ReleaseReference();
+    }
+}
+
+bool UI_NodeManager::TakesLastReference(const UI_NodeBase& node) noexcept {
+    if (fMessages == 0) return false;
+    fKept.push_back(&node);
+    return true;
 }
 
 double UI_NodeManager::SecondsToNextTimer() const {

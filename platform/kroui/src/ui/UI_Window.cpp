@@ -46,10 +46,12 @@ UI_Window::~UI_Window() {
 
 void UI_Window::SetContent(boost::intrusive_ptr<UI_Node> content) {
     if (fContent == content) return;
-    if (const boost::intrusive_ptr<UI_Node> old = std::move(fContent)) {
-        fContent.reset();
-        old->DetachTree();
-    }
+    const MessageScope scope;
+    // Who hears of it may put something else in its place, which has to go as well.
+    do {
+        if (const boost::intrusive_ptr<UI_Node> old = std::exchange(fContent, nullptr)) old->DetachTree();
+        if (content) content->FinishDetaching();
+    } while (fContent);
     fContent = std::move(content);
     if (fContent) fContent->AttachTo(this);
     InvalidateAll();
@@ -160,6 +162,7 @@ bool UI_Window::Deliver(UI_Node* target, MouseEvent event, Point windowPosition)
 
 bool UI_Window::MouseMoved(Point position, std::uint8_t modifiers) {
     UI_NodeManager::Get().TellIfLoopIsMissing();
+    const MessageScope scope;
     MouseEvent event;
     event.modifiers = modifiers;
     if (fCapture) {
@@ -175,7 +178,8 @@ bool UI_Window::MouseMoved(Point position, std::uint8_t modifiers) {
     return Deliver(target, event, position);
 }
 
-// One thing the user does. It ends with the scope unless a press is still held then; the scope of its release ends it.
+// One thing the user does, with all that is told of it. It ends with the scope unless a press is still held then; the
+// scope of its release ends it.
 class UI_Window::InputScope {
 public:
     explicit InputScope(UI_Window& window) : fWindow(window) { Tell(true); }
@@ -192,6 +196,7 @@ private:
         if (fWindow.fInputObserver) fWindow.fInputObserver(begins);
     }
 
+    const MessageScope fMessage;
     UI_Window& fWindow;
 };
 
@@ -290,12 +295,14 @@ bool UI_Window::TextTyped(std::u16string_view text) {
 }
 
 bool UI_Window::FilesDropped(std::span<const std::filesystem::path> files, Point position) {
+    const MessageScope scope;
     for (boost::intrusive_ptr<UI_Node> node = HitTest(position); node; node = node->UI_GetParent())
         if (node->UI_CanAcceptFiles(files) && node->UI_DropFiles(files, node->UI_WindowToLocal(position))) return true;
     return false;
 }
 
 void UI_Window::Deactivated() {
+    const MessageScope scope;
     ReleaseCapture();
     SetHover(nullptr, {-1, -1}, kNoModifier);
     MouseEvent event;
@@ -307,6 +314,7 @@ void UI_Window::Deactivated() {
 bool UI_Window::SetFocus(UI_Node* node) {
     if (node == fFocus) return true;
     if (node && !node->UI_CanTakeFocus()) return false;
+    const MessageScope scope;
     const boost::intrusive_ptr<UI_Node> wanted(node);
     if (const boost::intrusive_ptr<UI_Node> old = std::move(fFocus)) {
         fFocus.reset();
@@ -352,7 +360,10 @@ void UI_Window::ReleaseCapture() {
 
 void UI_Window::ShowOverlay(boost::intrusive_ptr<UI_Node> node, const Rect& frame, bool modal) {
     if (!node || node->UI_GetParent()) return;
+    const MessageScope scope;
+    node->FinishDetaching();
     HideOverlay(node.get());
+    if (node->UI_IsAttached()) return; // shown again by who heard of that
     node->UI_SetFrame(frame);
     // Tips stay over menus.
     auto at = fOverlays.end();
@@ -367,6 +378,7 @@ void UI_Window::ShowOverlay(boost::intrusive_ptr<UI_Node> node, const Rect& fram
 void UI_Window::HideOverlay(UI_Node* node) {
     const auto at = std::find_if(fOverlays.begin(), fOverlays.end(), [&](const Overlay& o) { return o.node == node; });
     if (!node || at == fOverlays.end()) return;
+    const MessageScope scope;
     const boost::intrusive_ptr<UI_Node> hidden = at->node;
     hidden->UI_Invalidate();
     fOverlays.erase(at);
@@ -394,6 +406,7 @@ void UI_Window::Forget(UI_Node& node) {
 }
 
 void UI_Window::SetHover(UI_Node* node, Point position, std::uint8_t modifiers) {
+    const MessageScope scope;
     if (fTooltips) fTooltips->HoverChanged(node, position);
     if (fHover == node) return;
     const boost::intrusive_ptr<UI_Node> entered(node);

@@ -166,13 +166,17 @@ bool CurveEditorAdapter::WritePoints() {
     return true;
 }
 
-// In an order in which the count never reaches points that are none of the curve.
+// In an order in which the count never reaches points that are none of the curve. Who hears of it may end the gesture,
+// which writes another curve, echo and all: then this one is none any more.
 bool CurveEditorAdapter::WriteCurve(double countBefore) {
     const double count = fCurve.Count();
     const any_regular_t array = fCurve.Array();
-    if (fCurve.HasCount() && count < countBefore && !WriteAndLive(Table::Row("bind_point_count"), count)) return false;
-    if (!WriteAndLive(Table::Row("bind"), array)) return false;
-    return !fCurve.HasCount() || count <= countBefore || WriteAndLive(Table::Row("bind_point_count"), count);
+    const auto write = [this](std::string_view row, const any_regular_t& value) {
+        return WriteAndLive(Table::Row(row), value) && fEcho;
+    };
+    if (fCurve.HasCount() && count < countBefore && !write("bind_point_count", count)) return false;
+    if (!write("bind", array)) return false;
+    return !fCurve.HasCount() || count <= countBefore || write("bind_point_count", count);
 }
 
 bool CurveEditorAdapter::WriteSelection() {

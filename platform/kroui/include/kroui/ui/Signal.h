@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kroui/ui/MessageScope.h"
+
 #include <boost/signals2/slot.hpp>
 #include <boost/signals2/trackable.hpp>
 
@@ -22,8 +24,10 @@ public:
     }
     bool empty() const { return fSlots.empty(); }
 
-    // A listener may add listeners, which are called from the next time on. The signal must outlive the call.
+    // A listener may add listeners, which are called from the next time on. The signal must outlive the call, as one of
+    // a node does.
     void operator()(Arguments... arguments) const {
+        const MessageScope scope;
         const Calling calling(fCalls);
         std::size_t count = fSlots.size();
         for (auto slot = fSlots.begin(); count > 0; ++slot, --count)

@@ -17,7 +17,9 @@ class UI_Window;
 // boost::intrusive_ptr; user-interface thread only. A tree is attached while its root is in a window, real or headless.
 class UI_Node : public UI_NodeBase, public UI_Container, public ThemeClient, public UI_DragDropHandler {
 public:
-    // What has happened to a node. Attached and detaching go to every node of the subtree, once each, parents first.
+    // What has happened to a node. Each goes to every node of the subtree that it holds for, parents first. Attached
+    // and detaching come in turn, once each, whatever those who hear them do to the tree: what leaves before it has
+    // been told that it is attached hears of neither, nor does what comes to a node that is leaving.
     enum NodeChange : int {
         kAttached = 0,     // it has just become part of an attached tree
         kShown = 1,        // its own visibility went on
@@ -138,7 +140,10 @@ private:
 
     void AttachTo(UI_Window* window); // the whole subtree
     void DetachTree();
+    void FinishDetaching();
     void Broadcast(NodeChange change);
+    template <class Visit>
+    void ForEachChild(const Visit& visit);
 
     UI_Node* fParent = nullptr;
     UI_Window* fWindow = nullptr;
@@ -146,6 +151,7 @@ private:
     LocalizedText fTooltip;
     bool fVisible = true;
     bool fHasTimers = false;
+    bool fIsDetaching = false;
 };
 
 } // namespace kroui::ui

@@ -2,6 +2,7 @@
 
 #include "krocore/String.h"
 #include "krocore/utility/RefCountedObject.h"
+#include "kroui/ui/MessageScope.h"
 
 #include <cstdint>
 #include <string_view>
@@ -32,5 +33,11 @@ private:
     krocore::string8 fArchiveClassName;
     std::uint32_t fStateFlags = 0;
 };
+
+// For boost::intrusive_ptr, in place of the base's: a node lives on while a message is being handled.
+inline void intrusive_ptr_release(const UI_NodeBase* node) noexcept {
+    const bool isLast = node->ReferenceCount() == 1;
+    if (!isLast || !MessageScope::TakesLastReference(*node)) node->ReleaseReference();
+}
 
 } // namespace kroui::ui

@@ -9,12 +9,13 @@
 namespace kroui::ui {
 
 class UI_Node;
+class UI_NodeBase;
 
 // Time as the toolkit sees it: seconds since some fixed moment, never going back.
 using Clock = boost::function<double()>;
 
-// The timers of all nodes, on a clock that tests replace. One for the process, made on first use. User-interface thread
-// only.
+// What all nodes share: their timers, on a clock that tests replace, and those that are kept while a message is being
+// handled. One for the process, made on first use. User-interface thread only.
 //
 // Whoever runs the event loop calls RunTimers, often enough for the shortest period (SecondsToNextTimer tells when).
 // Without that panels draw themselves and never follow anything. Several owners of windows may all call it: a timer
@@ -49,7 +50,13 @@ public:
     std::size_t TimerCount() const;
 
 private:
+    friend class MessageScope;
+
     UI_NodeManager();
+
+    void BeginMessage() noexcept { ++fMessages; }
+    void EndMessage() noexcept;
+    bool TakesLastReference(const UI_NodeBase& node) noexcept;
 
     struct Timer {
         UI_Node* node; // null: removed during RunTimers, swept afterwards
@@ -61,6 +68,8 @@ private:
     void Sweep();
 
     std::vector<Timer> fTimers;
+    std::vector<const UI_NodeBase*> fKept; // a reference each
+    int fMessages = 0;                     // being handled, nested
     Clock fClock;
     long fLastTimerID = 0;
     bool fIsRunning = false;
