@@ -113,6 +113,10 @@ TEST_F(EditNumberFormsTest, NarrowBand_IsTypedInAFieldOverItsNeighbours) {
     EXPECT_EQ(band->GetValue(), 7) << "a click elsewhere ends the entry";
     EXPECT_EQ(band->EntryField(), nullptr);
     window.DoubleClick(InWindow(*band, band->Layout().number.Centre()));
+    root->UI_Show(false);
+    EXPECT_EQ(band->EntryField(), nullptr) << "is hidden with all around its control";
+    root->UI_Show(true);
+    window.DoubleClick(InWindow(*band, band->Layout().number.Centre()));
     root->ChildRemove(band.get());
     EXPECT_EQ(band->EntryField(), nullptr) << "goes with its control";
     window.Type(u"5");

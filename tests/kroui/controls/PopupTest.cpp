@@ -71,6 +71,7 @@ TEST_F(PopupTest, Menu_ClosesWithoutAChange) {
         {"press elsewhere", [&] { fWindow.Click(Middle(*button)); }},
         {"disabled", [&] { fPopup->SetEnabled(false); }},
         {"hidden", [&] { fPopup->UI_Show(false); }},
+        {"hidden with all around it", [&] { fRoot->UI_Show(false); }},
         {"taken out", [&] { fRoot->ChildRemove(fPopup.get()); }},
         {"deactivated", [&] { fWindow.Window().Deactivated(); }},
         {"overlay taken away", [&] { fWindow.Window().HideOverlay(fPopup->Menu()); }},
@@ -86,6 +87,7 @@ TEST_F(PopupTest, Menu_ClosesWithoutAChange) {
         EXPECT_EQ(Heard(), "") << name;
         fPopup->SetEnabled(true);
         fPopup->UI_Show(true);
+        fRoot->UI_Show(true);
         if (!fPopup->UI_GetParent()) fRoot->ChildPushBack(fPopup);
     }
     fWindow.Press(Middle(*fPopup));

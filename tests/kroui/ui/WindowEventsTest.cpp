@@ -105,7 +105,7 @@ TEST_F(WindowEventsTest, ACaptureThatEndsWithoutReleaseIsTold) {
     TakeLog();
     fLeft->UI_Show(false);
     EXPECT_EQ(fWindow.Window().CaptureNode(), nullptr);
-    EXPECT_THAT(TakeLog(), ElementsAre("inner:left", "inner:lost", "left:change 2"));
+    EXPECT_THAT(TakeLog(), ElementsAre("inner:left", "inner:lost", "left:change 2", "inner:change 2"));
     fWindow.Release();
     EXPECT_THAT(TakeLog(), testing::Not(testing::Contains("inner:released")));
 }

@@ -58,7 +58,8 @@ void UI_Node::UI_Show(bool visible) {
     }
     fVisible = visible;
     if (visible) UI_Invalidate();
-    UI_NodeChanged(visible ? kShown : kHidden);
+    UI_VisibilityChanged();
+    BroadcastToVisible(visible ? kShown : kHidden);
 }
 
 bool UI_Node::UI_IsVisibleInWindow() const {
@@ -236,6 +237,14 @@ void UI_Node::Broadcast(NodeChange change) {
     const MessageScope scope;
     UI_NodeChanged(change);
     ForEachChild([change](UI_Node& child) { child.Broadcast(change); });
+}
+
+// To what is, or was, in sight as far as this subtree goes.
+void UI_Node::BroadcastToVisible(NodeChange change) {
+    UI_NodeChanged(change);
+    ForEachChild([change](UI_Node& child) {
+        if (child.fVisible) child.BroadcastToVisible(change);
+    });
 }
 
 } // namespace kroui::ui

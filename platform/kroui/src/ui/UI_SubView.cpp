@@ -107,7 +107,11 @@ void UI_SubView::RecalcParent() {
 void UI_SubView::UI_NodeChanged(NodeChange change) {
     UI_Node::UI_NodeChanged(change);
     if (change == kAttached) RecalcAutoLayout();
-    if ((change == kShown || change == kHidden) && UI_IsAttached()) RecalcParent();
+}
+
+void UI_SubView::UI_VisibilityChanged() {
+    UI_Node::UI_VisibilityChanged();
+    if (UI_IsAttached()) RecalcParent();
 }
 
 void UI_SubView::ChildrenChanged() {

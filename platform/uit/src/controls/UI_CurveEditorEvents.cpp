@@ -53,9 +53,11 @@ void UI_CurveEditor::UI_NodeChanged(NodeChange change) {
     if (change == kDetaching) {
         FlushRun();
         CancelDrag();
-        if (fDialog) fDialog->Close();
     }
-    if (change == kDetaching || change == kHidden) HoverAt({}, false);
+    if (change == kDetaching || change == kHidden) {
+        if (fDialog) fDialog->Close();
+        HoverAt({}, false);
+    }
     UI_RulerGridBase::UI_NodeChanged(change);
 }
 

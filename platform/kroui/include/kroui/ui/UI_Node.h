@@ -22,8 +22,8 @@ public:
     // been told that it is attached hears of neither, nor does what comes to a node that is leaving.
     enum NodeChange : int {
         kAttached = 0,     // it has just become part of an attached tree
-        kShown = 1,        // its own visibility went on
-        kHidden = 2,       // its own visibility went off
+        kShown = 1,        // it has been shown, or a node above it with nothing in between that is hidden
+        kHidden = 2,       // the same for hiding
         kThemeChanged = 3, // the colours that hold for it are others now
         kDetaching = 4,    // it is about to leave the attached tree; its parent is still there
         kScaleChanged = 5, // the window's scale factor is another now
@@ -133,6 +133,8 @@ protected:
     ~UI_Node() override;
 
     UI_Node* ContainerNode() override { return this; }
+    // The node's own visibility is another now; before the subtree hears of it.
+    virtual void UI_VisibilityChanged() {}
 
 private:
     friend class UI_Container;
@@ -142,6 +144,7 @@ private:
     void DetachTree();
     void FinishDetaching();
     void Broadcast(NodeChange change);
+    void BroadcastToVisible(NodeChange change);
     template <class Visit>
     void ForEachChild(const Visit& visit);
 

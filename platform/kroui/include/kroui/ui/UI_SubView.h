@@ -54,6 +54,7 @@ protected:
     ~UI_SubView() override = default;
 
     void ChildrenChanged() override;
+    void UI_VisibilityChanged() override;
 
 private:
     void ApplyConstraints(Size from, Size to);
