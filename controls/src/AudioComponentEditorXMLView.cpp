@@ -9,6 +9,8 @@ namespace qocui::controls {
 AudioComponentEditorXMLView::AudioComponentEditorXMLView(const std::string& resourceName,
                                                          boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter)
     : AudioComponentEditorViewBase(std::move(filter)), fResourceName(resourceName) {
+    // The content fills the view, whatever its archive says of its edges.
+    SetLayoutChildren(false);
 }
 
 AudioComponentEditorXMLView::~AudioComponentEditorXMLView() = default;
