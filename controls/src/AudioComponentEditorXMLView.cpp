@@ -1,5 +1,6 @@
 #include "qocui/controls/AudioComponentEditorXMLView.h"
 
+#include "kroui/controls/ValueControl.h"
 #include "kroui/utility/ResourceManager.h"
 #include "qoc/components/GenericParameterInfo.h"
 #include "qocui/module/Module.h"
@@ -76,6 +77,11 @@ std::optional<float> AudioComponentEditorXMLView::ToNormalised(int parameterInde
 const qoc::components::GenericParameterInfo* AudioComponentEditorXMLView::GetGenericInfo(int parameterIndex) const {
     return dynamic_cast<const qoc::components::GenericParameterInfo*>(
         GetAudioFilter()->GetParameterInfo(parameterIndex));
+}
+
+void AudioComponentEditorXMLView::ResetToDefaultOf(int parameterIndex, kroui::controls::ValueControl& control) const {
+    if (const auto* const info = GetAudioFilter()->GetParameterInfo(parameterIndex))
+        control.SetDefaultValue(info->ToNatural(info->GetDefault()));
 }
 
 bool AudioComponentEditorXMLView::IsOn(int parameterIndex) const {

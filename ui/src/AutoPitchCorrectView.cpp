@@ -171,6 +171,7 @@ void AutoPitchCorrectView::InitCalibrationHotText() {
     if (!fCalibration || !info) return;
     fCalibration->SetMinValue(info->GetLoBound());
     fCalibration->SetMaxValue(info->GetHiBound());
+    ResetToDefaultOf(kPitchCorrectCalibration, *fCalibration);
 }
 
 void AutoPitchCorrectView::ConnectHandlers() {
@@ -193,6 +194,7 @@ void AutoPitchCorrectView::InitEditNumber(UI_EditNumber* slider, int index, bool
         slider->SetMaxValue(high);
         slider->GetRuler()->SetValueRange(invert ? high : low, invert ? low : high);
     }
+    ResetToDefaultOf(index, *slider);
     ShowNatural(slider, index);
     slider->NotifyWhenChangedInteractively(
         boost::bind(&AutoPitchCorrectView::OnEditNumberChangedInteractively, this, _1));

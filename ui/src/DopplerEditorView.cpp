@@ -158,9 +158,9 @@ void DopplerEditorView::ListenToControls() {
 }
 
 void DopplerEditorView::ListenToHotText(HotText* field, int parameterIndex) {
-    if (field)
-        field->NotifyWhenChangedInteractively(
-            boost::bind(&DopplerEditorView::OnHotTextChanged, this, _1, parameterIndex));
+    if (!field) return;
+    ResetToDefaultOf(parameterIndex, *field);
+    field->NotifyWhenChangedInteractively(boost::bind(&DopplerEditorView::OnHotTextChanged, this, _1, parameterIndex));
 }
 
 void DopplerEditorView::ProvideImages() {

@@ -271,8 +271,7 @@ void PitchShiftEditorView::InitHotTextNumber(HotTextNumberPtr field, ParameterIn
         field->SetMinValue(generic->GetLoBound());
         field->SetMaxValue(generic->GetHiBound());
     }
-    if (const auto* const info = GetAudioComponent()->GetParameterInfo(index))
-        field->SetDefaultValue(info->ToNatural(info->GetDefault()));
+    ResetToDefaultOf(index, *field);
     const double value = GetNaturalValue(index);
     const bool isInside = value >= field->GetMinValue() && value <= field->GetMaxValue();
     field->SetValue(isInside ? value : field->GetMinValue());

@@ -60,8 +60,7 @@ void StereoExpanderEditorView::InitEditNumber(boost::intrusive_ptr<UI_EditNumber
         slider->GetRuler()->SetValueRange(invert ? hi : rulerLo, invert ? rulerLo : hi);
     }
     if (const auto natural = GetNatural(index)) slider->SetValue(*natural);
-    if (const auto* const info = GetAudioComponent()->GetParameterInfo(index))
-        slider->SetDefaultValue(info->ToNatural(info->GetDefault()));
+    ResetToDefaultOf(index, *slider);
     slider->NotifyWhenChangedInteractively(
         boost::bind(&StereoExpanderEditorView::OnEditNumberChangedInteractively, this, boost::placeholders::_1));
     if (invert) slider->SetInvertSlider(true);

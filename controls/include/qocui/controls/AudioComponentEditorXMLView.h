@@ -6,6 +6,9 @@
 #include <optional>
 #include <string>
 
+namespace kroui::controls {
+class ValueControl;
+}
 namespace kroui::utility {
 class ResourceManager;
 }
@@ -56,6 +59,8 @@ protected:
     std::optional<float> ToNormalised(int parameterIndex, double natural) const;
     // The description with the bounds; null for filters that describe themselves otherwise.
     const qoc::components::GenericParameterInfo* GetGenericInfo(int parameterIndex) const;
+    // Lets a reset of the control that shows the parameter go to the parameter's default.
+    void ResetToDefaultOf(int parameterIndex, kroui::controls::ValueControl& control) const;
     // A switch is on from 0.5 on; it is stored as 0 or 1.
     bool IsOn(int parameterIndex) const;
     static float Stored(bool on) { return on ? 1.0F : 0.0F; }
