@@ -6,6 +6,7 @@
 #include "kroui/limner/RecordingLimner.h"
 #include "kroui/ui/HeadlessWindow.h"
 #include "qoc/components/ComponentIDs.h"
+#include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/GenericParameterInfo.h"
 #include "qocui/module/ComponentUIFactory.h"
 #include "qocui/module/Module.h"
@@ -268,6 +269,36 @@ TEST_F(AutoPitchCorrectViewTest, TheAttackRulerSaysSlowAndFastAtItsEnds) {
     EXPECT_EQ(ruler->GetLabel2(), u"Fast");
     EXPECT_EQ(ruler->GetFirstValue(), 0.5);
     EXPECT_EQ(ruler->GetLastValue(), 500.5);
+}
+
+// With the effect itself, whose stored attack grows from slow, 500 ms, to fast, 0.5 ms.
+TEST(AutoPitchCorrectViewOfTheEffectTest, TheAttackSliderRunsFromSlowAtTheLeftToFastAsTheStoredValueDoes) {
+    limner::CairoSupplier supplier;
+    qocui::module::Initialize(&supplier);
+    const auto filter = qoc::components::CreateEffect(qoc::components::kPitchCorrectComponentID);
+    {
+        const auto view = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(filter);
+        ui::HeadlessWindow window(supplier, {800, 600});
+        window.Window().SetContent(view);
+        window.Paint();
+        auto& attack = dynamic_cast<UI_EditNumber&>(*view->UI_FindNode("AttackID"));
+        const Rect track = attack.Layout().track;
+        for (const float part : {0.0F, 0.25F, 0.6F, 0.95F, 1.0F}) {
+            window.Click(attack.UI_LocalToWindow({track.left + part * track.width, track.Centre().y}));
+            EXPECT_NEAR(filter->GetParameterValue(kAttack), part, 1e-3);
+            EXPECT_NEAR(attack.GetValue(), 500 - part * 499.5, 0.3) << "milliseconds";
+        }
+        const auto placeOf = [&](std::u16string_view text) {
+            const auto& ticks = attack.GetRuler()->GetTicks(&supplier);
+            const auto at =
+                std::ranges::find(ticks, text, [](const auto& tick) -> std::u16string_view { return tick.text; });
+            return at != ticks.end() ? at->pixel : -1;
+        };
+        EXPECT_FLOAT_EQ(placeOf(u"Slow"), track.left);
+        EXPECT_FLOAT_EQ(placeOf(u"Fast"), track.Right());
+        window.Window().SetContent(nullptr);
+    }
+    qocui::module::Terminate();
 }
 
 TEST_F(AutoPitchCorrectViewTest, TheCalibrationWritesWhileItChangesAndAtItsEndButNotAtItsStart) {

@@ -144,6 +144,39 @@ TEST_F(EditNumberTest, Inverted_KnobAndRulerRunTheOtherWay) {
     EXPECT_DOUBLE_EQ(edit->GetValue(), 13) << "keys go by values, not by places";
 }
 
+// Whichever way a ruler is given, a click gives the value that the ruler has at that place, and the knob goes there.
+TEST_F(EditNumberTest, ValuesAndLabelsAgreeWithAClickAnywhere) {
+    for (int form = 0; form < 16; ++form) {
+        const bool isDescending = form & 1;
+        const bool isInverted = form & 2;
+        const bool isVertical = form & 4;
+        boost::intrusive_ptr<kroui::utility::RulerBase> given(new kroui::utility::LinearRuler);
+        if (form & 8) given.reset(new kroui::utility::LogRuler);
+        edit->SetMinMaxValue(1, 1000, 1);
+        given->SetValueRange(isDescending ? 1000 : 1, isDescending ? 1 : 1000);
+        given->SetVertical(isVertical);
+        edit->UI_SetFrame({0, 0, isVertical ? 80.0F : 500.0F, isVertical ? 260.0F : 60.0F});
+        edit->SetInvertSlider(isInverted);
+        edit->SetRuler(given, Edit::RulerPlacement::kRulerRightBottom, Edit::RulerTextPlacement::kTextRightBottom, {});
+        edit->RecalcLayout();
+        window.Window().InvalidateAll();
+        window.Paint();
+        const bool isBackwards = isInverted || (isDescending && !isVertical);
+        const float start = isVertical ? Track().top : Track().left;
+        const float end = isVertical ? Track().Bottom() : Track().Right();
+        EXPECT_FLOAT_EQ(given->GetPixel(1), isBackwards == isVertical ? start : end) << form; // up is more
+        for (const float part : {0.0F, 0.2F, 0.5F, 0.85F, 1.0F}) {
+            const float pixel = start + part * (end - start);
+            const Point place = isVertical ? Point{Track().left, pixel} : Point{pixel, Track().top};
+            edit->SetValue((part < 0.5F) == isBackwards ? 1 : 1000); // so that the knob is elsewhere
+            window.Click(place);
+            EXPECT_NEAR(given->GetPixel(edit->GetValue()), pixel, 0.1) << form << " at " << part;
+            window.Drag(place, {place.x + (isVertical ? 0 : 7), place.y + (isVertical ? 7 : 0)});
+            EXPECT_NEAR(given->GetPixel(edit->GetValue()), std::min(pixel + 7, end), 0.2) << form << " from " << part;
+        }
+    }
+}
+
 TEST_F(EditNumberTest, LogarithmicRuler_DecidesWhereValuesLie) {
     boost::intrusive_ptr<kroui::utility::LogRuler> logarithmic(new kroui::utility::LogRuler);
     edit->SetMinMaxValue(0, 1000, 0);

@@ -117,7 +117,7 @@ SliderLook UI_Slider::Look() const {
     look.position = GesturePosition(GetValue());
     look.origin = GestureMinimum() < 0 && GestureMaximum() > 0 ? GesturePosition(0) : 0;
     look.vertical = fVertical;
-    look.inverted = fInverted;
+    look.inverted = RunsBackwards();
     look.enabled = IsEnabled();
     look.hovered = IsHovered();
     look.pressed = fGesture.IsDragging();

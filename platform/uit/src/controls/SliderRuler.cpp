@@ -22,13 +22,11 @@ float TickDistance(const RulerBase& ruler) {
 
 double SliderRuler::Position(double value) const {
     const double fraction = ruler->GetFraction(value);
-    const bool isAscending = ruler->GetFirstValue() < ruler->GetLastValue();
-    return std::clamp(isAscending ? fraction : 1 - fraction, 0.0, 1.0);
+    return std::clamp(IsAscending() ? fraction : 1 - fraction, 0.0, 1.0);
 }
 
 double SliderRuler::ValueAt(double position) const {
-    const bool isAscending = ruler->GetFirstValue() < ruler->GetLastValue();
-    return ruler->GetValueAt(isAscending ? position : 1 - position);
+    return ruler->GetValueAt(IsAscending() ? position : 1 - position);
 }
 
 void SliderRuler::Draw(kroui::limner::Limner& context, const kroui::ui::UI_Node& node, const SliderLook& look,

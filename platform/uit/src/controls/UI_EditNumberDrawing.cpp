@@ -69,10 +69,12 @@ void UI_EditNumber::DrawSlider(Limner& context) const {
 void UI_EditNumber::DrawRuler(Limner& context, const SliderRuler& ruler, const SliderLook& look) const {
     if (!ruler.ruler) return;
     kroui::utility::RulerBase& marks = ruler.ruler == fRuler.get() ? *fRuler : *fSecondRuler;
-    const bool decides = &marks == fRuler.get();
     marks.SetVertical(look.vertical);
-    marks.SetPixelRange(look.PixelAt(decides ? SliderPosition(marks.GetFirstValue()) : 0),
-                        look.PixelAt(decides ? SliderPosition(marks.GetLastValue()) : 1));
+    double first = ruler.IsAscending() ? 0 : 1;
+    double last = 1 - first;
+    if (&marks == fRuler.get())
+        first = SliderPosition(marks.GetFirstValue()), last = SliderPosition(marks.GetLastValue());
+    marks.SetPixelRange(look.PixelAt(first), look.PixelAt(last));
     ruler.Draw(context, *this, look, Layout().rulerRoom);
 }
 
@@ -99,7 +101,7 @@ SliderLook UI_EditNumber::Slider() const {
     look.position = SliderPosition(GetValue());
     look.origin = GestureMinimum() < 0 && GestureMaximum() > 0 ? SliderPosition(0) : 0;
     look.vertical = IsVertical();
-    look.inverted = fInvertSlider;
+    look.inverted = RunsBackwards();
     look.knob = fKnob;
     look.arrow = fArrow;
     look.enabled = IsEnabled();

@@ -232,6 +232,10 @@ bool UI_EditNumber::IsSliderLinear() const {
     return std::abs(SliderPosition((GestureMinimum() + GestureMaximum()) / 2) - 0.5) < kTolerance;
 }
 
+bool UI_EditNumber::RunsBackwards() const {
+    return fInvertSlider || Ruler().RunsBackwards(IsVertical());
+}
+
 void UI_EditNumber::SetHoverPart(Part part) {
     if (part == fHoverPart || fPressedPart != Part::kNone) return;
     fHoverPart = part;

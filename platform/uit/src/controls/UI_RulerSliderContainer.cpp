@@ -33,6 +33,10 @@ Rect UI_RulerSliderContainer::TrackRect() const {
     return IsVertical() ? all.Inset(0, margin).Offset(shift, 0) : all.Inset(margin, 0).Offset(0, shift);
 }
 
+bool UI_RulerSliderContainer::RunsBackwards() const {
+    return UI_Slider::RunsBackwards() || SliderRuler{fRuler.get(), fTextPlacement}.RunsBackwards(IsVertical());
+}
+
 double UI_RulerSliderContainer::GesturePosition(double value) const {
     if (!fRuler || fRuler->IsDegenerate()) return UI_Slider::GesturePosition(value);
     return SliderRuler{fRuler.get(), fTextPlacement}.Position(value);

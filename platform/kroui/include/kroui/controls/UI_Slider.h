@@ -32,6 +32,8 @@ protected:
 
     // Where the knob's middle can be.
     virtual Rect TrackRect() const;
+    // Whether greater values stand at the left, or below.
+    virtual bool RunsBackwards() const { return fInverted; }
     SliderLook Look() const;
 
     ui::UI_Node& ValueNode() override { return *this; }

@@ -21,6 +21,12 @@ struct SliderRuler {
     // Where a value lies by the ruler, 0...1 upwards whichever way the ruler runs, and back.
     double Position(double value) const;
     double ValueAt(double position) const;
+    bool IsAscending() const { return ruler->GetFirstValue() < ruler->GetLastValue(); }
+    // Whether the ruler turns the slider round: beside a track that lies, with the greater value first. Upright,
+    // greater values stand above whichever way the ruler is given.
+    bool RunsBackwards(bool isVertical) const {
+        return ruler && !isVertical && !ruler->IsDegenerate() && !IsAscending();
+    }
 
     // Draws along the look's track; labels may reach as far as `room` along it.
     void Draw(kroui::limner::Limner& context, const kroui::ui::UI_Node& node, const kroui::controls::SliderLook& look,

@@ -84,7 +84,9 @@ public:
     // The track's length in view units; the least one if the slider stretches with the control, as it does at first.
     void SetSliderLength(float length);
     void SetSliderStretches(bool stretches);
-    // Greater values to the left or downwards.
+    // Greater values to the left or downwards. A ruler beside a track that lies, with the greater value first, says the
+    // same: its first value stands at the left, and inverting the slider as well changes nothing. Beside an upright
+    // track greater values stand above, whichever way the ruler is given.
     void SetInvertSlider(bool invert);
     // A logarithmic track. A ruler that is shown decides instead.
     void SetLogarithmic(bool logarithmic);
@@ -187,6 +189,7 @@ private:
     double SliderPosition(double value) const;
     double SliderValueAt(double position) const;
     bool IsSliderLinear() const;
+    bool RunsBackwards() const;
     SliderLook Slider() const;
     kroui::limner::Font NumberFont(std::u16string_view text) const;
     kroui::limner::TextAlignment NumberAlignment() const;

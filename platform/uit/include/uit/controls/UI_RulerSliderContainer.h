@@ -6,7 +6,8 @@
 namespace uit::controls {
 
 // A slider with a ruler along its track: marks with their labels at one side of it or at both. A ruler with another
-// scale than the slider's (a logarithmic one) decides where values lie.
+// scale than the slider's (a logarithmic one) decides where values lie. One with the greater value first beside a track
+// that lies turns the slider round: its first value stands at the left. Upright, greater values stand above.
 class UI_RulerSliderContainer : public kroui::controls::UI_Slider {
 public:
     enum RulerPlacement : int { kRulerLeftTop = 0, kRulerRightBottom = 1 };
@@ -24,6 +25,7 @@ protected:
     ~UI_RulerSliderContainer() override = default;
 
     kroui::Rect TrackRect() const override;
+    bool RunsBackwards() const override;
     double GesturePosition(double value) const override;
     double GestureValueAt(double position) const override;
 
