@@ -97,6 +97,26 @@ TEST_F(ValueGestureTest, Drag_BeyondTheEndComesBackWithThePointer) {
     EXPECT_THAT(target.TakeLog(), ElementsAre("0:50", "1:100", "1:90", "2:90"));
 }
 
+// What the pointer has gone beyond an end belongs to the pace that it went at.
+TEST_F(ValueGestureTest, Drag_ModifierBeyondAnEndStartsAgainFromThatEnd) {
+    for (const std::uint8_t modifier : {std::uint8_t{kCommand}, std::uint8_t{kShift}}) {
+        const double pace = modifier == kCommand ? 0.1 : 10;
+        for (const double direction : {1.0, -1.0}) {
+            const double end = direction > 0 ? 100 : 0;
+            for (const std::uint8_t before : {std::uint8_t{kNoModifier}, modifier}) {
+                const std::uint8_t behind = before == kNoModifier ? modifier : std::uint8_t{kNoModifier};
+                target.value = 50;
+                gesture.BeginDrag();
+                gesture.DragBy(direction * 20, before);
+                EXPECT_EQ(target.value, end);
+                gesture.DragBy(-direction * 0.01, behind);
+                EXPECT_NEAR(target.value, end - direction * (behind == kNoModifier ? 1 : pace), 1e-9);
+                gesture.EndDrag();
+            }
+        }
+    }
+}
+
 TEST_F(ValueGestureTest, Drag_ReachesAnEndThatIsNoRoundNumber) {
     target.resolution = 1;
     target.minimum = 0.4;

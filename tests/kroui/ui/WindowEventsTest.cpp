@@ -99,6 +99,22 @@ TEST_F(WindowEventsTest, WhoTakesThePressGetsTheDragAndTheReleaseWhereverThePoin
     EXPECT_EQ(fWindow.Window().CaptureNode(), nullptr);
 }
 
+TEST_F(WindowEventsTest, OnlyTheButtonThatBeganADragEndsIt) {
+    fInner->handlesMouse = fRight->handlesMouse = true;
+    for (const int first : {1, 2, 3}) {
+        const int other = first % 3 + 1;
+        fWindow.Press({30, 50}, kNoModifier, first);
+        TakeLog();
+        EXPECT_TRUE(fWindow.Window().MousePressed({150, 50}, other, 1, 0)) << "swallowed";
+        EXPECT_FALSE(fWindow.Window().MouseReleased({150, 50}, other, 0));
+        EXPECT_THAT(TakeLog(), IsEmpty());
+        fWindow.MoveTo({31, 50});
+        EXPECT_THAT(TakeLog(), ElementsAre("inner:dragged"));
+        fWindow.Release(kNoModifier, first);
+        EXPECT_THAT(TakeLog(), ElementsAre("inner:released")) << first;
+    }
+}
+
 TEST_F(WindowEventsTest, ACaptureThatEndsWithoutReleaseIsTold) {
     fInner->handlesMouse = true;
     fWindow.Press({30, 50});
