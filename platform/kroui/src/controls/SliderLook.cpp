@@ -91,7 +91,7 @@ void SliderLook::DrawTrack(limner::Limner& context, const ui::UI_Node& node) con
     const Rect filled = between(At(origin), At(position));
     if (filled.IsEmpty()) return;
     const limner::Color color = node.GetColor(enabled ? ui::kColorAccent : ui::kColorDisabledText);
-    if (origin > 0) {
+    if (origin > 0 && origin < 1) {
         context.FillRect(filled, color);
     } else {
         // From the track's round end; the other end of the box hides under the knob.

@@ -99,7 +99,9 @@ SliderLook UI_EditNumber::Slider() const {
     SliderLook look;
     look.track = Layout().track;
     look.position = SliderPosition(GetValue());
-    look.origin = GestureMinimum() < 0 && GestureMaximum() > 0 ? SliderPosition(0) : 0;
+    // The bar shows how far the scale has been gone through: from where it begins, or from 0.
+    look.origin = Ruler().RunsBackwards(IsVertical()) ? 1 : 0;
+    if (GestureMinimum() < 0 && GestureMaximum() > 0) look.origin = SliderPosition(0);
     look.vertical = IsVertical();
     look.inverted = RunsBackwards();
     look.knob = fKnob;
