@@ -185,4 +185,36 @@ TEST(Text, UnusableSizes_MeasureAsSomethingFinite) {
     }
 }
 
+TEST(Text, CaretPositions_StandAtTheEdgesOfWhatIsReadAsOneCharacter) {
+    const auto positions = [](std::u16string_view text) {
+        std::vector<float> carets;
+        Supplier().CaretPositions(text, kFont, carets);
+        return carets;
+    };
+    // The mark has no place of its own; what follows stands behind the letter with its mark.
+    const std::vector<float> marked = positions(u"e\u0301x");
+    EXPECT_EQ(marked[1], marked[0]);
+    EXPECT_NEAR(marked[2], Width(u"e\u0301x") - Width(u"x"), 0.01);
+    // From right to left the first character is at the right; behind the text is the end of the line.
+    const std::vector<float> hebrew = positions(u"\u05D0\u05D1\u05D2");
+    EXPECT_NEAR(hebrew[0], Width(u"\u05D0\u05D1\u05D2"), 0.01);
+    EXPECT_GT(hebrew[0], hebrew[1]);
+    EXPECT_GT(hebrew[1], hebrew[2]);
+    EXPECT_GT(hebrew[2], 0);
+    EXPECT_EQ(hebrew[3], hebrew[0]);
+    // Runs stand in the order in which they are seen.
+    const std::vector<float> mixed = positions(u"12\u05D0\u05D134");
+    EXPECT_NEAR(mixed.back(), Width(u"12\u05D0\u05D134"), 0.01);
+    for (const float caret : mixed)
+        EXPECT_TRUE(caret >= 0 && caret <= mixed.back() + 0.01F);
+}
+
+TEST(Text, CaretPositions_OfALongTextAreThoseOfItsCharacters) {
+    std::vector<float> carets;
+    Supplier().CaretPositions(std::u16string(20'000, u'7'), kFont, carets);
+    ASSERT_EQ(carets.size(), 20'001U);
+    for (const std::size_t place : {std::size_t{1}, std::size_t{9'999}, std::size_t{20'000}})
+        EXPECT_NEAR(carets[place], static_cast<float>(place) * Width(u"7"), 0.5) << place;
+}
+
 } // namespace kroui::limner::test

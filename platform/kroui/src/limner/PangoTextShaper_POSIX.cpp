@@ -106,6 +106,66 @@ void KeepPangoLoaded() {
         dlopen(pango.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
 }
 
+// What stands at a byte of a line's text.
+struct Caret {
+    bool isStop = false; // a caret can stand before the character that begins here
+    float x = 0;
+};
+
+std::vector<Caret> CaretStops(PangoLayout* layout) {
+    const char* const text = pango_layout_get_text(layout);
+    int count = 0;
+    const PangoLogAttr* const attributes = pango_layout_get_log_attrs_readonly(layout, &count);
+    const char* at = text;
+    std::vector<Caret> carets(std::string_view(text).size() + 1);
+    for (int character = 0; character < count; ++character) {
+        carets[at - text].isStop = attributes[character].is_cursor_position;
+        if (*at != 0) at = g_utf8_next_char(at);
+    }
+    return carets;
+}
+
+int WidthOf(const PangoGlyphItemIter& cluster) {
+    const int step = cluster.start_glyph < cluster.end_glyph ? 1 : -1;
+    int width = 0;
+    for (int glyph = cluster.start_glyph; glyph != cluster.end_glyph; glyph += step)
+        width += cluster.glyph_item->glyphs->glyphs[glyph].geometry.width;
+    return width;
+}
+
+// From the edge `x` of a run on, to the right or (sign -1) to the left. The stops within one cluster, a ligature, share
+// its width.
+void PlaceCarets(PangoGlyphItem& run, const char* text, int x, int sign, std::vector<Caret>& carets) {
+    PangoGlyphItemIter cluster;
+    for (gboolean more = pango_glyph_item_iter_init_start(&cluster, &run, text); more != FALSE;
+         more = pango_glyph_item_iter_next_cluster(&cluster)) {
+        const auto first = carets.begin() + cluster.start_index;
+        const auto last = carets.begin() + cluster.end_index;
+        const int width = sign * WidthOf(cluster);
+        const auto stops = static_cast<int>(std::count_if(first, last, [](const Caret& c) { return c.isStop; }));
+        int before = 0;
+        for (auto caret = first; caret != last; ++caret)
+            if (caret->isStop) caret->x = InUnits(x + width * before++ / stops);
+        x += width;
+    }
+}
+
+// In time that is proportional to the text's length, which asking Pango for one place after the other is not.
+std::vector<Caret> CaretsOf(PangoLayout* layout) {
+    std::vector<Caret> carets = CaretStops(layout);
+    int left = 0;
+    for (GSList* item = pango_layout_get_line_readonly(layout, 0)->runs; item != nullptr; item = item->next) {
+        auto& run = *static_cast<PangoGlyphItem*>(item->data);
+        const int width = pango_glyph_string_get_width(run.glyphs);
+        const bool isRightToLeft = run.item->analysis.level % 2 != 0;
+        PlaceCarets(run, pango_layout_get_text(layout), isRightToLeft ? left + width : left, isRightToLeft ? -1 : 1,
+                    carets);
+        left += width;
+    }
+    carets.back() = {true, InUnits(left)};
+    return carets;
+}
+
 } // namespace
 
 std::unique_ptr<TextShaper> MakeSystemTextShaper(FontRasters& rasters) {
@@ -149,12 +209,12 @@ ShapedText PangoTextShaper::Shape(std::u16string_view text, const TextStyle& sty
 void PangoTextShaper::CaretPositions(std::u16string_view text, const Font& font, std::vector<float>& positions) {
     std::vector<int> offsets;
     SetLayout(text, {font}, Know(font), &offsets);
-    PangoLayoutLine* line = pango_layout_get_line_readonly(fLayout.get(), 0);
+    const std::vector<Caret> carets = CaretsOf(fLayout.get());
     positions.clear();
+    float x = 0;
     for (const int offset : offsets) {
-        int x = 0;
-        pango_layout_line_index_to_x(line, offset, FALSE, &x);
-        positions.push_back(InUnits(x));
+        if (carets[offset].isStop) x = carets[offset].x;
+        positions.push_back(x);
     }
 }
 
