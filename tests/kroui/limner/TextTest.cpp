@@ -1,5 +1,7 @@
 #include "Drawing.h"
 
+#include "krocore/String.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -215,6 +217,41 @@ TEST(Text, CaretPositions_OfALongTextAreThoseOfItsCharacters) {
     ASSERT_EQ(carets.size(), 20'001U);
     for (const std::size_t place : {std::size_t{1}, std::size_t{9'999}, std::size_t{20'000}})
         EXPECT_NEAR(carets[place], static_cast<float>(place) * Width(u"7"), 0.5) << place;
+}
+
+TEST(Text, PaintedAgain_IsNotShapedAgainHoweverMuchIsInSight) {
+    const CairoSupplier supplier;
+    const auto paint = [&] {
+        supplier.DrawImage(kRoom, 1, [](Limner& limner) {
+            for (int i = 0; i < 5'000; ++i)
+                limner.DrawText(krocore::FromASCII(std::to_string(i)), kFont, kWhite, {0, 0, 100, 20}, {});
+        });
+    };
+    paint();
+    EXPECT_EQ(supplier.ShapedTextCount(), 5'000U);
+    paint();
+    EXPECT_EQ(supplier.ShapedTextCount(), 5'000U);
+}
+
+TEST(Text, CacheForgetsWhatWasNotUsedForLongest) {
+    const CairoSupplier supplier;
+    const auto measure = [&](int number) {
+        std::u16string text(1'000, u'.');
+        text += krocore::FromASCII(std::to_string(number));
+        supplier.MeasureText(text, kFont);
+    };
+    measure(0);
+    measure(1);
+    for (int number = 2; number < 600; ++number) { // some 2,000 glyphs of room each, of a million
+        measure(number);
+        measure(0);
+    }
+    EXPECT_EQ(supplier.ShapedTextCount(), 600U);
+    measure(0);
+    measure(599);
+    EXPECT_EQ(supplier.ShapedTextCount(), 600U);
+    measure(1);
+    EXPECT_EQ(supplier.ShapedTextCount(), 601U);
 }
 
 } // namespace kroui::limner::test

@@ -27,6 +27,10 @@ void CairoSupplier::CaretPositions(std::u16string_view text, const Font& font, s
     fCaches->shaper->CaretPositions(text, font, positions);
 }
 
+std::uint64_t CairoSupplier::ShapedTextCount() const {
+    return fCaches->texts.ShapedCount();
+}
+
 ImagePtr CairoSupplier::DecodePNG(std::span<const std::byte> bytes, float scale) const {
     std::optional<PixelBuffer> pixels = ReadPNG(bytes);
     if (!pixels || !(scale > 0)) return nullptr;

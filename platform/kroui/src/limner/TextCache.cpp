@@ -4,7 +4,10 @@ namespace kroui::limner {
 
 namespace {
 
-constexpr std::size_t kMostTexts = 4096;
+// In glyphs: twice what a screen of 7680 x 4320 shows in the smallest readable size, 6 x 12 pixels a letter.
+constexpr std::size_t kMostRoom = std::size_t{1} << 20;
+// What an entry takes besides its glyphs, in glyphs.
+constexpr std::size_t kRoomOfEntry = 16;
 // Beyond this a text has a place of its own, so that the cache's size stays bounded.
 constexpr std::size_t kLongestKept = 1024;
 
@@ -27,20 +30,33 @@ const ShapedText& TextCache::Find(std::u16string_view text, const TextStyle& sty
 }
 
 const ShapedText& TextCache::Add(const Key& key) {
-    if (fEntries.size() >= kMostTexts) {
-        fIndex.erase({fEntries.back().text, fEntries.back().style});
-        fEntries.pop_back();
-    }
-    fEntries.push_front({std::u16string(key.text), key.style, fShaper.Shape(key.text, key.style)});
+    fEntries.push_front({std::u16string(key.text), key.style, Shape(key)});
     fIndex.emplace(Key{fEntries.front().text, key.style}, fEntries.begin());
+    fRoom += RoomOf(fEntries.front());
+    while (fRoom > kMostRoom)
+        DropOldest();
     return fEntries.front().shaped;
 }
 
+void TextCache::DropOldest() {
+    fRoom -= RoomOf(fEntries.back());
+    fIndex.erase({fEntries.back().text, fEntries.back().style});
+    fEntries.pop_back();
+}
+
+// A text that is shortened has fewer glyphs than letters, one of marks has more.
+std::size_t TextCache::RoomOf(const Entry& entry) {
+    return kRoomOfEntry + entry.text.size() + entry.shaped.glyphs.size();
+}
+
 const ShapedText& TextCache::FindLong(const Key& key) {
-    if (fLong.text != key.text || fLong.style != key.style) {
-        fLong = {std::u16string(key.text), key.style, fShaper.Shape(key.text, key.style)};
-    }
+    if (fLong.text != key.text || fLong.style != key.style) fLong = {std::u16string(key.text), key.style, Shape(key)};
     return fLong.shaped;
+}
+
+ShapedText TextCache::Shape(const Key& key) {
+    ++fShapedCount;
+    return fShaper.Shape(key.text, key.style);
 }
 
 std::size_t TextCache::KeyHash::operator()(const Key& key) const noexcept {

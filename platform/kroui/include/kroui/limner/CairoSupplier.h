@@ -21,6 +21,9 @@ public:
     ImagePtr DecodePNG(std::span<const std::byte> bytes, float scale) const override;
     ImagePtr DrawImage(Size size, float scale, const boost::function<void(Limner&)>& draw) const override;
 
+    // How many texts had to be shaped so far, which is what text costs.
+    std::uint64_t ShapedTextCount() const;
+
 private:
     struct Caches;
     std::unique_ptr<Caches> fCaches;
