@@ -75,6 +75,17 @@ TEST(Archive, EveryKeyOfEveryClassSurvivesWritingAndReading) {
     }
 }
 
+// Ten thousand nodes of any class stay below the size from which on a document is taken for nonsense.
+TEST(Archive, NoClassTakesMoreThanItsShareOfTheLargestArchive) {
+    for (const auto className : AdapterRegistry::Get().ClassNames()) {
+        const auto node = AdapterRegistry::Get().Create(className);
+        SetEverything(*node);
+        std::string written = WriteArchive(*node);
+        std::erase(written, '\t');
+        EXPECT_LT(written.size(), 8U << 10U) << className;
+    }
+}
+
 TEST(Archive, RowsOfEveryClassStandInByteOrder) {
     for (const auto className : AdapterRegistry::Get().ClassNames()) {
         for (const auto* table : ChainOf(*AdapterRegistry::Get().Create(className))) {

@@ -355,6 +355,66 @@ TEST(UI_NodeBuilder, FaultsAreReportedOnceWhereTheyAreAndTheRestLoads) {
     }
 }
 
+TEST(UI_NodeBuilder, IndicesThatAreAmissAreToldAndCostNoOtherChild) {
+    const std::string_view count = "'32'>2</int></prop.pair>\n</prop.list></prop.pair>\n<prop.pair><key>choice";
+    const auto counted = [](std::string_view number) {
+        return "'32'>" + std::string(number) + "</int></prop.pair>\n</prop.list></prop.pair>\n<prop.pair><key>choice";
+    };
+    const std::string expected = ", expected child-0 to child-<count - 1>";
+    const struct {
+        std::string text;                // "@@" where the fault is, if there is one
+        std::string message;             // empty: none
+        std::vector<std::string> stay{}; // ids
+    } cases[] = {
+        {With(count, counted("@@1")), "\"children\" holds 2 of 1" + expected, {"first"}},
+        {With(count, counted("@@0")), "\"children\" holds 2 of 0" + expected, {}},
+        {With(count, counted("@@3")), "\"children\" holds 2 of 3" + expected, {"first", "second"}},
+        {With("<key>child-1</key>", "<key>child-2</key>", With(count, counted("@@2"))),
+         "\"children\" holds 2 of 2" + expected,
+         {"first"}},
+        {With("<key>child-1</key>", "<key>child-2</key>", With(count, counted("@@3"))),
+         "\"children\" holds 2 of 3" + expected,
+         {"first", "second"}},
+        {With("<key>child-0</key>", "<key>child-1</key>", With("<key>child-1</key>", "<key>child-0</key>")),
+         "",
+         {"second", "first"}},
+        {With("<key>children</key><prop.list>\n<prop.pair><key>child-0",
+              "<key>children</key><prop.list>\n<prop.pair><key>child-10", With(count, counted("@@11"))),
+         "\"children\" holds 2 of 11" + expected,
+         {"second", "first"}},
+    };
+    for (const auto& c : cases) {
+        std::string text = c.text;
+        const std::string position = c.message.empty() ? "" : TakeMark(text);
+        const auto loaded = Load(text);
+        if (c.message.empty()) {
+            EXPECT_THAT(loaded.Faults(), IsEmpty());
+        } else {
+            EXPECT_THAT(loaded.Faults(), ElementsAre("Panel.xml:" + position + ": " + c.message));
+        }
+        std::vector<std::string> ids;
+        for (const auto& child : loaded.root->Children())
+            ids.emplace_back(krocore::ToStdString(krocore::ToUTF16(child->UI_GetID())));
+        EXPECT_EQ(ids, c.stay) << c.message;
+    }
+}
+
+TEST(UI_NodeBuilder, ItemsAreCountedFromNoughtToTheLast) {
+    const auto choice = [](std::string_view item) {
+        return "'32'>" + std::string(item) + "</int></prop.pair>\n</prop.list></prop.pair>\n<prop.pair><key>countOf";
+    };
+    const std::pair<const char*, bool> cases[] = {{"-1", false}, {"0", true}, {"1", true}, {"2", true}, {"3", false}};
+    for (const auto& [item, isOne] : cases) {
+        const auto loaded = Load(With(choice("2"), choice(item)));
+        ASSERT_EQ(loaded.diagnostics.empty(), isOne) << item;
+        if (isOne) {
+            EXPECT_EQ(std::to_string(loaded.Root().Choice()), item);
+        } else {
+            EXPECT_THAT(loaded.diagnostics[0].message, HasSubstr("is " + std::string(item) + ", expected 0 to 2"));
+        }
+    }
+}
+
 TEST(UI_NodeBuilder, ValuesThatCannotBeReadLeaveTheDefault) {
     auto text = With("<float>12</float>", "<float>12px</float>");
     text = With("<int type='signed' size='32'>-12</int>", "<int type='signed' size='16'>-12</int>", text);

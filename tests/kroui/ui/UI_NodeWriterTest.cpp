@@ -230,4 +230,22 @@ TEST(UI_NodeWriter, EnumerationsWithNamesListThem) {
               "</prop.list>\r\n</prop.pair>\r\n<prop.pair>\r\n");
 }
 
+// As many nodes as there can be, 300 of them at the deepest level, where half a line is indentation.
+TEST(UI_NodeWriter, TheLargestTreeIsReadAgain) {
+    const boost::intrusive_ptr<UI_SubView> root(new UI_SubView);
+    UI_Node* deepest = root.get();
+    for (int level = 2; level < UI_NodeBuilder::kDeepestNode; ++level) {
+        deepest->ChildPushBack(new UI_SubView);
+        deepest = deepest->Child(0);
+    }
+    const int chain = UI_NodeBuilder::kDeepestNode - 1;
+    for (int node = chain; node < UI_NodeBuilder::kMostNodes; ++node)
+        (node < chain + 300 ? deepest : root.get())->ChildPushBack(new UI_SubView);
+    const std::string text = WriteArchive(*root);
+    const auto again = Read(text);
+    ASSERT_TRUE(again);
+    EXPECT_EQ(again->ChildCount(), static_cast<std::size_t>(UI_NodeBuilder::kMostNodes - chain - 300 + 1));
+    EXPECT_TRUE(WriteArchive(*again) == text);
+}
+
 } // namespace kroui::ui

@@ -1,5 +1,6 @@
 #include "ArchiveDocument.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace kroui::ui {
@@ -14,6 +15,9 @@ constexpr std::string_view kRootElement = "prop.map";
 // Texts keep their spaces, and a text is found in the element itself.
 constexpr unsigned kParseFlags =
     pugi::parse_escapes | pugi::parse_eol | pugi::parse_cdata | pugi::parse_ws_pcdata_single | pugi::parse_embed_pcdata;
+
+// Tabs before a line: the writer indents a level of nodes by eight, and what is in it by less than twenty.
+constexpr std::size_t kDeepestIndent = 8 * UI_NodeBuilder::kDeepestNode + 20;
 
 // The offset behind the mark that closes what begins at `offset`; npos if it is never closed.
 std::size_t SkipPast(std::string_view text, std::size_t offset, std::string_view closing) {
@@ -93,11 +97,22 @@ bool ArchiveDocument::CheckStart() {
         Report(start, {"not a layout archive, expected the root element <prop.map>"});
         return false;
     }
-    if (fText.size() > kLargestArchive) {
-        Report(0, {"the document is larger than 8 MB, expected a layout archive"});
+    if (IsTooLarge()) {
+        Report(0, {"the document is larger than ", std::to_string(kLargestArchive >> 20U),
+                   " MB without its indentation, expected a layout archive"});
         return false;
     }
     return true;
+}
+
+bool ArchiveDocument::IsTooLarge() const {
+    std::size_t indented = 0;
+    for (std::size_t line = 0; line < fText.size() && fText.size() - indented > kLargestArchive;) {
+        const std::size_t content = std::min(fText.find_first_not_of('\t', line), fText.size());
+        indented += std::min(content - line, kDeepestIndent);
+        line = std::min(fText.find('\n', content), fText.size() - 1) + 1;
+    }
+    return fText.size() - indented > kLargestArchive;
 }
 
 void ArchiveDocument::ReportAt(pugi::xml_node element, MessageParts message) {

@@ -29,11 +29,14 @@ public:
     void ReportAt(pugi::xml_node element, MessageParts message);
     void ReportAtText(pugi::xml_node element, MessageParts message);
 
-    // Archives are some 10 to 200 KB long; a tree of 8 MB still takes less than a second.
-    static constexpr std::size_t kLargestArchive = std::size_t{8} << 20;
+    // Room for the most nodes that there can be, of the kind that takes the most, indentation not counted: that grows
+    // with the depth and costs nothing to read.
+    static constexpr std::size_t kMostBytesOfNode = std::size_t{8} << 10;
+    static constexpr std::size_t kLargestArchive = UI_NodeBuilder::kMostNodes * kMostBytesOfNode;
 
 private:
     bool CheckStart();
+    bool IsTooLarge() const;
     void Report(std::size_t offset, MessageParts message);
     std::size_t OffsetOf(const char* text) const { return static_cast<std::size_t>(text - fCopy.get()); }
     void ReportParseFault(const pugi::xml_parse_result& result);
