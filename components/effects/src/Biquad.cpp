@@ -97,12 +97,26 @@ double BiquadCoefficients::PoleRadius() const noexcept {
     return discriminant < 0 ? std::sqrt(a2) : std::abs(half) + std::sqrt(discriminant);
 }
 
+double BiquadCoefficients::PoleAngle() const noexcept {
+    const double cosine = a2 > 0 ? -a1 / (2 * std::sqrt(a2)) : -a1;
+    return std::acos(std::clamp(cosine, -1.0, 1.0));
+}
+
 double BiquadCoefficients::DecaySamples(std::span<const BiquadCoefficients> sections, double share) noexcept {
-    double radius = 0;
+    constexpr double kNear = 4;   // times what a section loses in a sample, in radians, and in what it loses
+    constexpr double kLonger = 4; // time constants for each section that is fed by the ringing of another
+    double longest = 0;
     for (const BiquadCoefficients& section : sections) {
-        if (!section.IsNeutral()) radius = std::max(radius, section.PoleRadius());
+        if (section.IsNeutral() || section.PoleRadius() == 0) continue;
+        const double loss = -std::log(section.PoleRadius());
+        const auto isNear = [&](const BiquadCoefficients& other) {
+            return &other != &section && !other.IsNeutral() && -std::log(other.PoleRadius()) < kNear * loss &&
+                   std::abs(other.PoleAngle() - section.PoleAngle()) < kNear * loss;
+        };
+        const auto others = static_cast<double>(std::ranges::count_if(sections, isNear));
+        longest = std::max(longest, (kLonger * others - std::log(share)) / loss);
     }
-    return radius > 0 ? std::log(share) / std::log(radius) : 0;
+    return longest;
 }
 
 } // namespace qoc::components

@@ -97,10 +97,10 @@ constexpr ParameterRow kCommonRows[] = {
      .flags = kParameterNotAutomatable},
 };
 
-constexpr float kLowestFrequency = 20;        // hertz
-constexpr float kHighestFrequency = 0.49995F; // of the sample rate: at half of it there is nothing to notch
-constexpr float kLargestInput = 1e6F;         // sum of all boosts, 576 dB, stays within a float
-constexpr std::size_t kChunk = 64;            // frames
+// Hertz, and as far below half of the sample rate: there a section rings as long as it does at its mirror frequency.
+constexpr float kLowestFrequency = 20;
+constexpr float kLargestInput = 1e6F; // sum of all boosts, 576 dB, stays within a float
+constexpr std::size_t kChunk = 64;    // frames
 
 float ToGain(float decibels) noexcept {
     return static_cast<float>(std::pow(10.0, decibels / 20.0));
@@ -185,14 +185,12 @@ bool Notch::GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::Fr
 }
 
 std::size_t Notch::Tail() const noexcept {
-    const double kSixtyDecibels = std::log(1000.0);
-    double longest = 0; // seconds
+    constexpr double kDecayed = 1e-3; // 60 dB
+    std::array<BiquadCoefficients, kSections> sections;
     for (int i = 0; i < kSections; ++i) {
-        const NotchSection::Setting setting = SettingOf(i);
-        const double timeConstant = setting.q / (std::numbers::pi * setting.frequency);
-        if (IsHeard(i)) longest = std::max(longest, kSixtyDecibels * timeConstant);
+        if (IsHeard(i)) sections[static_cast<std::size_t>(i)] = NotchSection::ToBiquad(GetSampleRate(), SettingOf(i));
     }
-    return static_cast<std::size_t>(std::ceil(longest * GetSampleRate()));
+    return static_cast<std::size_t>(std::ceil(BiquadCoefficients::DecaySamples(sections, kDecayed)));
 }
 
 void Notch::PrepareProcessing(std::size_t /*maximumBlock*/) {
@@ -211,7 +209,7 @@ void Notch::ReadParameters(bool settle) noexcept {
         if (section.IsNeutral()) ForgetSound(i);
         section.Set(SettingOf(i), settle);
     }
-    fUltraQuiet = IsOn(kNotchUltraQuiet);
+    fIsDouble = IsOn(kNotchUltraQuiet) || NeedsDouble();
 }
 
 void Notch::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
@@ -222,7 +220,7 @@ void Notch::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noex
                 if (block.inputs[c] != block.outputs[c])
                     std::copy_n(block.inputs[c] + begin, frames, block.outputs[c] + begin);
             }
-        } else if (fUltraQuiet) {
+        } else if (fIsDouble) {
             ProcessChunk<double>(block, begin, frames);
         } else {
             ProcessChunk<float>(block, begin, frames);
@@ -248,7 +246,7 @@ std::vector<float> Notch::ComputeResponse(std::size_t count, const kroaudiofilte
 NotchSection::Setting Notch::SettingOf(int section) const noexcept {
     NotchSection::Setting setting;
     setting.frequency =
-        std::clamp(Natural(kNotchFirstFrequency + section), kLowestFrequency, kHighestFrequency * GetSampleRate());
+        std::clamp(Natural(kNotchFirstFrequency + section), kLowestFrequency, GetSampleRate() / 2 - kLowestFrequency);
     setting.q = kQualities[Item(kNotchWidth)];
     const int gainIndex = IsOn(kNotchFixGainEnable) ? static_cast<int>(kNotchFixGain) : kNotchFirstGain + section;
     if (IsOn(kNotchFirstEnable + section)) setting.gain = ToGain(Natural(gainIndex));
@@ -261,6 +259,12 @@ bool Notch::IsHeard(int section) const noexcept {
 
 bool Notch::IsNeutral() const noexcept {
     return std::ranges::all_of(fSections, &NotchSection::IsNeutral);
+}
+
+// While sections move they stay in double precision: they may yet be on their way from or to where it is needed.
+bool Notch::NeedsDouble() const noexcept {
+    const bool isMoving = !std::ranges::all_of(fSections, &NotchSection::IsSettled);
+    return (fIsDouble && isMoving) || std::ranges::any_of(fSections, &NotchSection::NeedsDouble);
 }
 
 void Notch::ForgetSound(int section) noexcept {

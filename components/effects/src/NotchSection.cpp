@@ -1,5 +1,6 @@
 #include "qoc/components/NotchSection.h"
 
+#include <algorithm>
 #include <cmath>
 #include <initializer_list>
 #include <numbers>
@@ -19,6 +20,13 @@ void NotchSection::Set(const Setting& setting, bool settle) noexcept {
     fDamping.Set(1 / setting.q, settle || !isHeard);
     fGain.Set(setting.gain, settle);
     if (IsSettled()) fCoefficients = Design(fTargetFrequency, fDamping.Target(), fGain.Target());
+}
+
+// By the integrators' gain, which is tan(w / 2).
+bool NotchSection::NeedsDouble() const noexcept {
+    constexpr double kMostInFloat = 10; // 0.468 of the sample rate
+    const double target = std::tan(std::numbers::pi * fTargetFrequency / fSampleRate);
+    return !IsNeutral() && std::max(target, fCoefficients.tuning) > kMostInFloat;
 }
 
 const NotchSection::Coefficients& NotchSection::Next() noexcept {

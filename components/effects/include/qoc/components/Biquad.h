@@ -39,7 +39,10 @@ struct BiquadCoefficients {
     bool IsNeutral() const noexcept { return b0 == 1 && b1 == a1 && b2 == a2; }
     // The distance of the outer pole from the middle of the unit circle.
     double PoleRadius() const noexcept;
-    // How long the slowest of the sections rings until an impulse has decayed to that share; neutral ones do not ring.
+    // Its direction, in radians from 0 to pi.
+    double PoleAngle() const noexcept;
+    // How long sections in a row ring until an impulse has decayed to that share: the slowest one, and longer if others
+    // ring at its frequency. Neutral ones do not ring.
     static double DecaySamples(std::span<const BiquadCoefficients> sections, double share) noexcept;
 };
 

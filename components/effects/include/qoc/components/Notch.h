@@ -10,12 +10,13 @@ namespace qoc::components {
 
 // Six notches, each with its frequency, gain and switch, and one width for all; the gains can be linked to one. With a
 // gain above 0 dB a section raises its frequency instead. All settings move without clicks. A section that is off, or
-// at 0 dB, lets the sound through bit by bit. Sections stand between 20 Hz and just below the Nyquist frequency,
+// at 0 dB, lets the sound through bit by bit. Sections stand between 20 Hz and 20 Hz below the Nyquist frequency,
 // whatever is stored. Input that is no number, or beyond 120 dB over full scale, counts as silence.
 //
-// Ultra quiet: the filters compute in double precision instead of single. In single precision six super narrow notches
-// on one frequency leave an error of up to -96 dB of full scale under a loud tone there, and up to -133 dB under noise;
-// in double precision it lies below the resolution of a 24-bit output. Boosts raise both with the sound.
+// Ultra quiet: the filters compute in double precision instead of single; close to the Nyquist frequency they do
+// anyway. In single precision six super narrow notches on one frequency leave an error of up to -96 dB of full scale
+// under a loud tone there, and up to -133 dB under noise; in double precision it lies below the resolution of a 24-bit
+// output. Boosts raise both with the sound.
 class Notch : public ComponentBase {
 public:
     static constexpr int kSections = 6;
@@ -26,7 +27,7 @@ public:
     // so that a curve through few places still shows how deep the notch is.
     bool GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost::FrequencyAxis& axis,
                               std::vector<float>& decibels) const override;
-    // Until the narrowest notch has rung down by 60 dB.
+    // Until the notches have rung down by 60 dB.
     std::size_t Tail() const noexcept override;
 
 protected:
@@ -50,6 +51,7 @@ private:
     // Whether its parameters make it do anything; the other one: whether no section does anything at present.
     bool IsHeard(int section) const noexcept;
     bool IsNeutral() const noexcept;
+    bool NeedsDouble() const noexcept;
     void ForgetSound(int section) noexcept;
     template <class Real>
     void ProcessChunk(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin,
@@ -60,7 +62,7 @@ private:
 
     std::array<NotchSection, kSections> fSections;
     std::array<std::array<State, kSections>, kMaximumChannels> fStates;
-    bool fUltraQuiet = false;
+    bool fIsDouble = false;          // computes in double precision
     mutable ResponseCache fResponse; // user-interface thread
 };
 

@@ -34,6 +34,9 @@ public:
 
     // Lets the sound through bit by bit.
     bool IsNeutral() const noexcept { return fGain.IsSettled() && fGain.Target() == 1; }
+    // Whether the filter at work, or the one that it goes to, rings so near half the sample rate that a float has not
+    // the digits for it: what a sample takes off the sound is lost to rounding, and silence would never come.
+    bool NeedsDouble() const noexcept;
     // The coefficients don't change any more.
     bool IsSettled() const noexcept { return fPitch.IsSettled() && fDamping.IsSettled() && fGain.IsSettled(); }
     // Those for the next sample.
