@@ -109,7 +109,7 @@ constexpr double kWallAbsorption = 0.2; // of a room that is neither bare nor fu
 constexpr double kLinesOfRoom = 1.5;    // mean length of the tank's lines against the way from wall to wall
 constexpr double kShortestLines = 0.01; // seconds
 constexpr double kShelfQ = std::numbers::sqrt2 / 2;
-constexpr double kMostOfRate = 0.49; // of the sample rate, for the frequencies of the equaliser
+constexpr double kMostOfRate = 0.49; // of the sample rate, for the frequencies of its filters
 
 } // namespace
 
@@ -164,8 +164,8 @@ void FullReverb::ResetProcessing() noexcept {
 void FullReverb::ReadParameters(bool settle) noexcept {
     ReadLevels(settle);
     ReadRoom(settle);
-    const double sampleRate = GetSampleRate();
-    const std::array highPass = {BiquadCoefficients::HighPass(sampleRate, Natural(kFullReverbHighPass), kShelfQ)};
+    const std::array highPass = {
+        BiquadCoefficients::HighPass(GetSampleRate(), HeldFrequency(kFullReverbHighPass), kShelfQ)};
     fHighPass.Set(highPass, settle);
     fEqualiser.Set(EqualiserOfParameters(), settle);
 }
@@ -221,13 +221,16 @@ double FullReverb::Predelay() const noexcept {
 
 FullReverb::Equaliser FullReverb::EqualiserOfParameters() const noexcept {
     const double sampleRate = GetSampleRate();
-    const auto hertz = [&](int index) { return std::min<double>(Natural(index), kMostOfRate * sampleRate); };
-    return {
-        BiquadCoefficients::LowShelf(sampleRate, hertz(kFullReverbLowFrequency), kShelfQ, Natural(kFullReverbLowGain)),
-        BiquadCoefficients::Peaking(sampleRate, hertz(kFullReverbMiddleFrequency), Natural(kFullReverbMiddleQ),
-                                    Natural(kFullReverbMiddleGain)),
-        BiquadCoefficients::HighShelf(sampleRate, hertz(kFullReverbHighFrequency), kShelfQ,
-                                      Natural(kFullReverbHighGain))};
+    return {BiquadCoefficients::LowShelf(sampleRate, HeldFrequency(kFullReverbLowFrequency), kShelfQ,
+                                         Natural(kFullReverbLowGain)),
+            BiquadCoefficients::Peaking(sampleRate, HeldFrequency(kFullReverbMiddleFrequency),
+                                        Natural(kFullReverbMiddleQ), Natural(kFullReverbMiddleGain)),
+            BiquadCoefficients::HighShelf(sampleRate, HeldFrequency(kFullReverbHighFrequency), kShelfQ,
+                                          Natural(kFullReverbHighGain))};
+}
+
+double FullReverb::HeldFrequency(int index) const noexcept {
+    return std::min<double>(Natural(index), kMostOfRate * GetSampleRate());
 }
 
 void FullReverb::ReadLevels(bool settle) noexcept {

@@ -49,6 +49,8 @@ private:
     double Decay() const noexcept;
     double Predelay() const noexcept;
     Equaliser EqualiserOfParameters() const noexcept;
+    // Hertz, below half of the sample rate.
+    double HeldFrequency(int index) const noexcept;
     void ReadLevels(bool settle) noexcept;
     void ReadRoom(bool settle) noexcept;
 
