@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <complex>
 #include <numbers>
 
 namespace qoc::components {
@@ -49,11 +50,18 @@ double BandGain::Process(std::size_t channel, double sample, double gain) noexce
     return sample;
 }
 
-// By the slowest poles: their distance from the axis, as a share of the lower edge or of half of the width.
-double BandGain::DecaySeconds(double low, double high) noexcept {
-    const double upper = std::max(high, kNarrowest * low);
-    const double nearest = kDamping[1] / 2 * 2 * std::numbers::pi * std::min(low, (upper - low) / 2);
-    return std::log(1e5) / nearest;
+// By the slowest poles: those of the less damped section, p, become the solutions of s^2 - p width s + middle^2 = 0,
+// and (1 + s) / (1 - s).
+double BandGain::DecaySamples(double sampleRate, double low, double high) noexcept {
+    const double lower = std::tan(std::numbers::pi * low / sampleRate);
+    const double upper = std::max(std::tan(std::numbers::pi * high / sampleRate), kNarrowest * lower);
+    const std::complex<double> pole = std::polar(1.0, std::acos(-kDamping[1] / 2));
+    const std::complex<double> half = (upper - lower) / 2 * pole;
+    const std::complex<double> root = std::sqrt(half * half - lower * upper);
+    double slowest = 1; // loss in a sample, as a logarithm
+    for (const std::complex<double>& s : {half + root, half - root})
+        slowest = std::min(slowest, -std::log1p(4 * s.real() / std::norm(1.0 - s)) / 2);
+    return std::log(1e5) / slowest;
 }
 
 // What of its output does not depend on the present input.

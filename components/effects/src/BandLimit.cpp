@@ -20,21 +20,36 @@ void BandLimit::Reset() noexcept {
     fGain.Reset();
 }
 
-void BandLimit::Set(const Settings& settings, bool settle) noexcept {
+BandLimit::Edges::Edges(double sampleRate, const Settings& settings) noexcept {
     constexpr double kHighest = 0.49; // of the sample rate
+    low = std::min<double>(settings.low, kHighest / BandGain::kNarrowest * sampleRate);
+    high = std::min<double>(settings.high, kHighest * sampleRate);
+}
+
+std::array<BiquadCoefficients, 2> BandLimit::Edges::Filters(double sampleRate) const noexcept {
     constexpr double kButterworthQ = std::numbers::sqrt2 / 2;
+    return {BiquadCoefficients::HighPass(sampleRate, low, kButterworthQ),
+            BiquadCoefficients::LowPass(sampleRate, high, kButterworthQ)};
+}
+
+double BandLimit::DecaySamples(double sampleRate, const Settings& settings) noexcept {
+    constexpr double kDecayed = 1e-5; // 100 dB
+    if (!settings.isOn) return 0;
+    const Edges edges(sampleRate, settings);
+    return BandGain::DecaySamples(sampleRate, edges.low, edges.high) +
+           BiquadCoefficients::DecaySamples(edges.Filters(sampleRate), kDecayed);
+}
+
+void BandLimit::Set(const Settings& settings, bool settle) noexcept {
     const bool jumps = settle || !IsHeard();
     if (!IsHeard()) Reset();
-    const double low = std::min<double>(settings.low, kHighest / BandGain::kNarrowest * fSampleRate);
-    const double high = std::min<double>(settings.high, kHighest * fSampleRate);
+    const Edges edges(fSampleRate, settings);
     fShare.Set(settings.isOn ? 1 : 0, settle);
-    fLow.Set(std::log(low), jumps);
-    fHigh.Set(std::log(high), jumps);
-    fFilters.Set(std::array{BiquadCoefficients::HighPass(fSampleRate, low, kButterworthQ),
-                            BiquadCoefficients::LowPass(fSampleRate, high, kButterworthQ)},
-                 jumps);
+    fLow.Set(std::log(edges.low), jumps);
+    fHigh.Set(std::log(edges.high), jumps);
+    fFilters.Set(edges.Filters(fSampleRate), jumps);
     if (fShare.IsSettled()) fShareNow = fShare.Target();
-    if (fLow.IsSettled() && fHigh.IsSettled()) fGain.SetBand(fSampleRate, low, high);
+    if (fLow.IsSettled() && fHigh.IsSettled()) fGain.SetBand(fSampleRate, edges.low, edges.high);
 }
 
 void BandLimit::Advance() noexcept {

@@ -145,9 +145,11 @@ Dynamics::Dynamics() : ComponentBase(kDynamicsComponentID, Table()) {
 Dynamics::~Dynamics() = default;
 
 std::size_t Dynamics::Tail() const noexcept {
-    if (!IsOn(kDynamicsLimitBand)) return 0;
-    const double seconds = BandGain::DecaySeconds(Natural(kDynamicsLowCutoff), Natural(kDynamicsHighCutoff));
-    return static_cast<std::size_t>(std::ceil(seconds * GetSampleRate()));
+    return static_cast<std::size_t>(std::ceil(BandLimit::DecaySamples(GetSampleRate(), BandOfParameters())));
+}
+
+BandLimit::Settings Dynamics::BandOfParameters() const noexcept {
+    return {IsOn(kDynamicsLimitBand), Natural(kDynamicsLowCutoff), Natural(kDynamicsHighCutoff)};
 }
 
 bool Dynamics::GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const {
@@ -198,7 +200,7 @@ void Dynamics::ReadParameters(bool settle) noexcept {
                  LevelDetector::Remainder(SamplesOf(kDynamicsDetectorRelease))};
     const int before = std::exchange(fDetectorChannels, Item(kDynamicsDetectorChannels));
     if (before != kEachByItself) std::ranges::fill(fFollowers, Follower(fFollowers[0]));
-    fBand.Set({IsOn(kDynamicsLimitBand), Natural(kDynamicsLowCutoff), Natural(kDynamicsHighCutoff)}, settle);
+    fBand.Set(BandOfParameters(), settle);
     const double automatic = IsOn(kDynamicsAutoMakeUp) ? -LimitedGain(fCurve.LastInput()) : 0;
     fMakeUp.Set(Natural(kDynamicsMakeUpGain) + automatic, settle);
     fDetectorGain.Set(ToFactor(Natural(kDynamicsDetectorGain)), settle);

@@ -104,8 +104,10 @@ std::size_t Echo::Tail() const noexcept {
         feedback = std::max(feedback, double{Natural(first + kFeedback)} / kPercent);
     }
     const double most = kLongest * GetSampleRate();
+    // Each time around the equaliser rings.
+    longest += BiquadCoefficients::DecaySamples(fDesigned.sections, kDecayed);
     const double repeats = feedback < 1 ? std::ceil(std::log(kDecayed) / std::log(feedback)) : most;
-    return static_cast<std::size_t>(std::min(most, (1 + repeats) * longest));
+    return static_cast<std::size_t>(std::min(most, std::ceil((1 + repeats) * longest)));
 }
 
 void Echo::OnParametersChanged(ParameterChanges changes) {

@@ -121,7 +121,9 @@ FullReverb::~FullReverb() = default;
 
 std::size_t FullReverb::Tail() const noexcept {
     const double seconds = std::max(Predelay() + AudibleSeconds(Decay()), EarlyReflections::kLongestSeconds);
-    return static_cast<std::size_t>(std::ceil(seconds * GetSampleRate()));
+    constexpr double kDecayed = 1e-3; // 60 dB
+    const double equaliser = BiquadCoefficients::DecaySamples(EqualiserOfParameters(), kDecayed);
+    return static_cast<std::size_t>(std::ceil(seconds * GetSampleRate() + equaliser));
 }
 
 bool FullReverb::GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const {

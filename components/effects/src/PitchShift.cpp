@@ -62,6 +62,12 @@ PitchShift::PitchShift() : ComponentBase(kPitchShiftComponentID, std::move(Param
 
 PitchShift::~PitchShift() = default;
 
+std::size_t PitchShift::Tail() const noexcept {
+    if (Natural(kPitchShiftRatio) == 1.0F) return 0;
+    const double late = Splicer::FarthestOff(ReadLengths(), GetSampleRate());
+    return static_cast<std::size_t>(std::ceil(late)) + BandLimitedInterpolator::kReach;
+}
+
 void PitchShift::PrepareProcessing(std::size_t maximumBlock) {
     const double sampleRate = GetSampleRate();
     fSplicer.Prepare(GetNumberOfInputChannels(), sampleRate, sampleRate / kLowestSplicingFrequency);

@@ -22,11 +22,17 @@ void Splicer::Prepare(std::size_t channels, double sampleRate, double longest) {
     const double sequence = std::max({longest, kLongSequence * sampleRate, 2 * kShortestFade});
     const double compared = std::max(sequence / 2, kComparedSeconds * sampleRate);
     fSearch.Prepare(channels, sampleRate, static_cast<std::size_t>(std::ceil(compared)));
-    // A piece is off the clock by half its length at most, at its ends, and by half the room; the sound compared lies
-    // around the middle of a fade. From a piece's begin to its middle are so many frames at the lowest ratio.
-    const double off = (sequence + SpliceSearch::kRoomSeconds * sampleRate) / 2;
+    // The sound compared lies around the middle of a fade. From a piece's begin to its middle are so many frames at the
+    // lowest ratio.
+    const double off = FarthestOff({sequence, 0}, sampleRate);
     fReach = static_cast<std::size_t>(std::ceil(std::max(off + compared, sequence / 2 / kLowestRatio))) + 4;
     Reset();
+}
+
+// By half the length of a piece, at its ends, and by half the room.
+double Splicer::FarthestOff(const Lengths& lengths, double sampleRate) noexcept {
+    const double sequence = lengths.sequence > 0 ? lengths.sequence : kLongSequence * sampleRate;
+    return (sequence + SpliceSearch::kRoomSeconds * sampleRate) / 2;
 }
 
 void Splicer::Reset() noexcept {

@@ -19,6 +19,7 @@ public:
     AdaptiveNoiseReduction();
 
     std::size_t Latency() const noexcept override { return fFrame; }
+    std::size_t Tail() const noexcept override { return fStream.Tail(); }
 
 protected:
     ~AdaptiveNoiseReduction() override;

@@ -21,6 +21,8 @@ public:
     AutoPhaseCorrection();
 
     std::size_t Latency() const noexcept override { return fLatency; }
+    // As long as a channel may be moved, and what is left of its phases' turn.
+    std::size_t Tail() const noexcept override { return IsWorking() ? fDelay + fOverlapAdd.Tail() : 0; }
 
 protected:
     ~AutoPhaseCorrection() override;

@@ -26,8 +26,8 @@ public:
     // `gain` is a factor, 0 or more.
     double Process(std::size_t channel, double sample, double gain) noexcept;
 
-    // Until a sound has decayed by 100 dB.
-    static double DecaySeconds(double low, double high) noexcept;
+    // Until a sound has decayed by 100 dB; for edges as SetBand takes them.
+    static double DecaySamples(double sampleRate, double low, double high) noexcept;
 
 private:
     static constexpr std::size_t kSections = 2;

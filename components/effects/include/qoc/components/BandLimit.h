@@ -4,6 +4,7 @@
 #include "qoc/components/GlidingSections.h"
 #include "qoc/components/SmoothedValue.h"
 
+#include <array>
 #include <cstddef>
 
 namespace qoc::components {
@@ -24,6 +25,9 @@ public:
     // Goes there from the next sample on; `settle`: at once.
     void Set(const Settings& settings, bool settle) noexcept;
 
+    // Until a sound has decayed by 100 dB; 0 when it is off.
+    static double DecaySamples(double sampleRate, const Settings& settings) noexcept;
+
     // Before the channels of a sample.
     void Advance() noexcept;
     // What of the sample belongs to the band: the sample itself, bit by bit, while there is no limit.
@@ -34,6 +38,15 @@ public:
     }
 
 private:
+    // Hertz, within what the sample rate allows.
+    struct Edges {
+        Edges(double sampleRate, const Settings& settings) noexcept;
+        std::array<BiquadCoefficients, 2> Filters(double sampleRate) const noexcept;
+
+        double low;
+        double high;
+    };
+
     double ChangedInBand(std::size_t channel, double sample, double gain) noexcept;
     bool IsHeard() const noexcept { return !fShare.IsSettled() || fShare.Target() > 0; }
 

@@ -19,6 +19,7 @@ public:
 
     // The frequencies of the range that is chosen are told in two parameters, which follow every change.
     std::size_t Latency() const noexcept override { return fLatency; }
+    std::size_t Tail() const noexcept override { return fLatency > 0 ? fTransform.Tail() : 0; }
 
 protected:
     ~CenterChannelExtract() override;

@@ -37,6 +37,7 @@ protected:
     void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
 
 private:
+    BandLimit::Settings BandOfParameters() const noexcept;
     // The way from the level to the gain, of one channel or of all.
     struct Follower {
         LevelDetector detector;

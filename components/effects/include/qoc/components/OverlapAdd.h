@@ -47,6 +47,8 @@ public:
 
     // How many samples the output of an untouched spectrum comes later than the input.
     std::size_t Latency() const noexcept { return fLayout.frame; }
+    // How many samples later than that the output may still sound, when a processor changes spectra as it likes.
+    std::size_t Tail() const noexcept { return fLayout.transform; }
     // Sound thread. As many channels as prepared; outputs may be the inputs.
     void Process(const kroaudiofilterhost::AudioFilterBlock& block, SpectrumProcessor& processor) noexcept;
 

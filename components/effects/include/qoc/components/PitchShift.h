@@ -18,6 +18,8 @@ public:
     PitchShift();
 
     std::size_t Latency() const noexcept override { return fLatency; }
+    // As long as a piece may be late.
+    std::size_t Tail() const noexcept override;
 
 protected:
     ~PitchShift() override;

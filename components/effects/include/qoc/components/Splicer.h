@@ -31,6 +31,8 @@ public:
     // Of the pieces that are still to begin.
     void SetLengths(const Lengths& lengths) noexcept { fLengths = lengths; }
 
+    // How far from the frame that is due the sound may be read that is heard at it, in samples.
+    static double FarthestOff(const Lengths& lengths, double sampleRate) noexcept;
     // How far ahead of the frame that is due the clock and the history have to be, and the history behind it.
     std::size_t Reach() const noexcept { return fReach; }
 
