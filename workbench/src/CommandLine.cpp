@@ -3,9 +3,11 @@
 #include "krocore/config/Error.h"
 #include "workbench/CheckCommand.h"
 #include "workbench/EffectTables.h"
+#include "workbench/Interruption.h"
 #include "workbench/OpenCommand.h"
 #include "workbench/PanelsLibrary.h"
 #include "workbench/PresetCommand.h"
+#include "workbench/ProblemText.h"
 #include "workbench/RenderCommand.h"
 #include "workbench/SnapshotCommand.h"
 
@@ -27,7 +29,8 @@ constexpr const char* kUsage = R"(usage: workbench [open] [--effect NAME | --scr
        workbench params EFFECT [--format table|tsv]
        workbench presets EFFECT
        workbench preset --effect NAME [--preset NAME|FILE] [--set PARAM=VALUE]... OUT.json
-       workbench render --effect NAME [--preset NAME|FILE] [--set PARAM=VALUE]... IN OUT
+       workbench render --effect NAME [--preset NAME|FILE] [--set PARAM=VALUE]...
+                        [--type TYPE [--rate HZ --channels N]] IN OUT
        workbench snapshot (--effect NAME | --scripts NAME) [--watch DIR] [--theme dark|light] [--scale F] [--channels N] OUT.png
        workbench gallery DIR
        workbench check FILE...
@@ -67,7 +70,24 @@ void AddSettings(CLI::App& command, std::vector<std::string>& settings) {
     command.add_option("--set", settings, R"(set a parameter: gain1=-6, "Gain 1=-6 dB", n:0.5 for a normalised value)")
         ->type_name("PARAM=VALUE")
         ->expected(1)
+        ->allow_extra_args(false) // the files may follow
         ->take_all();
+}
+
+// Of streams, under the name "-", and of files whose extension says nothing.
+void AddSoundKind(CLI::App& command, qohost::SoundKind& kind) {
+    constexpr int kHighestRate = 1000000;
+    command.add_option("--type", kind.type, "how a stream stores sound: wav, au, raw (16 bits) and the like")
+        ->type_name("TYPE")
+        ->check(CLI::Validator(
+            [](const std::string& type) { return qohost::IsSoundType(type) ? "" : "no kind of sound file: " + type; },
+            ""));
+    command.add_option("--rate", kind.sampleRate, "the sample rate of raw sound that is read, in hertz")
+        ->type_name("HZ")
+        ->check(CLI::Range(1, kHighestRate));
+    command.add_option("--channels", kind.channels, "the channels of raw sound that is read, 1 to 32")
+        ->type_name("N")
+        ->check(CLI::Range(1, kMostChannels));
 }
 
 void AddPreset(CLI::App& command, std::string& preset) {
@@ -95,7 +115,8 @@ void DescribeOpen(CLI::App& app, OpenRequest& request) {
     command.add_option("--trace", request.trace, "write traces up to this level, 1 to 9, on the error output")
         ->type_name("LEVEL")
         ->check(CLI::Range(0, 9));
-    AddPath(command, request.file, "FILE", "the sound to open; without it a built-in one");
+    AddSoundKind(command, request.kind);
+    AddPath(command, request.file, "FILE", "the sound to open, - for the standard input; without it a built-in one");
 }
 
 void DescribeRender(CLI::App& app, RenderRequest& request) {
@@ -103,8 +124,10 @@ void DescribeRender(CLI::App& app, RenderRequest& request) {
     command.add_option("--effect", request.effect, R"(see "workbench list")")->type_name("NAME")->required();
     AddPreset(command, request.preset);
     AddSettings(command, request.settings);
-    AddPath(command, request.input, "IN", "the sound file to read")->required();
-    AddPath(command, request.output, "OUT", "the sound file to write; may be the same")->required();
+    AddSoundKind(command, request.kind);
+    AddPath(command, request.input, "IN", "the sound file to read; - for the standard input")->required();
+    AddPath(command, request.output, "OUT", "the sound file to write, may be the same; - for the standard output")
+        ->required();
 }
 
 void DescribePresets(CLI::App& app, Request& request) {
@@ -114,7 +137,7 @@ void DescribePresets(CLI::App& app, Request& request) {
     command.add_option("--effect", request.preset.effect, R"(see "workbench list")")->type_name("NAME")->required();
     AddPreset(command, request.preset.preset);
     AddSettings(command, request.preset.settings);
-    AddPath(command, request.preset.output, "OUT", "the file to write")->required();
+    AddPath(command, request.preset.output, "OUT", "the file to write; - for the standard output")->required();
 }
 
 void DescribeSnapshot(CLI::App& app, SnapshotRequest& request) {
@@ -125,7 +148,7 @@ void DescribeSnapshot(CLI::App& app, SnapshotRequest& request) {
     AddScale(command, request.scale, "--scale", "pixels a unit of the picture, 0.5 to 4");
     command.add_option("--channels", request.channels, "the channels that the effect has, 1 to 32")
         ->check(CLI::Range(1, kMostChannels));
-    AddPath(command, request.output, "OUT", "the file to write")->required();
+    AddPath(command, request.output, "OUT", "the file to write; - for the standard output")->required();
 }
 
 void DescribeParameters(CLI::App& app, Request& request) {
@@ -156,6 +179,7 @@ void Describe(CLI::App& app, Request& request) {
 int Run(const CLI::App& app, const Request& request) {
     const std::string command = app.get_subcommands().front()->get_name();
     if (command == "open") return Open(request.open);
+    RemoveUnfinishedFilesAtTheEnd();
     if (command == "render") return Render(request.render);
     if (command == "check") return Check(request.check);
     if (command == "list") {
@@ -213,7 +237,7 @@ int RunCommandLine(int argc, const char* const* argv) {
     try {
         return ParseAndRun(argc, argv);
     } catch (const std::exception& error) {
-        fmt::print(stderr, "workbench: {}\n", error.what());
+        fmt::print(stderr, "workbench: {}\n", ProblemText(error));
         return kExitFailed;
     }
 }

@@ -1,10 +1,12 @@
 #include "workbench/OpenCommand.h"
 
 #include "host/AudioFile.h"
+#include "host/ByteStream.h"
 #include "krocore/config/Error.h"
 #include "krocore/debug/Trace.h"
 #include "workbench/CommandLine.h"
 #include "workbench/EffectNames.h"
+#include "workbench/Interruption.h"
 #include "workbench/ScriptEffect.h"
 #include "workbench/SdlSoundOutput.h"
 #include "workbench/SdlWindow.h"
@@ -58,11 +60,12 @@ int Open(const OpenRequest& request) {
     const EffectDescription& effect = scripts ? scripts->Description() : EffectToBeginWith(request.effect, effects);
     // What is wrong with the file is told even where there is no screen and no sound.
     std::optional<qohost::AudioFile> sound;
-    if (!request.file.empty()) sound = qohost::ReadAudioFile(request.file);
+    if (!request.file.empty()) sound = qohost::ReadAudioFile(request.file, request.kind);
     SdlWindow window(library.Supplier(), {WorkbenchView::kDefaultSize, WorkbenchView::kSmallestSize, request.scale});
+    RemoveUnfinishedFilesAtTheEnd(); // behind SDL, which makes some of the signals a wish to close the window
     SdlSoundOutput output;
     Session session(output, effect, scripts ? scripts->Filter() : nullptr);
-    if (sound) session.OpenSound(request.file, std::move(*sound));
+    if (sound) session.OpenSound(qohost::InputName(request.file), std::move(*sound));
 
     const boost::intrusive_ptr<WorkbenchView> view(new WorkbenchView(session, effects, &panels));
     window.Window().SetTheme(request.theme == Theme::Light().Name() ? Theme::Light() : Theme::Dark());

@@ -1,5 +1,6 @@
 #include "workbench/PresetCommand.h"
 
+#include "host/ByteStream.h"
 #include "host/FactoryPresets.h"
 #include "host/UserPresets.h"
 #include "krocore/config/Error.h"
@@ -33,7 +34,7 @@ Preset PresetFromText(const EffectDescription& effect, std::string_view text) {
     const qohost::UserPresets saved = SavedPresets();
     if (saved.Has(effect.shortName, text)) return saved.Read(effect.shortName, text);
     std::error_code error;
-    if (std::filesystem::exists(text, error)) return qohost::ReadPresetFile(text);
+    if (qohost::IsStream(text) || std::filesystem::exists(text, error)) return qohost::ReadPresetFile(text);
     throw krocore::config::Error(fmt::format(
         R"("{0}" is neither a file nor a preset of {1}; "workbench presets {1}" lists those)", text, effect.shortName));
 }
@@ -62,7 +63,9 @@ void MakePreset(const PresetRequest& request) {
     filter->Prepare(filter->GetSampleRate(), kBlock, kromediatypes::AudioChannelLayout::ForChannelCount(kStereo));
     ApplyPresetNamed(*filter, effect, request.preset);
     ApplySettings(*filter, request.settings);
-    qohost::WritePresetFile(request.output, qohost::CapturePresetForAnyRate(*filter, request.output.stem().string()));
+    const bool isStream = qohost::IsStream(request.output); // it has no name to give
+    const std::string name = isStream ? krocore::ToStdString(effect.DisplayName()) : request.output.stem().string();
+    qohost::WriteBytes(request.output, qohost::WritePreset(qohost::CapturePresetForAnyRate(*filter, name)));
 }
 
 } // namespace workbench

@@ -1,6 +1,6 @@
 #include "workbench/RenderCommand.h"
 
-#include "host/AudioFile.h"
+#include "host/ByteStream.h"
 #include "host/OfflineRenderer.h"
 #include "workbench/CommandLine.h"
 #include "workbench/EffectNames.h"
@@ -12,6 +12,8 @@
 
 #include <chrono>
 #include <cstdio>
+#include <optional>
+#include <utility>
 
 namespace workbench {
 
@@ -22,8 +24,11 @@ using SteadyClock = std::chrono::steady_clock;
 // Says on a terminal how far a longer render is.
 class Progress {
 public:
-    ~Progress() {
+    ~Progress() { Clear(); }
+
+    void Clear() {
         if (fShown >= 0) fmt::print(stderr, "\r{:{}}\r", "", kLineWidth);
+        fShown = -1;
     }
 
     void Show(double part) {
@@ -43,33 +48,42 @@ private:
     int fShown = -1; // percent; nothing yet
 };
 
+qohost::SoundFileWriter::Format FormatOf(const qohost::OfflineRenderer& renderer,
+                                         const qohost::SoundFileReader& input) {
+    return {.sampleRate = input.SampleRate(),
+            .layout = renderer.Layout(),
+            .frames = renderer.Frames(),
+            .like = input.Encoding()};
+}
+
 } // namespace
 
 int Render(const RenderRequest& request) {
     const qoc::components::EffectDescription& effect = EffectFromName(request.effect);
     const auto filter = NewFilter(effect);
-    const qohost::AudioFile file = qohost::ReadAudioFile(request.input);
+    qohost::SoundFileReader input(request.input, request.kind);
     qohost::RenderOptions options;
     // How many parameters there are may follow the channels.
-    filter->Prepare(file.sound.sampleRate, options.blockFrames, file.sound.layout);
+    filter->Prepare(input.SampleRate(), options.blockFrames, input.Layout());
     ApplyPresetNamed(*filter, effect, request.preset);
     ApplySettings(*filter, request.settings);
 
-    const Interruption interruption;
-    std::optional<qohost::Sound> result;
-    {
-        Progress progress;
-        options.progress = [&](double part) {
-            progress.Show(part);
-            return !interruption.HasHappened();
-        };
-        result = qohost::RenderOffline(*filter, file.sound, options);
-    }
-    if (!result || interruption.HasHappened()) {
-        fmt::print(stderr, "workbench: interrupted; {} was not written\n", request.output.string());
+    std::optional<Interruption> interruption(std::in_place);
+    Progress progress;
+    options.progress = [&](double part) {
+        progress.Show(part);
+        return !interruption->HasHappened();
+    };
+    qohost::OfflineRenderer renderer(*filter, input, options);
+    qohost::SoundFileWriter output(request.output, FormatOf(renderer, input), request.kind);
+    const bool isDone = renderer.Run(output) && !interruption->HasHappened();
+    progress.Clear();
+    if (!isDone) {
+        fmt::print(stderr, "workbench: interrupted; {} was not written\n", qohost::OutputName(request.output));
         return kExitInterrupted;
     }
-    qohost::WriteAudioFile(request.output, *result, file.encoding);
+    interruption.reset(); // whoever reads the stream may take their time
+    output.Commit();
     return kExitDone;
 }
 

@@ -1,6 +1,8 @@
 #include "workbench/RenderJob.h"
 
 #include "host/OfflineRenderer.h"
+#include "host/SoundInMemory.h"
+#include "workbench/ProblemText.h"
 
 #include <exception>
 #include <utility>
@@ -9,16 +11,9 @@ namespace workbench {
 
 namespace {
 
-qohost::Sound Part(const qohost::Sound& sound, const qohost::PlaybackRange& range) {
+qohost::SoundInMemoryReader Part(const qohost::Sound& sound, const qohost::PlaybackRange& range) {
     const bool isWhole = range.end <= range.begin;
-    const std::size_t begin = isWhole ? 0 : std::min(range.begin, sound.Frames());
-    const std::size_t end = isWhole ? sound.Frames() : std::min(range.end, sound.Frames());
-    qohost::Sound part{sound.sampleRate, sound.layout, {}};
-    for (const std::vector<float>& channel : sound.channels) {
-        part.channels.emplace_back(channel.begin() + static_cast<std::ptrdiff_t>(begin),
-                                   channel.begin() + static_cast<std::ptrdiff_t>(end));
-    }
-    return part;
+    return {sound, isWhole ? 0 : range.begin, isWhole ? sound.Frames() : range.end};
 }
 
 std::filesystem::path FreeName(const std::filesystem::path& wanted) {
@@ -46,7 +41,7 @@ void RenderJob::Run() noexcept {
     try {
         Render();
     } catch (const std::exception& error) {
-        fOutcome.problem = error.what();
+        fOutcome.problem = ProblemText(error);
     }
     fIsOver.store(true);
 }
@@ -57,10 +52,15 @@ void RenderJob::Render() {
         fPartDone.store(part);
         return !fIsCancelled.load();
     };
-    const auto result = qohost::RenderOffline(*fTask.filter, Part(*fTask.sound, fTask.range), options);
-    if (!result || fIsCancelled.load()) return;
+    qohost::SoundInMemoryReader input = Part(*fTask.sound, fTask.range);
+    qohost::OfflineRenderer renderer(*fTask.filter, input, options);
     const std::filesystem::path file = FreeName(fTask.file);
-    qohost::WriteAudioFile(file, *result, fTask.encoding);
+    qohost::SoundFileWriter output(file, {.sampleRate = input.SampleRate(),
+                                          .layout = renderer.Layout(),
+                                          .frames = renderer.Frames(),
+                                          .like = fTask.encoding});
+    if (!renderer.Run(output) || fIsCancelled.load()) return;
+    output.Commit();
     if (fIsCancelled.load())
         std::filesystem::remove(file);
     else

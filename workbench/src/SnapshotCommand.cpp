@@ -1,5 +1,6 @@
 #include "workbench/SnapshotCommand.h"
 
+#include "host/ByteStream.h"
 #include "krocore/config/Error.h"
 #include "kroui/ui/HeadlessWindow.h"
 #include "workbench/EffectNames.h"
@@ -64,7 +65,7 @@ void Snapshot(const SnapshotRequest& request) {
     if (!panel && !problem.empty()) throw Error(krocore::ToStdString(problem));
     if (!panel) throw Error(fmt::format(R"(the effect "{}" has no panel in this version)", request.effect));
     const Theme& theme = request.theme == Theme::Light().Name() ? Theme::Light() : Theme::Dark();
-    kroui::limner::WritePNG(*Draw(library, panel, theme, request.scale), request.output);
+    qohost::WriteBytes(request.output, kroui::limner::EncodePNG(*Draw(library, panel, theme, request.scale)));
 }
 
 int Gallery(const std::filesystem::path& folder) {

@@ -1,9 +1,13 @@
 #pragma once
 
+#include <array>
+
 namespace workbench {
 
-// While it lives, Ctrl-C and a request to terminate do not end the program but are remembered, so that the work at hand
-// can be left cleanly. One at a time.
+// What a signal that asks the program to end does (see EndingSignals), unless the program's caller has it ignored.
+
+// While it lives, such a signal does not end the program but is remembered, so that the work at hand can be left
+// cleanly. One at a time.
 class Interruption {
 public:
     Interruption();
@@ -16,8 +20,11 @@ public:
 private:
     using Handler = void (*)(int);
 
-    Handler fOldInterrupt;
-    Handler fOldTerminate;
+    std::array<Handler, 3> fOldHandlers{};
 };
+
+// From now on, such a signal removes unfinished files before it ends the program. Where somebody else handles one
+// already, it is left to them.
+void RemoveUnfinishedFilesAtTheEnd() noexcept;
 
 } // namespace workbench

@@ -1,12 +1,15 @@
 #pragma once
 
+#include "host/SoundFile.h"
+
 #include <filesystem>
 #include <string>
 
 namespace workbench {
 
 struct OpenRequest {
-    std::filesystem::path file;  // empty: the built-in sound
+    std::filesystem::path file;  // empty: the built-in sound; "-" for the standard input
+    qohost::SoundKind kind;      // where its name doesn't tell
     std::string effect;          // empty: the first one
     std::string scripts;         // the name of a pair of scripts to open instead of an effect, or empty
     std::filesystem::path watch; // a folder whose files stand in front of the library's, or empty

@@ -1,0 +1,25 @@
+#include "workbench/ProblemText.h"
+
+#include "krocore/config/Error.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <new>
+#include <stdexcept>
+#include <system_error>
+
+namespace workbench {
+
+std::string ProblemText(const std::exception& problem) {
+    if (dynamic_cast<const krocore::config::Error*>(&problem)) return problem.what();
+    // What is larger than any memory is thrown as std::length_error.
+    if (dynamic_cast<const std::bad_alloc*>(&problem) || dynamic_cast<const std::length_error*>(&problem))
+        return "there is not enough memory for this";
+    if (const auto* const file = dynamic_cast<const std::filesystem::filesystem_error*>(&problem))
+        return fmt::format("{}: {}", file->path1().string(), file->code().message());
+    if (const auto* const system = dynamic_cast<const std::system_error*>(&problem)) return system->code().message();
+    return fmt::format("this should not have happened ({})", problem.what());
+}
+
+} // namespace workbench
