@@ -44,6 +44,9 @@ void PlaybackEngine::Close() noexcept {
     fStop.store(false);
     fSeek.store(kNoSeek);
     fPosition.store(0);
+    for (Peaks* const peaks : {&fInputPeaks, &fOutputPeaks})
+        for (auto& peak : *peaks)
+            peak.store(0.0F);
 }
 
 void PlaybackEngine::Play() {

@@ -1,5 +1,6 @@
 #include "host/AudioFile.h"
 
+#include "FullDisk.h"
 #include "host/TestSignal.h"
 #include "krocore/config/Error.h"
 
@@ -10,12 +11,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <optional>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace qohost;
@@ -246,19 +245,17 @@ TEST_F(AudioFileTest, SoundRecordedToAPipeHasNoLengthAndIsTaken) {
     EXPECT_EQ(ReadAudioFile(WriteBytes("b.au", with("a.au", 8, "\xFF\xFF\xFF\xFF"))).sound.Frames(), 4410U);
 }
 
-TEST_F(AudioFileTest, FailedWritingLeavesTheOldFileAndNothingElse) {
-    const fs::path path = WriteBytes("a.wav", "what was there");
-    rlimit before{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    // Stands for a full disk: files can't grow beyond 50 kB.
-    const rlimit full{50000, before.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &full), 0);
-    ExpectRefusal([&] { WriteAudioFile(path, MakeTestSignal(1), kWave16); }, path, "can't be written");
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, oldHandler);
-    EXPECT_EQ(Bytes(path), "what was there");
-    EXPECT_EQ(FilesInFolder(), 1U);
+TEST_F(AudioFileTest, AFullDiskKeepsTheOldFileOfEveryKindAndNothingElse) {
+    for (const char* const name : {"a.wav", "a.aif", "a.flac", "a.ogg", "a.caf", "a.w64", "a.au", "a.raw"}) {
+        const fs::path path = WriteBytes(name, "what was there");
+        // Full in the header, in the first block, and somewhere in the sound.
+        for (const std::size_t room : {10, 3000, 8000}) {
+            const FullDisk full(room);
+            ExpectRefusal([&] { WriteAudioFile(path, MakeTestSignal(2), kWave16); }, path, "can't be written");
+        }
+        EXPECT_EQ(Bytes(path), "what was there") << name;
+    }
+    EXPECT_EQ(FilesInFolder(), 8U);
 }
 
 TEST_F(AudioFileTest, WritingRefusesWithFileAndReason) {

@@ -1,9 +1,13 @@
 #include "host/OfflineRenderer.h"
 
 #include "EchoFilter.h"
+#include "host/SoundInMemory.h"
 #include "host/TestSignal.h"
+#include "krocore/config/Error.h"
 
 #include <gtest/gtest.h>
+
+#include <array>
 
 using namespace qohost;
 
@@ -53,6 +57,58 @@ TEST(OfflineRenderer, ReportsProgressAndCancels) {
     EXPECT_FALSE(RenderOffline(*filter, input, {.blockFrames = 1115, .progress = note}));
     EXPECT_EQ(progress, (std::vector<double>{0.25, 0.5}));
     EXPECT_TRUE(filter->IsSuspended());
+}
+
+// Takes some frames, then the disk is full.
+class FailingWriter final : public SoundWriter {
+public:
+    void Write(std::span<const float* const> /*channels*/, std::size_t frames) override {
+        fLeft -= static_cast<int>(frames);
+        if (fLeft < 0) throw krocore::config::Error("full");
+    }
+
+private:
+    int fLeft = 1000;
+};
+
+TEST(OfflineRenderer, AnErrorLeavesTheFilterAsItWas) {
+    const Sound sound = MakeTestSignal(0.1);
+    for (const bool wasFree : {false, true}) {
+        const boost::intrusive_ptr<EchoFilter> filter(new EchoFilter(10));
+        filter->SetSuspended(wasFree);
+        filter->SetCanChangeNonAutomatableParameters(wasFree);
+        SoundInMemoryReader input(sound);
+        OfflineRenderer renderer(*filter, input, {.blockFrames = 512, .progress = {}});
+        FailingWriter output;
+        EXPECT_THROW(renderer.Run(output), krocore::config::Error);
+        EXPECT_EQ(filter->IsSuspended(), wasFree);
+        EXPECT_EQ(filter->CanChangeNonAutomatableParameters(), wasFree);
+    }
+}
+
+TEST(OfflineRenderer, APartIsRenderedAsASoundOfItsOwn) {
+    const Sound whole = MakeTestSignal(0.1);
+    const auto part = [&](std::size_t begin, std::size_t end) {
+        Sound copy = Sound::Silent(whole.sampleRate, whole.layout, 0);
+        for (std::size_t channel = 0; channel < whole.channels.size(); ++channel)
+            copy.channels[channel].assign(whole.channels[channel].begin() + static_cast<std::ptrdiff_t>(begin),
+                                          whole.channels[channel].begin() + static_cast<std::ptrdiff_t>(end));
+        return copy;
+    };
+    const std::size_t frames = whole.Frames();
+    const std::array<std::size_t, 4> cases[] = {
+        {0, 1000, 0, 1000}, {1000, 3000, 1000, 3000}, {4000, 99999, 4000, frames}, {99999, 5, frames, frames}};
+    for (const auto& [begin, end, expectedBegin, expectedEnd] : cases) {
+        SoundInMemoryReader input(whole, begin, end);
+        EXPECT_EQ(input.Frames(), expectedEnd - expectedBegin);
+        const boost::intrusive_ptr<EchoFilter> filter(new EchoFilter(10));
+        OfflineRenderer renderer(*filter, input);
+        Sound result = Sound::Silent(whole.sampleRate, renderer.Layout(), 0);
+        SoundInMemoryWriter output(result);
+        ASSERT_TRUE(renderer.Run(output));
+        EXPECT_EQ(result.Frames(), renderer.Frames());
+        EXPECT_TRUE(result.channels == Expected(part(expectedBegin, expectedEnd)).channels) << begin;
+    }
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <cmath>
+#include <functional>
 #include <thread>
 
 using namespace qohost;
@@ -105,6 +106,102 @@ TEST_F(PlaybackEngineTest, SeekWhilePlayingAndWhileStopped) {
     fEngine.Seek(5); // nothing is loaded
     fEngine.Play();
     EXPECT_FALSE(fEngine.IsPlaying());
+}
+
+// Loud up to `quietFrom`, then exactly silent.
+std::shared_ptr<const Sound> LoudThenSilent(std::size_t quietFrom, std::size_t frames) {
+    Sound sound = Sound::Silent(44100, AudioChannelLayout::Mono(), frames);
+    std::fill_n(sound.channels[0].begin(), quietFrom, 0.5F);
+    return std::make_shared<const Sound>(std::move(sound));
+}
+
+TEST_F(PlaybackEngineTest, NothingOfTheFormerPlaceIsHeardAfterASeek) {
+    for (const bool bypass : {false, true}) {
+        for (const bool stops : {false, true}) {
+            SCOPED_TRACE(testing::Message() << bypass << stops);
+            fFilter = new EchoFilter(1000);
+            fEngine.Open(LoudThenSilent(10000, 20000), fFilter, 1, 256);
+            fEngine.SetBypass(bypass);
+            fEngine.Play();
+            EXPECT_NE(Render(5000).back(), 0.0F);
+            fEngine.Seek(15000);
+            if (stops) fEngine.Stop();
+            EXPECT_EQ(Render(256)[kFade + 1], 0.0F);
+            EXPECT_EQ(fEngine.Position(), 15000U);
+            EXPECT_EQ(fEngine.IsPlaying(), !stops);
+            fEngine.Play();
+            EXPECT_EQ(Render(3000), std::vector<float>(3000, 0.0F));
+            fEngine.SetBypass(!bypass);
+            EXPECT_EQ(Render(500), std::vector<float>(500, 0.0F));
+            EXPECT_EQ(fEngine.Position(), 15000U + 3500 - 1000);
+        }
+    }
+}
+
+TEST_F(PlaybackEngineTest, AfterBypassTheEffectIsThereAsIfItHadBeenHeardAllTheTime) {
+    const auto play = [this](bool bypass) {
+        fFilter = new EchoFilter(100);
+        fEngine.Open(Ramp(20000), fFilter, 1, 256);
+        fEngine.SetBypass(bypass);
+        fEngine.Play();
+        Render(2048);
+        fEngine.SetBypass(false);
+        Render(512); // fades over
+        return Render(1000);
+    };
+    const std::vector<float> always = play(false);
+    EXPECT_EQ(play(true), always);
+}
+
+TEST_F(PlaybackEngineTest, HoweverPlayingEndsTheFilterIsFreeAgainAndMetersAreEmpty) {
+    const auto isFree = [this] { return fFilter->IsSuspended() && fFilter->CanChangeNonAutomatableParameters(); };
+    const std::pair<const char*, std::function<void()>> ends[] = {
+        {"stop",
+         [this] {
+             fEngine.Stop();
+             Render(512);
+             fEngine.Poll();
+         }},
+        {"at once", [this] { fEngine.StopAtOnce(); }},
+        {"close", [this] { fEngine.Close(); }},
+        {"open", [this] { fEngine.Open(Ramp(100), new EchoFilter(0), 1, 256); }},
+    };
+    for (const auto& [name, end] : ends) {
+        OpenAmplify(Ramp(20000));
+        fEngine.Play();
+        Render(1000);
+        EXPECT_FALSE(isFree()) << name;
+        end();
+        EXPECT_TRUE(isFree()) << name;
+        EXPECT_EQ(Render(256), std::vector<float>(256, 0.0F)) << name;
+        fEngine.Close();
+        EXPECT_EQ(fEngine.TakeInputPeak(0), 0.0F) << name;
+        EXPECT_EQ(fEngine.TakeOutputPeak(0), 0.0F) << name;
+    }
+}
+
+TEST_F(PlaybackEngineTest, SeeksWhilePlayingEndAtTheLatestPlaceAndNeverBehindTheSound) {
+    OpenAmplify(Ramp(20000));
+    fEngine.Play();
+    Render(256);
+    fEngine.Seek(9000);
+    Render(100); // not faded out yet
+    fEngine.Seek(99999);
+    fEngine.Seek(12000);
+    Render(256);
+    EXPECT_EQ(fEngine.Position(), 12000U);
+    fEngine.Seek(99999);
+    Render(256);
+    EXPECT_EQ(fEngine.Position(), 20000U);
+    fEngine.StopAtOnce();
+    fEngine.Seek(99999);
+    EXPECT_EQ(fEngine.Position(), 20000U);
+    fEngine.Play(); // from the end: from the start
+    EXPECT_EQ(Render(512)[400], At(400));
+    fEngine.Seek(7000); // is still to come
+    fEngine.StopAtOnce();
+    fEngine.Poll();
+    EXPECT_EQ(fEngine.Position(), 7000U);
 }
 
 TEST_F(PlaybackEngineTest, LoopsWithoutGapAtAnyPlace) {

@@ -1,3 +1,4 @@
+#include "FullDisk.h"
 #include "host/FactoryPresets.h"
 #include "host/UndoHistory.h"
 #include "host/UserPresets.h"
@@ -254,6 +255,78 @@ TEST_F(PresetTest, EveryEffectHasPresetsThatItTakes) {
         ApplyPreset(*filter, presets.front());
         EXPECT_EQ(ValuesOf(*filter), all.front());
     }
+}
+
+// Whatever can be set of any effect, at both ends of its range.
+TEST_F(PresetTest, EndsOfEveryRangeAndChoiceAreTakenAndNothingBeyond) {
+    for (const auto& effect : qoc::components::AllEffects()) {
+        if (effect.create == nullptr) continue;
+        const auto filter = effect.create();
+        for (int index = 0; index < filter->GetParameterCount(); ++index) {
+            const auto* const info = filter->GetParameterInfo(index);
+            if (info == nullptr || info->IsReadOnly()) continue;
+            SCOPED_TRACE(std::string(effect.shortName) + " " + info->GetID());
+            Preset preset{.name = "x", .effect = krocore::ToStdString(filter->GetComponentID()), .values = {}};
+            using Kind = kroaudiofilterhost::AudioFilterParameterInfo::Kind;
+            if (info->GetKind() == Kind::kNumber) {
+                for (const float end : {0.0F, 1.0F}) {
+                    const float natural = info->ToNatural(end);
+                    if (!std::isfinite(natural)) continue;
+                    preset.values[info->GetID()] = {.number = natural, .isNatural = true};
+                    EXPECT_THAT(ApplyPreset(*filter, preset), IsEmpty());
+                    EXPECT_NEAR(filter->GetParameterValue(index), end, 1e-5F);
+                }
+                continue;
+            }
+            const int items = info->GetKind() == Kind::kSwitch ? 2 : info->GetItemCount();
+            for (const int item : {0, items - 1}) {
+                preset.values[info->GetID()] = {.number = static_cast<float>(item), .isNatural = true};
+                EXPECT_THAT(ApplyPreset(*filter, preset), IsEmpty());
+                const float value = filter->GetParameterValue(index);
+                if (info->GetKind() == Kind::kChoice) {
+                    EXPECT_EQ(info->ToItem(value), item);
+                } else {
+                    EXPECT_EQ(value, static_cast<float>(item));
+                }
+            }
+            for (const float beyond : {-1.0F, static_cast<float>(items), 0.5F}) {
+                preset.values[info->GetID()] = {.number = beyond, .isNatural = true};
+                EXPECT_THAT(ErrorOf([&] { ApplyPreset(*filter, preset); }), HasSubstr(info->GetID())) << beyond;
+            }
+        }
+    }
+}
+
+TEST_F(PresetTest, EveryParameterCountsInAComparison) {
+    for (const auto& effect : qoc::components::AllEffects()) {
+        if (effect.create == nullptr) continue;
+        const auto filter = effect.create();
+        const Preset preset = CapturePreset(*filter, "x");
+        EXPECT_TRUE(HasSettingsOf(*filter, preset)) << effect.shortName;
+        for (int index = 0; index < filter->GetParameterCount(); ++index) {
+            const auto* const info = filter->GetParameterInfo(index);
+            if (info == nullptr || info->IsReadOnly()) continue;
+            const float before = filter->GetParameterValue(index);
+            filter->SetParameterValueQuietly(index, before < 0.5F ? before + 0.25F : before - 0.25F);
+            EXPECT_FALSE(HasSettingsOf(*filter, preset)) << effect.shortName << " " << info->GetID();
+            filter->SetParameterValueQuietly(index, before);
+        }
+    }
+}
+
+TEST_F(PresetTest, AFullDiskKeepsTheOldPreset) {
+    const auto folder = std::filesystem::temp_directory_path() / ("preset-full-" + std::to_string(getpid()));
+    const UserPresets presets(folder);
+    presets.Write("amplify", CapturePreset(*fAmplify, "x"));
+    const std::string before = WritePreset(presets.Read("amplify", "x"));
+    fAmplify->SetParameterValue(kGain1, 0.1F);
+    {
+        const FullDisk full(20);
+        EXPECT_THAT(ErrorOf([&] { presets.Write("amplify", CapturePreset(*fAmplify, "x")); }), HasSubstr("can't be"));
+    }
+    EXPECT_EQ(WritePreset(presets.Read("amplify", "x")), before);
+    EXPECT_THAT(presets.Names("amplify"), ElementsAre("x"));
+    std::filesystem::remove_all(folder);
 }
 
 TEST_F(PresetTest, FactoryCurveSoundsAsItsNameSays) {

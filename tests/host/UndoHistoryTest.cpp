@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <set>
 #include <vector>
 
@@ -235,6 +236,93 @@ TEST(UndoHistory, EveryEffectGoesFromTheOldSettingsToTheNewAsOneChange) {
         EXPECT_FALSE(history.CanUndo()) << "a preset is one step";
         expectOneChange([&] { EXPECT_TRUE(history.Redo()); }, &preset);
     }
+}
+
+// Each case: what happens between two changes of the same number, and whether they are one step.
+TEST(UndoHistory, ChangesJoinByTimeAndPlaceOnly) {
+    constexpr int kGain = qoc::components::kAmplifyFirstGain;
+    struct Case {
+        const char* what;
+        double seconds;
+        std::function<void(kroaudiofilterhost::AudioFilter&, UndoHistory&)> between;
+        std::size_t steps;
+    };
+    const auto nothing = [](auto&, auto&) {};
+    const auto otherNumber = [](auto& filter, auto&) { filter.SetParameterValue(kGain + 1, 0.3F); };
+    const auto gesture = [](auto& filter, auto&) {
+        filter.BeginParameterEdit(kGain);
+        filter.SetParameterValue(kGain, 0.3F);
+        filter.EndParameterEdit(kGain);
+    };
+    const auto emptyGesture = [](auto& filter, auto&) {
+        filter.BeginParameterEdit(kGain);
+        filter.EndParameterEdit(kGain);
+    };
+    const auto undoneAndRedone = [](auto&, auto& history) {
+        history.Undo();
+        history.Redo();
+    };
+    const auto input = [](auto& filter, auto& history) {
+        history.InputBegins();
+        filter.SetParameterValue(kGain, 0.3F);
+        filter.SetParameterValue(kGain + 1, 0.3F);
+        history.InputEnds();
+    };
+    const Case cases[] = {
+        {"at once", 0, nothing, 1},
+        {"just in time", 0.75, nothing, 1},
+        {"just too late", 0.76, nothing, 2},
+        {"another number", 0, otherNumber, 3},
+        {"a gesture", 0, gesture, 3},
+        {"a gesture about nothing", 0, emptyGesture, 1},
+        {"undo and redo", 0, undoneAndRedone, 2},
+        {"forgotten", 0, [](auto&, auto& history) { history.Clear(); }, 1},
+        {"one input, two numbers", 0, input, 3},
+    };
+    for (const Case& c : cases) {
+        double time = 0;
+        const auto filter = qoc::components::CreateEffect(qoc::components::kAmplifyComponentID);
+        filter->SetParameterValue(qoc::components::kAmplifyLinkChannels, 0);
+        UndoHistory history(filter, 100, [&] { return time; });
+        filter->SetParameterValue(kGain, 0.1F);
+        time += c.seconds;
+        c.between(*filter, history);
+        filter->SetParameterValue(kGain, 0.2F);
+        std::size_t steps = 0;
+        for (; history.Undo(); ++steps) {
+        }
+        EXPECT_EQ(steps, c.steps) << c.what;
+        for (std::size_t i = 0; i < steps; ++i)
+            EXPECT_TRUE(history.Redo()) << c.what;
+        EXPECT_EQ(filter->GetParameterValue(kGain), 0.2F) << c.what;
+        EXPECT_FALSE(history.CanRedo()) << c.what;
+    }
+}
+
+TEST_F(UndoHistoryTest, BracketsOfOneParameterNest) {
+    fFilter->BeginParameterEdit(0);
+    fFilter->BeginParameterEdit(0);
+    fFilter->SetParameterValue(0, 0.5F);
+    fFilter->EndParameterEdit(0);
+    EXPECT_TRUE(fHistory.IsGestureOpen(0));
+    EXPECT_FALSE(fHistory.IsGestureOpen(1));
+    fFilter->SetParameterValue(1, 0.5F);
+    fFilter->EndParameterEdit(0);
+    EXPECT_FALSE(fHistory.IsGestureOpen(0));
+    EXPECT_EQ(CountSteps(), 1);
+}
+
+TEST_F(UndoHistoryTest, WhatIsUndoneIsNoNewStepAndNamesFollow) {
+    fFilter->SetParameterValue(0, 0.5F);
+    fHistory.InputBegins(); // Ctrl+Z is a piece of input
+    EXPECT_TRUE(fHistory.Undo());
+    fHistory.InputEnds();
+    EXPECT_FALSE(fHistory.CanUndo());
+    EXPECT_TRUE(fHistory.CanRedo());
+    EXPECT_EQ(fHistory.UndoName(), u"");
+    EXPECT_NE(fHistory.RedoName(), u"");
+    fHistory.Clear();
+    EXPECT_FALSE(fHistory.CanRedo());
 }
 
 } // namespace

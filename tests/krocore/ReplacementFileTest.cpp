@@ -1,5 +1,6 @@
 #include "krocore/ReplacementFile.h"
 
+#include "FullDisk.h"
 #include "krocore/config/Error.h"
 
 #include <gmock/gmock.h>
@@ -8,7 +9,6 @@
 #include <cstdlib>
 #include <fstream>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -124,16 +124,10 @@ TEST_F(ReplacementFileTest, RightsAreThoseOfTheFileThatWasThereOrTheUsualOnes) {
 TEST_F(ReplacementFileTest, WhatFailsOrIsGivenUpLeavesTheOldFile) {
     const fs::path file = Made("file", "old");
     { const ReplacementFile givenUp(file); }
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit full{5000, before.rlim_max}; // stands for a full disk
-    setrlimit(RLIMIT_FSIZE, &full);
     for (const std::size_t size : {5001, 100000}) {
+        const FullDisk full(5000);
         EXPECT_THROW(ReplaceFile(file, std::string(size, 'x')), config::Error) << size;
     }
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, oldHandler);
     EXPECT_EQ(Contents(file), "old");
     ReplacementFile late(file);
     fs::remove(file);
