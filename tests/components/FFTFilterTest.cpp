@@ -143,6 +143,30 @@ TEST(FFTFilter, ACurveIsHeardWhenItIsComplete) {
     EXPECT_NEAR(GainAt(Measured(*filter), 1000, 44100), -10, 1e-3);
 }
 
+// As by an effect that has been prepared with the setting.
+TEST(FFTFilter, EverySettingIsHeardAtOnce) {
+    const DrawnFilter setup = {.nodes = {{20, -10}, {700, 6}, {2000, -30}, {22000, -4}}, .spline = true};
+    const std::pair<int, float> settings[] = {
+        {kFFTFilterSplineCurves, 0},        {kFFTFilterWindowType, 0.5F},     {kFFTFilterScale, 1},
+        {kFFTFilterPointCount, 3.0F / 128}, {kFFTFilterFirstPoint + 1, 0.8F}, {kFFTFilterFirstPoint + 2, 0.05F},
+        {kFFTFilterFirstPoint + 6, 0.9F},   {kFFTFilterFirstPoint + 7, 0.3F}};
+    for (const auto& [index, value] : settings) {
+        const auto filter = Prepared(setup);
+        ToldGainAt(*filter, 1000);
+        const std::vector<float> before = Measured(*filter);
+        filter->SetParameterValue(index, value);
+        const double told = ToldGainAt(*filter, 1000);
+        filter->Reset();
+        const auto expected = Prepared(setup);
+        expected->SetParameterValue(index, value);
+        expected->Prepare(44100, 8192, AudioChannelLayout::Mono());
+        const std::vector<float> after = Measured(*filter);
+        EXPECT_EQ(after, Measured(*expected)) << index;
+        EXPECT_NE(after, before) << index;
+        EXPECT_EQ(told, ToldGainAt(*expected, 1000)) << index;
+    }
+}
+
 TEST(FFTFilter, ANewCurveFadesIn) {
     const auto filter = Prepared({});
     const std::vector<float> sine = test::Sine(1000, 66150, 44100);

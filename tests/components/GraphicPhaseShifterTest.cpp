@@ -78,6 +78,33 @@ TEST(GraphicPhaseShifter, TurnsThePhaseAsDrawnAndKeepsTheLevel) {
     }
 }
 
+// As by an effect that has been prepared with the setting.
+TEST(GraphicPhaseShifter, EverySettingIsHeardAtOnce) {
+    const DrawnPhase setup = {.nodes = {{20, 0}, {300, 90}, {3000, -60}, {22050, 40}}, .size = 2048};
+    const auto measured = [](AudioFilter& filter) { return test::ImpulseResponse(filter, 8192)[0]; };
+    const std::pair<int, float> settings[] = {{kPhaseShifterSplineCurves, 1},
+                                              {kPhaseShifterChannel, 2.0F / 33},
+                                              {kPhaseShifterRange, 1},
+                                              {kPhaseShifterScale, 1},
+                                              {kPhaseShifterPointCount, 3.0F / 128},
+                                              {kPhaseShifterFirstPoint + 1, 0.8F},
+                                              {kPhaseShifterFirstPoint + 4, 0.5F},
+                                              {kPhaseShifterFirstPoint + 6, 0.9F},
+                                              {kPhaseShifterFirstPoint + 7, 0.3F}};
+    for (const auto& [index, value] : settings) {
+        const auto filter = Prepared(setup);
+        const std::vector<float> before = measured(*filter);
+        filter->SetParameterValue(index, value);
+        filter->Reset();
+        const auto expected = Prepared(setup);
+        expected->SetParameterValue(index, value);
+        expected->Prepare(44100, 8192, AudioChannelLayout::Mono());
+        const std::vector<float> after = measured(*filter);
+        EXPECT_EQ(after, measured(*expected)) << index;
+        EXPECT_NE(after, before) << index;
+    }
+}
+
 TEST(GraphicPhaseShifter, OnlyTheChosenChannelIsShifted) {
     const std::vector<Node> nodes = {{20, 180}, {22050, 180}}; // upside down
     const Channels input = test::NoiseChannels(3, 60000);

@@ -183,4 +183,24 @@ TYPED_TEST(CurveSoundTest, TheSoundIsThePictureBesideStepsTooAtEverySize) {
     }
 }
 
+// Values beyond the axes count at their ends.
+TYPED_TEST(CurveSoundTest, TheSoundIsThePictureWithPointsBeyondTheAxesToo) {
+    for (const bool isSpline : {false, true}) {
+        this->Draw({{-0.2, 0.5}, {0.3, 0.5}, {0.6, 0.9}, {1.4, 1.3}}, false, isSpline);
+        this->Open(860);
+        this->ExpectSoundAsShown({{0.3, 0}, {0.6, 0}}, false);
+    }
+}
+
+TYPED_TEST(CurveSoundTest, TheSoundIsThePictureAfterTheWindowHasChanged) {
+    const std::vector<Place> places = {{0, 0.5}, {0.5, 0.9}, {0.7, 0.4}, {1, 0.6}};
+    this->Draw(places, false, true);
+    this->Open(860);
+    static_cast<void>(this->fGraph->GetCurveLine());
+    this->fGraph->UI_SetFrame({0, 0, 400, 200});
+    this->ExpectSoundAsShown(places, false);
+    this->fGraph->SetCurrentRange(1000, 10000, this->fGraph->GetVerticalStart(), this->fGraph->GetVerticalEnd());
+    this->ExpectSoundAsShown(places, false);
+}
+
 } // namespace

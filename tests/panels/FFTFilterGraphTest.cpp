@@ -52,6 +52,19 @@ TEST_F(FFTFilterGraphTest, AnyStoredCountGivesPointsThatExist) {
     EXPECT_THAT(fFilter->TakeLog(), IsEmpty());
 }
 
+TEST_F(FFTFilterGraphTest, EveryStoredValueMovesItsPointAtTheNextPoll) {
+    Open();
+    for (int index = kFirst; index < kFirst + 6; ++index) {
+        const auto before = Points();
+        fFilter->Store(index, 0.75F * Value(index));
+        fGraph->SyncParameters();
+        for (std::size_t point = 0; point < 3; ++point) {
+            const bool isMoved = !(Points()[point] == before[point]);
+            EXPECT_EQ(isMoved, static_cast<int>(point) == (index - kFirst) / 2) << index;
+        }
+    }
+}
+
 TEST_F(FFTFilterGraphTest, ADragWritesTheWholeCurveBetweenMarkers) {
     Open();
     fWindow.Press(PixelOf(1));
