@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 
+#include <sstream>
+
 namespace workbench {
 namespace {
 
@@ -78,6 +80,29 @@ TEST_F(CheckCommand, WarningsAloneAreNoFailure) {
     fFolder.Write("a.trn", "sheet a {\ninterface: gain;\noutput: out0 <== gain;\n}");
     EXPECT_EQ(Run({"a.trn"}), 0);
     EXPECT_THAT(fOutput, StartsWith(fFolder.Path("a.trn").string() + ":2:12: warning: "));
+}
+
+TEST_F(CheckCommand, ScriptsOfTheLibraryHaveNoFaultsButNumbersThatOnlyShow) {
+    std::vector<std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(QO_SOURCE_DIR "/resources/scripts")) {
+        files.push_back(entry.path().filename().string());
+        fFolder.Write(files.back(), TemporaryFolder::Contents(entry.path()));
+    }
+    EXPECT_EQ(Run(files), 0);
+    std::istringstream lines(fOutput);
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_THAT(line, testing::EndsWith("is computed, so that the user can't change the number"));
+}
+
+TEST_F(CheckCommand, ComparesTheSheetOfAnEffectWithItsRanges) {
+    std::string sheet = TemporaryFolder::Contents(QO_SOURCE_DIR "/resources/scripts/HARDLIMITERUI.trn");
+    const std::string bound = "max_amp_min: -100";
+    sheet.replace(sheet.find(bound), bound.size(), "max_amp_min: -60");
+    fFolder.Write("HardLimiterUI.trn", sheet);
+    EXPECT_EQ(Run({"HardLimiterUI.trn"}), 0);
+    EXPECT_THAT(fOutput,
+                HasSubstr("cell 'max_amp' runs from -60 to 0 over in0, the effect's \"Maximum Amplitude\" from "
+                          "-100 to 0"));
 }
 
 TEST_F(CheckCommand, ArchivesTellEveryFaultWithItsPlace) {

@@ -2,7 +2,9 @@
 
 #include "kroui/ui/UI_NodeBuilder.h"
 #include "kroui/ui/UI_SubView.h"
+#include "workbench/PanelParts.h"
 #include "workbench/ScriptFilter.h"
+#include "workbench/TextFile.h"
 
 namespace workbench {
 
@@ -18,6 +20,22 @@ ScriptChecker::Surroundings SurroundingsOf(TarnLioAudioComponentEditorView& pane
                 panel.SetupVirtualMachine(machine, sheet);
             },
             panel.GetFunctionNames(), uit::lio::GetAdapterFactoryProc(), &supplier};
+}
+
+// Its numbers; what choices and switches stand for is the script's affair.
+krotarnlio::ScriptEffect EffectOf(const qoc::components::EffectDescription& description) {
+    constexpr std::size_t kBlock = 512;
+    krotarnlio::ScriptEffect effect;
+    const auto filter = description.create();
+    filter->Prepare(static_cast<float>(effect.sampleRate), kBlock,
+                    kromediatypes::AudioChannelLayout::ForChannelCount(2));
+    for (int i = 0; i < filter->GetParameterCount(); ++i) {
+        const auto* const info = filter->GetParameterInfo(i);
+        if (info && info->GetKind() == kroaudiofilterhost::AudioFilterParameterInfo::Kind::kNumber)
+            effect.parameters.push_back(
+                {i, krocore::ToStdString(info->GetName()), info->ToNatural(0), info->ToNatural(1)});
+    }
+    return effect;
 }
 
 // A view stands in for the nodes that editors make themselves.
@@ -43,6 +61,14 @@ FileChecker::Problems FileChecker::CheckArchive(const Script& archive) const {
                             {static_cast<std::uint32_t>(found.line), static_cast<std::uint32_t>(found.column)},
                             found.message});
     return problems;
+}
+
+FileChecker::Problems FileChecker::CheckSheet(const Script& sheet) const {
+    const std::filesystem::path file(sheet.file);
+    const auto* const description = EffectWithFile({LowerStem(file), "trn"});
+    if (!description) return fScripts.CheckSheet(sheet);
+    const krotarnlio::ScriptEffect effect = EffectOf(*description);
+    return fScripts.CheckSheet(sheet, &effect);
 }
 
 } // namespace workbench

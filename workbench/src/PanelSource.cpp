@@ -2,6 +2,7 @@
 
 #include "krocore/config/Error.h"
 #include "qocui/module/ComponentUIFactory.h"
+#include "workbench/PanelParts.h"
 #include "workbench/ScriptFilter.h"
 
 #include <fmt/format.h>
@@ -36,26 +37,6 @@ std::string EmbeddedText(std::string_view name, std::string_view type) {
     const auto bytes = krocore::FindResource(PanelsModule(), name, type);
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
-
-std::string Lower(std::string_view text) {
-    std::string lower(text);
-    std::ranges::transform(lower, lower.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return lower;
-}
-
-// Writes down what is looked for while it lives.
-class ResourceListener {
-public:
-    explicit ResourceListener(WatchedFolder::Names& names) {
-        krocore::SetResourceObserver([&names](std::string_view name, std::string_view type) {
-            names.insert({Lower(name), Lower(type)});
-        });
-    }
-    ~ResourceListener() { krocore::SetResourceObserver({}); }
-    ResourceListener(const ResourceListener&) = delete;
-    ResourceListener& operator=(const ResourceListener&) = delete;
-};
 
 void Append(FileChecker::Problems& problems, const FileChecker::Problems& more) {
     problems.insert(problems.end(), more.begin(), more.end());
@@ -106,6 +87,20 @@ bool PanelSource::HasChanged() {
     // Pictures are kept from one panel to the next and not looked for again.
     return std::ranges::any_of(
         changed, [this](const ResourceName& name) { return name.type == "png" || fParts.contains(name); });
+}
+
+krocore::string16 PanelSource::TakeUnusedFile() {
+    if (!fFolder) return {};
+    for (const ResourceName& file : fFolder->Files()) {
+        const bool isKnown = file.type == "png" || !fJudged.insert(file).second;
+        if (isKnown || fParts.contains(file) || EffectWithFile(file)) continue;
+        const std::string open =
+            file.type == kArchive ? "" : fmt::format(R"(; "--scripts {}" opens it without one)", file.name);
+        return krocore::ToUTF16(
+            fmt::format(R"({}: no effect's panel is made of this file ("workbench list" says which){})",
+                        fFolder->Find(file)->file, open));
+    }
+    return {};
 }
 
 PanelPtr PanelSource::MakePanel(const FilterPtr& filter) {

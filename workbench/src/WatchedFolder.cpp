@@ -51,6 +51,13 @@ WatchedFolder::Names WatchedFolder::Look() {
     return changed;
 }
 
+WatchedFolder::Names WatchedFolder::Files() const {
+    Names names;
+    for (const auto& [name, entry] : fEntries)
+        if (entry.taken.isThere) names.insert(name);
+    return names;
+}
+
 const krotarnlio::Script* WatchedFolder::Find(const ResourceName& name) const {
     const auto found = fEntries.find(name);
     return found != fEntries.end() && found->second.taken.isThere ? &found->second.script : nullptr;

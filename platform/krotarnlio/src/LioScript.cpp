@@ -39,6 +39,7 @@ LioScript ParseLioText(std::string_view text, std::string scriptName) {
     script.source = reader.source();
     if (reader.at_end()) return script;
     reader.expect_word("layout");
+    script.nameOffset = reader.peek().offset;
     script.name = reader.expect_name("the layout's name");
     reader.expect(token_kind_t::brace_open);
     reader.expect_word("view");

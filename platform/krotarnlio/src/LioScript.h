@@ -21,6 +21,7 @@ struct LioElement {
 //   layout name { view subview() { widget(key: expression, ...) { children } other(); ... } }
 struct LioScript {
     orrin::name_t name; // empty for a script without anything in it
+    std::uint32_t nameOffset = 0;
     LioElement view;
     orrin::source_ptr_t source;
 };

@@ -1,5 +1,6 @@
 #include "krotarnlio/ScriptChecker.h"
 
+#include "LayoutSense.h"
 #include "LioBuilder.h"
 #include "LocalizeFunction.h"
 
@@ -7,7 +8,6 @@
 #include "orrin/error.h"
 
 #include <algorithm>
-#include <cctype>
 #include <utility>
 
 namespace krotarnlio {
@@ -22,13 +22,6 @@ namespace {
 
 std::string NoFunction(name_t name) {
     return "there is no function " + in_quotes(name.text());
-}
-
-// "in0", "in1", ...
-bool IsNumberedInput(const orrin::cell_info_t& cell) {
-    const std::string_view text = cell.name.text();
-    return cell.kind == orrin::cell_kind_t::input && text.size() > 2 && text.starts_with("in") &&
-           std::ranges::all_of(text.substr(2), [](unsigned char c) { return std::isdigit(c) != 0; });
 }
 
 } // namespace
@@ -50,9 +43,10 @@ public:
         const bool isKnown = std::ranges::find(fProblems, position, &ScriptProblem::position) != fProblems.end();
         if (!isKnown) fProblems.push_back({fFile, position, std::move(message), isOnlyWarning});
     }
-    void AddErrorsOf(const orrin::sheet_t& sheet) {
-        for (const orrin::error_t& error : sheet.errors())
-            Add(error);
+    SheetTrial::Report Reporter() {
+        return [this](orrin::position_t position, std::string message, bool isOnlyWarning) {
+            Add(position, std::move(message), isOnlyWarning);
+        };
     }
 
     std::vector<ScriptProblem> InOrder() {
@@ -128,20 +122,15 @@ void WriteNothing(name_t /*cell*/, const any_regular_t& /*value*/) {
 ScriptChecker::ScriptChecker(Surroundings surroundings) : fSurroundings(std::move(surroundings)) {
 }
 
-std::vector<ScriptProblem> ScriptChecker::CheckSheet(const Script& sheet) const {
+std::vector<ScriptProblem> ScriptChecker::CheckSheet(const Script& sheet, const ScriptEffect* effect) const {
     Findings findings(sheet.file);
     const std::shared_ptr<orrin::sheet_t> loaded = Load(sheet, findings);
     if (!loaded) return findings.InOrder();
     for (const orrin::function_use_t& use : loaded->function_uses())
         if (!IsFunction(use.function)) findings.Add(use.position, NoFunction(use.function));
-    findings.AddErrorsOf(*loaded);
-    for (const double value : {0.0, 1.0}) {
-        for (const orrin::cell_info_t& cell : loaded->cells())
-            if (IsNumberedInput(cell)) loaded->set(cell.name, value);
-        loaded->update();
-        loaded->reinitialise();
-        findings.AddErrorsOf(*loaded);
-    }
+    SheetTrial trial(*loaded, findings.Reporter());
+    trial.Run();
+    if (effect) trial.CompareRanges(*effect);
     for (const orrin::error_t& warning : loaded->warnings())
         findings.Add(warning, true);
     return findings.InOrder();
@@ -154,6 +143,7 @@ std::vector<ScriptProblem> ScriptChecker::CheckLayout(const Script& layout, cons
     try {
         const LioScript script = ParseLioText(layout.text, layout.file);
         if (!script.name.empty()) Build(script, loaded.get(), findings);
+        if (!script.name.empty() && loaded) CheckSense(script, *loaded, findings);
     } catch (const orrin::error_t& error) {
         findings.Add(error);
     }
@@ -181,6 +171,20 @@ void ScriptChecker::Build(const LioScript& script, orrin::sheet_t* sheet, Findin
     environment.report = report;
     const auto widgets = LioBuilder(script, std::move(environment), holder, connections).Build();
     connections.clear(); // before the widgets that they reach
+}
+
+void ScriptChecker::CheckSense(const LioScript& script, orrin::sheet_t& sheet, Findings& findings) const {
+    if (!sheet.name().empty() && sheet.name() != script.name)
+        findings.Add(script.source->position(script.nameOffset),
+                     "the layout is named " + in_quotes(script.name.text()) + ", its sheet " +
+                         in_quotes(sheet.name().text()),
+                     true);
+    orrin::virtual_machine_t machine;
+    fSurroundings.setUp(machine, nullptr);
+    const WithLocalize localize(machine);
+    SheetTrial trial(sheet, [](orrin::position_t, const std::string&, bool) {});
+    trial.Run();
+    LayoutSense(script, machine, sheet, trial, findings.Reporter()).Check();
 }
 
 // Null if it can't be read.

@@ -85,10 +85,16 @@ bool sheet_t::has_output(name_t name) const {
 std::vector<cell_info_t> sheet_t::cells() const {
     std::vector<cell_info_t> infos;
     const sheet_program_t& program = fEngine->program();
-    for (const sheet_program_t::cell_t& cell : program.cells)
-        infos.push_back(
-            {cell.name, cell.kind, cell.linked, cell.initialiser != kNone, program.source->position(cell.offset)});
+    for (index_t number = 0; number < program.cells.size(); ++number) {
+        const sheet_program_t::cell_t& cell = program.cells[number];
+        infos.push_back({cell.name, cell.kind, cell.linked, cell.initialiser != kNone, program.is_computed(number),
+                         program.source->position(cell.offset)});
+    }
     return infos;
+}
+
+std::vector<clause_trial_t> sheet_t::try_other_clauses() const {
+    return fEngine->try_other_clauses();
 }
 
 position_t sheet_t::position(name_t name) const {

@@ -2,6 +2,7 @@
 
 #include "orrin/core_functions.h"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -214,6 +215,16 @@ private:
 };
 
 } // namespace
+
+bool sheet_program_t::is_computed(index_t cell) const {
+    return std::ranges::any_of(clauses, [&](const clause_t& clause) {
+        if (!relations[clause.relation].isDefinition) return false;
+        const auto writes = clause.targets.of(targets);
+        const auto reads = expressions[clause.expression].variables.of(variables);
+        return std::ranges::find(writes, cell) != writes.end() &&
+               std::ranges::none_of(reads, [&](const variable_t& read) { return read.cell == cell; });
+    });
+}
 
 sheet_program_t compile_sheet(sheet_script_t script, const known_variable_t& known) {
     return compiler_t(std::move(script), known).compile();

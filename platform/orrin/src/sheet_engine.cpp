@@ -1,6 +1,7 @@
 #include "sheet_engine.h"
 
 #include "orrin/dictionary.h"
+#include "orrin/serialization.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,19 +18,19 @@ constexpr int kMostRounds = 100;
 constexpr std::size_t kMostNamed = 10; // in a message
 
 // But for what a conversion and its inverse lose of a double.
-bool nearly_equal(const any_regular_t& left, const any_regular_t& right) {
-    constexpr double kTolerance = 1e-9;
+bool nearly_equal(const any_regular_t& left, const any_regular_t& right, double tolerance = 1e-9) {
+    const auto areEqual = [=](const any_regular_t& a, const any_regular_t& b) { return nearly_equal(a, b, tolerance); };
     if (left == right) return true;
     const double* const number = left.get_if<double>();
     const double* const other = right.get_if<double>();
-    if (number && other) return std::abs(*number - *other) <= kTolerance * std::max(1.0, std::abs(*number));
+    if (number && other) return std::abs(*number - *other) <= tolerance * std::max(1.0, std::abs(*number));
     const array_t* const array = left.get_if<array_t>();
     const array_t* const otherArray = right.get_if<array_t>();
-    if (array && otherArray) return std::ranges::equal(*array, *otherArray, &nearly_equal);
+    if (array && otherArray) return std::ranges::equal(*array, *otherArray, areEqual);
     const dictionary_t* const entries = left.get_if<dictionary_t>();
     const dictionary_t* const otherEntries = right.get_if<dictionary_t>();
-    return entries && otherEntries && std::ranges::equal(*entries, *otherEntries, [](const auto& a, const auto& b) {
-               return a.first == b.first && nearly_equal(a.second, b.second);
+    return entries && otherEntries && std::ranges::equal(*entries, *otherEntries, [&](const auto& a, const auto& b) {
+               return a.first == b.first && areEqual(a.second, b.second);
            });
 }
 
@@ -439,6 +440,40 @@ void sheet_engine_t::report_errors() {
     const sheet_t::error_handler_t handler = fErrorHandler; // which may install another one
     for (const error_t& error : fErrors.take_new())
         if (handler && !fStopped) handler(error);
+}
+
+std::vector<clause_trial_t> sheet_engine_t::try_other_clauses() const {
+    std::vector<clause_trial_t> trials;
+    for (index_t number = 0; number < fProgram.relations.size(); ++number) {
+        if (fSelected[number] == kNone) continue;
+        const range_t clauses = fProgram.relations[number].clauses;
+        for (index_t clause = clauses.begin; clause < clauses.end; ++clause) {
+            if (clause == fSelected[number]) continue;
+            try {
+                trials.push_back(try_clause(fProgram.clauses[clause]));
+            } catch (const std::exception&) {
+                continue; // a clause that fails says nothing
+            }
+        }
+    }
+    return trials;
+}
+
+clause_trial_t sheet_engine_t::try_clause(const sheet_program_t::clause_t& clause) const {
+    constexpr double kTolerance = 1e-4; // of what people read
+    const sheet_program_t::expression_of_t& tried = fProgram.expressions[clause.expression];
+    clause_trial_t trial;
+    trial.position = fProgram.source->position(tried.code.offset());
+    const any_regular_t result = fMachine.evaluate(tried.code, tried.variables.of(fBindings));
+    const auto targets = clause.targets.of(fProgram.targets);
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        const any_regular_t& value = targets.size() == 1 ? result : result.get<array_t>().at(i);
+        if (!trial.agrees || nearly_equal(value, fValues[targets[i]], kTolerance)) continue;
+        trial.agrees = false;
+        trial.message = "contradicts the other clauses of its relation: it makes " + fProgram.quoted(targets[i]) + " " +
+                        serialize_regular(value) + ", they " + serialize_regular(fValues[targets[i]]);
+    }
+    return trial;
 }
 
 boost::signals2::connection sheet_engine_t::subscribe(index_t cell, const sheet_t::slot_t& slot) {

@@ -49,6 +49,7 @@ public:
     std::vector<error_t> errors() const { return fErrors.all(); }
     std::uint64_t evaluation_count() const { return fEvaluations; }
 
+    std::vector<clause_trial_t> try_other_clauses() const;
     sheet_provenance_t provenance() const { return {fProgram, fWriters, fValues}; }
 
 private:
@@ -107,6 +108,7 @@ private:
     void notify(std::exception_ptr& thrown);
     void report_errors();
 
+    clause_trial_t try_clause(const sheet_program_t::clause_t& clause) const;
     bool evaluate(index_t expression, any_regular_t& result);
     error_t error_of(index_t expression, const std::exception& exception) const;
 

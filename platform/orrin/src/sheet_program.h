@@ -84,6 +84,8 @@ struct sheet_program_t {
     std::vector<error_t> warnings;
 
     error_t error(std::uint32_t offset, std::string message) const { return source->error(offset, std::move(message)); }
+    // By a definition that does not read the cell's own contributed value.
+    bool is_computed(index_t cell) const;
     std::string quoted(index_t cell) const { return in_quotes(cells[cell].name.text()); }
 };
 

@@ -14,7 +14,8 @@ public:
     explicit FileChecker(const kroui::limner::SupplierInterface& supplier);
 
     Problems CheckArchive(const krotarnlio::Script& archive) const;
-    Problems CheckSheet(const krotarnlio::Script& sheet) const { return fScripts.CheckSheet(sheet); }
+    // Against the ranges of the effect whose panel has a sheet of this file's name, if there is one.
+    Problems CheckSheet(const krotarnlio::Script& sheet) const;
     Problems CheckLayout(const krotarnlio::Script& layout, const krotarnlio::Script& sheet) const {
         return fScripts.CheckLayout(layout, sheet);
     }

@@ -31,6 +31,8 @@ public:
 
     // Looks at the folder: true if the panel that was made last is made of something that has changed.
     bool HasChanged();
+    // Of the folder's files that no panel is made of: a message for each, once. Empty if there is none any more.
+    krocore::string16 TakeUnusedFile();
 
 private:
     PanelPtr MakePanel(const boost::intrusive_ptr<kroaudiofilterhost::AudioFilter>& filter);
@@ -43,7 +45,8 @@ private:
     const PanelsLibrary& fLibrary;
     std::optional<FileChecker> fChecker;
     std::unique_ptr<WatchedFolder> fFolder;
-    WatchedFolder::Names fParts; // what the last panel was made of, or looked for
+    WatchedFolder::Names fParts;  // what the last panel was made of, or looked for
+    WatchedFolder::Names fJudged; // files of which it is known whether they are used
 };
 
 // The filter of a pair of scripts, with the sheet's inputs for parameters. Throws krocore::config::Error if there are

@@ -34,6 +34,8 @@ public:
     // two looks in a row, so that one that is being written, or replaced by another one, is waited for.
     Names Look();
 
+    // All that stands in front of resources. As of the last Look.
+    Names Files() const;
     // What stands in front of the resource; null if the folder has nothing for it. Until the next Look.
     const krotarnlio::Script* Find(const ResourceName& name) const;
 

@@ -28,6 +28,20 @@ struct ScriptProblem {
     std::string ToString() const; // "file:line:column: message"
 };
 
+// A number among an effect's parameters.
+struct ScriptParameter {
+    int index = 0;
+    std::string name;
+    double low = 0; // natural values of 0 and 1
+    double high = 1;
+};
+
+// The effect whose panel the scripts are.
+struct ScriptEffect {
+    double sampleRate = 44100; // at which the ranges are these
+    std::vector<ScriptParameter> parameters;
+};
+
 // Finds what is wrong in a sheet and in a layout, all of it and not only the first fault; what follows from a fault is
 // not told again. Text that can't be read at all ends the reading of its script. Keeps nothing; user-interface thread.
 class ScriptChecker {
@@ -43,8 +57,9 @@ public:
 
     explicit ScriptChecker(Surroundings surroundings);
 
-    // The sheet is run with its inputs "in0", "in1", ... at their initial values, at 0 and at 1.
-    std::vector<ScriptProblem> CheckSheet(const Script& sheet) const;
+    // The sheet is run with its inputs "in0", "in1", ... at their initial values, at 0, the middle and 1, all together
+    // and each alone. `effect`: null if it is not known.
+    std::vector<ScriptProblem> CheckSheet(const Script& sheet, const ScriptEffect* effect = nullptr) const;
     // Makes the layout's widgets on the sheet, of which nothing is told here. A sheet that can't be read has any cell.
     std::vector<ScriptProblem> CheckLayout(const Script& layout, const Script& sheet) const;
 
@@ -53,6 +68,7 @@ private:
 
     std::shared_ptr<orrin::sheet_t> Load(const Script& sheet, Findings& findings) const;
     void Build(const LioScript& script, orrin::sheet_t* sheet, Findings& findings) const;
+    void CheckSense(const LioScript& script, orrin::sheet_t& sheet, Findings& findings) const;
     bool IsFunction(orrin::name_t name) const;
 
     Surroundings fSurroundings;

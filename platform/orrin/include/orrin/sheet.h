@@ -28,6 +28,7 @@ struct cell_info_t {
     cell_kind_t kind = cell_kind_t::constant;
     bool linked = false;      // an interface cell that is not declared "unlink"
     bool initialised = false; // has an initialiser; "name <== e" alone is none
+    bool computed = false;    // by a definition that does not read what the cell was set to
     position_t position;
 };
 
@@ -35,6 +36,13 @@ struct cell_info_t {
 struct function_use_t {
     name_t function;
     position_t position;
+};
+
+// What a clause that does not run would say of the cells as they are: clauses of one relation should agree.
+struct clause_trial_t {
+    position_t position; // of the clause's expression
+    bool agrees = true;
+    std::string message; // what does not agree
 };
 
 // An input that the host has set.
@@ -91,6 +99,9 @@ public:
     bool has_output(name_t name) const;
     std::vector<cell_info_t> cells() const; // as declared
     position_t position(name_t name) const; // of the declaration
+    // Evaluates the clauses that the active relations do not run at present, for a checker. Changes nothing; clauses
+    // that fail are left out.
+    std::vector<clause_trial_t> try_other_clauses() const;
     // Every call in the script, so that a checker can tell unknown functions, which nobody notices before they are
     // called.
     std::vector<function_use_t> function_uses() const;
