@@ -390,7 +390,7 @@ void TarnLioAudioComponentEditorView::UI_DrawOver(kroui::limner::Limner* limner)
     AudioComponentEditorViewBase::UI_DrawOver(limner);
     if (fProblems.empty()) return;
     constexpr float kFrame = 2;
-    constexpr float kStrip = 24;
+    constexpr float kStrip = 16; // the margin around the widgets
     constexpr float kMargin = 8;
     const kroui::Rect rect = UI_GetLocalRect();
     const kroui::limner::Color warning = GetColor(kroui::ui::kColorWarning);

@@ -327,6 +327,7 @@ TEST_F(CommandLine, ListsNameEffectsAndParametersWithRangesAndDefaults) {
     EXPECT_EQ(list.exitCode, 0);
     EXPECT_EQ(std::count(list.output.begin(), list.output.end(), '\n'), 29); // a head and 28 effects
     EXPECT_THAT(list.output, HasSubstr("\namplify "));
+    EXPECT_THAT(list.output, HasSubstr("sound, panel  HARDLIMITERUI.lio, .trn\n"));
     const Outcome parameters = Run({"params", "Amplify"});
     EXPECT_EQ(parameters.output, "INDEX  ID        NAME           RANGE             DEFAULT\n"
                                  "0      channels  Channels       0 ... 32          read only\n"

@@ -63,6 +63,7 @@ protected:
     }
     // What stands in the panel's place.
     std::string Message() { return krocore::ToStdString(Node("panel").UI_GetAccessibleInfo().value); }
+    std::string Status() { return krocore::ToStdString(Node("message").UI_GetAccessibleInfo().name); }
     float Value(int index) { return fSession->Filter()->GetParameterValue(index); }
     static std::string Replaced(std::string text, const std::string& what, const std::string& with) {
         return text.replace(text.find(what), what.size(), with);
@@ -159,10 +160,30 @@ TEST_F(Watch, AFaultThatLetsThePanelWorkStandsBelow) {
     Save("Mine.trn", Replaced(kSheet, "out1 <== other", "out1 <== other == 7 ? nothing(1) : other"));
     EXPECT_NE(Find("on"), nullptr);
     EXPECT_EQ(Message(), "");
-    const auto status = [this] { return krocore::ToStdString(Node("message").UI_GetAccessibleInfo().name); };
-    EXPECT_EQ(status(), fFolder.Path("Mine.trn").string() + ":4:52: there is no function 'nothing'");
+    EXPECT_EQ(Status(), fFolder.Path("Mine.trn").string() + ":4:52: there is no function 'nothing'");
     Save("Mine.trn", kSheet);
-    EXPECT_THAT(status(), StartsWith("Drag a number"));
+    EXPECT_THAT(Status(), StartsWith("Drag a number"));
+}
+
+TEST_F(Watch, AnOutputThatTurnsOutToBeNoNumberIsToldAndTheProgramGoesOn) {
+    Save("Mine.trn", Replaced(kSheet, "out1 <== other", "out1 <== on ? !on : other"));
+    Click("on");
+    EXPECT_EQ(Value(0), 1.0F);
+    EXPECT_EQ(Value(1), 0.5F);
+    EXPECT_EQ(Status(), "MINE.trn:4:30: cell 'out1': an output needs a number, not a bool");
+    Click("on");
+    EXPECT_EQ(Value(0), 0.0F);
+    EXPECT_THAT(Status(), StartsWith("Drag a number"));
+}
+
+TEST_F(Watch, AFileThatNoPanelIsMadeOfIsToldOnce) {
+    Save("HardLimitUI.lio", "layout");
+    EXPECT_EQ(Status(), fFolder.Path("HardLimitUI.lio").string() +
+                            ": no effect's panel is made of this file (\"workbench list\" says which); "
+                            "\"--scripts hardlimitui\" opens it without one");
+    Save("HardLimiterUI.lio", "layout");
+    Save("Mine.lio", Replaced(kLayout, "'On'", "'New'"));
+    EXPECT_THAT(Status(), StartsWith("Drag a number"));
 }
 
 TEST_F(Watch, ArchivesOfTheLibraryAreOverriddenAndTheirFaultsShown) {

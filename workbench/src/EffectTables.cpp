@@ -1,6 +1,7 @@
 #include "workbench/EffectTables.h"
 
 #include "workbench/EffectNames.h"
+#include "workbench/PanelParts.h"
 #include "workbench/PanelsLibrary.h"
 
 #include <fmt/format.h>
@@ -71,10 +72,11 @@ std::string RangeOf(const AudioFilterParameterInfo& info) {
 } // namespace
 
 std::string EffectTable() {
-    std::vector<Row> rows = {{"NAME", "EFFECT", "CATEGORY", "HAS"}};
+    std::vector<Row> rows = {{"NAME", "EFFECT", "CATEGORY", "HAS", "PANEL FILES"}};
     for (const auto& effect : qoc::components::AllEffects())
         rows.push_back({std::string(effect.shortName), krocore::ToStdString(effect.DisplayName()),
-                        krocore::ToStdString(qoc::components::CategoryName(effect.category)), Abilities(effect)});
+                        krocore::ToStdString(qoc::components::CategoryName(effect.category)), Abilities(effect),
+                        PanelFilesText(effect)});
     return Format(rows);
 }
 

@@ -59,6 +59,12 @@ void PanelCard::ReleaseControls() {
     if (panel) panel->ControlReleased();
 }
 
+krocore::string16 PanelCard::PanelProblem() const {
+    const auto* const panel = dynamic_cast<const qocui::controls::TarnLioAudioComponentEditorView*>(fPanel.get());
+    return panel && !panel->GetProblems().empty() ? krocore::ToUTF16(panel->GetProblems().front().what())
+                                                  : krocore::string16();
+}
+
 void PanelCard::FollowPanel() {
     const kroui::Size size = UI_GetNaturalSize();
     if (size == fToldSize) return;

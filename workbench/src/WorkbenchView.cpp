@@ -129,11 +129,28 @@ void WorkbenchView::ShowPanel() {
         fStatus->ShowProblem(made.problem.substr(0, made.problem.find(u'\n')));
     else
         fStatus->ShowHint(Hint());
+    TellUnusedFile();
+}
+
+void WorkbenchView::TellUnusedFile() {
+    const krocore::string16 message = fPanels->TakeUnusedFile();
+    if (!message.empty()) fStatus->ShowProblem(message);
+}
+
+void WorkbenchView::FollowPanelProblem() {
+    const krocore::string16 problem = fPanelCard->PanelProblem();
+    if (problem == fToldProblem) return;
+    fToldProblem = problem;
+    if (problem.empty())
+        fStatus->ShowHint(Hint());
+    else
+        fStatus->ShowProblem(problem);
 }
 
 // What the user is doing is not cut off: the new panel waits for its end.
 void WorkbenchView::FollowFiles() {
     fPanelIsStale = fPanels->HasChanged() || fPanelIsStale;
+    TellUnusedFile();
     if (!fPanelIsStale || fIsInInput) return;
     ShowPanel();
     Arrange();
@@ -207,6 +224,7 @@ bool WorkbenchView::UI_DoTimerNotify(long timerID) {
     FollowLevels();
     fRendering.Follow(*fTransport.Bar());
     fPanelCard->FollowPanel();
+    FollowPanelProblem();
     SetPace();
     return true;
 }

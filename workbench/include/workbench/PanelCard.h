@@ -18,6 +18,8 @@ public:
     void SetProblem(std::u16string_view problem);
     // The user has let go of everything: ends the gesture that a press on the ground of a script panel has begun.
     void ReleaseControls();
+    // What goes wrong in the panel while it runs; empty if all is well.
+    krocore::string16 PanelProblem() const;
     // On a window: corners are round. Off: the ground goes to the edges, as in a picture of the panel alone.
     void SetRounded(bool rounded) { fIsRounded = rounded; }
     // Called when the natural size is another.

@@ -60,6 +60,8 @@ private:
     void ShowEffect();
     void ShowPanel();
     void FollowFiles();
+    void TellUnusedFile();
+    void FollowPanelProblem();
     void ShowHistory();
     void FollowInput(bool begins);
     void SetPace();
@@ -82,9 +84,10 @@ private:
     std::vector<float> fPeaks; // reused at every poll
     long fTimer = 0;
     long fWatchTimer = 0;
-    bool fIsInInput = false;    // the user is doing something
-    bool fPanelIsStale = false; // its files have changed
-    double fLastPoll = 0;       // seconds
+    bool fIsInInput = false;        // the user is doing something
+    bool fPanelIsStale = false;     // its files have changed
+    krocore::string16 fToldProblem; // of the running panel
+    double fLastPoll = 0;           // seconds
     std::int32_t fSeenDirtyCount = 0;
     bool fCouldUndo = false;
     bool fCouldRedo = false;
