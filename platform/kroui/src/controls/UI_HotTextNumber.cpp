@@ -122,8 +122,6 @@ void UI_HotTextNumber::UI_FocusChanged(bool hasFocus) {
 }
 
 void UI_HotTextNumber::UI_NodeChanged(NodeChange change) {
-    // A field over the window would stay.
-    if (change == kHidden) fEntry.Close();
     if (change == kDetaching) {
         fEntry.Close();
         SettleGesture();
