@@ -38,6 +38,29 @@ TEST_F(PopupTest, Menu_OpensAtThePressWithTheShownItemUnderThePointer) {
     EXPECT_TRUE(fPopup->Menu()->ItemRectInWindow(1).Contains(Middle(*fPopup)));
 }
 
+TEST_F(PopupTest, ClosedPopup_KeysReachEveryItemThatCanBeChosenAndNoOther) {
+    // Of the items 0 to 5, 0 can't be chosen, nor can the separator, 3.
+    fPopup->AddSeparator();
+    fPopup->AddItem(u"Wide");
+    fPopup->AddItem(u"Very Wide");
+    fPopup->SetItemEnabled(0, false);
+    fPopup->UI_TakeFocus();
+    const struct {
+        Key key;
+        int reached[6]; // from each item
+    } cases[] = {{Key::kHome, {1, 1, 1, 1, 1, 1}},
+                 {Key::kEnd, {5, 5, 5, 5, 5, 5}},
+                 {Key::kDown, {1, 2, 4, 1, 5, 5}},
+                 {Key::kUp, {0, 1, 1, -1, 2, 4}}};
+    for (const auto& c : cases) {
+        for (int from = 0; from < 6; ++from) {
+            fPopup->SetValue(from);
+            fWindow.PressKey(c.key);
+            EXPECT_EQ(fPopup->GetValue(), c.reached[from]) << static_cast<int>(c.key) << " from " << from;
+        }
+    }
+}
+
 TEST_F(PopupTest, Menu_ChoosesByDragAndReleaseOrByASecondPress) {
     fWindow.Press(Middle(*fPopup));
     fWindow.MoveTo(ItemPoint(2));

@@ -117,6 +117,15 @@ TEST_F(ValueGestureTest, Drag_ModifierBeyondAnEndStartsAgainFromThatEnd) {
     }
 }
 
+TEST_F(ValueGestureTest, Wheel_PartOfANotchIsForgottenWhenItTurns) {
+    gesture.Wheel(0.6, kNoModifier);
+    gesture.Wheel(-0.6, kNoModifier);
+    EXPECT_THAT(target.TakeLog(), IsEmpty());
+    gesture.Wheel(-0.4, kNoModifier);
+    EXPECT_THAT(target.TakeLog(), ElementsAre("0:50", "1:49"));
+    gesture.Flush();
+}
+
 TEST_F(ValueGestureTest, Drag_ReachesAnEndThatIsNoRoundNumber) {
     target.resolution = 1;
     target.minimum = 0.4;

@@ -48,6 +48,40 @@ std::vector<double> Marks(const RulerBase& ruler) {
     return values;
 }
 
+TEST(Ruler, AnyChangeShowsInTheMarksAtOnce) {
+    using Change = void (*)(RulerBase&);
+    const Change changes[] = {
+        [](RulerBase& ruler) { ruler.SetPixelRange(0, 420); },
+        [](RulerBase& ruler) { ruler.SetPixelRange(60, 200); },
+        [](RulerBase& ruler) { ruler.SetPixelRange(200, 0); },
+        [](RulerBase& ruler) { ruler.SetValueRange(1, 37); },
+        [](RulerBase& ruler) { ruler.SetValueRange(3, 900); },
+        [](RulerBase& ruler) { ruler.SetValueRange(900, 1); },
+        [](RulerBase& ruler) { ruler.SetStepFactor(90); },
+        [](RulerBase& ruler) { ruler.SetFontSize(19); },
+        [](RulerBase& ruler) { ruler.SetVertical(true); },
+        [](RulerBase& ruler) { ruler.SetLabel1(u"Least of all"); },
+        [](RulerBase& ruler) { ruler.SetLabel2(u"Most of all"); },
+    };
+    const auto marks = [](const RulerBase& ruler) {
+        std::string text;
+        for (const RulerTick& tick : ruler.GetTicks(&Supplier()))
+            text += std::to_string(tick.value) + " at " + std::to_string(tick.pixel) + " " +
+                    krocore::ToStdString(tick.text) + "\n";
+        return text;
+    };
+    for (const Kind kind : {Kind::kLinear, Kind::kLog, Kind::kDecibel}) {
+        for (const Change& change : changes) {
+            const RulerPtr fresh = MakeRuler(kind, 1, 900, 200);
+            const RulerPtr drawn = MakeRuler(kind, 1, 900, 200);
+            marks(*drawn);
+            change(*fresh);
+            change(*drawn);
+            EXPECT_EQ(marks(*drawn), marks(*fresh)) << static_cast<int>(kind) << ", " << &change - changes;
+        }
+    }
+}
+
 TEST(LinearRuler, LabelsMeetBothEndsOfTheRangeIfARoundStepCan) {
     const struct {
         double first, last;
