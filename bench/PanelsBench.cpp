@@ -4,6 +4,8 @@
 
 #include "SourcePaths.h"
 #include "krocore/ModuleResources.h"
+#include "krocore/String.h"
+#include "kroui/controls/UI_TextField.h"
 #include "kroui/limner/CairoSupplier.h"
 #include "kroui/ui/HeadlessWindow.h"
 #include "orrin/sheet.h"
@@ -14,6 +16,7 @@
 #include "qocui/controls/TarnLioAudioComponentEditorView.h"
 #include "qocui/module/ComponentUIFactory.h"
 #include "qocui/module/Module.h"
+#include "qocui/ui/DopplerGraph.h"
 #include "uit/controls/UI_CurveEditor.h"
 
 #include <benchmark/benchmark.h>
@@ -282,5 +285,57 @@ void GraphicEQ30_PollWithOneChangedParameter(benchmark::State& state) {
     }
 }
 BENCHMARK(GraphicEQ30_PollWithOneChangedParameter)->Unit(benchmark::kMicrosecond);
+
+// Texts of four digits, each another, painted again and again.
+void Texts_Repaint(benchmark::State& state) {
+    const kroui::limner::SupplierInterface& supplier = TheLibrary().supplier;
+    const auto paint = [&](kroui::limner::Limner& limner) {
+        for (std::int64_t i = 0; i < state.range(0); ++i)
+            limner.DrawText(krocore::FromASCII(std::to_string(i)), {12}, {1, 1, 1, 1}, {0, 0, 100, 20}, {});
+    };
+    supplier.DrawImage({100, 20}, 1, paint);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(supplier.DrawImage({100, 20}, 1, paint));
+    state.SetItemsProcessed(static_cast<long>(state.iterations()) * state.range(0));
+}
+BENCHMARK(Texts_Repaint)->Arg(1000)->Arg(4000)->Arg(5000)->Arg(20000)->Unit(benchmark::kMillisecond);
+
+// Letters pasted into an empty field that is then painted.
+void TextField_Paste(benchmark::State& state) {
+    kroui::ui::HeadlessWindow window(TheLibrary().supplier, {400, 60});
+    const boost::intrusive_ptr<kroui::controls::UI_TextField> field(new kroui::controls::UI_TextField);
+    window.Window().SetContent(field);
+    field->UI_SetFrame({0, 0, 400, 24});
+    const std::u16string letters(static_cast<std::size_t>(state.range(0)), u'n');
+    for (auto _ : state) {
+        field->SetText({});
+        field->TypeText(letters);
+        window.Paint();
+    }
+    state.SetComplexityN(state.range(0));
+    window.Window().SetContent(nullptr);
+}
+BENCHMARK(TextField_Paste)->Arg(1250)->Arg(5000)->Arg(20000)->Complexity()->Unit(benchmark::kMillisecond);
+
+// The circular path of an hour of sound, by velocity in metres a second; 1: after a change of the direction.
+void Doppler_RepaintAnHour(benchmark::State& state) {
+    kroui::ui::HeadlessWindow window(TheLibrary().supplier, {300, 300});
+    const Filter filter = MakeEffect(qoc::components::kDopplerComponentID);
+    filter->SetDuration(3600 * 44100.0);
+    const boost::intrusive_ptr<qocui::ui::DopplerGraph> graph(new qocui::ui::DopplerGraph(filter));
+    window.Window().SetContent(graph);
+    graph->UI_SetFrame({0, 0, 300, 300});
+    graph->SetCircular(true);
+    graph->SetStartingDistance(1e5F);
+    graph->SetVelocity(static_cast<float>(state.range(0)));
+    float direction = 0;
+    for (auto _ : state) {
+        if (state.range(1) != 0) graph->SetDirection(direction += 1);
+        window.Window().InvalidateAll();
+        window.Paint();
+    }
+    window.Window().SetContent(nullptr);
+}
+BENCHMARK(Doppler_RepaintAnHour)->ArgsProduct({{1, 100}, {0, 1}})->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <sstream>
@@ -83,6 +84,8 @@ protected:
     ui::HeadlessWindow fWindow{fSupplier, {220, 220}};
     boost::intrusive_ptr<test::FakeFilter> fFilter{new test::FakeFilter(9)};
     boost::intrusive_ptr<DopplerGraph> fGraph{new DopplerGraph(fFilter)};
+    bool fCircular = false;
+    std::array<float, 5> fValues{}; // distance, velocity, direction, front, right
 };
 
 const std::vector<std::string> kGround = {"Save",
@@ -228,9 +231,62 @@ TEST_F(DopplerGraphTest, AShortPathStaysSmall) {
     ExpectOperations({path[1], path[2]}, {"MoveTo 110.5 60.5", "LineTo 110.5 85.5"});
 }
 
+// An hour in 36,000 lines: they are drawn once, until something changes.
+TEST_F(DopplerGraphTest, ALongPathIsKeptAsAPictureUntilSomethingChanges) {
+    fGraph->SetCircular(true);
+    Set(100, 0.1F, 0);
+    SetSeconds(3600);
+    const auto image = [&] { return fWindow.Snapshot(); };
+    const auto isPath = [](const limner::ImagePtr& picture, int x, int y) {
+        const std::uint32_t pixel = picture->Pixels()[static_cast<std::size_t>(y * picture->PixelWidth() + x)];
+        return (pixel & 0xFF) > 0xA0;
+    };
+    EXPECT_EQ(Count("LineTo"), 0);
+    EXPECT_EQ(Count("Image"), 1);
+    // 3.6 radians of a circle of 100 pixels from the top on: past the bottom, not as far as the left.
+    const limner::ImagePtr before = image();
+    EXPECT_TRUE(isPath(before, 210, 110));
+    EXPECT_TRUE(isPath(before, 110, 210));
+    EXPECT_FALSE(isPath(before, 10, 110));
+
+    const auto differs = [&](const char* what, const std::function<void()>& change) {
+        const limner::ImagePtr kept = image();
+        change();
+        const limner::ImagePtr now = image();
+        EXPECT_FALSE(std::ranges::equal(kept->Pixels(), now->Pixels())) << what;
+        // As a graph that has never drawn anything else.
+        boost::intrusive_ptr<DopplerGraph> fresh(new DopplerGraph(fFilter));
+        fresh->SetCircular(fCircular);
+        fresh->SetStartingDistance(fValues[0]);
+        fresh->SetVelocity(fValues[1]);
+        fresh->SetDirection(fValues[2]);
+        fresh->SetPassesFront(fValues[3]);
+        fresh->SetPassesRight(fValues[4]);
+        const Rect frame = fGraph->UI_GetFrame();
+        fWindow.Window().SetContent(fresh);
+        fresh->UI_SetFrame(frame);
+        EXPECT_TRUE(std::ranges::equal(image()->Pixels(), now->Pixels())) << what;
+        fWindow.Window().SetContent(fGraph);
+        image();
+    };
+    fCircular = true;
+    fValues = {100, 0.1F, 0, 0, 0};
+    differs("distance", [&] { fGraph->SetStartingDistance(fValues[0] = 120); });
+    differs("velocity", [&] { fGraph->SetVelocity(fValues[1] = 0.15F); });
+    differs("direction", [&] { fGraph->SetDirection(fValues[2] = 45); });
+    differs("front", [&] { fGraph->SetPassesFront(fValues[3] = 30); });
+    differs("right", [&] { fGraph->SetPassesRight(fValues[4] = -20); });
+    differs("duration", [&] {
+        SetSeconds(3000);
+        fGraph->FollowDuration();
+    });
+    differs("size", [&] { fGraph->UI_SetFrame({0, 0, 180, 200}); });
+    differs("shape", [&] { fGraph->SetCircular(fCircular = false); });
+}
+
 TEST_F(DopplerGraphTest, OddValuesEndTheDrawing) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    SetSeconds(20);
+    SetSeconds(1.9);
     for (const float velocity : {0.0F, -3.0F, nan, 1e30F})
         for (const float distance : {-5.0F, 0.0F, nan, 1e30F})
             for (const bool circular : {false, true}) {

@@ -35,6 +35,8 @@ constexpr double kAlmostFullTurn = 6.1261; // radians; a circle never meets its 
 constexpr float kFewestSegments = 10;      // of an arc of one second
 constexpr float kMostSegments = 1000;
 
+constexpr float kManyLines = 2000; // from here on a path is not drawn at every repaint
+
 Point operator+(Point a, Point b) {
     return {a.x + b.x, a.y + b.y};
 }
@@ -125,31 +127,36 @@ DopplerGraph::~DopplerGraph() = default;
 
 void DopplerGraph::SetStartingDistance(float distance) {
     fStartingDistance = distance;
-    UI_Invalidate();
+    Changed();
 }
 
 void DopplerGraph::SetVelocity(float velocity) {
     fVelocity = velocity;
-    UI_Invalidate();
+    Changed();
 }
 
 void DopplerGraph::SetDirection(float degrees) {
     fDirection = degrees;
-    UI_Invalidate();
+    Changed();
 }
 
 void DopplerGraph::SetPassesFront(float distance) {
     fPassesFront = distance;
-    UI_Invalidate();
+    Changed();
 }
 
 void DopplerGraph::SetPassesRight(float distance) {
     fPassesRight = distance;
-    UI_Invalidate();
+    Changed();
 }
 
 void DopplerGraph::SetCircular(bool circular) {
     fCircular = circular;
+    Changed();
+}
+
+void DopplerGraph::Changed() {
+    fLongPath.Invalidate();
     UI_Invalidate();
 }
 
@@ -157,7 +164,7 @@ void DopplerGraph::FollowDuration() {
     const float seconds = Seconds();
     if (seconds == fSeenSeconds) return;
     fSeenSeconds = seconds;
-    UI_Invalidate();
+    Changed();
 }
 
 void DopplerGraph::UI_SizeChanged(const kroui::RectT<float>& rect) {
@@ -172,21 +179,35 @@ void DopplerGraph::UI_Draw(Limner* context) {
     context->FillRect(bounds, GetColor(kroui::ui::kColorPathBackground));
     DrawListener(*context);
 
-    const float seconds = Seconds();
     // A circle of no radius has no path.
-    if (seconds > 0 && !(fCircular && fStartingDistance == 0)) {
-        const float room = std::min(bounds.width, bounds.height) - 2 * kMargin;
-        const float scale = room / Extent() / kExtentShare;
-        const Point centre{bounds.left + bounds.width / 2 + fPassesRight * scale,
-                           bounds.top + bounds.height / 2 - fPassesFront * scale};
-        Picture picture(*context, bounds, scale, centre);
-        if (fCircular)
-            DrawCircularPath(picture, seconds);
-        else
-            DrawStraightPath(picture, seconds);
-        picture.Stroke();
+    const float seconds = fCircular && fStartingDistance == 0 ? 0 : Seconds();
+    if (seconds > 0 && IsLong(seconds)) {
+        if (seconds != std::exchange(fLongSeconds, seconds)) fLongPath.Invalidate();
+        fLongPath.Draw(*context, bounds, UI_GetDrawSupplier(), GetTheme(),
+                       [&](Limner& picture) { DrawPath(picture, seconds); });
+    } else if (seconds > 0) {
+        DrawPath(*context, seconds);
     }
     context->Restore();
+}
+
+bool DopplerGraph::IsLong(float seconds) const {
+    const float linesPerSecond = fCircular ? static_cast<float>(SegmentsFor(fVelocity)) : 1;
+    return seconds * linesPerSecond > kManyLines;
+}
+
+void DopplerGraph::DrawPath(Limner& context, float seconds) const {
+    const Rect bounds = UI_GetLocalRect();
+    const float room = std::min(bounds.width, bounds.height) - 2 * kMargin;
+    const float scale = room / Extent() / kExtentShare;
+    const Point centre{bounds.left + bounds.width / 2 + fPassesRight * scale,
+                       bounds.top + bounds.height / 2 - fPassesFront * scale};
+    Picture picture(context, bounds, scale, centre);
+    if (fCircular)
+        DrawCircularPath(picture, seconds);
+    else
+        DrawStraightPath(picture, seconds);
+    picture.Stroke();
 }
 
 kroui::ui::AccessibleInfo DopplerGraph::UI_GetAccessibleInfo() const {

@@ -3,6 +3,7 @@
 #include "kroaudiofilterhost/AudioFilter.h"
 #include "kroui/ui/UI_SubView.h"
 #include "qocui/module/Export.h"
+#include "uit/CacheSurface.h"
 
 namespace qocui::ui {
 
@@ -35,7 +36,10 @@ protected:
 private:
     class Picture;
 
+    void Changed();
     void DrawListener(kroui::limner::Limner& context) const;
+    void DrawPath(kroui::limner::Limner& context, float seconds) const;
+    bool IsLong(float seconds) const;
     void DrawStraightPath(Picture& picture, float seconds) const;
     void DrawCircularPath(Picture& picture, float seconds) const;
     // The largest distance from the listener, along one axis, that has to fit into half the view.
@@ -51,6 +55,9 @@ private:
     float fPassesRight = 0;
     bool fCircular = false;
     float fSeenSeconds = 0;
+    // A path of many lines, kept as a picture until something changes.
+    uit::CacheSurface fLongPath;
+    float fLongSeconds = 0;
 };
 
 } // namespace qocui::ui
