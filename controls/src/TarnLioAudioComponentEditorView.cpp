@@ -1,6 +1,7 @@
 #include "qocui/controls/TarnLioAudioComponentEditorView.h"
 
 #include "krocore/String.h"
+#include "krocore/WholeNumber.h"
 #include "krocore/debug/Trace.h"
 #include "krotarnlio/UI_KROLioRoot.h"
 #include "krotarnlio/UI_Lio.h"
@@ -27,6 +28,12 @@ using orrin::any_regular_t;
 using orrin::name_t;
 
 namespace {
+
+constexpr std::int32_t kMostHertz = 1'000'000'000;
+
+bool IsRate(float hertz) {
+    return hertz > 0 && hertz <= static_cast<float>(kMostHertz);
+}
 
 // The cells, beside inputs and outputs, that the view looks for.
 struct CellNames {
@@ -112,7 +119,7 @@ TarnLioAudioComponentEditorView::TarnLioAudioComponentEditorView(boost::intrusiv
     {
         const FlagScope syncing(fSyncing);
         ClearInputs();
-        SetCell(Cells().sampleRate, static_cast<double>(GetAudioFilter()->GetSampleRate()));
+        SetSampleRateCell();
         SetCell(Cells().currentDuration, GetAudioFilter()->GetDuration());
         RecalculateSheet();
         SubscribeOutputs();
@@ -120,7 +127,7 @@ TarnLioAudioComponentEditorView::TarnLioAudioComponentEditorView(boost::intrusiv
         fLayoutRoot->Layout();
         fLayoutRoot->GetSizeChangedSignal().connect(boost::bind(&TarnLioAudioComponentEditorView::RecalcLayout, this));
         if (fSheet->has_input(Cells().sampleRate)) {
-            SetCell(Cells().sampleRate, static_cast<double>(GetAudioFilter()->GetSampleRate()));
+            SetSampleRateCell();
             RecalculateSheet();
         }
         TakeDefaults();
@@ -226,13 +233,20 @@ void TarnLioAudioComponentEditorView::TakeDefaults() {
     fLayoutRoot->TakeDefaults();
 }
 
+// A filter that knows no rate yet leaves the one that the sheet begins with.
+void TarnLioAudioComponentEditorView::SetSampleRateCell() {
+    const float rate = GetAudioFilter()->GetSampleRate();
+    if (IsRate(rate)) SetCell(Cells().sampleRate, static_cast<double>(rate));
+}
+
 void TarnLioAudioComponentEditorView::AskHostForTime() {
     const kroaudiofilterhost::AudioFilterHost* const host = GetAudioFilter()->GetAudioFilterHost();
     if (!host) return;
     const kroaudiofilterhost::AudioFilterTimeFormat format = host->GetTimeFormat();
     const kroaudiofilterhost::AudioFilterTempo tempo = host->GetTempo();
     fTimeFormat = orrin::dictionary_t{
-        {name_t("sample_rate"), static_cast<std::int32_t>(GetAudioFilter()->GetSampleRate())},
+        {name_t("sample_rate"),
+         krocore::TruncatedWithin<std::int32_t>(GetAudioFilter()->GetSampleRate(), 0, kMostHertz)},
         {name_t("format"), format.format},
         {name_t("current_fps"), format.currentFps},
         {name_t("custom_fps"), format.customFps},
@@ -252,7 +266,7 @@ void TarnLioAudioComponentEditorView::OnParameterChanged(const any_regular_t& va
     const auto stored = static_cast<float>(value.get<double>());
     const boost::intrusive_ptr<AudioFilter> filter = GetAudioFilter();
     if (filter->GetParameterValue(index) == stored) return;
-    filter->SetParameterValue(index, stored);
+    if (std::isfinite(stored)) filter->SetParameterValue(index, stored);
     trace.Check(index, stored);
 }
 
@@ -324,7 +338,7 @@ bool TarnLioAudioComponentEditorView::PushTimeFormat() {
 
 void TarnLioAudioComponentEditorView::PushEnvironment() {
     const boost::intrusive_ptr<AudioFilter> filter = GetAudioFilter();
-    GiveInput(Cells().sampleRate, static_cast<double>(filter->GetSampleRate()));
+    if (IsRate(filter->GetSampleRate())) GiveInput(Cells().sampleRate, static_cast<double>(filter->GetSampleRate()));
     GiveInput(Cells().currentDuration, filter->GetDuration());
     fLastDirtyCount = filter->GetParameterDirtyCount();
     fSheet->update();

@@ -2,6 +2,7 @@
 
 #include "krocore/Localizer.h"
 #include "krocore/NumberFormat.h"
+#include "krocore/WholeNumber.h"
 #include "krocore/utility/NoteString.h"
 #include "kroui/controls/UI_HotTextNumber.h"
 #include "kroui/controls/UI_Popup.h"
@@ -13,7 +14,6 @@
 
 #include <boost/bind/bind.hpp>
 
-#include <algorithm>
 #include <cmath>
 
 namespace qocui::ui {
@@ -37,6 +37,7 @@ namespace {
 
 constexpr int kScaleCount = 3;
 constexpr int kFFTSizeCount = 3;
+constexpr std::int32_t kMostChannels = kroaudiofilterhost::AudioFilter::kMaximumChannels;
 constexpr int kChromatic = 2; // scale item
 
 constexpr int kKeyCount = 12;
@@ -49,10 +50,10 @@ constexpr float kStoredThirds[] = {0.0F, 0.5F, 1.0F}; // of three items
 constexpr double kCentsPerOctave = 1200;
 constexpr int kLinearScale = 0;
 
-// The item of `count` whose equal part of 0...1 the stored value lies in. Below 0 it may be none.
+// The item of `count` whose equal part of 0...1 the stored value lies in. Below 0 it may be none, and it is none for
+// what is no number.
 int ItemAt(float stored, std::int32_t count) {
-    const auto parts = static_cast<float>(count);
-    return static_cast<int>(std::clamp(stored * parts, -1.0F, parts - 1));
+    return krocore::TruncatedWithin(stored * static_cast<float>(count), -1, count - 1);
 }
 
 } // namespace
@@ -154,7 +155,7 @@ void AutoPitchCorrectView::FillChannelPopup() {
     const auto& buses = GetAudioComponent()->GetInputBuses();
     if (!info || buses.empty()) return;
     fChannelLayout = buses.front().GetLayout();
-    fChannelCount = static_cast<std::int32_t>(info->GetHiBound());
+    fChannelCount = krocore::TruncatedWithin<std::int32_t>(info->GetHiBound(), 0, kMostChannels);
     for (std::int32_t channel = 0; channel < fChannelCount; ++channel)
         fChannel->AddItem(fChannelLayout.ChannelName(static_cast<std::size_t>(channel), false));
 }

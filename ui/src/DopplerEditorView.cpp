@@ -2,6 +2,7 @@
 
 #include "krocore/Localizer.h"
 #include "krocore/NumberFormat.h"
+#include "krocore/WholeNumber.h"
 #include "kroui/controls/UI_Checkbox.h"
 #include "kroui/controls/UI_HotTextNumber.h"
 #include "kroui/controls/UI_Popup.h"
@@ -16,7 +17,6 @@
 
 #include <boost/bind/bind.hpp>
 
-#include <algorithm>
 #include <cmath>
 
 namespace qocui::ui {
@@ -208,9 +208,8 @@ void DopplerEditorView::UpdateDirectionCheckBox() {
 
 void DopplerEditorView::UpdateQualityPopup() {
     const float stored = GetAudioComponent()->GetParameterValue(kDopplerQuality);
-    // Held where it is no item any more, so that it fits an int.
-    const float item = std::clamp(stored * kQualitySteps + 0.5F, -1.0F, kQualitySteps);
-    if (fQuality) fQuality->SetValue(static_cast<int>(item));
+    constexpr int kBeyond = static_cast<int>(kQualitySteps); // no item any more
+    if (fQuality) fQuality->SetValue(krocore::TruncatedWithin(stored * kQualitySteps + 0.5F, -1, kBeyond));
 }
 
 void DopplerEditorView::UpdateDescriptionText() {

@@ -1,5 +1,6 @@
 #include "qocui/ui/FFTFilterEditorView.h"
 
+#include "krocore/WholeNumber.h"
 #include "kroui/controls/UI_Checkbox.h"
 #include "kroui/controls/UI_DisclosureTriangleButton.h"
 #include "kroui/controls/UI_PictureButton.h"
@@ -12,7 +13,6 @@
 
 #include <boost/bind/bind.hpp>
 
-#include <algorithm>
 #include <cmath>
 
 namespace qocui::ui {
@@ -132,7 +132,8 @@ void FFTFilterEditorView::UpdateFFTSizePopup() {
 
 void FFTFilterEditorView::UpdateWindowTypePopup() {
     const float item = std::trunc(GetAudioComponent()->GetParameterValue(kFFTFilterWindowType) * kWindowTypes);
-    if (fWindowType && item < kWindowTypes) fWindowType->SetValue(static_cast<int>(std::max(item, -1.0F)));
+    constexpr int kBeyond = static_cast<int>(kWindowTypes);
+    if (fWindowType && item < kWindowTypes) fWindowType->SetValue(krocore::TruncatedWithin(item, -1, kBeyond));
 }
 
 void FFTFilterEditorView::UpdateAdvancedControlsEnabement() {

@@ -1,9 +1,9 @@
 #include "qocui/ui/FFTSizeChoice.h"
 
 #include "krocore/String.h"
+#include "krocore/WholeNumber.h"
 #include "kroui/controls/UI_Popup.h"
 
-#include <algorithm>
 #include <string>
 
 namespace qocui::ui {
@@ -11,7 +11,7 @@ namespace qocui::ui {
 namespace {
 
 constexpr float kOffset = 32;
-constexpr float kMostShown = 1e6F; // beyond all sizes
+constexpr int kMostShown = 1'000'000; // beyond all sizes
 
 krocore::string16 TextOf(int size) {
     return krocore::FromASCII(std::to_string(size));
@@ -28,7 +28,7 @@ void FFTSizeChoice::Fill(kroui::controls::UI_Popup& popup) const {
 void FFTSizeChoice::Show(kroui::controls::UI_Popup& popup, float stored) const {
     // In single precision, which undoes the rounding of the stored value: in double precision 128 comes out below 128.
     const float size = stored * fRange + kOffset;
-    popup.SetValueString(TextOf(static_cast<int>(std::clamp(size, -kMostShown, kMostShown))), true);
+    popup.SetValueString(TextOf(krocore::TruncatedWithin(size, -kMostShown, kMostShown)), true);
 }
 
 std::optional<float> FFTSizeChoice::Stored(int item) const {

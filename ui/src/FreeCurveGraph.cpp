@@ -1,5 +1,7 @@
 #include "qocui/ui/FreeCurveGraph.h"
 
+#include "krocore/WholeNumber.h"
+
 #include <boost/bind/bind.hpp>
 
 #include <algorithm>
@@ -41,7 +43,7 @@ void FreeCurveGraph::SyncParameters() {
 
 void FreeCurveGraph::ResetPoints() {
     const double level = GetFlatLevel();
-    CurvePointsToComponent({{0, {kLowestFrequency, level}}, {1, {Nyquist(), level}}});
+    StorePoints({{0, {kLowestFrequency, level}}, {1, {Nyquist(), level}}});
 }
 
 FreeCurveGraph::RulerPtr FreeCurveGraph::MakeHorizontalRuler() const {
@@ -102,7 +104,7 @@ void FreeCurveGraph::CurvePointsToComponent(const CurvePoints& points) {
 
 std::size_t FreeCurveGraph::StoredCount() const {
     const double count = Parameter(fIndices.pointCount) * kCountScale;
-    return count > 0 ? static_cast<std::size_t>(std::min(count, static_cast<double>(kMostPoints))) : 0;
+    return krocore::TruncatedWithin<std::size_t>(count, 0, kMostPoints);
 }
 
 FreeCurveGraph::StoredPoint FreeCurveGraph::Stored(std::size_t point) const {

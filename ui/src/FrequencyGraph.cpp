@@ -36,7 +36,7 @@ FrequencyGraph::RulerPtr FrequencyGraph::MakeLogRuler(bool vertical, double mini
 bool FrequencyGraph::FollowSampleRate() {
     constexpr int kRight = 1;
     const float nyquist = Nyquist();
-    if (!(nyquist > kLowestFrequency) || GetBound(kRight) == nyquist) return false;
+    if (!HasFrequencies() || GetBound(kRight) == nyquist) return false;
     UpdateRulers();
     UpdateCurvePointsFromComponent();
     return true;
@@ -45,7 +45,7 @@ bool FrequencyGraph::FollowSampleRate() {
 void FrequencyGraph::SetCurrentRange(double horizontalStart, double horizontalEnd, double verticalStart,
                                      double verticalEnd) {
     UI_CurveEditor::SetCurrentRange(horizontalStart, horizontalEnd, verticalStart, verticalEnd);
-    if (const float nyquist = Nyquist(); nyquist > 0) {
+    if (const float nyquist = Nyquist(); HasFrequencies()) {
         const auto stored = [&](double hertz) { return static_cast<float>((hertz - fViewRange.offset) / nyquist); };
         fFilter->SetParameterValueQuietly(fViewRange.startParameter, stored(GetHorizontalStart()));
         fFilter->SetParameterValueQuietly(fViewRange.endParameter, stored(GetHorizontalEnd()));
@@ -65,12 +65,16 @@ void FrequencyGraph::RequestResponse(std::size_t count, bool logarithmic) {
     SetResponseData({response.begin(), response.end()}, 0);
 }
 
+void FrequencyGraph::StorePoints(const CurvePoints& points) {
+    if (HasFrequencies()) CurvePointsToComponent(points);
+}
+
 void FrequencyGraph::OnInteractiveChange(UI_InteractiveControlChangedMessage* message) {
     using Message = UI_InteractiveControlChangedMessage;
     const auto change = message->GetChangeMessage();
     if (change == Message::kStarted) fInteracting = true;
     if (change == Message::kEnded || change == Message::kAbandoned) fInteracting = false;
-    if (change == Message::kChanged || change == Message::kEnded) CurvePointsToComponent(GetCurvePoints());
+    if (change == Message::kChanged || change == Message::kEnded) StorePoints(GetCurvePoints());
 }
 
 } // namespace qocui::ui

@@ -1,6 +1,7 @@
 #include "qocui/ui/GraphicPhaseShifterEditorView.h"
 
 #include "krocore/Localizer.h"
+#include "krocore/WholeNumber.h"
 #include "kroui/controls/UI_Checkbox.h"
 #include "kroui/controls/UI_PictureButton.h"
 #include "kroui/controls/UI_Popup.h"
@@ -13,7 +14,6 @@
 
 #include <boost/bind/bind.hpp>
 
-#include <algorithm>
 #include <string>
 
 namespace qocui::ui {
@@ -160,7 +160,7 @@ void GraphicPhaseShifterEditorView::UpdateFFTSizePopup() {
 void GraphicPhaseShifterEditorView::UpdateChannelPopup() {
     // In single precision, which undoes the rounding of the stored value.
     const float item = GetAudioFilter()->GetParameterValue(kPhaseShifterChannel) * kChannelItems;
-    if (fChannel) fChannel->SetValue(static_cast<int>(std::clamp(item, -1.0F, kChannelItems)));
+    if (fChannel) fChannel->SetValue(krocore::TruncatedWithin(item, -1, static_cast<int>(kChannelItems)));
 }
 
 void GraphicPhaseShifterEditorView::UpdateAdvancedControlsEnabement() {

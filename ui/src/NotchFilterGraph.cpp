@@ -157,9 +157,9 @@ void NotchFilterGraph::OnInteractiveChange(UI_InteractiveControlChangedMessage* 
         SetInteracting(true);
         BeginEdit();
         break;
-    case UI_InteractiveControlChangedMessage::kChanged: CurvePointsToComponent(CurvePoints(GetCurvePoints())); break;
+    case UI_InteractiveControlChangedMessage::kChanged: StorePoints(CurvePoints(GetCurvePoints())); break;
     case UI_InteractiveControlChangedMessage::kEnded:
-        if (fEditOpen) CurvePointsToComponent(CurvePoints(GetCurvePoints()));
+        if (fEditOpen) StorePoints(CurvePoints(GetCurvePoints()));
         [[fallthrough]];
     case UI_InteractiveControlChangedMessage::kAbandoned:
         EndEdit();

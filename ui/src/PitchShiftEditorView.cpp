@@ -1,6 +1,7 @@
 #include "qocui/ui/PitchShiftEditorView.h"
 
 #include "krocore/Localizer.h"
+#include "krocore/WholeNumber.h"
 #include "kroui/controls/UI_Checkbox.h"
 #include "kroui/controls/UI_HotTextNumber.h"
 #include "kroui/controls/UI_RadioButton.h"
@@ -13,6 +14,7 @@
 #include <boost/bind/bind.hpp>
 
 #include <cmath>
+#include <limits>
 
 namespace qocui::ui {
 
@@ -59,6 +61,13 @@ double ToSemitones(double ratio) {
 std::int64_t Truncated(float value) {
     constexpr float kBeyondIntegers = 0x1p63F;
     return std::abs(value) < kBeyondIntegers ? static_cast<std::int64_t>(value) : 0;
+}
+
+// What is no number becomes 0, what the type cannot hold the nearest that it can.
+template <class Integer>
+Integer Held(double x) {
+    using Limits = std::numeric_limits<Integer>;
+    return std::isnan(x) ? Integer{0} : krocore::TruncatedWithin(x, Limits::min(), Limits::max());
 }
 
 bool EndsOrChanges(const UI_InteractiveControlChangedMessage& message) {
@@ -113,7 +122,7 @@ void PitchShiftEditorView::ConnectControls() {
 }
 
 std::int32_t PitchShiftEditorView::MakeWhole(double x) {
-    return static_cast<std::int32_t>(RoundedHalfAway(x));
+    return Held<std::int32_t>(RoundedHalfAway(x));
 }
 
 double PitchShiftEditorView::MakeHundredths(double x) {
@@ -135,8 +144,9 @@ double PitchShiftEditorView::ConvertRatioToSemitone(double ratio) {
 }
 
 std::int16_t PitchShiftEditorView::MakesureSemitonesIsInteger(double x) {
-    const auto whole = static_cast<std::int16_t>(x);
-    return x > whole + 0.5 ? static_cast<std::int16_t>(whole + 1) : whole;
+    const auto whole = Held<std::int16_t>(x);
+    return x > whole + 0.5 && whole < std::numeric_limits<std::int16_t>::max() ? static_cast<std::int16_t>(whole + 1)
+                                                                               : whole;
 }
 
 void PitchShiftEditorView::ConvertRatioToSemitoneAndCents(double ratio, double& semitones, double& cents) {

@@ -3,6 +3,7 @@
 #include "GraphRulers.h"
 
 #include "krocore/Localizer.h"
+#include "krocore/WholeNumber.h"
 #include "qoc/components/ParameterIndices.h"
 #include "uit/controls/AxisText.h"
 
@@ -96,7 +97,7 @@ void SFGraph::SetCurveColor(View view, const Color& color) {
 
 void SFGraph::SetCurrentRange(double horizontalStart, double horizontalEnd, double verticalStart, double verticalEnd) {
     UI_RulerGridBase::SetCurrentRange(horizontalStart, horizontalEnd, verticalStart, verticalEnd);
-    if (const double nyquist = Nyquist(); nyquist > 0) {
+    if (const double nyquist = Nyquist(); nyquist > 0 && std::isfinite(nyquist)) {
         // The lowest frequency stays the lowest at another sample rate.
         const double start = GetHorizontalStart() > kLowestFrequency ? GetHorizontalStart() : 0;
         fFilter->SetParameterValueQuietly(kSFViewStart, static_cast<float>(start / nyquist));
@@ -154,8 +155,8 @@ void SFGraph::DrawOverContent(Limner& limner) {
 }
 
 void SFGraph::TakeView() {
-    constexpr float kLastView = kViewCount - 1;
-    fView = static_cast<View>(std::lround(std::clamp(Parameter(kSFView), 0.0F, 1.0F) * kLastView));
+    constexpr int kLastView = kViewCount - 1;
+    fView = static_cast<View>(krocore::TruncatedWithin(std::round(Parameter(kSFView) * kLastView), 0, kLastView));
     SetVerticalLabel1(Unit());
     const bool isLogarithmic = Parameter(kSFLogarithmicAxis) >= kOn;
     const double nyquist = Nyquist();
@@ -260,8 +261,9 @@ Rect SFGraph::ReadoutRect() const {
 
 krocore::string16 SFGraph::ReadoutText() const {
     const Rect content = GetContentRect();
-    const double place = std::clamp((fPointer->x - content.left) / content.width, 0.0F, 1.0F);
-    const auto index = static_cast<std::size_t>(std::lround(place * static_cast<double>(fResponse.size() - 1)));
+    const std::size_t last = fResponse.size() - 1;
+    const double place = (fPointer->x - content.left) / content.width;
+    const auto index = krocore::TruncatedWithin<std::size_t>(std::round(place * static_cast<double>(last)), 0, last);
     const CoordinatePair here = GetCoordinatePairForPixel(*fPointer);
     const CoordinatePair next = GetCoordinatePairForPixel({fPointer->x + 1, fPointer->y + 1});
     uit::controls::AxisText frequency;

@@ -1,5 +1,6 @@
 #include "qocui/ui/ScientificFilterEditorView.h"
 
+#include "krocore/WholeNumber.h"
 #include "kroui/controls/UI_HotTextNumber.h"
 #include "kroui/controls/UI_Popup.h"
 #include "kroui/controls/UI_RadioButton.h"
@@ -348,7 +349,7 @@ ScientificFilterSettings ScientificFilterEditorView::Settings() {
     settings.family = static_cast<FilterFamily>(Item(kSFType));
     settings.mode = static_cast<FilterMode>(Item(kSFMode));
     settings.order =
-        static_cast<int>(std::lround(std::clamp<float>(Natural(kSFOrder), 1, ScientificFilterSettings::kHighestOrder)));
+        krocore::TruncatedWithin<int>(std::round(Natural(kSFOrder)), 1, ScientificFilterSettings::kHighestOrder);
     settings.cutoff = Natural(kSFCutoff);
     settings.highCutoff = Natural(kSFHighCutoff);
     settings.passRipple = Natural(kSFPassRipple);

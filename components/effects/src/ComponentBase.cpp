@@ -3,6 +3,7 @@
 #include "qoc/components/DenormalGuard.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace qoc::components {
@@ -64,6 +65,7 @@ bool ComponentBase::IsOn(int index) const noexcept {
 }
 
 void ComponentBase::TellParameter(int index, double natural) noexcept {
+    if (std::isnan(natural)) return; // nothing was measured
     const float stored = std::clamp(fTable.Find(index)->ToNormalised(static_cast<float>(natural)), 0.0F, 1.0F);
     if (stored != StoredParameter(static_cast<std::size_t>(index))) StoreParameter(index, stored);
 }

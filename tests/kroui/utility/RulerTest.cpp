@@ -7,6 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <functional>
 #include <limits>
 
 namespace kroui::utility {
@@ -279,6 +281,94 @@ TEST(Ruler, SpanStyleCrossesWhatItMeasuresAndPutsTextsBeforeIt) {
     // 0 is in the middle of 20...120; its line is a pixel around 70, its text ends 2 before the line, 11 high.
     EXPECT_THAT(limner.Operations(), testing::Contains("FillRect 30 70 20 1 #FFFFFF"));
     EXPECT_THAT(limner.Operations(), testing::Contains("Text \"0\" 9 #FFFFFF 0 64.5 28 11 right"));
+}
+
+// Everything that marks show.
+std::vector<std::string> Drawn(const RulerBase& ruler, const Rect& rect) {
+    limner::RecordingLimner limner;
+    ruler.Draw(limner, rect, {}, &Supplier());
+    return limner.Operations();
+}
+
+TEST(Ruler, MarksAfterAnyChangeAreThoseOfANewRuler) {
+    using Change = std::function<void(RulerBase&)>;
+    const std::pair<const char*, Change> changes[] = {
+        {"a shorter length", [](RulerBase& r) { r.SetPixelRange(0, 90); }},
+        {"a longer length", [](RulerBase& r) { r.SetPixelRange(0, 700); }},
+        {"another place", [](RulerBase& r) { r.SetPixelRange(20, 260); }},
+        {"turned round", [](RulerBase& r) { r.SetPixelRange(240, 0); }},
+        {"another range", [](RulerBase& r) { r.SetValueRange(0.05, 0.9); }},
+        {"a range turned round", [](RulerBase& r) { r.SetValueRange(2, 0.1); }},
+        {"vertical", [](RulerBase& r) { r.SetVertical(true); }},
+        {"wider steps", [](RulerBase& r) { r.SetStepFactor(90); }},
+        {"smaller letters", [](RulerBase& r) { r.SetFontSize(6); }},
+        {"the law of a fader", [](RulerBase& r) { r.SetStyle(RulerBase::kFader); }},
+        {"hidden labels", [](RulerBase& r) { r.HideTruncatedStrings(true); }},
+        {"no abbreviations", [](RulerBase& r) { r.SetAbbreviateNumbers(false); }},
+        {"a word at the start", [](RulerBase& r) { r.SetLabel1(u"slow"); }},
+        {"a word at the end", [](RulerBase& r) { r.SetLabel2(u"fast"); }},
+        {"marks that cross",
+         [](RulerBase& r) {
+             r.SetStyle(RulerBase::kSpan);
+             r.SetMajorTickSpan(3, 9);
+             r.SetMinorTickSpan(4, 8);
+             r.SetTextNearTickStart(true);
+         }},
+    };
+    constexpr Rect kRects[] = {{0, 0, 240, 30}, {0, 0, 90, 40}, {10, 5, 700, 700}};
+    for (const Kind kind : {Kind::kLinear, Kind::kLog, Kind::kDecibel})
+        for (const auto& [name, change] : changes) {
+            const RulerPtr used = MakeRuler(kind, 0.1, 2, 240);
+            for (const Rect& rect : kRects)
+                Drawn(*used, rect);
+            change(*used);
+            for (const Rect& rect : kRects) {
+                const RulerPtr fresh = MakeRuler(kind, 0.1, 2, 240);
+                change(*fresh);
+                EXPECT_EQ(Drawn(*used, rect), Drawn(*fresh, rect)) << name;
+            }
+        }
+}
+
+TEST(Ruler, RangesAtTheEndsOfWhatNumbersCanHoldHaveMarksThatAreNumbers) {
+    constexpr double kLargest = std::numeric_limits<double>::max();
+    constexpr double kSmallest = std::numeric_limits<double>::denorm_min();
+    const std::pair<double, double> ranges[] = {
+        {0, 1e308},     {-1e308, 1e308},    {0, kLargest},    {-kLargest, kLargest}, {1e307, 1e308},  {0, kSmallest},
+        {kSmallest, 1}, {kSmallest, 1e308}, {1, 1 + 1e-15},   {-1e-308, 1e-308},     {1e300, 1e-300}, {0, 1e-300},
+        {5, 5},         {-1, -1e-300},      {1e15, 1e15 + 1},
+    };
+    for (const Kind kind : {Kind::kLinear, Kind::kLog, Kind::kDecibel, Kind::kFader})
+        for (const auto& [first, last] : ranges)
+            for (const float length : {0.5F, 200.0F, 30000.0F}) {
+                const RulerPtr ruler = MakeRuler(kind, first, last, length);
+                EXPECT_LE(ruler->GetTicks(&Supplier()).size(), 4096U);
+                for (const RulerTick& tick : ruler->GetTicks(&Supplier())) {
+                    EXPECT_TRUE(std::isfinite(tick.value) && std::isfinite(tick.pixel)) << first << "..." << last;
+                    EXPECT_LE(tick.text.size(), 400U);
+                }
+                EXPECT_TRUE(std::isfinite(ruler->GetPixel(first)));
+                EXPECT_TRUE(std::isfinite(ruler->GetValue(length / 3)));
+            }
+}
+
+TEST(Ruler, WhatIsNoNumberIsRefused) {
+    for (const double odd : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
+                             -std::numeric_limits<double>::infinity()}) {
+        const RulerPtr ruler = MakeRuler(Kind::kLog, 20, 20000, 200);
+        const std::vector<std::string> before = Labels(*ruler);
+        ruler->SetValueRange(odd, 100);
+        ruler->SetValueRange(100, odd);
+        ruler->SetPixelRange(static_cast<float>(odd), 100);
+        ruler->SetPixelRange(0, static_cast<float>(odd));
+        ruler->SetStepFactor(odd);
+        ruler->SetFontSize(static_cast<float>(odd));
+        dynamic_cast<LogRuler&>(*ruler).SetLogStep(odd);
+        dynamic_cast<LogRuler&>(*ruler).SetLogSeed(odd);
+        EXPECT_EQ(Labels(*ruler), before);
+        EXPECT_TRUE(std::isfinite(ruler->GetPixel(odd)));
+        EXPECT_TRUE(std::isfinite(ruler->GetValue(static_cast<float>(odd))));
+    }
 }
 
 } // namespace

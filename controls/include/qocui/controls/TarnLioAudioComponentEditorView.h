@@ -82,6 +82,7 @@ private:
     void SubscribeOutputs();
     void ParseLayout(const std::string& script, HINSTANCE module);
     void TakeDefaults();
+    void SetSampleRateCell();
     void AskHostForTime();
 
     // --- what the scripts can call and name ---

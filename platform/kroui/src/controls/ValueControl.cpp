@@ -56,6 +56,18 @@ void ValueControl::SetMinMaxValue(double minValue, double maxValue, double defau
     SetDefaultValue(defaultValue);
 }
 
+void ValueControl::SetIncrement(double increment) {
+    if (std::isfinite(increment)) fIncrement = increment;
+}
+
+void ValueControl::SetShiftIncrement(double increment) {
+    if (std::isfinite(increment)) fShiftIncrement = increment;
+}
+
+void ValueControl::SetCommandIncrement(double increment) {
+    if (std::isfinite(increment)) fCommandIncrement = increment;
+}
+
 void ValueControl::SetDefaultValue(double value) {
     if (!std::isnan(value)) fDefaultValue = value;
 }

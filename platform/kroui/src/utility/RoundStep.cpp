@@ -1,5 +1,7 @@
 #include "RoundStep.h"
 
+#include "krocore/WholeNumber.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -35,6 +37,7 @@ const std::array<Mantissa, 13>& Mantissas() {
     return sMantissas;
 }
 
+constexpr int kFarthestExponent = 305; // of the first of three, all of whose steps are numbers
 constexpr double kLargestGrowth = 2.5; // of a step that meets the ends, over the wanted one
 
 bool IsMultiple(double value, double step) {
@@ -75,7 +78,7 @@ int RoundStep::Parts(double least) const {
 RoundStep RoundStep::Choose(double low, double high, double least) {
     RoundStep common;
     bool hasCommon = false;
-    const int start = static_cast<int>(std::floor(std::log10(least)));
+    const int start = krocore::TruncatedWithin(std::floor(std::log10(least)), -kFarthestExponent, kFarthestExponent);
     for (int exponent = start; exponent <= start + 2; ++exponent) {
         for (const Mantissa& mantissa : Mantissas()) {
             const RoundStep step{mantissa.tenths, exponent};

@@ -55,7 +55,7 @@ void RulerBase::SetPixelRange(float first, float last) {
 }
 
 void RulerBase::SetFontSize(float size) {
-    if (size > 0) Assign(fFontSize, size);
+    if (std::isfinite(size) && size > 0) Assign(fFontSize, size);
 }
 
 void RulerBase::SetLabel1(std::u16string_view text) {

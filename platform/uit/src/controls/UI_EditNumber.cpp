@@ -186,16 +186,19 @@ void UI_EditNumber::SetRulerTextPlacement(int placement) {
 }
 
 void UI_EditNumber::SetStepFactor(double pixels) {
+    if (!std::isfinite(pixels)) return;
     fStepFactor = pixels;
     RulerPropertyChanged();
 }
 
 void UI_EditNumber::SetLogSeed(double seed) {
+    if (!std::isfinite(seed)) return;
     fLogSeed = seed;
     RulerPropertyChanged();
 }
 
 void UI_EditNumber::SetLogStep(double step) {
+    if (!std::isfinite(step)) return;
     fLogStep = step;
     RulerPropertyChanged();
 }

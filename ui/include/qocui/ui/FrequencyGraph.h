@@ -5,6 +5,8 @@
 
 #include <boost/signals2/trackable.hpp>
 
+#include <cmath>
+
 namespace qocui::ui {
 
 // What the curve graphs over frequency share: the axis from 20 Hz to the Nyquist frequency, the look of the grid, the
@@ -44,6 +46,8 @@ protected:
     // Half of the filter's sample rate, read at the moment of the call.
     static float NyquistOf(const kroaudiofilterhost::AudioFilter& filter) { return filter.GetSampleRate() * 0.5F; }
     float Nyquist() const { return NyquistOf(*fFilter); }
+    // Whether the sample rate leaves an axis to draw and edit on; without one nothing is written.
+    bool HasFrequencies() const { return std::isfinite(Nyquist()) && Nyquist() > kLowestFrequency; }
     kroaudiofilterhost::AudioFilter& Filter() const { return *fFilter; }
     float Parameter(int index) const { return fFilter->GetParameterValue(index); }
 
@@ -56,7 +60,9 @@ protected:
 
     virtual void UpdateRulers() = 0;
     virtual void UpdateCurvePointsFromComponent() = 0;
-    // Converts the points to parameter values and writes them.
+    // Writes the points, unless there is no axis to tell where they are.
+    void StorePoints(const CurvePoints& points);
+    // Converts the points to parameter values and writes them. For StorePoints.
     virtual void CurvePointsToComponent(const CurvePoints& points) = 0;
     virtual void UpdateResponseData() = 0;
     // 0 sets the interacting flag, 2 and 3 clear it, 1 and 2 write the points.

@@ -34,10 +34,10 @@ public:
     double GetDefaultValue() const;
 
     // Steps of keys and wheel, with Shift, with Ctrl. 0 or less: chosen from the range, and ten times or a tenth of the
-    // plain one, but not below what is shown.
-    void SetIncrement(double increment) { fIncrement = increment; }
-    void SetShiftIncrement(double increment) { fShiftIncrement = increment; }
-    void SetCommandIncrement(double increment) { fCommandIncrement = increment; }
+    // plain one, but not below what is shown. What is not finite is refused.
+    void SetIncrement(double increment);
+    void SetShiftIncrement(double increment);
+    void SetCommandIncrement(double increment);
     double GetIncrement() const { return fIncrement; }
     double GetShiftIncrement() const { return fShiftIncrement; }
     double GetCommandIncrement() const { return fCommandIncrement; }
