@@ -167,6 +167,24 @@ TEST(FFTFilter, EverySettingIsHeardAtOnce) {
     }
 }
 
+// A panel may ask as soon as it is told of a change, before the filter has been designed anew.
+TEST(FFTFilter, AResponseAskedForInTheMiddleOfAChangeDoesNotStay) {
+    struct Asker final : kroaudiofilterhost::AudioFilterListener {
+        void ParameterChanged(AudioFilter& filter, const kroaudiofilterhost::AudioFilterParameterChange&) override {
+            ToldGainAt(filter, 1000);
+        }
+        void ParameterEditBegun(AudioFilter& /*filter*/, int /*index*/) override {}
+        void ParameterEditEnded(AudioFilter& /*filter*/, int /*index*/) override {}
+    } asker;
+    const auto filter = Prepared({});
+    filter->AddListener(asker);
+    const auto level = static_cast<float>(LevelOf(-10));
+    filter->SetParameterValues(std::vector<kroaudiofilterhost::AudioFilterParameterValue>{
+        {kFFTFilterFirstPoint + 1, level}, {kFFTFilterFirstPoint + 3, level}});
+    filter->RemoveListener(asker);
+    EXPECT_NEAR(ToldGainAt(*filter, 1000), -10, 1e-3);
+}
+
 TEST(FFTFilter, ANewCurveFadesIn) {
     const auto filter = Prepared({});
     const std::vector<float> sine = test::Sine(1000, 66150, 44100);

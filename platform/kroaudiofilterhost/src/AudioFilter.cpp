@@ -112,7 +112,7 @@ double FrequencyAxis::HertzAt(std::size_t index, std::size_t count) const {
 std::vector<double> FrequencyAxis::AllHertz(std::size_t count) const {
     std::vector<double> places(count, start);
     if (count < 2) return places;
-    const double last = static_cast<double>(count - 1);
+    const auto last = static_cast<double>(count - 1);
     const double factor = logarithmic ? std::pow(end / start, 1 / last) : 1;
     const double step = logarithmic ? 0 : (end - start) / last;
     for (std::size_t i = 1; i < count; ++i)
