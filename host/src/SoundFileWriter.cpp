@@ -1,6 +1,6 @@
 #include "AudioFileEncodings.h"
-#include "SoundFileHandle.h"
 #include "SoundFileProblem.h"
+#include "WrittenFile.h"
 #include "host/ByteStream.h"
 #include "host/SoundFile.h"
 #include "krocore/ReplacementFile.h"
@@ -65,7 +65,7 @@ struct SoundFileWriter::State {
     std::string name;
     std::optional<krocore::ReplacementFile> replacement;
     std::optional<krocore::TemporaryFile> kept;
-    SoundFileHandle file;
+    std::optional<WrittenFile> file;
     int bits = 0; // of whole numbers
     std::vector<float> interleaved;
     std::vector<std::int32_t> numbers;
@@ -87,7 +87,9 @@ struct SoundFileWriter::State {
         if (replacement) replacement->Fail(reason);
         RefuseSound("$$$/qohost/AudioFile/Unwritable=@0: the sound can't be written (@1).", name, reason);
     }
-    [[noreturn]] void Fail(const char* text) const { Fail(ReasonOf(text)); }
+    void CheckFile() const {
+        if (const std::string problem = file->Problem(); !problem.empty()) Fail(problem);
+    }
 };
 
 SoundFileWriter::SoundFileWriter(const fs::path& path, const Format& format, const SoundKind& kind)
@@ -100,10 +102,10 @@ SoundFileWriter::SoundFileWriter(const fs::path& path, const Format& format, con
     info.samplerate = static_cast<int>(std::lround(format.sampleRate));
     state.bits = WholeNumberBits(info.format);
     state.MakeFile();
-    state.file = OpenSoundFile(state.FilePath(), SFM_WRITE, info);
-    if (!state.file) state.Fail(sf_strerror(nullptr));
-    sf_command(state.file.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
-    WriteLayout(state.file.get(), format.layout);
+    state.file.emplace(state.FilePath(), info);
+    state.CheckFile();
+    sf_command(state.file->Handle(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
+    WriteLayout(state.file->Handle(), format.layout);
 }
 
 SoundFileWriter::~SoundFileWriter() = default;
@@ -121,17 +123,18 @@ void SoundFileWriter::Write(std::span<const float* const> channels, std::size_t 
         state.numbers.resize(state.interleaved.size());
         std::ranges::transform(state.interleaved, state.numbers.begin(),
                                [&](float sample) { return ToWholeNumber(sample, state.bits); });
-        written = sf_writef_int(state.file.get(), state.numbers.data(), count);
+        written = sf_writef_int(state.file->Handle(), state.numbers.data(), count);
     } else {
-        written = sf_writef_float(state.file.get(), state.interleaved.data(), count);
+        written = sf_writef_float(state.file->Handle(), state.interleaved.data(), count);
     }
-    if (written != count) state.Fail(sf_strerror(state.file.get()));
+    state.CheckFile();
+    if (written != count) state.Fail(ReasonOf(sf_strerror(state.file->Handle())));
 }
 
 void SoundFileWriter::Commit() {
     State& state = *fState;
-    sf_write_sync(state.file.get());
-    if (const int error = sf_close(state.file.release()); error != 0) state.Fail(sf_error_number(error));
+    state.file->Close();
+    state.CheckFile();
     if (state.replacement)
         state.replacement->Commit();
     else

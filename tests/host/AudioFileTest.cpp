@@ -248,14 +248,34 @@ TEST_F(AudioFileTest, SoundRecordedToAPipeHasNoLengthAndIsTaken) {
 TEST_F(AudioFileTest, AFullDiskKeepsTheOldFileOfEveryKindAndNothingElse) {
     for (const char* const name : {"a.wav", "a.aif", "a.flac", "a.ogg", "a.caf", "a.w64", "a.au", "a.raw"}) {
         const fs::path path = WriteBytes(name, "what was there");
-        // Full in the header, in the first block, and somewhere in the sound.
-        for (const std::size_t room : {10, 3000, 8000}) {
+        WriteAudioFile(path, MakeTestSignal(2), kWave16);
+        const std::size_t size = Bytes(path).size();
+        WriteBytes(name, "what was there");
+        // Full in the header, in the first block, somewhere in the sound, and at its last byte.
+        for (const std::size_t room : {std::size_t(10), std::size_t(3000), size / 2, size - 1}) {
+            SCOPED_TRACE(testing::Message() << name << " " << room << " of " << size);
             const FullDisk full(room);
             ExpectRefusal([&] { WriteAudioFile(path, MakeTestSignal(2), kWave16); }, path, "can't be written");
         }
-        EXPECT_EQ(Bytes(path), "what was there") << name;
+        EXPECT_TRUE(Bytes(path) == "what was there") << name;
     }
     EXPECT_EQ(FilesInFolder(), 8U);
+}
+
+// The container follows from the frames that are announced: 4 bytes each.
+TEST_F(AudioFileTest, WhatIsTooLongForAKindOfFileGetsAnotherOrIsRefused) {
+    const auto open = [&](const char* name, std::uint64_t bytes) {
+        SoundFileWriter file(
+            fFolder / name,
+            {.sampleRate = 44100, .layout = AudioChannelLayout::Stereo(), .frames = bytes / 4, .like = kWave16});
+        file.Commit();
+        return Bytes(fFolder / name).substr(0, 4);
+    };
+    EXPECT_EQ(open("a.wav", 0xFFFF0000), "RIFF");
+    EXPECT_EQ(open("a.wav", 0xFFFF0004), "RF64");
+    EXPECT_EQ(open("a.aif", 0x7FFF0000), "FORM");
+    ExpectRefusal([&] { open("b.aif", 0x7FFF0004); }, fFolder / "b.aif", "so much sound");
+    EXPECT_FALSE(fs::exists(fFolder / "b.aif"));
 }
 
 TEST_F(AudioFileTest, WritingRefusesWithFileAndReason) {

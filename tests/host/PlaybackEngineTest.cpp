@@ -153,6 +153,18 @@ TEST_F(PlaybackEngineTest, AfterBypassTheEffectIsThereAsIfItHadBeenHeardAllTheTi
     EXPECT_EQ(play(true), always);
 }
 
+TEST_F(PlaybackEngineTest, WhatStartsBypassedIsNeverHeardWithTheEffect) {
+    OpenAmplify(LoudThenSilent(20000, 20000));
+    fFilter->SetParameterValue(2, 1); // +48 dB
+    fEngine.SetBypass(true);
+    for (int start = 0; start < 2; ++start) {
+        fEngine.Play();
+        for (const float sample : Render(1000))
+            ASSERT_LE(sample, 0.5F) << start;
+        fEngine.StopAtOnce();
+    }
+}
+
 TEST_F(PlaybackEngineTest, HoweverPlayingEndsTheFilterIsFreeAgainAndMetersAreEmpty) {
     const auto isFree = [this] { return fFilter->IsSuspended() && fFilter->CanChangeNonAutomatableParameters(); };
     const std::pair<const char*, std::function<void()>> ends[] = {

@@ -114,6 +114,9 @@ TEST_F(PresetTest, DepthRepetitionsAndMessagesAreBounded) {
         return all;
     };
     EXPECT_NO_THROW(ParsePreset(start + R"("author": )" + repeated("[", 10) + repeated("]", 10) + "}"));
+    // The same names in different objects are not twice the same.
+    EXPECT_NO_THROW(
+        ParsePreset(R"({"a": {"name": {"a": 1}}, "b": {"name": 1}, "name": "x", "effect": "qoc.Amplify"})"));
     for (const auto& [open, close] : {std::pair{"[", "]"}, std::pair{R"({"a":)", "}"}}) {
         const std::string nested = repeated(open, 500000) + "1" + repeated(close, 500000);
         for (const char* const place : {R"("author": )", R"("values": )", R"("values": {"gain1": )"})
@@ -183,7 +186,12 @@ TEST_F(PresetTest, UsersPresetsAreFilesOfAFolderAnEffect) {
     EXPECT_EQ(presets.Read("amplify", "c").values.at("gain1").number, 0.25F);
     presets.Remove("amplify", "c");
     EXPECT_FALSE(presets.Has("amplify", "c"));
-    for (const char* const name : {"", "../x", "a/b", ".x", "x.", "x ", "con:", "a\nb"}) {
+    const std::string longest(200, 'n');
+    presets.Write("amplify", CapturePreset(*fAmplify, longest));
+    EXPECT_TRUE(presets.Has("amplify", longest));
+    for (const std::string& name :
+         {std::string(), longest + "n", std::string("../x"), std::string("a/b"), std::string(".x"), std::string("x."),
+          std::string("x "), std::string("con:"), std::string("a\nb")}) {
         EXPECT_FALSE(presets.Has("amplify", name)) << name;
         EXPECT_THAT(ErrorOf([&] { presets.Write("amplify", CapturePreset(*fAmplify, name)); }), HasSubstr("name"));
     }
