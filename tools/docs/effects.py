@@ -55,7 +55,7 @@ def rows_of_panel():
     widgets = [part for part in re.split(r"[;{}]\s", script(".lio")) if re.search(r"\bname: .*\bbind: @", part)]
     constants = {name: float(value) for name, value in re.findall(r"^\s*(\w+): (-?[\d.]+);", sheet, re.MULTILINE)}
     rows = []
-    for name, index in re.findall(r"^\s*(?:unlink )?(\w+): \(?in(\d+)\b", sheet, re.MULTILINE):
+    for name, index in re.findall(r"^\s*(?:unlink )?(\w+): (?:round)?\(?in(\d+)\b", sheet, re.MULTILINE):
         bound = [widget for widget in widgets if re.search(rf"bind: @{name}\b", widget)]
         rows.append([index, name, *panel_cells(name, sheet, constants, constants["in" + index], bound)])
     outputs = re.findall(r"^\s*out(\d+) <==", sheet, re.MULTILINE)
