@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kroui/limner/CairoSupplier.h"
+#include "kroui/limner/PixelSurface.h"
 #include "kroui/ui/UI_Window.h"
 #include "workbench/InputWait.h"
 
