@@ -39,7 +39,7 @@ double NoiseFloor(const AudioFilter& filter) {
 
 // The start, where the noise is not known yet, counted in.
 TEST(AdaptiveNoiseReduction, ImprovesTheRatioOfSignalAndNoiseBySixDecibels) {
-    for (const float rate : {44100.0F, 48000.0F, 96000.0F, 192000.0F}) {
+    for (const float rate : {44100.0F, 192000.0F}) {
         const auto frames = static_cast<std::size_t>(6 * rate);
         const auto clean = test::Melody(frames, rate);
         for (const double ratio : {10.0, 20.0}) {

@@ -1,6 +1,5 @@
 #include "qoc/components/Amplify.h"
 
-#include "AllocationCounter.h"
 #include "MeasureSound.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
@@ -97,34 +96,6 @@ TEST(Amplify, GainChangesWithoutClick) {
     EXPECT_NEAR(output[0].back(), 0.001, 1e-8);
 }
 
-TEST(Amplify, BlockSizeDoesNotMatter) {
-    const Channels input = NoiseChannels(2, 3 * kLargestBlock);
-    const auto run = [&](std::size_t block) {
-        const auto filter = PreparedAmplify(2);
-        Channels output = input;
-        Process(*filter, input, output, 0, 1000, block);
-        filter->SetParameterValue(kAmplifyFirstGain, Stored(-12));
-        Process(*filter, input, output, 1000, 1500, block);
-        filter->SetParameterValue(kAmplifyFirstGain, Stored(7)); // in the middle of the ramp
-        Process(*filter, input, output, 1500, input[0].size(), block);
-        return output;
-    };
-    const Channels expected = run(1);
-    for (const std::size_t block : {2, 3, 64, 127, 1024, 5513, 8192})
-        EXPECT_TRUE(run(block) == expected) << block;
-}
-
-TEST(Amplify, WorksInPlace) {
-    Channels sound = NoiseChannels(1, 9000);
-    const auto filter = PreparedAmplify(1);
-    const auto inPlace = PreparedAmplify(1);
-    for (const auto& each : {filter, inPlace})
-        each->SetParameterValue(kAmplifyFirstGain, Stored(6));
-    const Channels expected = Processed(*filter, sound);
-    Process(*inPlace, sound, sound, 0, 9000, 512);
-    EXPECT_EQ(sound, expected);
-}
-
 TEST(Amplify, BadSamplesLeaveNothingBehind) {
     const auto filter = PreparedAmplify(1);
     const auto clean = PreparedAmplify(1);
@@ -141,22 +112,6 @@ TEST(Amplify, BadSamplesLeaveNothingBehind) {
             ASSERT_EQ(output[0][i], expected[0][i]) << i;
         }
     }
-}
-
-TEST(Amplify, ProcessingAllocatesNothing) {
-    const auto filter = PreparedAmplify(32);
-    const Channels input = NoiseChannels(32, kLargestBlock);
-    Channels output = input;
-    std::vector<const float*> inputs;
-    std::vector<float*> outputs;
-    for (std::size_t channel = 0; channel < 32; ++channel) {
-        inputs.push_back(input[channel].data());
-        outputs.push_back(output[channel].data());
-    }
-    filter->SetParameterValue(kAmplifyFirstGain, Stored(-6));
-    const std::size_t before = AllocationCount();
-    filter->Process({inputs, outputs, kLargestBlock});
-    EXPECT_EQ(AllocationCount(), before);
 }
 
 TEST(Amplify, ParametersFollowTheChannels) {

@@ -64,8 +64,8 @@ TEST(AutoPhaseCorrection, FindsAKnownDelayAndTakesItOut) {
         float rate;
         double late;
     };
-    for (const auto& [rate, late] : {Case{44100, 0}, Case{44100, 3}, Case{44100, 100.5}, Case{44100, -200.25},
-                                     Case{48000, -31.62}, Case{96000, 7.3}, Case{192000, 100.5}}) {
+    for (const auto& [rate, late] :
+         {Case{44100, 0}, Case{44100, 3}, Case{44100, 100.5}, Case{44100, -200.25}, Case{192000, -31.62}}) {
         const auto frames = static_cast<std::size_t>(1.2 * rate) + 50000;
         const Channels input = {LateNoise(frames, 0), LateNoise(frames, late)};
         const Filter filter = Prepared({}, rate);

@@ -77,10 +77,16 @@ TEST(ChannelMixer, ChannelsCanBeSwappedAndInvertedBitByBit) {
         ASSERT_EQ(output[1][i], -input[0][i]);
 }
 
-TEST(ChannelMixer, AChangeOfPolarityDoesNotClick) {
-    const Filter filter = Prepared(1);
+TEST(ChannelMixer, NeitherAChangeOfPolarityNorAPathThatGoesOutClicks) {
     const Channels input = {test::Sine(100, 48000, 48000)};
     Channels output = input;
+    const Filter goingOut = Prepared(1);
+    test::Process(*goingOut, input, output, 0, 24000, 512);
+    SetAmount(*goingOut, 0, 0, 0);
+    test::Process(*goingOut, input, output, 24000, 48000, 512);
+    EXPECT_LT(test::Roughness(output[0], 23000, 40000), 8.6e-5 + 0.9e-5 + 2.05e-5);
+    EXPECT_EQ(output[0].back(), 0);
+    const Filter filter = Prepared(1);
     test::Process(*filter, input, output, 0, 24000, 512);
     SetAmount(*filter, 0, 0, -100);
     test::Process(*filter, input, output, 24000, 48000, 512);

@@ -1,6 +1,5 @@
 #include "qoc/components/Doppler.h"
 
-#include "AllocationCounter.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/ParameterIndices.h"
@@ -238,43 +237,6 @@ TEST(Doppler, AChangeOfThePathIsACrossfade) {
         ASSERT_LT(std::abs(output[0][i] - output[0][i - 1]), bound) << i;
     const double level = Level(output[0], 2, 3);
     EXPECT_NEAR(level, Decibels(0.5, 1), 0.1) << "the last path is heard alone";
-}
-
-TEST(Doppler, BlockSizeDoesNotMatter) {
-    std::mt19937 generator(3);
-    std::uniform_real_distribution<float> distribution(-1, 1);
-    Channels input(2, Sound(12000));
-    for (Sound& channel : input) {
-        for (float& sample : channel)
-            sample = distribution(generator);
-    }
-    const auto run = [&](std::size_t block, bool inPlace) {
-        const auto filter =
-            Prepared({.distance = 5, .velocity = 60, .front = 3, .byDistance = true, .byDirection = true}, 0.3, 2);
-        Channels output = input;
-        const Channels& source = inPlace ? output : input;
-        Process(*filter, source, output, 0, 3000, block);
-        Set(*filter, {.distance = 9, .velocity = 20, .circular = true, .quality = 3});
-        Process(*filter, source, output, 3000, 3500, block);
-        Set(*filter, {.distance = 9, .velocity = 200, .right = 4, .quality = 1});
-        Process(*filter, source, output, 3500, 12000, block);
-        return output;
-    };
-    const Channels expected = run(1, false);
-    for (const std::size_t block : {7, 500, 8192})
-        EXPECT_TRUE(run(block, false) == expected) << block;
-    EXPECT_TRUE(run(64, true) == expected);
-}
-
-TEST(Doppler, ProcessingAllocatesNothing) {
-    const auto filter = Prepared({.distance = 100, .velocity = 200}, 1);
-    Sound sound = Sine(1000, 0.1);
-    const float* const inputs[] = {sound.data()};
-    float* const outputs[] = {sound.data()};
-    Set(*filter, {.distance = 50, .velocity = 100, .circular = true});
-    const std::size_t before = AllocationCount();
-    filter->Process({inputs, outputs, sound.size()});
-    EXPECT_EQ(AllocationCount(), before);
 }
 
 TEST(Doppler, EveryCornerOfTheRangesGivesFiniteSound) {

@@ -65,7 +65,7 @@ TEST(Dynamics, SteadyTonesComeOutAtTheCurvesLevels) {
         {{kDynamicsDetectorRelease, 30}},
         {{kDynamicsDetectorMode, 0}, {kDynamicsDetectorRelease, 500}, {kDynamicsAttack, 1}},
     };
-    for (const float rate : {44100.0F, 48000.0F, 96000.0F, 192000.0F}) {
+    for (const float rate : {44100.0F, 192000.0F}) {
         for (const Values& mode : modes) {
             for (const double level : {-75.0, -65.0, -50.0, -30.0, -12.0, -1.0}) {
                 const auto filter = Prepared(kCurve, mode, 1, rate);
@@ -216,6 +216,34 @@ TEST(Dynamics, OnlyALimitedBandIsHeardAndChanged) {
 }
 
 // Where the two lines meet, the quadratic knee lies an eighth of its width times the change of slope below.
+// Neither what was heard of the band before it was off nor where it was then.
+TEST(Dynamics, ABandThatComesOnBeginsAsANewOne) {
+    const Points limit = {{-100, -100}, {-40, -40}, {0, -40}};
+    // A band that rings for long, and a detector and a gain that do not.
+    const Values far = {{kDynamicsLowCutoff, 20}, {kDynamicsHighCutoff, 24},  {kDynamicsLimitBand, 1},
+                        {kDynamicsRelease, 1},    {kDynamicsDetectorMode, 0}, {kDynamicsDetectorRelease, 0}};
+    const Values near = {{kDynamicsLowCutoff, 100}, {kDynamicsHighCutoff, 4000}};
+    const Filter used = Prepared(limit, far);
+    Values off = far;
+    for (const auto& [index, value] : near)
+        off[index] = value;
+    off[kDynamicsLimitBand] = 0;
+    const Filter fresh = Prepared(limit, off);
+    const auto tone = test::Sine(30, 9000, 44100);
+    test::Processed(*used, {tone});
+    test::Processed(*fresh, {tone});
+    Set(*used, {{kDynamicsLimitBand, 0}});
+    for (const Filter& filter : {used, fresh})
+        test::Processed(*filter, {std::vector<float>(6000)}); // a little longer than anything glides
+    Set(*used, near);
+    for (const Filter& filter : {used, fresh})
+        Set(*filter, {{kDynamicsLimitBand, 1}});
+    const Channels sound = test::Processed(*used, {tone});
+    const Channels expected = test::Processed(*fresh, {tone});
+    for (std::size_t i = 0; i < tone.size(); ++i)
+        ASSERT_NEAR(sound[0][i], expected[0][i], 1e-5) << i;
+}
+
 TEST(TransferCurve, TheKneeRoundsCornersAndNothingElse) {
     const Points points = {{-100, -100}, {-40, -40}, {0, -30}};
     const TransferCurve hard(points, {});

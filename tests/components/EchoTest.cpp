@@ -139,6 +139,11 @@ TEST(Echo, TheTailEndsWhereTheEchoesHaveDecayed) {
     const auto response = test::ImpulseResponse(*filter, tail + 20000)[0];
     for (std::size_t i = tail + 1; i < response.size(); ++i)
         ASSERT_LT(std::abs(response[i]), 1e-5);
+    // Of several channels, that of the longest time and of the most feedback.
+    const auto leftIsLonger = Prepared(Made({.time = 100, .feedback = 50}, {.time = 10, .feedback = 20}), 2);
+    const auto rightIsLonger = Prepared(Made({.time = 10, .feedback = 20}, {.time = 100, .feedback = 50}), 2);
+    EXPECT_EQ(leftIsLonger->Tail(), tail);
+    EXPECT_EQ(rightIsLonger->Tail(), tail);
     Set(*filter, {.time = 10000, .feedback = 100}, kEchoLeftTime);
     EXPECT_EQ(filter->Tail(), 600U * 48000);
 }

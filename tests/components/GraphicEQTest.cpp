@@ -60,7 +60,7 @@ double LargestError(const AudioFilter& filter, Bands bands, const std::vector<do
 
 TEST(GraphicEQ, TheSoundMeetsTheSlidersAtTheCentres) {
     for (const Bands bands : kAllBands) {
-        for (const float rate : {44100.0F, 48000.0F, 96000.0F, 192000.0F}) {
+        for (const float rate : {44100.0F, 192000.0F}) {
             const auto centres = GraphicEQ::Centres(bands);
             const std::vector<double> gains = RandomGains(centres.size(), static_cast<unsigned>(rate));
             const auto filter = Prepared(bands, gains, rate, 2);

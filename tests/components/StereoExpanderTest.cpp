@@ -1,6 +1,5 @@
 #include "qoc/components/StereoExpander.h"
 
-#include "AllocationCounter.h"
 #include "MeasureSound.h"
 #include "qoc/components/ParameterIndices.h"
 
@@ -93,18 +92,6 @@ TEST(StereoExpander, ChangesAreRampedWhateverTheBlockSize) {
     EXPECT_NEAR(expected[0][1000], input[0][1000], 1e-3) << "no jump";
     EXPECT_GT(std::abs(expected[0][9000] - input[0][9000]), 1e-2);
     EXPECT_EQ(expected[0][19999], input[0][19999]) << "neutral again";
-}
-
-TEST(StereoExpander, ProcessingAllocatesNothing) {
-    const auto filter = Prepared(2, 30, 150);
-    const Channels input = NoiseChannels(2, 8192);
-    Channels output = input;
-    const float* const inputs[] = {input[0].data(), input[1].data()};
-    float* const outputs[] = {output[0].data(), output[1].data()};
-    filter->SetParameterValue(kStereoExpanderExpand, 0);
-    const std::size_t before = AllocationCount();
-    filter->Process({inputs, outputs, 8192});
-    EXPECT_EQ(AllocationCount(), before);
 }
 
 } // namespace

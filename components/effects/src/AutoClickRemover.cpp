@@ -57,6 +57,12 @@ AutoClickRemover::AutoClickRemover()
 
 AutoClickRemover::~AutoClickRemover() = default;
 
+// A sound that breaks off is a click at its end, and is filled in beyond it.
+std::size_t AutoClickRemover::Tail() const noexcept {
+    const double longest = (kLongestBase + kLongestSlope * Natural(kAutoClickRemoverComplexity)) * GetSampleRate();
+    return static_cast<std::size_t>(std::lround(longest)) + 2;
+}
+
 void AutoClickRemover::PrepareProcessing(std::size_t /*maximumBlock*/) {
     const std::size_t frame =
         std::bit_ceil(static_cast<std::size_t>(std::max(kLeastFrame, kShortestFrame * GetSampleRate())));

@@ -20,6 +20,7 @@ public:
     AutoClickRemover();
 
     std::size_t Latency() const noexcept override { return fStream.Latency(); }
+    std::size_t Tail() const noexcept override;
 
 protected:
     ~AutoClickRemover() override;
