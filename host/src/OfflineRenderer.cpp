@@ -1,8 +1,10 @@
 #include "host/OfflineRenderer.h"
 
+#include "host/SampleFormat.h"
 #include "host/SoundInMemory.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -49,8 +51,11 @@ OfflineRenderer::OfflineRenderer(AudioFilter& filter, SoundReader& input, Render
     filter.SetDuration(static_cast<double>(input.Frames()));
     filter.Prepare(input.SampleRate(), fOptions.blockFrames, input.Layout());
     fLatency = filter.Latency();
-    const auto longestTail = static_cast<std::uint64_t>(fOptions.maximumTailSeconds * input.SampleRate());
-    fFrames = input.Frames() + (fOptions.keepTail ? std::min<std::uint64_t>(filter.Tail(), longestTail) : 0);
+    const auto framesOf = [&input](double seconds) {
+        return static_cast<std::uint64_t>(std::llround(seconds * input.SampleRate()));
+    };
+    const auto natural = std::min<std::uint64_t>(filter.Tail(), framesOf(fOptions.maximumTailSeconds));
+    fFrames = input.Frames() + (fOptions.tailSeconds ? framesOf(*fOptions.tailSeconds) : natural);
     fInputBlock.assign(input.Layout().size(), std::vector<float>(fOptions.blockFrames));
     fOutputBlock.assign(Layout().size(), std::vector<float>(fOptions.blockFrames));
     fInputPointers = PointersTo(fInputBlock);
@@ -91,6 +96,23 @@ void OfflineRenderer::Store(std::uint64_t position, std::size_t frames, SoundWri
     for (const std::vector<float>& channel : fOutputBlock)
         wanted.push_back(channel.data() + early);
     output.Write(wanted, frames - static_cast<std::size_t>(early));
+}
+
+bool RunWithPeakAt(double decibels, OfflineRenderer& renderer, SoundWriter& output) {
+    constexpr std::size_t kBlockFrames = 16384;
+    Sound sound;
+    sound.layout = renderer.Layout();
+    sound.channels.resize(sound.layout.size());
+    SoundInMemoryWriter memory(sound);
+    if (!renderer.Run(memory)) return false;
+    NormalizePeak(sound, decibels);
+    for (std::size_t start = 0; start < sound.Frames(); start += kBlockFrames) {
+        std::vector<const float*> channels;
+        for (const std::vector<float>& channel : sound.channels)
+            channels.push_back(channel.data() + start);
+        output.Write(channels, std::min(kBlockFrames, sound.Frames() - start));
+    }
+    return true;
 }
 
 std::optional<Sound> RenderOffline(AudioFilter& filter, const Sound& input, const RenderOptions& options) {

@@ -1,6 +1,7 @@
 #include "host/Preset.h"
 
 #include "host/ByteStream.h"
+#include "host/LinkedParameters.h"
 #include "krocore/Localizer.h"
 #include "krocore/config/Error.h"
 
@@ -21,6 +22,7 @@ using kroaudiofilterhost::AudioFilterParameterInfo;
 using kroaudiofilterhost::AudioFilterParameterValue;
 using krocore::config::Error;
 using Kind = AudioFilterParameterInfo::Kind;
+using PresetValues = std::map<std::string, Preset::Value, std::less<>>;
 
 // Floats, so that they are written as briefly as gives the same float again.
 using Json = nlohmann::basic_json<std::map, std::vector, std::string, bool, std::int64_t, std::uint64_t, float>;
@@ -187,11 +189,35 @@ void AddUnknown(const std::map<std::string, Preset::Value, std::less<>>& unknown
                              std::to_string(unknown.size() - told)));
 }
 
+bool IsOn(const AudioFilterParameterInfo& info, const PresetValues& values) {
+    constexpr float kOnFrom = 0.5F;
+    const auto found = values.find(info.GetID());
+    return (found != values.end() ? Normalised(info, found->second) : info.GetDefault()) >= kOnFrom;
+}
+
+// What is one value for all linked parameters that a preset names holds for the others too: there may be more channels
+// than it was made for.
+PresetValues WithLinkedValues(const AudioFilter& filter, PresetValues values) {
+    for (const LinkedParameters& group : FindLinkedParameters(filter)) {
+        if (!IsOn(*filter.GetParameterInfo(group.linkSwitch), values)) continue;
+        std::vector<Preset::Value> named;
+        for (const int member : group.members)
+            if (const auto found = values.find(filter.GetParameterInfo(member)->GetID()); found != values.end())
+                named.push_back(found->second);
+        const bool isOne = !named.empty() && std::ranges::all_of(named, [&](const Preset::Value& value) {
+            return value.number == named.front().number && value.isNatural == named.front().isNatural;
+        });
+        for (const int member : group.members)
+            if (isOne) values.emplace(filter.GetParameterInfo(member)->GetID(), named.front());
+    }
+    return values;
+}
+
 Settings Resolve(const AudioFilter& filter, const Preset& preset) {
     if (const std::string effect = krocore::ToStdString(filter.GetComponentID()); effect != preset.effect)
         Refuse("$$$/qohost/Preset/OtherEffect=The preset is for \"@0\", not for \"@1\".", preset.effect, effect);
     Settings settings;
-    auto left = preset.values;
+    auto left = WithLinkedValues(filter, preset.values);
     for (int index = 0; index < filter.GetParameterCount(); ++index) {
         const AudioFilterParameterInfo* const info = filter.GetParameterInfo(index);
         if (info == nullptr || info->IsReadOnly()) continue;

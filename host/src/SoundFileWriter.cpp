@@ -6,8 +6,10 @@
 #include "krocore/ReplacementFile.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <vector>
 
@@ -34,9 +36,31 @@ int ContainerToWrite(const fs::path& path, const std::string& name, const SoundK
         name);
 }
 
+// In the order of SampleFormat. Containers store 8 bits with a sign, as is usual for most, or only without one.
+constexpr std::array<std::initializer_list<int>, 6> kSampleEncodings = {{
+    {SF_FORMAT_PCM_S8, SF_FORMAT_PCM_U8},
+    {SF_FORMAT_PCM_16},
+    {SF_FORMAT_PCM_24},
+    {SF_FORMAT_PCM_32},
+    {SF_FORMAT_FLOAT},
+    {SF_FORMAT_DOUBLE},
+}};
+
+int WithSamples(int container, const std::string& name, const SoundFileWriter::Format& format) {
+    if (!format.samples) return format.like;
+    const auto channels = static_cast<int>(format.layout.size());
+    for (const int samples : kSampleEncodings[static_cast<std::size_t>(*format.samples)]) {
+        const int wanted = (format.like & ~SF_FORMAT_SUBMASK) | samples;
+        const auto possible =
+            EncodingFor(container, wanted, channels, static_cast<int>(std::lround(format.sampleRate)), format.frames);
+        if (possible && (*possible & SF_FORMAT_SUBMASK) == samples) return wanted;
+    }
+    RefuseSound("$$$/qohost/AudioFile/Samples=@0: this kind of file can't hold such samples.", name);
+}
+
 int ChooseEncoding(int container, const std::string& name, const SoundFileWriter::Format& format) {
     const std::size_t channels = format.layout.size();
-    const auto encoding = EncodingFor(container, format.like, static_cast<int>(channels),
+    const auto encoding = EncodingFor(container, WithSamples(container, name, format), static_cast<int>(channels),
                                       static_cast<int>(std::lround(format.sampleRate)), format.frames);
     if (!encoding) {
         RefuseSound("$$$/qohost/AudioFile/NotInContainer=@0: this kind of file can't hold @1 channels at this sample "
@@ -67,6 +91,7 @@ struct SoundFileWriter::State {
     std::optional<krocore::TemporaryFile> kept;
     std::optional<WrittenFile> file;
     int bits = 0; // of whole numbers
+    std::optional<ClippingMeter> clipping;
     std::vector<float> interleaved;
     std::vector<std::int32_t> numbers;
 
@@ -101,6 +126,7 @@ SoundFileWriter::SoundFileWriter(const fs::path& path, const Format& format, con
     info.channels = static_cast<int>(format.layout.size());
     info.samplerate = static_cast<int>(std::lround(format.sampleRate));
     state.bits = WholeNumberBits(info.format);
+    state.clipping.emplace(info.format);
     state.MakeFile();
     state.file.emplace(state.FilePath(), info);
     state.CheckFile();
@@ -117,6 +143,7 @@ void SoundFileWriter::Write(std::span<const float* const> channels, std::size_t 
     for (std::size_t channel = 0; channel < channels.size(); ++channel)
         for (std::size_t i = 0; i < frames; ++i)
             state.interleaved[i * channels.size() + channel] = channels[channel][i];
+    state.clipping->Take(channels, frames);
     const auto count = static_cast<sf_count_t>(frames);
     sf_count_t written = 0;
     if (state.bits > 0) {
@@ -129,6 +156,10 @@ void SoundFileWriter::Write(std::span<const float* const> channels, std::size_t 
     }
     state.CheckFile();
     if (written != count) state.Fail(ReasonOf(sf_strerror(state.file->Handle())));
+}
+
+Clipping SoundFileWriter::GetClipping() const {
+    return fState->clipping->Result();
 }
 
 void SoundFileWriter::Commit() {

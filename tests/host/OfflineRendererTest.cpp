@@ -41,7 +41,7 @@ TEST(OfflineRenderer, TakesLatencyOutAndKeepsTheTail) {
 TEST(OfflineRenderer, WithoutTailTheLengthIsKept) {
     const Sound input = MakeTestSignal(0.02);
     const boost::intrusive_ptr<EchoFilter> filter(new EchoFilter(10));
-    EXPECT_EQ(RenderOffline(*filter, input, {.keepTail = false, .progress = {}})->Frames(), input.Frames());
+    EXPECT_EQ(RenderOffline(*filter, input, {.tailSeconds = 0, .progress = {}})->Frames(), input.Frames());
     EXPECT_EQ(RenderOffline(*filter, Sound::Silent(44100, input.layout, 0))->Frames(), EchoFilter::kEcho);
 }
 

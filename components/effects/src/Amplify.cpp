@@ -25,7 +25,13 @@ constexpr ParameterRow kCommonRows[] = {
 };
 
 constexpr ParameterRow kGainRows[] = {
-    {.id = "gain", .name = "$$$/Amplify/Gain=Gain @0", .unit = "dB", .lo = -96, .hi = 48, .defaultValue = 0},
+    {.id = "gain",
+     .name = "$$$/Amplify/Gain=Gain @0",
+     .unit = "dB",
+     .lo = -96,
+     .hi = 48,
+     .defaultValue = 0,
+     .linkedBy = "link"},
 };
 
 // A step of the stored float at 0 dB is 9e-6 dB: anything this near is meant to be 0 dB.

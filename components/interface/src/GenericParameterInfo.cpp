@@ -73,6 +73,10 @@ GenericParameterInfo::Kind GenericParameterInfo::GetKind() const {
     return Kind::kNumber;
 }
 
+GenericParameterInfo::Scale GenericParameterInfo::GetScale() const {
+    return fRow.scale == ParameterScale::kLogarithmic ? Scale::kLogarithmic : Scale::kLinear;
+}
+
 krocore::string16 GenericParameterInfo::GetItemName(int item) const {
     if (item < 0 || item >= GetItemCount()) return {};
     return krocore::Localize(fRow.items[static_cast<std::size_t>(item)]);

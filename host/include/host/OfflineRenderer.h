@@ -15,7 +15,8 @@ namespace qohost {
 
 struct RenderOptions {
     std::size_t blockFrames = 4096;
-    bool keepTail = true;           // the output is longer than the input by what the effect goes on sounding
+    // How much longer than the input the output is; nothing: by what the effect goes on sounding.
+    std::optional<double> tailSeconds = std::nullopt;
     double maximumTailSeconds = 60; // for effects that never end
     // Called after each block with the part done, 0...1; false cancels. Empty: nobody asks.
     boost::function<bool(double)> progress;
@@ -52,6 +53,10 @@ private:
     std::vector<float*> fInputPointers;
     std::vector<float*> fOutputPointers;
 };
+
+// Runs the renderer with the largest sample of what comes out at `decibels` from full scale, for which all of it is
+// kept in memory meanwhile. False when it was cancelled.
+bool RunWithPeakAt(double decibels, OfflineRenderer& renderer, SoundWriter& output);
 
 // The same for a whole sound in memory. Nothing when it was cancelled.
 std::optional<Sound> RenderOffline(kroaudiofilterhost::AudioFilter& filter, const Sound& input,

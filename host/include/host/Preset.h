@@ -50,6 +50,7 @@ Preset CapturePreset(const kroaudiofilterhost::AudioFilter& filter, std::string 
 Preset CapturePresetForAnyRate(const kroaudiofilterhost::AudioFilter& filter, std::string name);
 
 // Gives the filter the preset's values and every other parameter its default, as one change.
+// Linked parameters that it doesn't name follow those that it gives one value.
 // Returns what could not be taken as it is, a sentence each: names, of which the first 20 are told, that the filter
 // doesn't have or that can't be set, natural numbers beyond the range (its end is taken), and while the engine runs
 // parameters that can't be changed then. Throws krocore::config::Error, with nothing changed, for a preset of another

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "host/SampleFormat.h"
 #include "host/SoundStream.h"
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -54,11 +56,13 @@ public:
         kromediatypes::AudioChannelLayout layout;
         std::uint64_t frames = 0;   // what will be written: it decides on the container for very long sound
         AudioFileEncoding like = 0; // to be near to, where the container can
+        std::optional<SampleFormat> samples = std::nullopt; // in any case
     };
 
     // In the container that the extension of `path` or else the kind names and, where that container can, with the
     // sample encoding of `like`; otherwise the nearest one that loses nothing it need not. Throws
-    // krocore::config::Error that names the file and the reason.
+    // krocore::config::Error that names the file and the reason, also when it can't hold the samples that are asked
+    // for.
     SoundFileWriter(const std::filesystem::path& path, const Format& format, const SoundKind& kind = {});
     // Without Commit a file stays as it was.
     ~SoundFileWriter() override;
@@ -67,6 +71,9 @@ public:
     // unchanged.
     void Write(std::span<const float* const> channels, std::size_t frames) override;
     void Commit();
+
+    // What of it was limited so far.
+    Clipping GetClipping() const;
 
 private:
     struct State;

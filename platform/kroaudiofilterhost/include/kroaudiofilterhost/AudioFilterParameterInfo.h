@@ -19,6 +19,11 @@ public:
         kSwitch, // off below 0.5 normalised, on from there
         kChoice, // one of a list of items
     };
+    // How the natural value of a number follows the stored one.
+    enum class Scale {
+        kLinear,
+        kLogarithmic, // in equal ratios
+    };
 
     AudioFilterParameterInfo() = default;
     AudioFilterParameterInfo(const AudioFilterParameterInfo&) = delete;
@@ -39,10 +44,14 @@ public:
     virtual float GetDefault() const { return 0.0F; }
     virtual Kind GetKind() const { return Kind::kNumber; }
     virtual int GetDecimalPlaces() const { return 2; }
+    virtual Scale GetScale() const { return Scale::kLinear; }
     // Whether the parameter may change while the engine runs.
     virtual bool IsAutomatable() const { return true; }
     // The filter tells this value; the setters of the filter refuse it.
     virtual bool IsReadOnly() const { return false; }
+    // The id of the switch that makes all parameters which name it one value while it is on: whoever changes one of
+    // them changes all. The filter itself does not. Empty for a parameter that stands alone.
+    virtual std::string GetLinkID() const { return {}; }
 
     // The items of a choice; an index that is none gives an empty name.
     virtual int GetItemCount() const { return 0; }

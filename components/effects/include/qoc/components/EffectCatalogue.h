@@ -29,7 +29,11 @@ struct EffectDescription {
     EffectCategory category;
     EffectCreator create; // null while the library has the panel of the effect but not its processing
 
+    const char* keywordsKey = ""; // of Keywords
+
     krocore::string16 DisplayName() const;
+    // Plain words that a user may look for it by: "hum buzz mains". In the user's language, with spaces between them.
+    krocore::string16 Keywords() const;
 };
 
 // All effects, by short name.

@@ -34,8 +34,10 @@ public:
     float GetDefault() const override;
     Kind GetKind() const override;
     int GetDecimalPlaces() const override { return fRow.decimals; }
+    Scale GetScale() const override;
     bool IsAutomatable() const override { return (fRow.flags & kParameterNotAutomatable) == 0; }
     bool IsReadOnly() const override { return (fRow.flags & kParameterReadOnly) != 0; }
+    std::string GetLinkID() const override { return fRow.linkedBy; }
     int GetItemCount() const override { return static_cast<int>(fRow.items.size()); }
     krocore::string16 GetItemName(int item) const override;
     int ToItem(float normalised) const override;

@@ -38,6 +38,7 @@ struct ParameterRow {
     std::uint8_t flags = kParameterPlain;
     std::span<const char* const> items = {}; // names of a choice's items
     std::span<const float> itemValues = {};  // their natural values, ascending; 0, 1, 2 ... when empty
+    const char* linkedBy = "";               // the id of the switch that makes all parameters of the row one value
 };
 
 } // namespace qoc::components
