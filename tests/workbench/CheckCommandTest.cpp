@@ -26,8 +26,9 @@ constexpr const char* kLayout = "layout a { view subview() {\n"
 class CheckCommand : public testing::Test {
 protected:
     // What is said about the files, which stand in the folder.
-    int Run(const std::vector<std::string>& files) {
+    int Run(const std::vector<std::string>& files, TableFormat format = TableFormat::kAligned) {
         CheckRequest request;
+        request.format = format;
         for (const std::string& file : files)
             request.files.push_back(fFolder.Path(file));
         testing::internal::CaptureStdout();
@@ -80,6 +81,9 @@ TEST_F(CheckCommand, WarningsAloneAreNoFailure) {
     fFolder.Write("a.trn", "sheet a {\ninterface: gain;\noutput: out0 <== gain;\n}");
     EXPECT_EQ(Run({"a.trn"}), 0);
     EXPECT_THAT(fOutput, StartsWith(fFolder.Path("a.trn").string() + ":2:12: warning: "));
+    EXPECT_EQ(Run({"a.trn"}, TableFormat::kTabbed), 0);
+    EXPECT_THAT(fOutput, StartsWith("file\tline\tcolumn\tkind\tmessage\n" + fFolder.Path("a.trn").string() +
+                                    "\t2\t12\twarning\t"));
 }
 
 TEST_F(CheckCommand, ScriptsOfTheLibraryHaveNoFaultsButNumbersThatOnlyShow) {

@@ -2,15 +2,18 @@
 #include "host/AudioFile.h"
 #include "host/TestSignal.h"
 #include "qoc/components/EffectCatalogue.h"
+#include "workbench/EffectTables.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 #include <sndfile.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -29,6 +32,7 @@ namespace workbench {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 struct Outcome {
@@ -102,7 +106,7 @@ protected:
     std::filesystem::path fFolder;
 };
 
-TEST_F(CommandLine, WrongUsageExitsWithTwoAndAShortUsage) {
+TEST_F(CommandLine, WrongUsageExitsWithTwoAndTwoLines) {
     const std::vector<std::string> cases[] = {
         {"render", "--effect", "amplify", "only-one.wav"},
         {"render", "in.wav", "out.wav"},
@@ -112,6 +116,17 @@ TEST_F(CommandLine, WrongUsageExitsWithTwoAndAShortUsage) {
         {"snapshot", "--effect", "amplify", "--scripts", "hardlimiterui", "x.png"},
         {"params"},
         {"params", "amplify", "--format", "xml"},
+        {"snapshot", "x.png"},
+        {"snapshot", "--effect", "amplify", "--scale", "nan", "x.png"},
+        {"snapshot", "--effect", "amplify", "--scale", "inf", "x.png"},
+        {"snapshot", "--effect", "amplify", "--channels", "2.5", "x.png"},
+        {"--zoom", "nan"},
+        {"render", "--effect", "amplify", "--from", "nan", "in.wav", "out.wav"},
+        {"render", "--effect", "amplify", "--to", "-1", "in.wav", "out.wav"},
+        {"render", "--effect", "amplify", "--tail", "long", "in.wav", "out.wav"},
+        {"render", "--effect", "amplify", "--bits", "20", "in.wav", "out.wav"},
+        {"render", "--effect", "amplify", "--normalize", "3", "in.wav", "out.wav"},
+        {"help", "nonesuch"},
         {"check"},
         {"--nonsense"},
     };
@@ -120,8 +135,55 @@ TEST_F(CommandLine, WrongUsageExitsWithTwoAndAShortUsage) {
         EXPECT_EQ(outcome.exitCode, 2) << arguments.back();
         EXPECT_THAT(outcome.errors, StartsWith("workbench: "));
         EXPECT_THAT(outcome.errors, HasSubstr("\nusage: workbench"));
+        EXPECT_EQ(std::ranges::count(outcome.errors, '\n'), 2) << outcome.errors;
         EXPECT_EQ(outcome.output, "");
     }
+}
+
+TEST_F(CommandLine, MistypedWordsAreToldWithTheNearestName) {
+    const std::pair<std::vector<std::string>, std::string> cases[] = {
+        {{"rendr", "in.wav", "out.wav"}, "did you mean \"render\"?"},
+        {{"lsit"}, "did you mean \"list\"?"},
+        {{"snap"}, "did you mean \"snapshot\"?"},
+        {{"help", "gallry"}, "did you mean \"gallery\"?"},
+        {{"render", "--efect", "amplify", "in.wav", "out.wav"}, "did you mean \"--effect\"?"},
+        {{"params", "amplyfi"}, "did you mean \"amplify\"?"},
+        {{"preset", "--effect", "notch", "--preset", "Hum 50Hz", Path("o.json")}, "did you mean \"Hum 50 Hz\"?"},
+    };
+    for (const auto& [arguments, advice] : cases)
+        EXPECT_THAT(Run(arguments).errors, HasSubstr(advice)) << arguments.back();
+    EXPECT_EQ(Run({"rendr"}).exitCode, 2);
+    EXPECT_THAT(Run({"song.wav"}).errors, HasSubstr("song.wav: there is no such file"));
+    EXPECT_THAT(Run({"zzzzzzzz"}).errors, Not(HasSubstr("did you mean")));
+}
+
+TEST_F(CommandLine, HelpTellsOfEveryCommandAndEachOfItsOptions) {
+    const std::string all = Run({"help"}).output;
+    EXPECT_THAT(all, HasSubstr("Exit codes:"));
+    EXPECT_EQ(Run({"--help"}).output, all);
+    for (const std::string command :
+         {"open", "render", "preset", "presets", "params", "list", "snapshot", "gallery", "check", "help"}) {
+        EXPECT_THAT(all, HasSubstr("\n  " + command + " "));
+        const Outcome help = Run({"help", command});
+        EXPECT_EQ(help.exitCode, 0);
+        EXPECT_EQ(help.output, Run({command, "--help"}).output);
+        EXPECT_THAT(help.output, HasSubstr("usage: workbench " + command));
+        for (const char* const noise : {"{", "}", "Env:", ":TEXT", " TEXT", "INT in"})
+            EXPECT_THAT(help.output, Not(HasSubstr(noise))) << command;
+    }
+}
+
+TEST_F(CommandLine, AFullOutputIsAnErrorAndAFullErrorOutputIsNone) {
+    for (const std::string arguments :
+         {"list", "params reverb --format json", "presets notch", "--help", "help render", "--version"}) {
+        const std::string program = std::string(QO_WORKBENCH_PROGRAM) + " " + arguments;
+        const int status = std::system((program + " >/dev/full 2>" + Path("stderr")).c_str());
+        EXPECT_EQ(WEXITSTATUS(status), 1) << arguments;
+        EXPECT_THAT(Text("stderr"), HasSubstr("workbench: the standard output can't be written"));
+        EXPECT_THAT(Text("stderr"), Not(HasSubstr("std::")));
+    }
+    const int status = std::system((std::string(QO_WORKBENCH_PROGRAM) + " params nonesuch 2>/dev/full").c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 1);
 }
 
 TEST_F(CommandLine, FailuresNameTheFileOrWordAndExitWithOne) {
@@ -142,6 +204,11 @@ TEST_F(CommandLine, FailuresNameTheFileOrWordAndExitWithOne) {
         {{"params", "nonesuch"}, "nonesuch"},
         {{"snapshot", "--effect", "amplify", Path("no/such/o.png")}, "no/such/o.png"},
         {{"gallery", Path("text.wav")}, "text.wav"},
+        {{"render", "--effect", "amplify", Path("in.wav"), Path("in.wav")}, "--overwrite"},
+        {{"render", "--effect", "amplify", Path("in.wav"), Path("text.wav")}, "--overwrite"},
+        {{"preset", "--effect", "amplify", Path("text.wav")}, "--overwrite"},
+        {{"render", "--effect", "amplify", "--from", "5", Path("in.wav"), Path("o.wav")}, "0:00.100 long"},
+        {{"render", "--effect", "amplify", "--bits", "32", Path("in.wav"), Path("o.flac")}, "o.flac"},
     };
     for (const Case& c : cases) {
         const Outcome outcome = Run(c.arguments);
@@ -150,6 +217,7 @@ TEST_F(CommandLine, FailuresNameTheFileOrWordAndExitWithOne) {
         EXPECT_THAT(outcome.errors, HasSubstr(c.named));
     }
     EXPECT_FALSE(std::filesystem::exists(Path("o.wav")));
+    EXPECT_EQ(Text("text.wav"), "text");
 }
 
 TEST_F(CommandLine, EveryPresetOfEveryEffectRenders) {
@@ -161,7 +229,7 @@ TEST_F(CommandLine, EveryPresetOfEveryEffectRenders) {
         for (std::string preset; std::getline(presets, preset); ++count) {
             SCOPED_TRACE(name + ": " + preset);
             const Outcome outcome =
-                Run({"render", "--effect", name, "--preset", preset, Path("in.wav"), Path("out.wav")});
+                Run({"render", "--effect", name, "--preset", preset, "--overwrite", Path("in.wav"), Path("out.wav")});
             EXPECT_EQ(outcome.exitCode, 0);
             EXPECT_EQ(outcome.errors, "");
             float peak = 0;
@@ -206,7 +274,7 @@ TEST_F(CommandLine, RenderAppliesTheSettingsInPlaceToo) {
     qohost::WriteAudioFile(Path("in.wav"), sound, 0);
     const auto render = [this](const std::string& output) {
         return Run({"render", "--effect", "AMPLIFY", "--set", "link=off", "--set", "gain1=-6 dB", "--set", "Gain 2=6",
-                    Path("in.wav"), Path(output)});
+                    "--overwrite", Path("in.wav"), Path(output)});
     };
     for (const char* const output : {"out.wav", "in.wav"}) {
         const Outcome outcome = render(output);
@@ -224,7 +292,7 @@ TEST_F(CommandLine, AnInterruptedRenderLeavesTheOutputAsItWas) {
     const std::vector<std::string> before = FileNames();
     const std::string sound = Text("in.wav");
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        const pid_t child = Start({"render", "--effect", "fullreverb", Path("in.wav"), Path("in.wav")});
+        const pid_t child = Start({"render", "--effect", "fullreverb", "--overwrite", Path("in.wav"), Path("in.wav")});
         WaitForUnfinishedFile();
         kill(child, signal);
         const Outcome outcome = Finish(child);
@@ -258,7 +326,7 @@ TEST_F(CommandLine, StreamsStandForFilesInEveryCommand) {
     ASSERT_EQ(Run({"render", "--effect", "amplify", "--set", "gain=-6", Path("in.wav"), Path("want.wav")}).exitCode, 0);
     ASSERT_EQ(Run({"render", "--effect", "amplify", "--set", "gain=-6", Path("in.wav"), Path("want.au")}).exitCode, 0);
     const std::string channels = std::to_string(qohost::MakeTestSignal(0.3).channels.size());
-    const std::string render = "$W render --effect amplify --set gain=-6 ";
+    const std::string render = "$W render --overwrite --effect amplify --set gain=-6 ";
     const std::string raw = "--type raw --rate 44100 --channels " + channels + " ";
     const std::string cases[] = {
         "cat in.wav | " + render + "- - --type wav | cmp - want.wav",
@@ -268,7 +336,8 @@ TEST_F(CommandLine, StreamsStandForFilesInEveryCommand) {
         render + raw + "- - < in.raw > got.raw && " + render + raw + "in.raw - | cmp - got.raw",
         render + "in.wav /dev/stdout | cmp - want.wav",
         "cat in.wav | " + render + "/dev/fd/0 got.wav && cmp got.wav want.wav",
-        "$W preset --effect amplify --set gain=-6 - | $W render --effect amplify --preset - in.wav got.wav && "
+        "$W preset --effect amplify --set gain=-6 - | $W render --overwrite --effect amplify --preset - in.wav got.wav "
+        "&& "
         "cmp got.wav want.wav",
         "$W snapshot --effect amplify a.png && $W snapshot --effect amplify - | cmp - a.png",
     };
@@ -309,7 +378,7 @@ TEST_F(CommandLine, WhatIsNoFileIsRefusedAndFullStreamsAreErrors) {
 TEST_F(CommandLine, LongSoundTakesNoMoreMemoryThanShort) {
     const auto peak = [this](double seconds) {
         qohost::WriteAudioFile(Path("in.wav"), qohost::MakeTestSignal(seconds), SF_FORMAT_WAV | SF_FORMAT_PCM_16);
-        const pid_t child = Start({"render", "--effect", "amplify", Path("in.wav"), Path("out.wav")});
+        const pid_t child = Start({"render", "--effect", "amplify", "--overwrite", Path("in.wav"), Path("out.wav")});
         rusage usage{};
         int status = 0;
         wait4(child, &status, 0, &usage);
@@ -334,12 +403,155 @@ TEST_F(CommandLine, ListsNameEffectsAndParametersWithRangesAndDefaults) {
                                  "1      link      Link Channels  Off, On           On\n"
                                  "2      gain1     Gain 1         -96 dB ... 48 dB  0 dB\n"
                                  "3      gain2     Gain 2         -96 dB ... 48 dB  0 dB\n");
-    EXPECT_EQ(Run({"params", "stereoexpander", "--format", "tsv"}).output,
-              "INDEX\tID\tNAME\tRANGE\tDEFAULT\n"
-              "0\tpan\tCenter Channel Pan\t-100 % ... 100 %\t0 %\n"
-              "1\texpand\tStereo Expand\t0 % ... 300 %\t100 %\n");
-    EXPECT_EQ(Run({"--help"}).exitCode, 0);
+    EXPECT_EQ(
+        Run({"params", "stereoexpander", "--format", "tsv"}).output,
+        "index\tid\tname\tkind\tminimum\tmaximum\tdefault\tunit\tscale\tdecimals\titems\tautomatable\treadOnly\t"
+        "linkedBy\tdescending\trangeText\tdefaultText\n"
+        "0\tpan\tCenter Channel Pan\tnumber\t-100\t100\t0\t%\tlinear\t1\t\ttrue\tfalse\t\tfalse\t-100 % ... 100 %\t0 "
+        "%\n"
+        "1\texpand\tStereo Expand\tnumber\t0\t300\t100\t%\tlinear\t1\t\ttrue\tfalse\t\tfalse\t0 % ... 300 %\t100 %\n");
     EXPECT_THAT(Run({"--version"}).output, StartsWith("workbench "));
+}
+
+// Every number as a number, whatever the effect: what programs read is complete and agrees with what people read.
+TEST_F(CommandLine, ListingsForProgramsHaveNumbersUnitsAndScales) {
+    using Json = nlohmann::json;
+    EXPECT_EQ(Json::parse(Run({"list", "--format", "json"}).output).size(), 28U);
+    for (const auto& effect : qoc::components::AllEffects()) {
+        const std::string name(effect.shortName);
+        const Json presets = Json::parse(PresetTable(name).ToText(TableFormat::kJSON));
+        EXPECT_EQ(presets.at(0).at("name"), "Default");
+        const Json parameters = Json::parse(ParameterTable(name).ToText(TableFormat::kJSON));
+        ASSERT_FALSE(parameters.empty());
+        for (const Json& parameter : parameters) {
+            SCOPED_TRACE(name + ": " + parameter.dump());
+            const std::string kind = parameter.at("kind");
+            const Json& standard = parameter.at("default");
+            if (kind == "number") {
+                EXPECT_LT(parameter.at("minimum").get<double>(), parameter.at("maximum").get<double>());
+                EXPECT_THAT(parameter.at("scale"), testing::AnyOf("linear", "logarithmic"));
+                if (parameter.at("readOnly")) continue;
+                EXPECT_GE(standard.get<double>(), parameter.at("minimum").get<double>());
+                EXPECT_LE(standard.get<double>(), parameter.at("maximum").get<double>());
+                EXPECT_LE(standard.dump().size(), 10U) << "rounding shows";
+            } else if (kind == "switch") {
+                EXPECT_TRUE(standard.is_boolean());
+            } else {
+                const auto items = parameter.at("items").get<std::vector<std::string>>();
+                EXPECT_THAT(items, testing::Contains(standard.get<std::string>()));
+            }
+        }
+    }
+    const Json gain = Json::parse(Run({"params", "amplify", "--format", "json"}).output).at(2);
+    EXPECT_EQ(gain.at("minimum"), -96);
+    EXPECT_EQ(gain.at("unit"), "dB");
+    EXPECT_EQ(gain.at("linkedBy"), "link");
+    for (const Json& each : Json::parse(Run({"params", "pitchcorrect", "--format", "json"}).output))
+        EXPECT_EQ(each.at("descending"), each.at("id") == "attack"); // from slow to fast
+}
+
+TEST_F(CommandLine, ListFindsEffectsByPresetsAndPlainWords) {
+    EXPECT_THAT(Run({"list", "hum", "50"}).output, HasSubstr("\nnotch "));
+    EXPECT_THAT(Run({"list", "compressor"}).output, HasSubstr("Gentle Compressor 2:1"));
+    EXPECT_THAT(Run({"list", "karaoke"}).output, HasSubstr("centerchannelextract"));
+    EXPECT_EQ(Run({"list", "filter", "zzz", "--format", "json"}).output, "[]\n");
+}
+
+// The largest sample of a rendered file, and its length.
+std::pair<float, std::size_t> PeakAndFrames(const std::string& file) {
+    const qohost::Sound sound = qohost::ReadAudioFile(file).sound;
+    float peak = 0;
+    for (const auto& channel : sound.channels)
+        for (const float sample : channel)
+            peak = std::max(peak, std::abs(sample));
+    return {peak, sound.Frames()};
+}
+
+TEST_F(CommandLine, ClippingIsToldWithWhatHelpsAndStrictRefusesIt) {
+    // 20 dB on two of 200 samples is too much: 1.5 for 0.15 is 3.52 dB beyond full scale.
+    qohost::Sound sound = qohost::Sound::Silent(44100, kromediatypes::AudioChannelLayout::Stereo(), 100);
+    sound.channels[0][50] = 0.15F;
+    sound.channels[1][60] = -0.12F;
+    sound.channels[1][70] = 0.09F;
+    qohost::WriteAudioFile(Path("in.wav"), sound, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    const auto render = [this](std::vector<std::string> more, const std::string& output) {
+        more.insert(more.begin(), {"render", "--effect", "amplify", "--set", "gain=20"});
+        more.insert(more.end(), {Path("in.wav"), Path(output)});
+        return Run(more);
+    };
+    const Outcome clipped = render({}, "clipped.wav");
+    EXPECT_EQ(clipped.exitCode, 0);
+    for (const char* const part : {"clipped.wav: 2 samples (1.00 %)", "by 3.52 dB", "--bits float", "--normalize -1"})
+        EXPECT_THAT(clipped.errors, HasSubstr(part));
+    EXPECT_NEAR(PeakAndFrames(Path("clipped.wav")).first, 1, 1e-4);
+
+    const Outcome strict = render({"--strict"}, "strict.wav");
+    EXPECT_EQ(strict.exitCode, 1);
+    EXPECT_THAT(strict.errors, HasSubstr("2 samples"));
+    EXPECT_FALSE(std::filesystem::exists(Path("strict.wav")));
+
+    const Outcome whole = render({"--strict", "--bits", "float"}, "float.wav");
+    EXPECT_EQ(whole.errors, "");
+    EXPECT_NEAR(PeakAndFrames(Path("float.wav")).first, 1.5, 1e-3);
+    const Outcome down = render({"--strict", "--normalize", "-1 dB"}, "down.wav");
+    EXPECT_EQ(down.errors, "");
+    EXPECT_NEAR(PeakAndFrames(Path("down.wav")).first, std::pow(10, -1 / 20.0), 1e-4);
+}
+
+TEST_F(CommandLine, RenderTakesARangeATailAndAWidthOfSamples) {
+    const qohost::Sound sound = qohost::MakeTestSignal(2);
+    qohost::WriteAudioFile(Path("in.wav"), sound, SF_FORMAT_WAV | SF_FORMAT_PCM_24);
+    const auto render = [this](std::vector<std::string> more) {
+        more.insert(more.begin(), {"render", "--effect", "amplify", "--overwrite"});
+        more.insert(more.end(), {Path("in.wav"), Path("out.wav")});
+        const Outcome outcome = Run(more);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+        return qohost::ReadAudioFile(Path("out.wav"));
+    };
+    const qohost::Sound part = render({"--from", "0:00.5", "--to", "1.25"}).sound;
+    ASSERT_EQ(part.Frames(), 33075U);
+    EXPECT_NEAR(part.channels[0][1000], sound.channels[0][22050 + 1000], 1e-5);
+    EXPECT_EQ(render({"--from", "1.5", "--to", "100"}).sound.Frames(), 22050U);
+    EXPECT_EQ(render({"--tail", "0.5"}).sound.Frames(), 88200U + 22050U);
+    const std::pair<const char*, int> widths[] = {{"8", SF_FORMAT_PCM_U8},    {"16", SF_FORMAT_PCM_16},
+                                                  {"24", SF_FORMAT_PCM_24},   {"32", SF_FORMAT_PCM_32},
+                                                  {"float", SF_FORMAT_FLOAT}, {"double", SF_FORMAT_DOUBLE}};
+    for (const auto& [word, encoding] : widths)
+        EXPECT_EQ(render({"--bits", word}).encoding & SF_FORMAT_SUBMASK, encoding) << word;
+    const auto reverb = [this](const std::string& tail) {
+        Run({"render", "--effect", "reverb", "--overwrite", "--tail", tail, Path("in.wav"), Path("out.wav")});
+        return PeakAndFrames(Path("out.wav")).second;
+    };
+    EXPECT_EQ(reverb("none"), 88200U);
+    EXPECT_GT(reverb("natural"), 88200U + 44100U);
+}
+
+TEST_F(CommandLine, LinkedParametersMoveTogetherOrTheUserIsTold) {
+    const auto preset = [this](std::vector<std::string> settings) {
+        std::vector<std::string> arguments = {"preset", "--effect", "amplify", "--overwrite", Path("p.json")};
+        for (const std::string& setting : settings)
+            arguments.insert(arguments.end(), {"--set", setting});
+        const Outcome outcome = Run(arguments);
+        const auto values =
+            outcome.exitCode == 0 ? nlohmann::json::parse(Text("p.json")).at("values") : nlohmann::json();
+        return std::pair(outcome, values);
+    };
+    constexpr double kMinus20 = 76 / 144.0; // of the range from -96 to 48 dB
+    const auto [together, both] = preset({"gain1=-20"});
+    EXPECT_EQ(together.errors, "");
+    EXPECT_EQ(both.at("link"), 1);
+    for (const char* const gain : {"gain1", "gain2"})
+        EXPECT_NEAR(both.at(gain).get<double>(), kMinus20, 1e-6);
+    const auto [unlinked, apart] = preset({"gain1=-20", "gain2=0"});
+    EXPECT_THAT(unlinked.errors, HasSubstr("\"link\" was switched off"));
+    EXPECT_EQ(apart.at("link"), 0);
+    EXPECT_NEAR(apart.at("gain2").get<double>(), 96 / 144.0, 1e-6);
+    const auto [alone, one] = preset({"link=off", "gain1=-20"});
+    EXPECT_EQ(alone.errors, "");
+    EXPECT_NEAR(one.at("gain2").get<double>(), 96 / 144.0, 1e-6);
+    const auto [contradiction, none] = preset({"link=on", "gain1=-20", "gain2=0"});
+    EXPECT_EQ(contradiction.exitCode, 1);
+    EXPECT_THAT(contradiction.errors, HasSubstr("can't differ"));
 }
 
 // Width and height from a PNG file's header chunk (ISO/IEC 15948, 11.2.2).

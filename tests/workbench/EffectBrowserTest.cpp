@@ -34,6 +34,38 @@ TEST_F(EffectBrowserTest, TypingFiltersByNameAndCategoryAndEscapeClears) {
     EXPECT_FALSE(fSession.Engine().IsPlaying());
 }
 
+TEST_F(EffectBrowserTest, PresetsAndPlainWordsAreFoundAndNamed) {
+    fFolder.Write("presets/delay/Grandfather.json", R"({"effect": "qoc.Delay", "name": "x"})");
+    const std::tuple<const char16_t*, const char*, const char*> cases[] = {
+        {u"hum", "notch", "Notch Filter, Hum 50 Hz"},
+        {u"grandf", "delay", "Delay, Grandfather"},
+        {u"telephone band", "scientificfilter", "Scientific Filter, Telephone Band"},
+        {u"karaoke", "centerchannelextract", "Center Channel Extract, karaoke"},
+    };
+    for (const auto& [text, effect, name] : cases) {
+        PressLetter(u'f', kCommand);
+        fWindow.Type(text);
+        EXPECT_NE(Shown().find(effect), std::string::npos) << Shown();
+        EXPECT_EQ(TextOf(std::string("effect-") + effect), name);
+        PressKey(Key::kEscape);
+        EXPECT_EQ(TextOf(std::string("effect-") + effect).find(','), std::string::npos);
+    }
+    PressLetter(u'f', kCommand);
+    fWindow.Type(u"um"); // no word begins so
+    EXPECT_EQ(Shown().find("notch"), std::string::npos);
+}
+
+TEST_F(EffectBrowserTest, APresetThatWasSavedMeanwhileIsFound) {
+    PressLetter(u'f', kCommand);
+    fWindow.Type(u"grandf");
+    EXPECT_EQ(Shown(), "");
+    PressKey(Key::kEscape);
+    fSession.Presets().SaveAs("Grandfather");
+    PressLetter(u'f', kCommand);
+    fWindow.Type(u"grandf");
+    EXPECT_EQ(Shown(), "amplify ");
+}
+
 TEST_F(EffectBrowserTest, ArrowsAndEnterChooseAmongWhatIsShown) {
     PressLetter(u'f', kCommand);
     fWindow.Type(u"shift");
@@ -46,10 +78,16 @@ TEST_F(EffectBrowserTest, ArrowsAndEnterChooseAmongWhatIsShown) {
     EXPECT_EQ(fSession.Effect().shortName, "pitchshift");
     PressKey(Key::kUp);
     EXPECT_EQ(fSession.Effect().shortName, "doppler");
+    Node("effects").UI_TakeFocus();
+    PressKey(Key::kEnd);
+    EXPECT_EQ(fSession.Effect().shortName, "pitchshift");
+    PressKey(Key::kHome);
+    EXPECT_EQ(fSession.Effect().shortName, "graphicphaseshifter");
+    PressLetter(u'f', kCommand);
     fWindow.Type(u" "); // text, and no command to play
     EXPECT_FALSE(fSession.Engine().IsPlaying());
     PressKey(Key::kEscape);
-    EXPECT_EQ(fSession.Effect().shortName, "doppler");
+    EXPECT_EQ(fSession.Effect().shortName, "graphicphaseshifter");
 }
 
 } // namespace

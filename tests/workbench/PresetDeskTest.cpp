@@ -82,6 +82,48 @@ TEST_F(PresetDeskTest, OwnPresetsAreSavedChangedTakenAgainAndDeleted) {
     EXPECT_NE(ValueOf("preset"), "My voice");
 }
 
+// Letter for letter: case, inner spaces, dots, brackets and letters beyond ASCII are the user's.
+TEST_F(PresetDeskTest, NamesAreKeptAsTyped) {
+    for (const char16_t* const name :
+         {u"My Voice", u"my  voice 2", u"K\u00FCche (Bad)", u"v1.2", u"-6 dB, LOUD!", u"\u6697\u3044"}) {
+        fSession.Filter()->SetParameterValue(kLeftGain, Gain() - 0.01F);
+        fWindow.Advance(kMoment);
+        // Behind Save while a preset of the user's is current and changed.
+        ChooseFromMenu("presetMenu", fSession.Presets().Current().isUsers ? 1 : kSaveAs);
+        fWindow.Type(name);
+        PressKey(Key::kEnter);
+        const std::string text = krocore::ToStdString(name);
+        EXPECT_EQ(ValueOf("preset"), text) << TextOf("message");
+        ASSERT_TRUE(std::filesystem::exists(FileOf(text))) << text;
+        EXPECT_EQ(fSession.Presets().Read({text, true}).name, text);
+        EXPECT_NE(TemporaryFolder::Contents(FileOf(text)).find('"' + text + '"'), std::string::npos);
+    }
+    EXPECT_EQ(fSession.SavedPresets().Names("amplify").size(), 6U);
+}
+
+// Several names for the same settings: the one that was saved or taken last is the one that is shown.
+TEST_F(PresetDeskTest, SettingsSavedUnchangedHaveTheNewName) {
+    StepPreset(1); // "+3 dB"
+    SaveAs(u"Mine");
+    EXPECT_EQ(ValueOf("preset"), "Mine");
+    SaveAs(u"Mine too"); // the field holds "Mine", selected
+    EXPECT_EQ(ValueOf("preset"), "Mine too");
+    StepPreset(-1);
+    EXPECT_EQ(ValueOf("preset"), "Mine");
+    DragGain(20);
+    EXPECT_EQ(ValueOf("preset"), "Mine *");
+    PressLetter(u'z', kCommand);
+    EXPECT_EQ(ValueOf("preset"), "Mine");
+    DragGain(20);
+    ChooseFromMenu("presetMenu", kSaveOfUsers);
+    fView->ChooseEffect(EffectFromName("notch"));
+    fView->ChooseEffect(Amplify());
+    EXPECT_EQ(ValueOf("preset"), "Mine");
+    StepPreset(1);
+    EXPECT_EQ(ValueOf("preset"), "Mine too");
+    EXPECT_NEAR(Gain(), 99.0F / 144, 1e-6F);
+}
+
 TEST_F(PresetDeskTest, NamesThatCannotBeAreRefusedAndEscapeLeavesEverything) {
     SaveAs(u"Mine");
     const std::string before = TemporaryFolder::Contents(FileOf("Mine"));
@@ -141,6 +183,27 @@ TEST_F(PresetDeskTest, SlotsKeepTwoSettingsAndSwitchingIsOneStep) {
     Click("slotB"); // is on already
     EXPECT_EQ(Gain(), b);
     EXPECT_EQ(ValueOf("slotB"), "on");
+}
+
+// Each effect has a slot and settings for both of its own.
+TEST_F(PresetDeskTest, SlotsAndNamesFollowTheEffect) {
+    DragGain(40);
+    const float a = Gain();
+    Click("slotB");
+    SaveAs(u"Mine");
+    fView->ChooseEffect(EffectFromName("notch"));
+    fWindow.Advance(kMoment);
+    EXPECT_EQ(ValueOf("slotA"), "on");
+    EXPECT_EQ(ValueOf("slotB"), "off");
+    EXPECT_EQ(ValueOf("preset"), "Default");
+    Click("slotB");
+    Click("slotA");
+    fView->ChooseEffect(Amplify());
+    fWindow.Advance(kMoment);
+    EXPECT_EQ(ValueOf("slotB"), "on");
+    EXPECT_EQ(ValueOf("preset"), "Mine");
+    Click("slotA");
+    EXPECT_EQ(Gain(), a);
 }
 
 TEST_F(PresetDeskTest, WhatCannotChangeWhilePlayingIsTakenTooAndPlayingGoesOn) {

@@ -15,6 +15,16 @@ TEST(TextOfSound, TimesRoundToMillisecondsAndCarry) {
         EXPECT_EQ(krocore::ToStdString(TimeText(seconds)), text) << seconds;
 }
 
+TEST(TextOfSound, TimesAreReadAsPeopleWriteThem) {
+    const std::pair<const char*, std::optional<double>> cases[] = {
+        {"0", 0},     {"90", 90},         {"1:30", 90},          {"1:30.5", 90.5},         {"1:02:03.25", 3723.25},
+        {"0.5", 0.5}, {"", std::nullopt}, {"1:", std::nullopt},  {":5", std::nullopt},     {"1:60", std::nullopt},
+        {"-1", {}},   {"nan", {}},        {"inf", std::nullopt}, {"1.5:00", std::nullopt}, {"1:1:1:1", std::nullopt},
+    };
+    for (const auto& [text, seconds] : cases)
+        EXPECT_EQ(TimeFromText(text), seconds) << text;
+}
+
 TEST(WaveformPeaks, EveryStretchShowsTheExtremesOfAllChannels) {
     qohost::Sound sound = qohost::Sound::Silent(1000, kromediatypes::AudioChannelLayout::Stereo(), 1000);
     sound.channels[0][10] = 0.5F;

@@ -41,6 +41,43 @@ TEST_F(WorkbenchFixture, DraggingASliderIsOneStepThatUndoAndRedoTakeBackAndRepea
     EXPECT_FLOAT_EQ(Gain(), dragged);
 }
 
+// The names of steps that are not alike: what is undone is not what is redone.
+TEST_F(WorkbenchFixture, UndoAndRedoNameTheirOwnSteps) {
+    const auto tip = [this](const char* id) { return krocore::ToStdString(Node(id).UI_GetTooltip()); };
+    DragGain(40);
+    const std::string dragged = tip("undo");
+    Click("LinkChannels");
+    const std::string linked = tip("undo");
+    ASSERT_NE(dragged, linked);
+    Click("undo");
+    EXPECT_EQ(tip("undo"), dragged);
+    const auto nameOf = [](const std::string& text) { return text.substr(5, text.rfind(" (") - 5); };
+    EXPECT_EQ(tip("redo").find("Redo "), 0U);
+    EXPECT_EQ(nameOf(tip("redo")), nameOf(linked));
+}
+
+// News go by themselves, problems stay until there is something else.
+TEST_F(WorkbenchFixture, NewsGiveWayToTheHintAndProblemsStay) {
+    const auto savePreset = [this](const char16_t* name) {
+        ChooseFromMenu("presetMenu", 0);
+        fWindow.Type(name);
+        PressKey(Key::kEnter);
+        return TextOf("message");
+    };
+    const std::string news = savePreset(u"Mine");
+    EXPECT_EQ(news.find("Saved"), 0U) << news;
+    fWindow.Advance(StatusLine::kNewsSeconds - 1);
+    EXPECT_EQ(TextOf("message"), news);
+    EXPECT_FALSE(fView->OpenFile("none.wav"));
+    const std::string problem = TextOf("message");
+    EXPECT_NE(problem.find("none.wav"), std::string::npos);
+    fWindow.Advance(StatusLine::kNewsSeconds + 1);
+    EXPECT_EQ(TextOf("message"), problem);
+    savePreset(u"Mine too");
+    fWindow.Advance(StatusLine::kNewsSeconds + 1);
+    EXPECT_EQ(TextOf("message").find("Drag a number"), 0U) << TextOf("message");
+}
+
 TEST_F(WorkbenchFixture, EachEffectKeepsItsSettingsPanelAndHistoryWhilePlayingGoesOn) {
     DragGain(40);
     const float gain = Gain();

@@ -11,6 +11,7 @@ from its sheet and its layout.
 
 import argparse
 import difflib
+import json
 import os
 import pathlib
 import re
@@ -33,12 +34,13 @@ def run(workbench, *arguments):
 
 
 def effect_names(workbench):
-    return [line.split()[0] for line in run(workbench, "list").splitlines()[1:]]
+    return [effect["name"] for effect in json.loads(run(workbench, "list", "--format", "json"))]
 
 
 def rows_of(workbench, effect):
-    lines = run(workbench, "params", effect, "--format", "tsv").splitlines()
-    return [line.split("\t") for line in lines[1:]]
+    parameters = json.loads(run(workbench, "params", effect, "--format", "json"))
+    return [[str(each["index"]), each["id"], each["name"], each["rangeText"], each["defaultText"]]
+            for each in parameters]
 
 
 def script(ending):

@@ -2,6 +2,7 @@
 
 #include "workbench/CommandLine.h"
 #include "workbench/FileChecker.h"
+#include "workbench/Messages.h"
 #include "workbench/PanelsLibrary.h"
 #include "workbench/TextFile.h"
 
@@ -37,11 +38,15 @@ std::optional<path> SheetBeside(const path& layout) {
 // Checks files one after the other and keeps account of the outcome.
 class CheckRun {
 public:
-    explicit CheckRun(std::vector<path> files) : fFiles(std::move(files)) { AddSheets(); }
+    explicit CheckRun(std::vector<path> files) : fFiles(std::move(files)) {
+        fFaults.HideHeadings();
+        AddSheets();
+    }
 
-    int Run() {
+    int Run(TableFormat format) {
         for (const path& file : fFiles)
             Check(file);
+        PrintOut(fFaults.ToText(format));
         if (fHasUnreadable) return kExitUnreadable;
         return fHasFault ? kExitFailed : kExitDone;
     }
@@ -88,13 +93,15 @@ private:
     }
 
     void Refuse(const path& file, const char* why) {
-        fmt::print(stderr, "workbench: {} {}\n", file.string(), why);
+        TellProblem(fmt::format("{} {}", file.string(), why));
         fHasUnreadable = true;
     }
 
     void Tell(const std::vector<ScriptProblem>& problems) {
         for (const ScriptProblem& problem : problems) {
-            fmt::print("{}\n", problem.ToString());
+            fFaults.Add({problem.ToString(), problem.file, static_cast<double>(problem.position.line),
+                         static_cast<double>(problem.position.column),
+                         std::string(problem.isOnlyWarning ? "warning" : "error"), problem.message});
             fHasFault = fHasFault || !problem.isOnlyWarning;
         }
     }
@@ -105,6 +112,7 @@ private:
     const PanelsLibrary fLibrary;
     const FileChecker fChecker{fLibrary.Supplier()};
     std::vector<path> fFiles;
+    Table fFaults{{{"", "FAULT"}, {"file", ""}, {"line", ""}, {"column", ""}, {"kind", ""}, {"message", ""}}};
     bool fHasFault = false;
     bool fHasUnreadable = false;
 };
@@ -112,7 +120,7 @@ private:
 } // namespace
 
 int Check(const CheckRequest& request) {
-    return CheckRun(request.files).Run();
+    return CheckRun(request.files).Run(request.format);
 }
 
 } // namespace workbench

@@ -11,14 +11,15 @@ constexpr float kFieldHeight = 24;
 
 } // namespace
 
-EffectBrowser::EffectBrowser(const EffectList::Effects& effects, EffectList::Listener listener)
+EffectBrowser::EffectBrowser(const EffectList::Effects& effects, EffectSearch search, EffectList::Listener listener)
     : fSearch(new SearchField([this] { fList->Filter(fSearch->GetText()); })),
-      fList(new EffectList(effects, std::move(listener))) {
+      fList(new EffectList(effects, std::move(search), std::move(listener))) {
     UI_SetID("browser");
     fSearch->UI_SetID("search");
     fSearch->SetPlaceholder(krocore::Localize("$$$/Workbench/Search=Search effects"));
-    fSearch->UI_SetTooltip(
-        krocore::Localize("$$$/Workbench/SearchTip=Arrows and Enter choose, Escape clears (Ctrl+F)"));
+    fSearch->UI_SetTooltip(krocore::Localize("$$$/Workbench/SearchTip=A name, a category, a preset or a plain word "
+                                             "such as \"hum\". Arrows and Enter choose, "
+                                             "Escape clears (Ctrl+F)"));
     ChildPushBack(fSearch);
     ChildPushBack(fList);
 }

@@ -38,11 +38,12 @@ boost::intrusive_ptr<UI_StaticText> NewHeading() {
 
 } // namespace
 
-EffectList::EffectList(const Effects& effects, Listener listener)
-    : fListener(std::move(listener)), fScroll(new ScrollView), fColumn(new Column), fNothing(NewHeading()) {
+EffectList::EffectList(const Effects& effects, EffectSearch search, Listener listener)
+    : fSearch(std::move(search)), fListener(std::move(listener)), fScroll(new ScrollView), fColumn(new Column),
+      fNothing(NewHeading()) {
     UI_SetID("effects");
     UI_SetStateFlags(kStateWantsKeyboardFocus);
-    fNothing->SetText(krocore::Localize("$$$/Workbench/NoEffect=No effect is called so."));
+    fNothing->SetText(krocore::Localize("$$$/Workbench/NoEffect=Nothing is called so."));
     fColumn->ChildPushBack(fNothing);
     for (int category = 0; category <= static_cast<int>(EffectCategory::kTimeAndPitch); ++category)
         AddCategory(static_cast<EffectCategory>(category), effects);
@@ -90,9 +91,14 @@ void EffectList::ArrangeCategory(const Category& category, float& top) {
 }
 
 void EffectList::Filter(std::u16string_view text) {
+    if (!fIsFiltered) fSearch.Refresh();
+    fIsFiltered = !text.empty();
     for (const Category& category : fCategories) {
-        for (const Item& item : category.items)
-            item->UI_Show(item->Matches(text));
+        for (const Item& item : category.items) {
+            const auto hit = fSearch.Find(item->Effect(), text);
+            item->UI_Show(hit.has_value());
+            item->SetFoundBy(hit ? hit->by : krocore::string16());
+        }
     }
     Arrange();
     fScroll->ScrollTo({});

@@ -1,9 +1,9 @@
 #include "workbench/EffectListItem.h"
 
-#include "kroui/controls/TypeAhead.h"
+#include "kroui/controls/TextMeasure.h"
 #include "workbench/PixelSnap.h"
 
-#include <algorithm>
+#include <cmath>
 
 namespace workbench {
 
@@ -13,6 +13,9 @@ namespace {
 
 constexpr float kIndent = 20;
 constexpr float kRadius = 4;
+constexpr float kGap = 8;
+constexpr float kLeastRoom = 36; // for words that can be recognised
+constexpr kroui::limner::Font kFoundByFont{11};
 
 } // namespace
 
@@ -21,14 +24,12 @@ EffectListItem::EffectListItem(const qoc::components::EffectDescription& effect)
     UI_SetID("effect-" + std::string(effect.shortName));
 }
 
-bool EffectListItem::Matches(std::u16string_view text) const {
-    const krocore::string16 all = fName + u' ' + qoc::components::CategoryName(fEffect.category);
-    for (std::size_t begin = 0; begin < text.size();) {
-        const std::size_t end = std::min(text.find(u' ', begin), text.size());
-        if (!kroui::controls::TypeAhead::Contains(all, text.substr(begin, end - begin))) return false;
-        begin = end + 1;
-    }
-    return true;
+void EffectListItem::SetFoundBy(std::u16string_view text) {
+    if (text == fFoundBy) return;
+    fFoundBy = text;
+    // Their room may be too small for both.
+    UI_SetTooltip(fFoundBy.empty() ? krocore::string16() : fName + u": " + fFoundBy);
+    UI_Invalidate();
 }
 
 void EffectListItem::UI_Draw(kroui::limner::Limner* limner) {
@@ -39,8 +40,14 @@ void EffectListItem::UI_Draw(kroui::limner::Limner* limner) {
         limner->FillRoundRect(rect, kRadius, GetColor(kroui::ui::kColorRaised));
     }
     const auto color = GetColor(IsSelected() ? kroui::ui::kColorAccentText : kroui::ui::kColorText);
-    limner->DrawText(fName, {}, color, {kIndent, 0, rect.width - kIndent - kRadius, rect.height},
-                     {.truncation = kroui::limner::TextTruncation::kEnd});
+    const kroui::limner::TextPlacement options{.truncation = kroui::limner::TextTruncation::kEnd};
+    const kroui::Rect room = {kIndent, 0, rect.width - kIndent - kRadius, rect.height};
+    limner->DrawText(fName, {}, color, room, options);
+    if (fFoundBy.empty()) return;
+    const float end = std::ceil(kroui::controls::TextWidth(*this, fName, {})) + kGap;
+    if (room.width - end < kLeastRoom) return;
+    limner->DrawText(fFoundBy, kFoundByFont, IsSelected() ? color : GetColor(kroui::ui::kColorDimText),
+                     {room.left + end, 0, room.width - end, rect.height}, options);
 }
 
 bool EffectListItem::UI_DoMouseEvent(kroui::ui::UI_Node* node, const MouseEvent& event) {
@@ -56,6 +63,7 @@ kroui::ui::AccessibleInfo EffectListItem::UI_GetAccessibleInfo() const {
     info.role = kroui::ui::Role::kListItem;
     info.name = fName;
     info.value = IsSelected() ? u"selected" : u"";
+    if (!fFoundBy.empty()) info.name += u", " + fFoundBy;
     return info;
 }
 

@@ -1,7 +1,9 @@
 #include "workbench/EffectNames.h"
 
-#include "host/ParameterText.h"
+#include "host/LinkedParameters.h"
 #include "krocore/config/Error.h"
+#include "workbench/Messages.h"
+#include "workbench/NearestName.h"
 
 #include <fmt/format.h>
 
@@ -25,11 +27,20 @@ const EffectDescription* Find(std::string_view name) {
     return qoc::components::FindEffectByShortName(name.substr(0, stem));
 }
 
+std::vector<std::string> AllNames() {
+    std::vector<std::string> names;
+    for (const EffectDescription& effect : qoc::components::AllEffects())
+        names.emplace_back(effect.shortName);
+    return names;
+}
+
 } // namespace
 
 const EffectDescription& EffectFromName(std::string_view name) {
     if (const EffectDescription* const effect = Find(name)) return *effect;
-    throw Error(fmt::format(R"(there is no effect "{}"; "workbench list" names them all)", name));
+    const std::string nearest = NearestName(name, AllNames());
+    const std::string advice = nearest.empty() ? "" : fmt::format(R"(did you mean "{}"? )", nearest);
+    throw Error(fmt::format(R"(there is no effect "{}"; {}"workbench list" names them all)", name, advice));
 }
 
 boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> NewFilter(const EffectDescription& effect) {
@@ -44,6 +55,8 @@ void ApplySettings(kroaudiofilterhost::AudioFilter& filter, std::span<const std:
         const auto parsed = qohost::ParseParameterText(filter, text);
         values.insert(values.end(), parsed.begin(), parsed.end());
     }
+    for (const std::string& note : qohost::CompleteLinkedSettings(filter, values))
+        TellNote(note);
     for (const qohost::ParameterSetting& setting : values)
         filter.SetParameterValue(setting.index, setting.value);
 }

@@ -5,11 +5,13 @@
 #include "host/UserPresets.h"
 #include "krocore/config/Error.h"
 #include "workbench/EffectNames.h"
+#include "workbench/Messages.h"
+#include "workbench/NearestName.h"
+#include "workbench/OutputFile.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <system_error>
 
 namespace workbench {
@@ -35,30 +37,27 @@ Preset PresetFromText(const EffectDescription& effect, std::string_view text) {
     if (saved.Has(effect.shortName, text)) return saved.Read(effect.shortName, text);
     std::error_code error;
     if (qohost::IsStream(text) || std::filesystem::exists(text, error)) return qohost::ReadPresetFile(text);
-    throw krocore::config::Error(fmt::format(
-        R"("{0}" is neither a file nor a preset of {1}; "workbench presets {1}" lists those)", text, effect.shortName));
+    std::vector<std::string> names = saved.Names(effect.shortName);
+    for (const Preset& preset : presets)
+        names.push_back(preset.name);
+    const std::string nearest = NearestName(text, names);
+    const std::string advice = nearest.empty() ? "" : fmt::format(R"(did you mean "{}"? )", nearest);
+    throw krocore::config::Error(
+        fmt::format(R"("{0}" is neither a file nor a preset of {1}; {2}"workbench presets {1}" lists those)", text,
+                    effect.shortName, advice));
 }
 
 } // namespace
 
-std::string PresetListOf(std::string_view effectName) {
-    const EffectDescription& effect = EffectFromName(effectName);
-    std::string names;
-    for (const Preset& preset : qohost::FactoryPresets(effect))
-        names += preset.name + '\n';
-    for (const std::string& name : SavedPresets().Names(effect.shortName))
-        names += name + '\n';
-    return names;
-}
-
 void ApplyPresetNamed(kroaudiofilterhost::AudioFilter& filter, const EffectDescription& effect, std::string_view text) {
     if (text.empty()) return;
     for (const std::string& note : qohost::ApplyPreset(filter, PresetFromText(effect, text)))
-        fmt::print(stderr, "workbench: note: {}: {}\n", text, note);
+        TellNote(fmt::format("{}: {}", text, note));
 }
 
 void MakePreset(const PresetRequest& request) {
     const EffectDescription& effect = EffectFromName(request.effect);
+    CheckMayWrite(request.output, request.overwrite);
     const auto filter = NewFilter(effect);
     filter->Prepare(filter->GetSampleRate(), kBlock, kromediatypes::AudioChannelLayout::ForChannelCount(kStereo));
     ApplyPresetNamed(*filter, effect, request.preset);

@@ -1,6 +1,7 @@
 #include "workbench/PresetDesk.h"
 
 #include "krocore/Localizer.h"
+#include "workbench/ProblemText.h"
 
 #include <exception>
 
@@ -58,8 +59,8 @@ krocore::string16 PresetDesk::SaveAs(std::u16string_view name) {
     try {
         fSession.Presets().SaveAs(wanted);
     } catch (const std::exception& error) {
-        fStatus.ShowProblem(krocore::ToUTF16(error.what()));
-        return krocore::ToUTF16(error.what());
+        fStatus.ShowProblem(krocore::ToUTF16(ProblemText(error)));
+        return krocore::ToUTF16(ProblemText(error));
     }
     fStatus.ShowNews(News("$$$/Workbench/Saved=Saved the preset \"@0\".", wanted));
     Follow();
@@ -85,7 +86,7 @@ bool PresetDesk::Try(const boost::function<void()>& action) {
     try {
         action();
     } catch (const std::exception& error) {
-        fStatus.ShowProblem(krocore::ToUTF16(error.what()));
+        fStatus.ShowProblem(krocore::ToUTF16(ProblemText(error)));
         isDone = false;
     }
     fBar->Forget();

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <new>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 
 namespace workbench {
@@ -19,7 +20,10 @@ std::string ProblemText(const std::exception& problem) {
     if (const auto* const file = dynamic_cast<const std::filesystem::filesystem_error*>(&problem))
         return fmt::format("{}: {}", file->path1().string(), file->code().message());
     if (const auto* const system = dynamic_cast<const std::system_error*>(&problem)) return system->code().message();
-    return fmt::format("this should not have happened ({})", problem.what());
+    const std::string_view text = problem.what();
+    const bool isForPeople = !text.empty() && text.find("::") == std::string_view::npos;
+    return isForPeople ? fmt::format("this should not have happened ({})", text)
+                       : "something unexpected went wrong in the program";
 }
 
 } // namespace workbench

@@ -2,15 +2,23 @@
 
 #include "host/ByteStream.h"
 #include "host/OfflineRenderer.h"
+#include "host/SoundPart.h"
+#include "krocore/config/Error.h"
 #include "workbench/CommandLine.h"
 #include "workbench/EffectNames.h"
 #include "workbench/Interruption.h"
+#include "workbench/Messages.h"
+#include "workbench/OutputFile.h"
 #include "workbench/PresetCommand.h"
 #include "workbench/Terminal.h"
+#include "workbench/TextOfSound.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <optional>
 #include <utility>
@@ -27,7 +35,7 @@ public:
     ~Progress() { Clear(); }
 
     void Clear() {
-        if (fShown >= 0) fmt::print(stderr, "\r{:{}}\r", "", kLineWidth);
+        if (fShown >= 0) std::fprintf(stderr, "\r%*s\r", kLineWidth, "");
         fShown = -1;
     }
 
@@ -35,7 +43,7 @@ public:
         const int percent = static_cast<int>(part * 100);
         if (!fIsTerminal || percent == fShown || SteadyClock::now() - fStart < kPatience) return;
         fShown = percent;
-        fmt::print(stderr, "\rrendering {} %", percent);
+        std::fprintf(stderr, "\rrendering %d %%", percent);
         std::fflush(stderr);
     }
 
@@ -48,21 +56,48 @@ private:
     int fShown = -1; // percent; nothing yet
 };
 
-qohost::SoundFileWriter::Format FormatOf(const qohost::OfflineRenderer& renderer,
-                                         const qohost::SoundFileReader& input) {
-    return {.sampleRate = input.SampleRate(),
-            .layout = renderer.Layout(),
-            .frames = renderer.Frames(),
-            .like = input.Encoding()};
+std::string Text(double seconds) {
+    return krocore::ToStdString(TimeText(seconds));
+}
+
+qohost::SoundPartReader PartToRender(const RenderRequest& request, qohost::SoundReader& sound) {
+    const double length = static_cast<double>(sound.Frames()) / sound.SampleRate();
+    const double end = request.to.value_or(length);
+    const bool isAsked = request.from > 0 || request.to;
+    if (isAsked && (request.from >= length || request.from >= end)) {
+        throw krocore::config::Error(fmt::format("{}: there is nothing from {} to {}; the sound is {} long",
+                                                 qohost::InputName(request.input), Text(request.from), Text(end),
+                                                 Text(length)));
+    }
+    const auto frame = [&](double seconds) {
+        return static_cast<std::uint64_t>(std::llround(std::min(seconds, length) * sound.SampleRate()));
+    };
+    return {sound, frame(request.from), request.to ? frame(end) : sound.Frames()};
+}
+
+// Whether the file may be written in spite of it.
+bool TellClipping(const RenderRequest& request, const qohost::Clipping& clipping) {
+    if (clipping.samples == 0) return true;
+    const std::string what = krocore::ToStdString(ClippingText(clipping));
+    const std::string name = qohost::OutputName(request.output);
+    constexpr const char* kAdvice = "--bits float keeps them, --normalize -1 turns the sound down";
+    if (request.strict)
+        TellProblem(fmt::format("{} was not written: {}; {}", name, what, kAdvice));
+    else
+        TellNote(fmt::format("{}: {}; {}", name, what, kAdvice));
+    return !request.strict;
 }
 
 } // namespace
 
 int Render(const RenderRequest& request) {
     const qoc::components::EffectDescription& effect = EffectFromName(request.effect);
+    CheckMayWrite(request.output, request.overwrite);
     const auto filter = NewFilter(effect);
-    qohost::SoundFileReader input(request.input, request.kind);
+    qohost::SoundFileReader file(request.input, request.kind);
+    qohost::SoundPartReader input = PartToRender(request, file);
     qohost::RenderOptions options;
+    options.tailSeconds = request.tailSeconds;
     // How many parameters there are may follow the channels.
     filter->Prepare(input.SampleRate(), options.blockFrames, input.Layout());
     ApplyPresetNamed(*filter, effect, request.preset);
@@ -75,13 +110,21 @@ int Render(const RenderRequest& request) {
         return !interruption->HasHappened();
     };
     qohost::OfflineRenderer renderer(*filter, input, options);
-    qohost::SoundFileWriter output(request.output, FormatOf(renderer, input), request.kind);
-    const bool isDone = renderer.Run(output) && !interruption->HasHappened();
+    qohost::SoundFileWriter output(request.output,
+                                   {.sampleRate = input.SampleRate(),
+                                    .layout = renderer.Layout(),
+                                    .frames = renderer.Frames(),
+                                    .like = file.Encoding(),
+                                    .samples = request.bits},
+                                   request.kind);
+    const bool isRun =
+        request.peakDecibels ? qohost::RunWithPeakAt(*request.peakDecibels, renderer, output) : renderer.Run(output);
     progress.Clear();
-    if (!isDone) {
-        fmt::print(stderr, "workbench: interrupted; {} was not written\n", qohost::OutputName(request.output));
+    if (!isRun || interruption->HasHappened()) {
+        TellProblem(fmt::format("interrupted; {} was not written", qohost::OutputName(request.output)));
         return kExitInterrupted;
     }
+    if (!TellClipping(request, output.GetClipping())) return kExitFailed;
     interruption.reset(); // whoever reads the stream may take their time
     output.Commit();
     return kExitDone;

@@ -2,8 +2,11 @@
 
 #include "krocore/Localizer.h"
 #include "krocore/NumberFormat.h"
+#include "workbench/ProblemText.h"
+#include "workbench/TextOfSound.h"
 
 #include <exception>
+#include <utility>
 
 namespace workbench {
 
@@ -14,16 +17,18 @@ void RenderDesk::StartOrCancel() {
     if (fJob)
         fJob->Cancel();
     else
-        Start();
+        Start({});
 }
 
-void RenderDesk::Start() {
+void RenderDesk::Start(const RenderJob::Wishes& wishes) {
     try {
-        fJob = std::make_unique<RenderJob>(fSession.TaskToRender());
+        RenderJob::Task task = fSession.TaskToRender();
+        task.wishes = wishes;
+        fJob = std::make_unique<RenderJob>(std::move(task));
         fShownPercent = -1;
         ShowProgress();
     } catch (const std::exception& error) {
-        fStatus.ShowProblem(krocore::ToUTF16(error.what()));
+        fStatus.ShowProblem(krocore::ToUTF16(ProblemText(error)));
     }
 }
 
@@ -49,10 +54,28 @@ void RenderDesk::ShowOutcome(const RenderJob::Outcome& outcome) {
         fStatus.ShowProblem(krocore::ToUTF16(outcome.problem));
     } else if (outcome.file.empty()) {
         fStatus.ShowNews(krocore::Localize("$$$/Workbench/RenderCancelled=Rendering was cancelled; no file was made."));
+    } else if (outcome.clipping.samples > 0) {
+        ShowClipping(outcome);
     } else {
         fStatus.ShowNews(krocore::ReplacePlaceholders(krocore::Localize("$$$/Workbench/Rendered=Rendered @0"),
                                                       {krocore::ToUTF16(outcome.file.string())}));
     }
+}
+
+void RenderDesk::ShowClipping(const RenderJob::Outcome& outcome) {
+    constexpr double kSafePeak = -1; // dB
+    const auto text = krocore::ReplacePlaceholders(
+        krocore::Localize("$$$/Workbench/RenderedClipped=Rendered @0: @1"),
+        {krocore::ToUTF16(outcome.file.filename().string()), ClippingText(outcome.clipping)});
+    const auto again = [this](RenderJob::Wishes wishes) {
+        return [this, wishes] {
+            if (!fJob) Start(wishes);
+        };
+    };
+    fStatus.ShowProblem(text, {{krocore::Localize("$$$/Workbench/RenderFloat=Render Again in 32-Bit Float"),
+                                again({.format = qohost::SampleFormat::kFloat, .peakDecibels = {}})},
+                               {krocore::Localize("$$$/Workbench/RenderNormalized=Render Again with the Peak at -1 dB"),
+                                again({.format = {}, .peakDecibels = kSafePeak})}});
 }
 
 } // namespace workbench

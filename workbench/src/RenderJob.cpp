@@ -58,8 +58,12 @@ void RenderJob::Render() {
     qohost::SoundFileWriter output(file, {.sampleRate = input.SampleRate(),
                                           .layout = renderer.Layout(),
                                           .frames = renderer.Frames(),
-                                          .like = fTask.encoding});
-    if (!renderer.Run(output) || fIsCancelled.load()) return;
+                                          .like = fTask.encoding,
+                                          .samples = fTask.wishes.format});
+    const auto peak = fTask.wishes.peakDecibels;
+    const bool isRun = peak ? qohost::RunWithPeakAt(*peak, renderer, output) : renderer.Run(output);
+    if (!isRun || fIsCancelled.load()) return;
+    fOutcome.clipping = output.GetClipping();
     output.Commit();
     if (fIsCancelled.load())
         std::filesystem::remove(file);

@@ -37,6 +37,30 @@ krocore::string16 TimeText(double seconds) {
     return krocore::ToUTF16(text);
 }
 
+std::optional<double> TimeFromText(std::string_view text) {
+    constexpr double kSixty = 60;
+    double seconds = 0;
+    for (int place = 0; place < 3; ++place) {
+        const std::size_t colon = text.find(':');
+        const auto number = krocore::ParsePlainNumber(text.substr(0, colon));
+        const bool isTime = number && *number >= 0 && std::isfinite(*number) && (place == 0 || *number < kSixty);
+        if (!isTime) return std::nullopt;
+        seconds = seconds * kSixty + *number;
+        if (colon == std::string_view::npos) return seconds;
+        if (*number != std::trunc(*number)) return std::nullopt;
+        text.remove_prefix(colon + 1);
+    }
+    return std::nullopt;
+}
+
+krocore::string16 ClippingText(const qohost::Clipping& clipping) {
+    constexpr double kPercent = 100;
+    return krocore::ReplacePlaceholders(
+        krocore::Localize("$$$/Workbench/Clipped=@0 samples (@1 %) are clipped, the loudest by @2 dB"),
+        {krocore::FormatNumber(static_cast<double>(clipping.samples), 0, krocore::kFormatUseSeparator),
+         krocore::FormatNumber(clipping.part * kPercent, 2), krocore::FormatNumber(clipping.decibels, 2)});
+}
+
 krocore::string16 RangeText(double begin, double end) {
     return krocore::ReplacePlaceholders(krocore::Localize("$$$/Workbench/Selection=selection @0 - @1"),
                                         {TimeText(begin), TimeText(end)});

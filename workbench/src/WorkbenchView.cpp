@@ -3,6 +3,7 @@
 #include "krocore/Localizer.h"
 #include "kroui/ui/UI_NodeManager.h"
 #include "kroui/ui/UI_Window.h"
+#include "workbench/ProblemText.h"
 #include "workbench/TextOfSound.h"
 
 #include <algorithm>
@@ -46,7 +47,8 @@ WorkbenchView::WorkbenchView(Session& session, const EffectList::Effects& effect
 
 void WorkbenchView::BuildParts(const EffectList::Effects& effects) {
     fHeader = new HeaderBar({[this] { Undo(); }, [this] { Redo(); }}, fPresets.Switch(), fPresets.Bar());
-    fEffects = new EffectBrowser(effects, [this](const EffectDescription& effect) { ChooseEffect(effect); });
+    fEffects = new EffectBrowser(effects, EffectSearch(fSession.SavedPresets()),
+                                 [this](const EffectDescription& effect) { ChooseEffect(effect); });
     fPanelPlace = new ScrollView;
     fPanelPlace->UI_SetID("panelPlace");
     fPanelPlace->SetCentred(true);
@@ -67,7 +69,7 @@ bool WorkbenchView::OpenFile(const std::filesystem::path& file) {
     try {
         fSession.OpenFile(file);
     } catch (const std::exception& error) {
-        fStatus->ShowProblem(krocore::ToUTF16(error.what()));
+        fStatus->ShowProblem(krocore::ToUTF16(ProblemText(error)));
         return false;
     }
     ShowSound();
@@ -80,7 +82,7 @@ bool WorkbenchView::ChooseEffect(const EffectDescription& effect) {
     try {
         fSession.ChooseEffect(effect);
     } catch (const std::exception& error) {
-        fStatus->ShowProblem(krocore::ToUTF16(error.what()));
+        fStatus->ShowProblem(krocore::ToUTF16(ProblemText(error)));
         return false;
     }
     ShowEffect();

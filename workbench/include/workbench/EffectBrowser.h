@@ -11,7 +11,7 @@ class EffectBrowser final : public kroui::ui::UI_Node {
 public:
     static constexpr float kWidth = EffectList::kWidth;
 
-    EffectBrowser(const EffectList::Effects& effects, EffectList::Listener listener);
+    EffectBrowser(const EffectList::Effects& effects, EffectSearch search, EffectList::Listener listener);
 
     void Select(const qoc::components::EffectDescription& effect) { fList->Select(effect); }
     // Puts the focus into the field, with all of its text selected.

@@ -2,6 +2,7 @@
 
 #include "kroui/controls/UI_StaticText.h"
 #include "workbench/EffectListItem.h"
+#include "workbench/EffectSearch.h"
 #include "workbench/ScrollView.h"
 
 #include <vector>
@@ -17,11 +18,11 @@ public:
     using Effects = std::vector<const qoc::components::EffectDescription*>;
     using Listener = boost::function<void(const qoc::components::EffectDescription&)>;
     // The listener hears what the user chooses.
-    EffectList(const Effects& effects, Listener listener);
+    EffectList(const Effects& effects, EffectSearch search, Listener listener);
 
     // Marks the effect; tells nobody.
     void Select(const qoc::components::EffectDescription& effect);
-    // Shows the effects whose name or category holds every word of the text.
+    // Shows the effects that the search finds by the text.
     void Filter(std::u16string_view text);
     // The edge towards the rest of the window.
     static void DrawRightLine(const kroui::ui::UI_Node& node, kroui::limner::Limner& limner);
@@ -48,6 +49,8 @@ private:
     void Choose(const EffectListItem& item);
     void OnItem(kroui::controls::UI_ControlChangedMessage* message);
 
+    EffectSearch fSearch;
+    bool fIsFiltered = false;
     Listener fListener;
     boost::intrusive_ptr<ScrollView> fScroll;
     boost::intrusive_ptr<kroui::ui::UI_Node> fColumn;

@@ -14,8 +14,8 @@ public:
     explicit EffectListItem(const qoc::components::EffectDescription& effect);
 
     const qoc::components::EffectDescription& Effect() const { return fEffect; }
-    // Whether the name or the category holds every word of the text; case doesn't count.
-    bool Matches(std::u16string_view text) const;
+    // Shown behind the name: by what a search has found it.
+    void SetFoundBy(std::u16string_view text);
     void Select(bool selected) { SetDownState(selected); }
     bool IsSelected() const { return DownState(); }
 
@@ -26,6 +26,7 @@ public:
 private:
     const qoc::components::EffectDescription& fEffect;
     krocore::string16 fName;
+    krocore::string16 fFoundBy;
 };
 
 } // namespace workbench

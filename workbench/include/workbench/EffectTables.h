@@ -1,22 +1,20 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
+#include "workbench/Table.h"
+
 #include <string_view>
 
 namespace workbench {
 
-enum class TableFormat : std::uint8_t {
-    kAligned, // columns that line up in a terminal
-    kTabbed,  // a tab between cells, for programs
-};
+// The effects: name for command lines, title, category, and whether it can process and has a panel. With words to look
+// for those that EffectSearch finds, and the preset or word by which. The panels library must be initialised.
+Table EffectTable(std::string_view words = {});
 
-// The effects as a text table: name for command lines, title, category, and whether it can process and has a panel.
-// The panels library must be initialised.
-std::string EffectTable();
+// The parameters of an effect as it is for stereo: for people index, id, name, range with unit, default; for programs
+// numbers in natural units. Throws krocore::config::Error for a name that is none.
+Table ParameterTable(std::string_view effectName);
 
-// The parameters of an effect as it is for stereo: index, id, name, range with unit, default. Throws
-// krocore::config::Error for a name that is none.
-std::string ParameterTableOf(std::string_view effectName, TableFormat format = TableFormat::kAligned);
+// The presets that come with an effect, then those that the user has saved, with their files. Throws likewise.
+Table PresetTable(std::string_view effectName);
 
 } // namespace workbench

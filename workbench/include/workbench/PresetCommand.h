@@ -15,11 +15,8 @@ struct PresetRequest {
     std::string preset;                // to begin with: a name or a file; empty for the defaults
     std::vector<std::string> settings; // "PARAM=VALUE", later ones win
     std::filesystem::path output;
+    bool overwrite = false; // replaces a file that is there
 };
-
-// The names of the presets that come with an effect and of those that the user has saved, a line each. Throws
-// krocore::config::Error for a name of none.
-std::string PresetListOf(std::string_view effectName);
 
 // Gives a prepared filter the preset that `text` names: one that comes with the effect (case is ignored), one that the
 // user has saved, or else a file. What could not be taken from it is told on standard error. An empty text changes

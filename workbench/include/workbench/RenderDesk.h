@@ -22,7 +22,8 @@ public:
     void Follow(TransportBar& bar);
 
 private:
-    void Start();
+    void Start(const RenderJob::Wishes& wishes);
+    void ShowClipping(const RenderJob::Outcome& outcome);
     void ShowProgress();
     void ShowOutcome(const RenderJob::Outcome& outcome);
 

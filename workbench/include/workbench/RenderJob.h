@@ -2,10 +2,12 @@
 
 #include "host/AudioFile.h"
 #include "host/PlaybackCore.h"
+#include "host/SoundFile.h"
 
 #include <atomic>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -15,16 +17,23 @@ namespace workbench {
 // written over, and none is left half written. User-interface thread.
 class RenderJob {
 public:
+    // What the user asks for beyond the sound's own encoding and level.
+    struct Wishes {
+        std::optional<qohost::SampleFormat> format;
+        std::optional<double> peakDecibels; // what the peak is brought to
+    };
     struct Task {
         std::shared_ptr<const qohost::Sound> sound;
         qohost::PlaybackRange range;
         boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter; // the job's alone
         qohost::AudioFileEncoding encoding = 0;                       // as near to it as the kind of file can
         std::filesystem::path file; // "a.wav": where that is there, "a-2.wav" and so on is taken
+        Wishes wishes = {};
     };
     struct Outcome {
         std::filesystem::path file; // that was written
         std::string problem;        // why none was; both are empty if it was cancelled
+        qohost::Clipping clipping;  // of what was written
     };
 
     // Starts.

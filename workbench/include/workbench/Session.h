@@ -48,6 +48,8 @@ public:
 
     // Of the present effect, too.
     PresetBook& Presets() { return fCurrent->presets; }
+    // Of all effects.
+    const qohost::UserPresets& SavedPresets() const { return fUserPresets; }
     CompareSlots::Slot Slot() const { return fCurrent->slots.Current(); }
     // Sets the effect as the preset, or the other slot, has it: one step of undo. Playing goes on, after a short gap if
     // something can't be changed while it plays. Returns notes as ApplyPreset does. The first throws

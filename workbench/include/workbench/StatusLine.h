@@ -18,19 +18,22 @@ public:
     void ShowHint(std::u16string_view text);
     // For a while.
     void ShowNews(std::u16string_view text);
-    // Until there is something else.
-    void ShowProblem(std::u16string_view text);
+    // Until there is something else, with a button that opens a menu of what helps, if anything does.
+    void ShowProblem(std::u16string_view text, MenuButton::Commands remedies = {});
 
     void UI_Draw(kroui::limner::Limner* limner) override;
     void UI_SizeChanged(const kroui::RectT<float>& rect) override;
     bool UI_DoTimerNotify(long timerID) override;
 
 private:
-    void Show(std::u16string_view text, int colorRole);
+    void Show(std::u16string_view text, int colorRole, MenuButton::Commands remedies = {});
+    void Arrange();
 
     krocore::string16 fHint;
     boost::intrusive_ptr<kroui::controls::UI_StaticText> fMessage;
     boost::intrusive_ptr<MenuButton> fState;
+    MenuButton::Commands fRemedyCommands;
+    boost::intrusive_ptr<MenuButton> fRemedies;
     long fTimer;
 };
 
