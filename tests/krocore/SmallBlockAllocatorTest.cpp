@@ -109,6 +109,14 @@ struct LateUser {
     bool* result = nullptr;
 };
 
+TEST(SmallBlockHeap, CountsWhatItGives) {
+    if (!kReusesBlocks) GTEST_SKIP() << "all blocks come from the global heap under the address sanitizer";
+    const std::size_t before = SmallBlockHeap::AllocationCount();
+    ReleaseAll(AllocateMany(100, kBytes), kBytes);
+    ReleaseAll(AllocateMany(100, SmallBlockHeap::kLargestSmallBlock + 1), SmallBlockHeap::kLargestSmallBlock + 1);
+    EXPECT_EQ(SmallBlockHeap::AllocationCount(), before + 100);
+}
+
 TEST(SmallBlockHeap, WorksInDestructorsOfThreadLocalObjects) {
     for (int round = 0; round < 3; ++round) {
         bool worked = false;

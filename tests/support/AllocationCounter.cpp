@@ -13,7 +13,7 @@ std::atomic<std::size_t> sAllocations{0};
 } // namespace
 
 std::size_t AllocationCount() noexcept {
-    return sAllocations.load();
+    return sAllocations.load() + krocore::SmallBlockHeap::AllocationCount();
 }
 
 void* operator new(std::size_t size) {
@@ -34,19 +34,3 @@ void operator delete(void* memory) noexcept {
 void operator delete(void* memory, std::size_t /*size*/) noexcept {
     std::free(memory);
 }
-
-#ifndef _WIN32
-// A program's own functions stand in front of an ELF library's: small blocks, of strings above all, come from the
-// counted heap too.
-namespace krocore {
-
-void* SmallBlockHeap::Allocate(std::size_t bytes) {
-    return ::operator new(bytes);
-}
-
-void SmallBlockHeap::Release(void* block, std::size_t /*bytes*/) noexcept {
-    ::operator delete(block);
-}
-
-} // namespace krocore
-#endif

@@ -105,6 +105,7 @@ public:
         const std::lock_guard lock(fLock);
         if (fFirst == nullptr) AddRun(chunks.Cut(blockBytes), blockBytes);
         ++fTaken;
+        ++fAllocations;
         return std::exchange(fFirst, fFirst->next);
     }
 
@@ -112,6 +113,11 @@ public:
         const std::lock_guard lock(fLock);
         --fTaken;
         Push(block);
+    }
+
+    std::size_t Allocations() noexcept {
+        const std::lock_guard lock(fLock);
+        return fAllocations;
     }
 
     bool AreAllBlocksFree() const noexcept { return fTaken == 0; }
@@ -132,6 +138,7 @@ private:
     SpinLock fLock;
     FreeBlock* fFirst = nullptr;
     std::size_t fTaken = 0;
+    std::size_t fAllocations = 0; // so far
 };
 
 constinit ChunkStore sChunks;
@@ -157,6 +164,13 @@ void* SmallBlockHeap::Allocate(std::size_t bytes) {
 void SmallBlockHeap::Release(void* block, std::size_t bytes) noexcept {
     if (kPlainHeap || bytes > kLargestSmallBlock) return ::operator delete(block);
     sFreeLists[SizeClass(bytes)].Give(block);
+}
+
+std::size_t SmallBlockHeap::AllocationCount() noexcept {
+    std::size_t count = 0;
+    for (FreeList& list : sFreeLists)
+        count += list.Allocations();
+    return count;
 }
 
 } // namespace krocore

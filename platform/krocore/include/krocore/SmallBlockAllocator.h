@@ -19,6 +19,9 @@ public:
 
     static void* Allocate(std::size_t bytes);
     static void Release(void* block, std::size_t bytes) noexcept;
+
+    // How many small blocks were taken so far, by all threads: for those who watch that nothing is.
+    static std::size_t AllocationCount() noexcept;
 };
 
 // Standard allocator over SmallBlockHeap; stateless, all instances are equal.
