@@ -248,34 +248,6 @@ TEST(Notch, SectionsThatAreOffOrAtZeroDecibelsAreBitExact) {
     EXPECT_TRUE(std::equal(output[0].end() - 10000, output[0].end(), input[0].end() - 10000));
 }
 
-// Changes settings on the way, at frame 4096.
-Channels ProcessedWithChanges(AudioFilter& filter, const Channels& input, std::size_t block) {
-    Channels output = input;
-    test::Process(filter, input, output, 0, 4096, block);
-    filter.SetParameterValue(kNotchFirstFrequency, 0.07F);
-    filter.SetParameterValue(kNotchFirstGain + 1, StoredGain(3));
-    filter.SetParameterValue(kNotchFirstEnable + 2, 1);
-    filter.SetParameterValue(kNotchWidth, 1);
-    test::Process(filter, input, output, 4096, input[0].size(), block);
-    return output;
-}
-
-TEST(Notch, NeitherBlocksNorOtherChannelsMatter) {
-    for (const bool ultraQuiet : {false, true}) {
-        NotchSetup setup{{{60, -30}, {3000, -20}}, 0, ultraQuiet, 44100, 5};
-        const Channels input = Noise(5, 16384);
-        const Channels expected = ProcessedWithChanges(*Prepared(setup), input, 4096);
-        for (const std::size_t block : {1U, 64U, 97U, 1000U})
-            EXPECT_EQ(ProcessedWithChanges(*Prepared(setup), input, block), expected) << block;
-        setup.channels = 1;
-        for (std::size_t c = 0; c < 5; ++c)
-            EXPECT_EQ(ProcessedWithChanges(*Prepared(setup), {input[c]}, 512)[0], expected[c]) << c;
-        setup.channels = AudioFilter::kMaximumChannels;
-        const Channels many(setup.channels, input[3]);
-        EXPECT_EQ(ProcessedWithChanges(*Prepared(setup), many, 512).back(), expected[3]);
-    }
-}
-
 TEST(Notch, NoChangeOfASettingClicks) {
     // The third difference of the sine itself is its amplitude times (2 pi 100 / 44100)^3: 3e-6. A jump's is as large
     // as the jump. A notch on its way up takes along, ever more faintly, what rings in it.

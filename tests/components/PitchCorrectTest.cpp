@@ -249,27 +249,6 @@ TEST(PitchCorrect, GlidesAndPausesMakeNoClicks) {
         ASSERT_LE(std::abs(output[0][i] - output[0][i - 1]), steepest * 1.02) << i;
 }
 
-TEST(PitchCorrect, BlockSizeDoesNotMatter) {
-    std::vector<float> sound = Tone(NoteFrequency(57.3), kSecond, 7);
-    const std::vector<float> noise = Noise(kSecond / 4);
-    std::copy(noise.begin(), noise.end(), sound.begin() + kSecond / 3);
-    const auto run = [&](std::size_t block) {
-        const auto filter = Prepared(1);
-        Channels output = {sound};
-        Process(*filter, {sound}, output, 0, 20000, block);
-        filter->SetParameterValue(kPitchCorrectFFTSize, 1);
-        Process(*filter, {sound}, output, 20000, 30000, block);
-        EXPECT_EQ(filter->Latency(), 1536U); // as prepared
-        filter->SetParameterValue(kPitchCorrectFFTSize, 0);
-        filter->SetParameterValue(kPitchCorrectScale, kMinor);
-        Process(*filter, {sound}, output, 30000, sound.size(), block);
-        return output;
-    };
-    const Channels expected = run(1);
-    for (const std::size_t block : {3, 64, 1000, 4096})
-        EXPECT_TRUE(run(block) == expected) << block;
-}
-
 TEST(PitchCorrect, RecoversFromBadSamples) {
     std::vector<float> tone = Tone(NoteFrequency(69.3), 3 * kSecond);
     tone[9000] = std::numeric_limits<float>::quiet_NaN();

@@ -261,38 +261,6 @@ TEST(PitchShift, NothingFoldsBack) {
     }
 }
 
-TEST(PitchShift, BlockSizeDoesNotMatter) {
-    const auto run = [](std::size_t block) {
-        const auto filter = Prepared(2, {1.1});
-        Channels sound = {Noise(60000, 4), Noise(60000, 5)};
-        Process(*filter, sound, 0, 20000, block);
-        Set(*filter, {0.7, 0, false, 33, 40});
-        Process(*filter, sound, 20000, 22000, block);
-        SetNatural(*filter, kPitchShiftSplicingFrequency, 150); // between two splices
-        Process(*filter, sound, 22000, 40000, block);
-        SetNatural(*filter, kPitchShiftRatio, 1);
-        Process(*filter, sound, 40000, 60000, block);
-        return sound;
-    };
-    const Channels expected = run(64);
-    for (const std::size_t block : {1, 37, 8192})
-        EXPECT_TRUE(run(block) == expected) << block;
-}
-
-TEST(PitchShift, AResetFilterDoesAsANewOne) {
-    const auto filter = Prepared(1, {0.6});
-    const auto fresh = Prepared(1, {1.7, 2, false, 80, 30});
-    Channels first = {Noise(30000, 6)};
-    Process(*filter, first, 0, 30000);
-    Set(*filter, {1.7, 2, false, 80, 30});
-    filter->Reset();
-    Channels sound = {Noise(50000, 7)};
-    Channels expected = sound;
-    Process(*filter, sound, 0, 50000);
-    Process(*fresh, expected, 0, 50000);
-    EXPECT_EQ(sound, expected);
-}
-
 TEST(PitchShift, ProcessingAllocatesNothingWhateverIsSet) {
     const auto filter = Prepared(3, {1.0});
     std::mt19937 generator(8);

@@ -378,24 +378,6 @@ TEST(ScientificFilter, TheLastOfManyQuickChangesIsTheOneThatStays) {
     EXPECT_NEAR(Decibels(PeakBetween(output[0], 40000, 44100)), kHalfPower, 0.02);
 }
 
-TEST(ScientificFilter, BlockSizeDoesNotMatterEvenWhileFading) {
-    const Channels input = Noise(2, 12000);
-    const auto run = [&](std::size_t block) {
-        const auto filter = PreparedFilter({.family = FilterFamily::kChebyshev1, .order = 7}, 44100, 2);
-        Channels output = input;
-        test::Process(*filter, input, output, 0, 1000, block);
-        SetNatural(*filter, kSFMode, 2);
-        test::Process(*filter, input, output, 1000, 1700, block);
-        SetNatural(*filter, kSFMasterGain, 6);
-        SetNatural(*filter, kSFType, 0); // waits for the fade that is under way
-        test::Process(*filter, input, output, 1700, 12000, block);
-        return output;
-    };
-    const Channels expected = run(1);
-    for (const std::size_t block : {7, 100, 256, 700, 8192})
-        EXPECT_TRUE(run(block) == expected) << block;
-}
-
 TEST(ScientificFilter, BadSamplesCountAsSilence) {
     Channels input = Noise(1, 3000);
     input[0][100] = input[0][200] = input[0][300] = 0;
