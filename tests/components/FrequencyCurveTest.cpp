@@ -5,7 +5,7 @@
 #include <cmath>
 
 using namespace qoc::components;
-using kroaudiofilterhost::FrequencyAxis;
+using krocore::FrequencyAxis;
 
 namespace {
 

@@ -8,7 +8,7 @@ namespace qoc::components {
 
 using krocore::PointCurve;
 
-FrequencyCurve::FrequencyCurve(std::vector<Point> points, const kroaudiofilterhost::FrequencyAxis& axis, bool spline,
+FrequencyCurve::FrequencyCurve(std::vector<Point> points, const krocore::FrequencyAxis& axis, bool spline,
                                double fallback)
     : fPoints(std::move(points)), fIsLogarithmic(axis.logarithmic) {
     if (fPoints.empty()) fPoints.push_back({axis.end, fallback});

@@ -41,7 +41,7 @@ void GlidingSections::Set(std::span<const BiquadCoefficients> sections, bool set
     }
 }
 
-void GlidingSections::Process(const kroaudiofilterhost::AudioFilterBlock& block, SmoothedValue& gain) noexcept {
+void GlidingSections::Process(const kromediatypes::AudioBlock& block, SmoothedValue& gain) noexcept {
     if (IsNeutral() && gain.IsSettled()) {
         for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
             std::transform(block.inputs[channel], block.inputs[channel] + block.frames, block.outputs[channel],

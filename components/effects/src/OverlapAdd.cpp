@@ -45,7 +45,7 @@ void OverlapAdd::Reset() noexcept {
     fGrid.Reset();
 }
 
-void OverlapAdd::Process(const kroaudiofilterhost::AudioFilterBlock& block, SpectrumProcessor& processor) noexcept {
+void OverlapAdd::Process(const kromediatypes::AudioBlock& block, SpectrumProcessor& processor) noexcept {
     fGrid.Cut(
         block.frames,
         [&](std::size_t begin, std::size_t frames, std::size_t position) { Exchange(block, begin, frames, position); },
@@ -53,7 +53,7 @@ void OverlapAdd::Process(const kroaudiofilterhost::AudioFilterBlock& block, Spec
 }
 
 // Input first, for the output may be the same memory.
-void OverlapAdd::Exchange(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames,
+void OverlapAdd::Exchange(const kromediatypes::AudioBlock& block, std::size_t begin, std::size_t frames,
                           std::size_t position) noexcept {
     for (std::size_t channel = 0; channel < fChannels.size(); ++channel) {
         float* const newest = fChannels[channel].input.data() + (fLayout.frame - fLayout.hop) + position;

@@ -21,7 +21,7 @@ void RepairStream::Reset() noexcept {
     fGrid.Reset();
 }
 
-void RepairStream::Process(const kroaudiofilterhost::AudioFilterBlock& block, FrameRepairer& repairer) noexcept {
+void RepairStream::Process(const kromediatypes::AudioBlock& block, FrameRepairer& repairer) noexcept {
     fGrid.Cut(
         block.frames,
         [&](std::size_t begin, std::size_t frames, std::size_t position) { Exchange(block, begin, frames, position); },
@@ -29,7 +29,7 @@ void RepairStream::Process(const kroaudiofilterhost::AudioFilterBlock& block, Fr
 }
 
 // Input first, for the output may be the same memory.
-void RepairStream::Exchange(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames,
+void RepairStream::Exchange(const kromediatypes::AudioBlock& block, std::size_t begin, std::size_t frames,
                             std::size_t position) noexcept {
     const std::size_t newest = fLayout.Frame() + position;
     for (std::size_t channel = 0; channel < fChannels.size(); ++channel) {

@@ -20,7 +20,7 @@ void RoomChannels::SetSums(bool sums, bool settle) noexcept {
     fMeanShare.Set(sums ? 1 : 0, settle);
 }
 
-void RoomChannels::Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame) noexcept {
+void RoomChannels::Take(const kromediatypes::AudioBlock& block, std::size_t frame) noexcept {
     for (std::size_t channel = 0; channel < fDry.size(); ++channel)
         fDry[channel] = SaneSample(block.inputs[channel][frame]);
     for (std::size_t i = 0; i < fChannels.size(); ++i)

@@ -4,8 +4,10 @@
 #include "kroaudiofilterhost/AudioFilterHost.h"
 #include "kroaudiofilterhost/AudioFilterListener.h"
 #include "kroaudiofilterhost/AudioFilterParameterInfo.h"
+#include "krocore/FrequencyAxis.h"
 #include "krocore/String.h"
 #include "krocore/utility/RefCountedObject.h"
+#include "kromediatypes/AudioBlock.h"
 
 #include <atomic>
 #include <cstddef>
@@ -17,34 +19,14 @@
 
 namespace kroaudiofilterhost {
 
-// The sound that one call of AudioFilter::Process works on: a pointer a channel, `frames` samples each, nominally
-// -1...1. An output may be the input of the same channel; otherwise the buffers don't overlap.
-struct AudioFilterBlock {
-    std::span<const float* const> inputs;
-    std::span<float* const> outputs;
-    std::size_t frames = 0;
-};
+// The sound that one call of AudioFilter::Process works on, channels as the buses say.
+using AudioFilterBlock = kromediatypes::AudioBlock;
+using krocore::FrequencyAxis;
 
 // What one parameter is to be.
 struct AudioFilterParameterValue {
     int index = 0;
     float value = 0; // normalised
-};
-
-// Frequencies evenly spaced on a linear or logarithmic axis, first and last at its ends.
-struct FrequencyAxis {
-    double start = 0; // hertz; above 0 when logarithmic
-    double end = 0;   // hertz
-    bool logarithmic = false;
-
-    // Hertz of place `index` of `count`; the start if there is only one.
-    double HertzAt(std::size_t index, std::size_t count) const;
-    // Those of all places: several times as fast as one by one, and the same to a part in 10^11.
-    std::vector<double> AllHertz(std::size_t count) const;
-    // The place that shows `hertz`, the nearest of `count`; `count` when none does.
-    std::size_t PlaceOf(double hertz, std::size_t count) const;
-
-    bool operator==(const FrequencyAxis&) const = default;
 };
 
 // One instance of an audio effect: numbered parameters, buses, and the processing. Shared by the engine that runs it

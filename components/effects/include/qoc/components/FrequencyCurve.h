@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kroaudiofilterhost/AudioFilter.h"
+#include "krocore/FrequencyAxis.h"
 #include "krocore/PointCurve.h"
 
 #include <cstddef>
@@ -19,7 +19,7 @@ public:
 
     // Points may come in any order; of those at the same place the later one is heard above it. Without any point the
     // curve is `fallback` everywhere. The axis is the whole one, whatever of it is shown.
-    FrequencyCurve(std::vector<Point> points, const kroaudiofilterhost::FrequencyAxis& axis, bool spline,
+    FrequencyCurve(std::vector<Point> points, const krocore::FrequencyAxis& axis, bool spline,
                    double fallback);
 
     double At(double hertz) const noexcept;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kroaudiofilterhost/AudioFilter.h"
+#include "kromediatypes/AudioBlock.h"
 #include "qoc/components/Biquad.h"
 #include "qoc/components/SmoothedValue.h"
 #include "qoc/components/StateVariableStep.h"
@@ -40,7 +40,7 @@ public:
         return sample;
     }
     // A whole block, with a gain behind the sections. Samples that are no number count as zero.
-    void Process(const kroaudiofilterhost::AudioFilterBlock& block, SmoothedValue& gain) noexcept;
+    void Process(const kromediatypes::AudioBlock& block, SmoothedValue& gain) noexcept;
 
 private:
     // What glides: the logarithm of tan(w / 2), 1 / Q, and how much of the input, of the band pass and of the low pass

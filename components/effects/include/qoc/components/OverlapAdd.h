@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kroaudiofilterhost/AudioFilter.h"
+#include "kromediatypes/AudioBlock.h"
 #include "qoc/components/HopGrid.h"
 #include "qoc/components/RealFFT.h"
 
@@ -50,7 +50,7 @@ public:
     // How many samples later than that the output may still sound, when a processor changes spectra as it likes.
     std::size_t Tail() const noexcept { return fLayout.transform; }
     // Sound thread. As many channels as prepared; outputs may be the inputs.
-    void Process(const kroaudiofilterhost::AudioFilterBlock& block, SpectrumProcessor& processor) noexcept;
+    void Process(const kromediatypes::AudioBlock& block, SpectrumProcessor& processor) noexcept;
 
 private:
     struct Channel {
@@ -59,7 +59,7 @@ private:
         std::vector<std::complex<float>> spectrum;
     };
 
-    void Exchange(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames,
+    void Exchange(const kromediatypes::AudioBlock& block, std::size_t begin, std::size_t frames,
                   std::size_t position) noexcept;
     void RunFrame(SpectrumProcessor& processor) noexcept;
     void Analyse(Channel& channel) noexcept;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kroaudiofilterhost/AudioFilter.h"
+#include "kromediatypes/AudioBlock.h"
 #include "qoc/components/HopGrid.h"
 
 #include <cstddef>
@@ -42,7 +42,7 @@ public:
 
     std::size_t Latency() const noexcept { return fLayout.hop + fLayout.after; }
     // Sound thread. As many channels as prepared; outputs may be the inputs.
-    void Process(const kroaudiofilterhost::AudioFilterBlock& block, FrameRepairer& repairer) noexcept;
+    void Process(const kromediatypes::AudioBlock& block, FrameRepairer& repairer) noexcept;
 
 private:
     struct Channel {
@@ -50,7 +50,7 @@ private:
         std::vector<float> repaired;
     };
 
-    void Exchange(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames,
+    void Exchange(const kromediatypes::AudioBlock& block, std::size_t begin, std::size_t frames,
                   std::size_t position) noexcept;
     void RunFrame(FrameRepairer& repairer) noexcept;
 

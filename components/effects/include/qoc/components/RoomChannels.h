@@ -1,6 +1,7 @@
 #pragma once
 
-#include "kroaudiofilterhost/AudioFilter.h"
+#include "kromediatypes/AudioBlock.h"
+#include "kromediatypes/AudioChannelLayout.h"
 #include "qoc/components/SmoothedValue.h"
 
 #include <cstddef>
@@ -21,7 +22,7 @@ public:
     std::size_t size() const noexcept { return fChannels.size(); }
 
     // Takes a frame of the effect's input, which may be overwritten then. Samples that are no numbers count as 0.
-    void Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame) noexcept;
+    void Take(const kromediatypes::AudioBlock& block, std::size_t frame) noexcept;
     // What was taken: of a channel of the effect as it came, and a sample for each of Channels().
     float Dry(std::size_t channel) const noexcept { return fDry[channel]; }
     std::span<const float> Sound() const noexcept { return fSound; }
