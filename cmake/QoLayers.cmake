@@ -3,11 +3,12 @@
 #   <layer>_api   what others may include: this layer's headers and those of the layers below it, nothing else
 #   <layer>       the object files
 #
-# Sources of a layer see exactly <layer>_api, so an include that points up the stack does not compile.
+# Sources of a layer see exactly <layer>_api and its inner layers', so an include that points up the stack does not compile.
 #
-#   qo_layer(<layer> DEPENDS <lower layers> EXTERNAL <libraries that only its sources use> [HIDDEN])
+#   qo_layer(<layer> DEPENDS <lower layers> INNER <lower layers that only its sources see>
+#            EXTERNAL <libraries that only its sources use> [HIDDEN])
 function(qo_layer name)
-    cmake_parse_arguments(arg "HIDDEN" "" "DEPENDS;EXTERNAL" ${ARGN})
+    cmake_parse_arguments(arg "HIDDEN" "" "DEPENDS;INNER;EXTERNAL" ${ARGN})
 
     add_library(${name}_api INTERFACE)
     target_include_directories(${name}_api INTERFACE
@@ -24,6 +25,9 @@ function(qo_layer name)
     endif()
     add_library(${name} OBJECT ${sources})
     target_link_libraries(${name} PUBLIC ${name}_api PRIVATE qo_options ${arg_EXTERNAL})
+    foreach(lower IN LISTS arg_INNER)
+        target_link_libraries(${name} PRIVATE ${lower}_api)
+    endforeach()
     if(arg_HIDDEN)
         set_target_properties(${name} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
         target_precompile_headers(${name} REUSE_FROM qo_pch_hidden)
@@ -33,11 +37,12 @@ function(qo_layer name)
     endif()
 endfunction()
 
-# One shared library out of several layers: qo_shared_library(<name> LAYERS ... EXTERNAL ... LINK ...)
+# One shared library out of several layers, of which it shows those that are not inner ones:
+# qo_shared_library(<name> LAYERS ... INNER ... EXTERNAL ... LINK ...)
 function(qo_shared_library name)
-    cmake_parse_arguments(arg "" "" "LAYERS;EXTERNAL;LINK" ${ARGN})
+    cmake_parse_arguments(arg "" "" "LAYERS;INNER;EXTERNAL;LINK" ${ARGN})
     set(objects)
-    foreach(layer IN LISTS arg_LAYERS)
+    foreach(layer IN LISTS arg_LAYERS arg_INNER)
         list(APPEND objects $<TARGET_OBJECTS:${layer}>)
     endforeach()
     add_library(${name} SHARED ${objects})
