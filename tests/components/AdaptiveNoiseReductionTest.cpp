@@ -1,9 +1,9 @@
 #include "qoc/components/AdaptiveNoiseReduction.h"
 
 #include "MusicSound.h"
-#include "qoc/components/NoiseTracker.h"
 #include "qoc/components/ParameterIndices.h"
-#include "qoc/components/SpectralGain.h"
+#include "qoc/dsp/restoration/NoiseTracker.h"
+#include "qoc/dsp/restoration/SpectralGain.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "EffectWalk.h"
-#include "qoc/components/ChannelSide.h"
+#include "qoc/dsp/stream/ChannelSide.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +8,7 @@
 #include <set>
 
 using namespace qoc::components;
+using namespace qoc::dsp;
 
 namespace {
 

@@ -3,10 +3,10 @@
 #include "MeasureSound.h"
 #include "kroui/limner/CairoSupplier.h"
 #include "kroui/ui/HeadlessWindow.h"
-#include "qoc/components/CurveFIR.h"
 #include "qoc/components/FFTFilter.h"
 #include "qoc/components/GraphicPhaseShifter.h"
 #include "qoc/components/ParameterIndices.h"
+#include "qoc/dsp/filters/CurveFIR.h"
 #include "qocui/ui/FFTFilterGraph.h"
 #include "qocui/ui/GraphicPhaseShifterGraph.h"
 

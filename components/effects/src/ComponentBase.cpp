@@ -1,6 +1,6 @@
 #include "qoc/components/ComponentBase.h"
 
-#include "qoc/components/DenormalGuard.h"
+#include "qoc/dsp/stream/DenormalGuard.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,10 +1,10 @@
 #include "qoc/components/Echo.h"
 
-#include "qoc/components/ChannelSide.h"
 #include "qoc/components/ComponentIDs.h"
-#include "qoc/components/Decibels.h"
 #include "qoc/components/ParameterIndices.h"
-#include "qoc/components/SaneSample.h"
+#include "qoc/dsp/math/Decibels.h"
+#include "qoc/dsp/stream/ChannelSide.h"
+#include "qoc/dsp/stream/SaneSample.h"
 
 #include <algorithm>
 #include <cmath>

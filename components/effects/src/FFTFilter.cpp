@@ -3,7 +3,7 @@
 #include "krocore/FaderTranslator.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/ParameterIndices.h"
-#include "qoc/components/WindowFunction.h"
+#include "qoc/dsp/spectrum/WindowFunction.h"
 
 #include <algorithm>
 #include <cmath>

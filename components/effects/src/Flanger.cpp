@@ -2,7 +2,7 @@
 
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/ParameterIndices.h"
-#include "qoc/components/SaneSample.h"
+#include "qoc/dsp/stream/SaneSample.h"
 
 #include <algorithm>
 #include <cmath>

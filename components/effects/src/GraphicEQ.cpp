@@ -1,7 +1,7 @@
 #include "qoc/components/GraphicEQ.h"
 
 #include "qoc/components/ComponentIDs.h"
-#include "qoc/components/Decibels.h"
+#include "qoc/dsp/math/Decibels.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/ParameterIndices.h"
-#include "qoc/components/WindowFunction.h"
+#include "qoc/dsp/spectrum/WindowFunction.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 #include "qoc/components/HardLimiter.h"
 
 #include "qoc/components/ComponentIDs.h"
-#include "qoc/components/Decibels.h"
 #include "qoc/components/ParameterIndices.h"
-#include "qoc/components/SaneSample.h"
+#include "qoc/dsp/math/Decibels.h"
+#include "qoc/dsp/stream/SaneSample.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 #include "qoc/components/ParametricEQ.h"
 
 #include "qoc/components/ComponentIDs.h"
-#include "qoc/components/Decibels.h"
 #include "qoc/components/ParameterIndices.h"
+#include "qoc/dsp/math/Decibels.h"
 
 #include <algorithm>
 #include <cmath>

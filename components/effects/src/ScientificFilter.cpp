@@ -1,9 +1,9 @@
 #include "qoc/components/ScientificFilter.h"
 
-#include "qoc/components/BesselPoles.h"
 #include "qoc/components/ComponentIDs.h"
-#include "qoc/components/Decibels.h"
 #include "qoc/components/ParameterIndices.h"
+#include "qoc/dsp/filters/BesselPoles.h"
+#include "qoc/dsp/math/Decibels.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/ParameterIndices.h"
-#include "qoc/components/ReverbFigures.h"
+#include "qoc/dsp/reverb/ReverbFigures.h"
 
 #include <algorithm>
 #include <array>

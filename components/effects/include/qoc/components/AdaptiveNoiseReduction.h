@@ -1,9 +1,9 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/NoiseTracker.h"
-#include "qoc/components/OverlapAdd.h"
-#include "qoc/components/SpectralGain.h"
+#include "qoc/dsp/restoration/NoiseTracker.h"
+#include "qoc/dsp/restoration/SpectralGain.h"
+#include "qoc/dsp/spectrum/OverlapAdd.h"
 
 #include <vector>
 

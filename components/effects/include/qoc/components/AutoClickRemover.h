@@ -1,10 +1,10 @@
 #pragma once
 
-#include "qoc/components/ClickDetector.h"
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/LinearPrediction.h"
-#include "qoc/components/RepairStream.h"
-#include "qoc/components/SampleRestorer.h"
+#include "qoc/dsp/restoration/ClickDetector.h"
+#include "qoc/dsp/restoration/LinearPrediction.h"
+#include "qoc/dsp/restoration/RepairStream.h"
+#include "qoc/dsp/restoration/SampleRestorer.h"
 
 #include <vector>
 

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/DelayFinder.h"
-#include "qoc/components/OverlapAdd.h"
-#include "qoc/components/PhaseAligner.h"
-#include "qoc/components/SampleInterpolator.h"
-#include "qoc/components/SmoothedValue.h"
-#include "qoc/components/SoundHistory.h"
+#include "qoc/dsp/delay/SampleInterpolator.h"
+#include "qoc/dsp/delay/SoundHistory.h"
+#include "qoc/dsp/restoration/DelayFinder.h"
+#include "qoc/dsp/restoration/PhaseAligner.h"
+#include "qoc/dsp/spectrum/OverlapAdd.h"
+#include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <memory>
 #include <vector>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/OverlapAdd.h"
+#include "qoc/dsp/spectrum/OverlapAdd.h"
 
 #include <array>
 #include <complex>

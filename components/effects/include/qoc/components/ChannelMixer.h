@@ -1,7 +1,7 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/SmoothedValue.h"
+#include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <array>
 #include <cstddef>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "qoc/components/ChannelSide.h"
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/Oscillator.h"
-#include "qoc/components/SmoothedValue.h"
-#include "qoc/components/TapLine.h"
+#include "qoc/dsp/delay/TapLine.h"
+#include "qoc/dsp/math/Oscillator.h"
+#include "qoc/dsp/stream/ChannelSide.h"
+#include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <array>
 #include <vector>

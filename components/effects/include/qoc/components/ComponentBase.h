@@ -3,7 +3,12 @@
 #include "qoc/components/MultiChannelComponentBase.h"
 #include "qoc/components/ParameterTable.h"
 
+namespace qoc::dsp {}
+
 namespace qoc::components {
+
+// An effect is made of building blocks, and what it says is about them.
+using namespace dsp;
 
 // Base of the effects: an effect adds its parameter table and its processing to it.
 //

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/CurveFIR.h"
 #include "qoc/components/CurveFilterRows.h"
-#include "qoc/components/FilterPartitions.h"
-#include "qoc/components/FrequencyCurve.h"
-#include "qoc/components/HandOver.h"
-#include "qoc/components/OverlapAdd.h"
 #include "qoc/components/ResponseCache.h"
+#include "qoc/dsp/filters/CurveFIR.h"
+#include "qoc/dsp/filters/FilterPartitions.h"
+#include "qoc/dsp/filters/FrequencyCurve.h"
+#include "qoc/dsp/spectrum/OverlapAdd.h"
+#include "qoc/dsp/stream/HandOver.h"
 
 #include <complex>
 #include <optional>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/DopplerPath.h"
-#include "qoc/components/SampleInterpolator.h"
+#include "qoc/dsp/delay/DopplerPath.h"
+#include "qoc/dsp/delay/SampleInterpolator.h"
 
 #include <cstdint>
 #include <vector>

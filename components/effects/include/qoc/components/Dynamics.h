@@ -1,10 +1,10 @@
 #pragma once
 
-#include "qoc/components/BandLimit.h"
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/LevelDetector.h"
-#include "qoc/components/SmoothedValue.h"
-#include "qoc/components/TransferCurve.h"
+#include "qoc/dsp/dynamics/LevelDetector.h"
+#include "qoc/dsp/dynamics/TransferCurve.h"
+#include "qoc/dsp/filters/BandLimit.h"
+#include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <vector>
 

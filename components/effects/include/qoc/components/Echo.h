@@ -1,12 +1,12 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/FadingTap.h"
-#include "qoc/components/GlidingSections.h"
-#include "qoc/components/GraphicEQDesign.h"
-#include "qoc/components/HandOver.h"
-#include "qoc/components/SmoothedValue.h"
-#include "qoc/components/TapLine.h"
+#include "qoc/dsp/delay/FadingTap.h"
+#include "qoc/dsp/delay/TapLine.h"
+#include "qoc/dsp/filters/GlidingSections.h"
+#include "qoc/dsp/filters/GraphicEQDesign.h"
+#include "qoc/dsp/stream/HandOver.h"
+#include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <array>
 #include <memory>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "qoc/components/FadedDelay.h"
-#include "qoc/components/GlidingSections.h"
 #include "qoc/components/RoomReverb.h"
-#include "qoc/components/SmoothedValue.h"
+#include "qoc/dsp/delay/FadedDelay.h"
+#include "qoc/dsp/filters/GlidingSections.h"
+#include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <array>
 #include <span>

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "qoc/components/Biquad.h"
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/GlidingSections.h"
-#include "qoc/components/GraphicEQDesign.h"
-#include "qoc/components/HandOver.h"
 #include "qoc/components/ParameterIndices.h"
-#include "qoc/components/SmoothedValue.h"
+#include "qoc/dsp/filters/Biquad.h"
+#include "qoc/dsp/filters/GlidingSections.h"
+#include "qoc/dsp/filters/GraphicEQDesign.h"
+#include "qoc/dsp/stream/HandOver.h"
+#include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <cstdint>
 #include <memory>

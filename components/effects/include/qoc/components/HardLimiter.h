@@ -1,9 +1,9 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/LimiterGain.h"
-#include "qoc/components/SmoothedValue.h"
-#include "qoc/components/TruePeak.h"
+#include "qoc/dsp/dynamics/LimiterGain.h"
+#include "qoc/dsp/dynamics/TruePeak.h"
+#include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <vector>
 

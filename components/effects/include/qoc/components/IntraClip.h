@@ -1,11 +1,11 @@
 #pragma once
 
-#include "qoc/components/ClipDetector.h"
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/LinearPrediction.h"
-#include "qoc/components/RepairStream.h"
-#include "qoc/components/SampleRestorer.h"
-#include "qoc/components/SmoothedValue.h"
+#include "qoc/dsp/restoration/ClipDetector.h"
+#include "qoc/dsp/restoration/LinearPrediction.h"
+#include "qoc/dsp/restoration/RepairStream.h"
+#include "qoc/dsp/restoration/SampleRestorer.h"
+#include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <vector>
 

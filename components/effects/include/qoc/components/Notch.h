@@ -1,8 +1,8 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/NotchSection.h"
 #include "qoc/components/ResponseCache.h"
+#include "qoc/dsp/filters/NotchSection.h"
 
 #include <array>
 

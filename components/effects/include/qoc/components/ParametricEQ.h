@@ -1,9 +1,9 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/GlidingSections.h"
-#include "qoc/components/ParametricEQDesign.h"
-#include "qoc/components/SmoothedValue.h"
+#include "qoc/dsp/filters/GlidingSections.h"
+#include "qoc/dsp/filters/ParametricEQDesign.h"
+#include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <vector>
 

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/CorrectionFollower.h"
-#include "qoc/components/PitchDetector.h"
-#include "qoc/components/PitchTrack.h"
-#include "qoc/components/PsolaShifter.h"
-#include "qoc/components/SoundHistory.h"
+#include "qoc/dsp/delay/SoundHistory.h"
+#include "qoc/dsp/pitch/CorrectionFollower.h"
+#include "qoc/dsp/pitch/PitchDetector.h"
+#include "qoc/dsp/pitch/PitchTrack.h"
+#include "qoc/dsp/pitch/PsolaShifter.h"
 
 #include <array>
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "qoc/components/BandLimitedInterpolator.h"
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/PitchClock.h"
-#include "qoc/components/SmoothedValue.h"
-#include "qoc/components/SoundHistory.h"
-#include "qoc/components/Splicer.h"
+#include "qoc/dsp/delay/BandLimitedInterpolator.h"
+#include "qoc/dsp/delay/SoundHistory.h"
+#include "qoc/dsp/pitch/PitchClock.h"
+#include "qoc/dsp/pitch/Splicer.h"
+#include "qoc/dsp/stream/SmoothedValue.h"
 
 namespace qoc::components {
 

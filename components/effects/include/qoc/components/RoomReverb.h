@@ -1,10 +1,10 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/EarlyReflections.h"
-#include "qoc/components/ReverbTank.h"
-#include "qoc/components/RoomChannels.h"
-#include "qoc/components/SmoothedValue.h"
+#include "qoc/dsp/reverb/EarlyReflections.h"
+#include "qoc/dsp/reverb/ReverbTank.h"
+#include "qoc/dsp/reverb/RoomChannels.h"
+#include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <span>
 #include <vector>

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/components/FilterSections.h"
 #include "qoc/components/ResponseCache.h"
-#include "qoc/components/SectionCascade.h"
-#include "qoc/components/SmoothedValue.h"
+#include "qoc/dsp/filters/FilterSections.h"
+#include "qoc/dsp/filters/SectionCascade.h"
+#include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <vector>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "qoc/components/GlidingSections.h"
 #include "qoc/components/RoomReverb.h"
-#include "qoc/components/SmoothedValue.h"
+#include "qoc/dsp/filters/GlidingSections.h"
+#include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <span>
 #include <vector>

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "qoc/dsp/delay/FadingTap.h"
+#include "qoc/dsp/delay/TapLine.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace qoc::dsp {
+
+// Delays the sound of several channels by the same time, which fades to another. Owned by its effect; everything but
+// Prepare is real time safe.
+class FadedDelay {
+public:
+    // `longest` in samples.
+    void Prepare(double sampleRate, std::size_t channels, std::size_t longest);
+    // Forgets all sound.
+    void Reset() noexcept;
+    // In samples, up to the longest. `settle`: without a fade.
+    void Set(std::size_t delay, bool settle) noexcept;
+    // Replaces one sample a channel by the delayed one.
+    void Process(float* frame) noexcept;
+
+private:
+    std::vector<TapLine> fLines; // by channel
+    FadingTap fTap;
+    std::size_t fLongest = 0;
+};
+
+} // namespace qoc::dsp

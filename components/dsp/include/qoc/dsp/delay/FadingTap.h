@@ -1,0 +1,50 @@
+#pragma once
+
+#include "qoc/dsp/delay/TapLine.h"
+
+#include <cstddef>
+
+namespace qoc::dsp {
+
+// A place of whole samples at which lines are read. A change of it is a crossfade from the old place to the new one, so
+// that the pitch stays; one that comes in the middle waits until the last one is over. Counts samples, never blocks.
+// Owned by an effect.
+class FadingTap {
+public:
+    // Where to read for one sample.
+    struct Place {
+        float In(const TapLine& line) const noexcept {
+            const float sample = line.At(delay);
+            return share == 1 ? sample : share * sample + (1 - share) * line.At(nextDelay);
+        }
+
+        std::size_t delay;
+        std::size_t nextDelay;
+        float share; // of the first
+    };
+
+    // `sampleRate` in hertz.
+    void Prepare(double sampleRate) noexcept;
+    // To be there now.
+    void Settle(std::size_t delay) noexcept;
+    void SetTarget(std::size_t delay) noexcept { fTarget = delay; }
+    void Set(std::size_t delay, bool settle) noexcept { settle ? Settle(delay) : SetTarget(delay); }
+
+    // For the next sample: of any number of lines, or of one.
+    Place Next() noexcept {
+        const bool isSettled = fRemaining == 0 && fDelay == fTarget;
+        return isSettled ? Place{fDelay, fDelay, 1} : NextFading();
+    }
+    float Next(const TapLine& line) noexcept { return Next().In(line); }
+
+private:
+    Place NextFading() noexcept;
+
+    std::size_t fDelay = 0;
+    std::size_t fNextDelay = 0; // that is being faded to
+    std::size_t fTarget = 0;
+    std::size_t fLength = 1;
+    std::size_t fRemaining = 0;
+};
+
+} // namespace qoc::dsp

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "qoc/dsp/delay/SoundHistory.h"
+#include "qoc/dsp/spectrum/RealFFT.h"
+
+#include <complex>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace qoc::dsp {
+
+// Finds where a sound goes on as it does at another time, to a small part of a sample, by the normalised
+// cross-correlation of all channels together. Splices that are out by half a sample put a steady tone off by as much
+// every time: at 8 kHz and 200 splices a second by 20 cents. Owned by the splicer. Everything but Prepare is real time
+// safe.
+class SpliceSearch {
+public:
+    // The room that is searched: half of it to either side of the wanted time. The period of the lowest tone that is
+    // always spliced in phase, 40 Hz.
+    static constexpr double kRoomSeconds = 0.025;
+
+    // `longest`: of the stretches of sound that are compared, in samples. Allocates.
+    void Prepare(std::size_t channels, double sampleRate, std::size_t longest);
+
+    // The time near `wanted` from which on `length` samples resemble those from `present` on most, rather close to
+    // `wanted` than far. The history has all samples from room and length before to as much behind both times.
+    double Find(const SoundHistory& history, std::int64_t present, std::int64_t wanted, std::size_t length) noexcept;
+
+private:
+    // Leaves `count` coarse samples, sums of fStep each, in fSound, and their spectrum.
+    void Gather(const float* sound, std::size_t count, std::span<std::complex<float>> spectrum) noexcept;
+    void Correlate(const SoundHistory& history, std::int64_t present, std::int64_t first, std::size_t length) noexcept;
+    std::size_t BestCoarse() const noexcept;
+    double Refine(const SoundHistory& history, std::int64_t present, std::int64_t time,
+                  std::size_t length) const noexcept;
+    double LikenessAt(const SoundHistory& history, std::int64_t present, std::int64_t time,
+                      std::size_t length) const noexcept;
+
+    std::size_t fChannels = 0;
+    std::size_t fStep = 1;            // samples to a coarse one
+    std::size_t fRoom = 0;            // coarse samples
+    std::vector<RealFFT> fTransforms; // from short to long
+    const RealFFT* fTransform = nullptr;
+    std::vector<float> fSound;
+    std::vector<std::complex<float>> fPresent;
+    std::vector<std::complex<float>> fNear;
+    std::vector<std::complex<float>> fCross;
+    std::vector<double> fEnergy; // of the coarse samples near `wanted` up to each
+    double fPresentEnergy = 0;
+};
+
+} // namespace qoc::dsp

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <complex>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace qoc::dsp {
+
+// Turns the phases of one channel's spectra towards those of another, as far as the two have kept a phase difference
+// over the last frames. Owned by its effect; all but Prepare is real time safe.
+class PhaseAligner {
+public:
+    struct Settings {
+        float kept = 0;     // weight (0...1) that the frames before keep
+        float strength = 1; // share of the difference that is taken out
+        float octaves = 0;  // width over which differences are averaged
+    };
+
+    // Allocates, and resets.
+    void Prepare(std::size_t bins);
+    void Reset() noexcept;
+
+    void Align(std::span<const std::complex<float>> reference, std::span<std::complex<float>> other,
+               const Settings& settings) noexcept;
+
+private:
+    // Sums from bin 0 up to a bin, so that any band's sum is one difference.
+    struct Sums {
+        std::complex<double> cross;
+        double reference = 0;
+        double other = 0;
+    };
+
+    void Add(std::span<const std::complex<float>> reference, std::span<const std::complex<float>> other,
+             float kept) noexcept;
+    std::complex<float> TurnFor(std::size_t bin, const Settings& settings, float reach) const noexcept;
+
+    std::vector<std::complex<float>> fCross;
+    std::vector<float> fReferencePower;
+    std::vector<float> fOtherPower;
+    std::vector<Sums> fSums; // one more than bins
+    float fFrames = 0;       // so far, as far as they are remembered
+};
+
+} // namespace qoc::dsp

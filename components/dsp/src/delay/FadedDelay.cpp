@@ -1,0 +1,32 @@
+#include "qoc/dsp/delay/FadedDelay.h"
+
+#include <algorithm>
+
+namespace qoc::dsp {
+
+void FadedDelay::Prepare(double sampleRate, std::size_t channels, std::size_t longest) {
+    fLongest = longest;
+    fLines.assign(channels, {});
+    for (TapLine& line : fLines)
+        line.Prepare(longest);
+    fTap.Prepare(sampleRate);
+}
+
+void FadedDelay::Reset() noexcept {
+    for (TapLine& line : fLines)
+        line.Reset();
+}
+
+void FadedDelay::Set(std::size_t delay, bool settle) noexcept {
+    fTap.Set(std::min(delay, fLongest), settle);
+}
+
+void FadedDelay::Process(float* frame) noexcept {
+    const FadingTap::Place place = fTap.Next();
+    for (std::size_t channel = 0; channel < fLines.size(); ++channel) {
+        fLines[channel].Write(frame[channel]);
+        frame[channel] = place.In(fLines[channel]);
+    }
+}
+
+} // namespace qoc::dsp

@@ -1,0 +1,29 @@
+#include "qoc/dsp/delay/FadingTap.h"
+
+#include <cmath>
+
+namespace qoc::dsp {
+
+void FadingTap::Prepare(double sampleRate) noexcept {
+    constexpr double kFadeSeconds = 0.03;
+    fLength = static_cast<std::size_t>(std::ceil(kFadeSeconds * sampleRate));
+    Settle(fTarget);
+}
+
+void FadingTap::Settle(std::size_t delay) noexcept {
+    fDelay = fNextDelay = fTarget = delay;
+    fRemaining = 0;
+}
+
+FadingTap::Place FadingTap::NextFading() noexcept {
+    if (fRemaining == 0) {
+        fNextDelay = fTarget;
+        fRemaining = fLength;
+    }
+    const float left = static_cast<float>(--fRemaining) / static_cast<float>(fLength);
+    const Place place = {fDelay, fNextDelay, left * left * (3 - 2 * left)}; // without a kink at either end
+    if (fRemaining == 0) fDelay = fNextDelay;
+    return place;
+}
+
+} // namespace qoc::dsp

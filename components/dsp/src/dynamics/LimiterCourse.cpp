@@ -1,0 +1,91 @@
+#include "qoc/dsp/dynamics/LimiterCourse.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qoc::dsp {
+
+void LimiterCourse::Prepare(std::size_t longestLookAhead) {
+    fLongest = longestLookAhead;
+    fMinimum.Prepare(fLongest + 2 * kHold + 1);
+    fFirst.Prepare(fLongest);
+    fSecond.Prepare(fLongest);
+    fGains.resize(fLongest + 1);
+    Start(fLongest);
+}
+
+void LimiterCourse::Start(std::size_t lookAhead) noexcept {
+    fLookAhead = lookAhead;
+    fMinimum.Reset();
+    fFirst.Reset();
+    fSecond.Reset();
+    std::ranges::fill(fGains, kOne);
+    fPosition = 0;
+    fReleased = 1;
+}
+
+void LimiterCourse::SetRelease(double samples) noexcept {
+    fReleaseCoefficient = 1 - std::exp(-1 / samples);
+}
+
+LimiterCourse::Fixed LimiterCourse::Next(Fixed allowed) noexcept {
+    const Fixed least = fMinimum.Next(allowed, fLookAhead + 2 * kHold + 1);
+    const double held = static_cast<double>(least) / static_cast<double>(kOne);
+    fReleased = held <= fReleased ? held : fReleased + fReleaseCoefficient * (held - fReleased);
+    const auto released = std::min(least, static_cast<Fixed>(std::ceil(fReleased * static_cast<double>(kOne))));
+    // Together they reach fLookAhead samples back.
+    const std::size_t half = fLookAhead / 2;
+    fPosition = (fPosition + 1) % fGains.size();
+    fGains[fPosition] = fSecond.Next(fFirst.Next(released, half + 1), fLookAhead - half + 1);
+    return fGains[(fPosition + fGains.size() - (fLongest - fLookAhead)) % fGains.size()];
+}
+
+void LimiterCourse::Average::Prepare(std::size_t most) {
+    fValues.resize(most);
+}
+
+void LimiterCourse::Average::Reset() noexcept {
+    std::ranges::fill(fValues, kOne);
+    fNow = 0;
+    fLength = 1;
+    fSum = kOne;
+}
+
+LimiterCourse::Fixed LimiterCourse::Average::Next(Fixed value, std::size_t length) noexcept {
+    const std::size_t size = fValues.size();
+    const auto past = [&](std::size_t age) { return fValues[(fNow + size - age) % size]; };
+    for (; fLength < length; ++fLength)
+        fSum += past(fLength);
+    for (; fLength > length; --fLength)
+        fSum -= past(fLength - 1);
+    fSum += value - past(fLength - 1);
+    fNow = (fNow + 1) % size;
+    fValues[fNow] = value;
+    return fSum / static_cast<Fixed>(fLength);
+}
+
+void LimiterCourse::Minimum::Prepare(std::size_t most) {
+    fEntries.resize(most + 1);
+}
+
+void LimiterCourse::Minimum::Reset() noexcept {
+    fFirst = fCount = 0;
+    fNow = 0;
+}
+
+// Lemire, "Streaming maximum-minimum filter using no more than three comparisons per element" (2006).
+LimiterCourse::Fixed LimiterCourse::Minimum::Next(Fixed value, std::size_t length) noexcept {
+    const std::size_t size = fEntries.size();
+    ++fNow;
+    while (fCount > 0 && fEntries[fFirst].time + length <= fNow) {
+        fFirst = (fFirst + 1) % size;
+        --fCount;
+    }
+    while (fCount > 0 && fEntries[(fFirst + fCount - 1) % size].value >= value)
+        --fCount;
+    fEntries[(fFirst + fCount) % size] = {value, fNow};
+    ++fCount;
+    return fEntries[fFirst].value;
+}
+
+} // namespace qoc::dsp

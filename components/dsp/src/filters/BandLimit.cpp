@@ -1,0 +1,72 @@
+#include "qoc/dsp/filters/BandLimit.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+
+namespace qoc::dsp {
+
+void BandLimit::Prepare(std::size_t channels, double sampleRate) {
+    fSampleRate = sampleRate;
+    fFilters.Prepare(sampleRate, channels, 2);
+    fGain.Prepare(channels);
+    for (SmoothedValue* const value : {&fShare, &fLow, &fHigh})
+        value->Prepare(sampleRate);
+}
+
+void BandLimit::Reset() noexcept {
+    fFilters.Reset();
+    fGain.Reset();
+}
+
+BandLimit::Edges::Edges(double sampleRate, const Settings& settings) noexcept {
+    constexpr double kHighest = 0.49; // of the sample rate
+    low = std::min<double>(settings.low, kHighest / BandGain::kNarrowest * sampleRate);
+    high = std::min<double>(settings.high, kHighest * sampleRate);
+}
+
+std::array<BiquadCoefficients, 2> BandLimit::Edges::Filters(double sampleRate) const noexcept {
+    constexpr double kButterworthQ = std::numbers::sqrt2 / 2;
+    return {BiquadCoefficients::HighPass(sampleRate, low, kButterworthQ),
+            BiquadCoefficients::LowPass(sampleRate, high, kButterworthQ)};
+}
+
+double BandLimit::DecaySamples(double sampleRate, const Settings& settings) noexcept {
+    constexpr double kDecayed = 1e-5; // 100 dB
+    if (!settings.isOn) return 0;
+    const Edges edges(sampleRate, settings);
+    return BandGain::DecaySamples(sampleRate, edges.low, edges.high) +
+           BiquadCoefficients::DecaySamples(edges.Filters(sampleRate), kDecayed);
+}
+
+void BandLimit::Set(const Settings& settings, bool settle) noexcept {
+    const bool jumps = settle || !IsHeard();
+    if (!IsHeard()) Reset();
+    const Edges edges(fSampleRate, settings);
+    fShare.Set(settings.isOn ? 1 : 0, settle);
+    fLow.Set(std::log(edges.low), jumps);
+    fHigh.Set(std::log(edges.high), jumps);
+    fFilters.Set(edges.Filters(fSampleRate), jumps);
+    if (fShare.IsSettled()) fShareNow = fShare.Target();
+    if (fLow.IsSettled() && fHigh.IsSettled()) fGain.SetBand(fSampleRate, edges.low, edges.high);
+}
+
+void BandLimit::Advance() noexcept {
+    fShareNow = fShare.Next();
+    fFilters.Advance();
+    if (!fLow.IsSettled() || !fHigh.IsSettled())
+        fGain.SetBand(fSampleRate, std::exp(fLow.Next()), std::exp(fHigh.Next()));
+}
+
+float BandLimit::Next(std::size_t channel, float sample) noexcept {
+    if (fShareNow == 0) return sample;
+    return static_cast<float>(sample + fShareNow * (fFilters.Process(channel, sample) - sample));
+}
+
+double BandLimit::ChangedInBand(std::size_t channel, double sample, double gain) noexcept {
+    const double whole = gain * sample;
+    return whole + fShareNow * (fGain.Process(channel, sample, gain) - whole);
+}
+
+} // namespace qoc::dsp

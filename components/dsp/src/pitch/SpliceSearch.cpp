@@ -1,0 +1,152 @@
+#include "qoc/dsp/pitch/SpliceSearch.h"
+
+#include "qoc/dsp/math/SumInTurns.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <numeric>
+#include <utility>
+
+namespace qoc::dsp {
+
+namespace {
+
+// What is looked at first has about this rate: where tones above half of it agree is found from there.
+constexpr double kCoarseRate = 22050;
+constexpr std::size_t kLargestStep = 4;
+constexpr std::size_t kShortestTransform = 256;
+// How much a place at the end of the room must be better than the wanted one.
+constexpr double kPull = 0.4;
+// Of the energy of what is compared: below it nothing resembles anything.
+constexpr double kSilence = 1e-6;
+constexpr double kLeast = 1e-20;
+
+double Product(const float* one, const float* other, std::size_t count) noexcept {
+    return SumInTurns<double>(0, count, [=](std::size_t i) { return double{one[i]} * other[i]; });
+}
+
+// Written out: the operator takes care of infinite values, which costs time.
+std::complex<float> ConjugateProduct(std::complex<float> one, std::complex<float> other) noexcept {
+    return {one.real() * other.real() + one.imag() * other.imag(),
+            one.real() * other.imag() - one.imag() * other.real()};
+}
+
+double Normalised(double product, double energy, double presentEnergy) noexcept {
+    return product / std::sqrt(energy + kSilence * presentEnergy + kLeast);
+}
+
+// Where between its neighbours the peak of a cosine through three values lies, the largest in the middle: exact for
+// tones.
+double PeakBetween(double before, double peak, double behind) noexcept {
+    const double cosine = (before + behind) / (2 * peak);
+    const double sine = std::sqrt(std::max(0.0, 1 - cosine * cosine));
+    if (!(peak > 0) || sine < 1e-7) return 0;
+    return std::clamp(std::atan((behind - before) / (2 * peak * sine)) / std::atan2(sine, cosine), -1.0, 1.0);
+}
+
+} // namespace
+
+void SpliceSearch::Prepare(std::size_t channels, double sampleRate, std::size_t longest) {
+    fChannels = channels;
+    fStep = std::clamp<std::size_t>(static_cast<std::size_t>(sampleRate / kCoarseRate), 1, kLargestStep);
+    fRoom = static_cast<std::size_t>(std::ceil(kRoomSeconds * sampleRate / static_cast<double>(fStep)));
+    const std::size_t most = std::bit_ceil(std::max(kShortestTransform, longest / fStep + fRoom + 1));
+    fTransforms.clear();
+    for (std::size_t size = kShortestTransform; size <= most; size *= 2)
+        fTransforms.emplace_back(size);
+    fSound.assign(most, 0.0F);
+    for (auto* spectrum : {&fPresent, &fNear, &fCross})
+        spectrum->assign(most / 2 + 1, {});
+    fEnergy.assign(most + 1, 0.0);
+}
+
+double SpliceSearch::Find(const SoundHistory& history, std::int64_t present, std::int64_t wanted,
+                          std::size_t length) noexcept {
+    const auto step = static_cast<std::int64_t>(fStep);
+    const std::int64_t first = wanted - static_cast<std::int64_t>(fRoom) / 2 * step;
+    Correlate(history, present, first, length / fStep);
+    const std::size_t best = BestCoarse();
+    return Refine(history, present, first + static_cast<std::int64_t>(best) * step, length);
+}
+
+void SpliceSearch::Gather(const float* sound, std::size_t count, std::span<std::complex<float>> spectrum) noexcept {
+    for (std::size_t i = 0; i < count; ++i)
+        fSound[i] = std::accumulate(sound + i * fStep, sound + (i + 1) * fStep, 0.0F);
+    const std::span<float> all(fSound.data(), fTransform->Size());
+    std::ranges::fill(all.subspan(count), 0.0F);
+    fTransform->Forward(all, spectrum);
+}
+
+// Leaves the likeness of each coarse place in fSound.
+void SpliceSearch::Correlate(const SoundHistory& history, std::int64_t present, std::int64_t first,
+                             std::size_t length) noexcept {
+    const std::size_t nearby = length + fRoom;
+    fTransform = &*std::ranges::find_if(fTransforms, [nearby](const RealFFT& each) { return each.Size() >= nearby; });
+    const std::size_t bins = fTransform->Bins();
+    std::fill_n(fCross.begin(), bins, std::complex<float>());
+    std::fill_n(fEnergy.begin(), nearby + 1, 0.0);
+    fPresentEnergy = 0;
+    for (std::size_t channel = 0; channel < fChannels; ++channel) {
+        Gather(history.At(channel, present), length, {fPresent.data(), bins});
+        fPresentEnergy += Product(fSound.data(), fSound.data(), length);
+        Gather(history.At(channel, first), nearby, {fNear.data(), bins});
+        for (std::size_t i = 0; i < nearby; ++i)
+            fEnergy[i + 1] += double{fSound[i]} * fSound[i];
+        for (std::size_t bin = 0; bin < bins; ++bin)
+            fCross[bin] += ConjugateProduct(fPresent[bin], fNear[bin]);
+    }
+    std::partial_sum(fEnergy.begin(), fEnergy.begin() + static_cast<std::ptrdiff_t>(nearby) + 1, fEnergy.begin());
+    fTransform->Inverse({fCross.data(), bins}, {fSound.data(), fTransform->Size()});
+    for (std::size_t place = 0; place <= fRoom; ++place)
+        fSound[place] =
+            static_cast<float>(Normalised(fSound[place], fEnergy[place + length] - fEnergy[place], fPresentEnergy));
+}
+
+// Of the places that are more alike than those beside them; the middle when there is none.
+std::size_t SpliceSearch::BestCoarse() const noexcept {
+    const std::size_t middle = fRoom / 2;
+    std::size_t best = middle;
+    double bestScore = 0;
+    for (std::size_t place = 1; place < fRoom; ++place) {
+        if (fSound[place] < fSound[place - 1] || fSound[place] < fSound[place + 1]) continue;
+        const double off = static_cast<double>(place) / static_cast<double>(middle) - 1;
+        const double score = fSound[place] * (1 - kPull * off * off);
+        if (score <= bestScore) continue;
+        best = place;
+        bestScore = score;
+    }
+    return best;
+}
+
+double SpliceSearch::Refine(const SoundHistory& history, std::int64_t present, std::int64_t time,
+                            std::size_t length) const noexcept {
+    const auto likenessAt = [&](std::int64_t at) { return LikenessAt(history, present, at, length); };
+    const std::int64_t reach = fStep == 1 ? 0 : static_cast<std::int64_t>(fStep);
+    double before = 0;
+    double peak = likenessAt(time - reach - 1);
+    double behind = likenessAt(time - reach);
+    double best = -1;
+    auto found = static_cast<double>(time);
+    for (std::int64_t at = time - reach; at <= time + reach; ++at) {
+        before = std::exchange(peak, std::exchange(behind, likenessAt(at + 1)));
+        if (peak <= best) continue;
+        best = peak;
+        found = static_cast<double>(at) + PeakBetween(before, peak, behind);
+    }
+    return found;
+}
+
+double SpliceSearch::LikenessAt(const SoundHistory& history, std::int64_t present, std::int64_t time,
+                                std::size_t length) const noexcept {
+    double product = 0;
+    double energy = 0;
+    for (std::size_t channel = 0; channel < fChannels; ++channel) {
+        const float* const sound = history.At(channel, time);
+        product += Product(history.At(channel, present), sound, length);
+        energy += Product(sound, sound, length);
+    }
+    return Normalised(product, energy, fPresentEnergy);
+}
+
+} // namespace qoc::dsp
