@@ -133,7 +133,7 @@ void Chorus::PrepareProcessing(std::size_t /*maximumBlock*/) {
     const double longest = (double{kLongestDelay} + kLongestSpread) * kMilliseconds + kLongestLag;
     fSides = SidesOf(GetInputBuses().front().GetLayout());
     fLines.assign(fSides.size(), {});
-    for (TapLine& line : fLines)
+    for (DelayLine& line : fLines)
         line.Prepare(static_cast<std::size_t>(std::ceil(longest * rate)) + static_cast<std::size_t>(kShortestDelay));
     fInputs.resize(fSides.size());
     fWet.resize(fSides.size());
@@ -150,7 +150,7 @@ void Chorus::PrepareProcessing(std::size_t /*maximumBlock*/) {
 }
 
 void Chorus::ResetProcessing() noexcept {
-    for (TapLine& line : fLines)
+    for (DelayLine& line : fLines)
         line.Reset();
     fDelayOscillator.Reset();
     fLevelOscillator.Reset();

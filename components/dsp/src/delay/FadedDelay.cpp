@@ -7,13 +7,13 @@ namespace qoc::dsp {
 void FadedDelay::Prepare(double sampleRate, std::size_t channels, std::size_t longest) {
     fLongest = longest;
     fLines.assign(channels, {});
-    for (TapLine& line : fLines)
+    for (DelayLine& line : fLines)
         line.Prepare(longest);
     fTap.Prepare(sampleRate);
 }
 
 void FadedDelay::Reset() noexcept {
-    for (TapLine& line : fLines)
+    for (DelayLine& line : fLines)
         line.Reset();
 }
 

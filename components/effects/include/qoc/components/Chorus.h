@@ -1,7 +1,7 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/dsp/delay/TapLine.h"
+#include "qoc/dsp/delay/DelayLine.h"
 #include "qoc/dsp/math/Oscillator.h"
 #include "qoc/dsp/stream/ChannelSide.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
@@ -69,7 +69,7 @@ private:
     std::array<Voice, kMostVoices> fVoices;
     std::size_t fGliding = 0; // samples until the voices stand still
     std::vector<ChannelSide> fSides;
-    std::vector<TapLine> fLines;
+    std::vector<DelayLine> fLines;
     std::vector<float> fInputs; // of the present sample, by channel
     std::vector<float> fWet;
     std::vector<float> fFedBack;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
+#include "qoc/dsp/delay/DelayLine.h"
 #include "qoc/dsp/delay/FadingTap.h"
-#include "qoc/dsp/delay/TapLine.h"
 #include "qoc/dsp/stream/ChannelSide.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
 
@@ -32,7 +32,7 @@ protected:
 
 private:
     struct Channel {
-        TapLine line;
+        DelayLine line;
         FadingTap tap;
         SmoothedValue original; // gains
         SmoothedValue delayed;

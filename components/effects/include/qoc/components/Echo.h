@@ -1,8 +1,8 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
+#include "qoc/dsp/delay/DelayLine.h"
 #include "qoc/dsp/delay/FadingTap.h"
-#include "qoc/dsp/delay/TapLine.h"
 #include "qoc/dsp/filters/GlidingSections.h"
 #include "qoc/dsp/filters/GraphicEQDesign.h"
 #include "qoc/dsp/stream/HandOver.h"
@@ -48,7 +48,7 @@ private:
         double gain = 1; // keeps the response from rising above 0 dB anywhere
     };
     struct Channel {
-        TapLine line;
+        DelayLine line;
         FadingTap tap;
         SmoothedValue feedback;
         SmoothedValue level;

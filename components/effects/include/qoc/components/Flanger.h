@@ -1,7 +1,7 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/dsp/delay/TapLine.h"
+#include "qoc/dsp/delay/DelayLine.h"
 #include "qoc/dsp/math/Oscillator.h"
 #include "qoc/dsp/stream/ChannelSide.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
@@ -31,9 +31,9 @@ protected:
 
 private:
     struct Channel {
-        TapLine original;
-        TapLine line; // with what is fed back
-        bool isAhead; // by the stereo phase
+        DelayLine original;
+        DelayLine line; // with what is fed back
+        bool isAhead;   // by the stereo phase
     };
     struct Moment {
         double initial;       // samples

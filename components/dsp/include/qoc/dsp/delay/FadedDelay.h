@@ -1,7 +1,7 @@
 #pragma once
 
+#include "qoc/dsp/delay/DelayLine.h"
 #include "qoc/dsp/delay/FadingTap.h"
-#include "qoc/dsp/delay/TapLine.h"
 
 #include <cstddef>
 #include <vector>
@@ -22,7 +22,7 @@ public:
     void Process(float* frame) noexcept;
 
 private:
-    std::vector<TapLine> fLines; // by channel
+    std::vector<DelayLine> fLines; // by channel
     FadingTap fTap;
     std::size_t fLongest = 0;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "qoc/dsp/delay/TapLine.h"
+#include "qoc/dsp/delay/DelayLine.h"
 
 #include <cstddef>
 
@@ -13,7 +13,7 @@ class FadingTap {
 public:
     // Where to read for one sample.
     struct Place {
-        float In(const TapLine& line) const noexcept {
+        float In(const DelayLine& line) const noexcept {
             const float sample = line.At(delay);
             return share == 1 ? sample : share * sample + (1 - share) * line.At(nextDelay);
         }
@@ -35,7 +35,7 @@ public:
         const bool isSettled = fRemaining == 0 && fDelay == fTarget;
         return isSettled ? Place{fDelay, fDelay, 1} : NextFading();
     }
-    float Next(const TapLine& line) noexcept { return Next().In(line); }
+    float Next(const DelayLine& line) noexcept { return Next().In(line); }
 
 private:
     Place NextFading() noexcept;

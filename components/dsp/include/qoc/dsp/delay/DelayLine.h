@@ -27,7 +27,7 @@ private:
 
 // One channel's sound of the recent past, to be read at any delay. A delay of 0 is the sample that was written last.
 // Owned by an effect; everything but Prepare is real time safe.
-class TapLine {
+class DelayLine {
 public:
     // Allocates for delays up to `longest` samples, and resets.
     void Prepare(std::size_t longest);
