@@ -60,7 +60,7 @@ void HardLimiter::PrepareProcessing(std::size_t /*maximumBlock*/) {
     const double sampleRate = GetSampleRate();
     const auto longest = static_cast<std::size_t>(std::ceil(kLongestLookAhead * kMilliseconds * sampleRate));
     // A peak is told when the sample before it is this old.
-    fLatency = longest + LimiterCourse::kHold + TruePeak::kDelay + 1;
+    fLatency = longest + LimiterEnvelope::kHold + TruePeak::kDelay + 1;
     fBoost.Prepare(sampleRate);
     fCeiling.Prepare(sampleRate);
     fChannels.assign(GetNumberOfInputChannels(), {});

@@ -6,8 +6,8 @@ namespace qoc::dsp {
 
 void LimiterGain::Prepare(std::size_t longestLookAhead) {
     fLongest = longestLookAhead;
-    for (LimiterCourse& course : fCourses)
-        course.Prepare(longestLookAhead);
+    for (LimiterEnvelope& envelope : fEnvelopes)
+        envelope.Prepare(longestLookAhead);
     SetLookAhead(longestLookAhead, true);
 }
 
@@ -19,14 +19,14 @@ void LimiterGain::SetLookAhead(std::size_t samples, bool settle) noexcept {
 }
 
 void LimiterGain::SetRelease(double samples) noexcept {
-    for (LimiterCourse& course : fCourses)
-        course.SetRelease(samples);
+    for (LimiterEnvelope& envelope : fEnvelopes)
+        envelope.SetRelease(samples);
 }
 
 float LimiterGain::Next(float allowed) noexcept {
-    constexpr auto kOne = static_cast<double>(LimiterCourse::kOne);
+    constexpr auto kOne = static_cast<double>(LimiterEnvelope::kOne);
     // Rounded down, so that no rounding lets a peak through.
-    const auto asked = static_cast<LimiterCourse::Fixed>(static_cast<double>(allowed) * kOne);
+    const auto asked = static_cast<LimiterEnvelope::Fixed>(static_cast<double>(allowed) * kOne);
     if (fFading == 0 && Present().LookAhead() != fWanted) StartChange();
     const auto gain = static_cast<double>(Present().Next(asked));
     if (fFading == 0) return static_cast<float>(gain / kOne);

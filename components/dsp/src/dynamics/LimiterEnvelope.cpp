@@ -1,11 +1,11 @@
-#include "qoc/dsp/dynamics/LimiterCourse.h"
+#include "qoc/dsp/dynamics/LimiterEnvelope.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace qoc::dsp {
 
-void LimiterCourse::Prepare(std::size_t longestLookAhead) {
+void LimiterEnvelope::Prepare(std::size_t longestLookAhead) {
     fLongest = longestLookAhead;
     fMinimum.Prepare(fLongest + 2 * kHold + 1);
     fFirst.Prepare(fLongest);
@@ -14,7 +14,7 @@ void LimiterCourse::Prepare(std::size_t longestLookAhead) {
     Start(fLongest);
 }
 
-void LimiterCourse::Start(std::size_t lookAhead) noexcept {
+void LimiterEnvelope::Start(std::size_t lookAhead) noexcept {
     fLookAhead = lookAhead;
     fMinimum.Reset();
     fFirst.Reset();
@@ -24,11 +24,11 @@ void LimiterCourse::Start(std::size_t lookAhead) noexcept {
     fReleased = 1;
 }
 
-void LimiterCourse::SetRelease(double samples) noexcept {
+void LimiterEnvelope::SetRelease(double samples) noexcept {
     fReleaseCoefficient = 1 - std::exp(-1 / samples);
 }
 
-LimiterCourse::Fixed LimiterCourse::Next(Fixed allowed) noexcept {
+LimiterEnvelope::Fixed LimiterEnvelope::Next(Fixed allowed) noexcept {
     const Fixed least = fMinimum.Next(allowed, fLookAhead + 2 * kHold + 1);
     const double held = static_cast<double>(least) / static_cast<double>(kOne);
     fReleased = held <= fReleased ? held : fReleased + fReleaseCoefficient * (held - fReleased);
@@ -40,18 +40,18 @@ LimiterCourse::Fixed LimiterCourse::Next(Fixed allowed) noexcept {
     return fGains[(fPosition + fGains.size() - (fLongest - fLookAhead)) % fGains.size()];
 }
 
-void LimiterCourse::Average::Prepare(std::size_t most) {
+void LimiterEnvelope::Average::Prepare(std::size_t most) {
     fValues.resize(most);
 }
 
-void LimiterCourse::Average::Reset() noexcept {
+void LimiterEnvelope::Average::Reset() noexcept {
     std::ranges::fill(fValues, kOne);
     fNow = 0;
     fLength = 1;
     fSum = kOne;
 }
 
-LimiterCourse::Fixed LimiterCourse::Average::Next(Fixed value, std::size_t length) noexcept {
+LimiterEnvelope::Fixed LimiterEnvelope::Average::Next(Fixed value, std::size_t length) noexcept {
     const std::size_t size = fValues.size();
     const auto past = [&](std::size_t age) { return fValues[(fNow + size - age) % size]; };
     for (; fLength < length; ++fLength)
@@ -64,17 +64,17 @@ LimiterCourse::Fixed LimiterCourse::Average::Next(Fixed value, std::size_t lengt
     return fSum / static_cast<Fixed>(fLength);
 }
 
-void LimiterCourse::Minimum::Prepare(std::size_t most) {
+void LimiterEnvelope::Minimum::Prepare(std::size_t most) {
     fEntries.resize(most + 1);
 }
 
-void LimiterCourse::Minimum::Reset() noexcept {
+void LimiterEnvelope::Minimum::Reset() noexcept {
     fFirst = fCount = 0;
     fNow = 0;
 }
 
 // Lemire, "Streaming maximum-minimum filter using no more than three comparisons per element" (2006).
-LimiterCourse::Fixed LimiterCourse::Minimum::Next(Fixed value, std::size_t length) noexcept {
+LimiterEnvelope::Fixed LimiterEnvelope::Minimum::Next(Fixed value, std::size_t length) noexcept {
     const std::size_t size = fEntries.size();
     ++fNow;
     while (fCount > 0 && fEntries[fFirst].time + length <= fNow) {

@@ -6,11 +6,11 @@
 
 namespace qoc::dsp {
 
-// The course of a look-ahead limiter's gain: given the gain that each sample may have at most, it goes down along a
+// The envelope of a look-ahead limiter's gain: given the gain that each sample may have at most, it goes down along a
 // smooth curve that begins a look-ahead before the sample and never lies above what is allowed, and comes back
 // exponentially. The largest gain over the look-ahead is found first, then the release, then two moving averages of
 // half the look-ahead each. All sums are of integers, so that nothing creeps in however long the sound.
-class LimiterCourse {
+class LimiterEnvelope {
 public:
     // The gain stands still for so many samples before and after each that it obeys, because the peaks beside a sample
     // are made of its neighbours too.
