@@ -8,8 +8,8 @@
 
 namespace qoc::dsp {
 
-// Delays the sound of several channels by the same time, which fades to another. Owned by its effect; everything but
-// Prepare is real time safe.
+// Delays the sound of several channels by the same time, which fades to another as FadingTap does. It adds no latency
+// of its own. Owned by its effect; everything but Prepare is real time safe.
 class FadedDelay {
 public:
     // `longest` in samples.
@@ -18,7 +18,7 @@ public:
     void Reset() noexcept;
     // In samples, up to the longest. `settle`: without a fade.
     void Set(std::size_t delay, bool settle) noexcept;
-    // Replaces one sample a channel by the delayed one.
+    // Replaces a frame, one sample a channel, by the delayed one.
     void Process(float* frame) noexcept;
 
 private:

@@ -6,8 +6,11 @@
 namespace qoc::dsp {
 
 // Reads a sound between its samples. Gives the weights of the samples around a place, so that several channels are read
-// at one cost. From the third kind on these are windowed sincs, which get wider when the sound is read faster than it
-// was written, so that nothing is folded back from above the Nyquist frequency.
+// at one cost: of the 2 samples around it along a straight line, of 4 along a cubic (E. Catmull, R. Rom, "A class of
+// local interpolating splines", 1974), of 6 along Lagrange's polynomial, or of 8, 16 or 32 by a sinc under Kaiser's
+// window (J. F. Kaiser, "Nonrecursive digital filter design using the I0-sinh window function", 1974). The sincs get
+// wider when the sound is read faster than it was written, so that nothing is folded back from above the Nyquist
+// frequency. Their weights add up to 1. Immutable.
 class SampleInterpolator {
 public:
     enum class Kind { kLinear, kCubic, kLagrange, kSinc8, kSinc16, kSinc32 };
@@ -30,7 +33,7 @@ public:
     SampleInterpolator();
 
     // For the place `fraction` (0...1, below 1) behind a sample. `speed`: samples read for one written. A sinc gets no
-    // wider than `ahead` samples on each side, unless it is wider by itself. Any thread.
+    // wider than `ahead` samples on each side, unless it is wider by itself. Any thread; real time safe.
     void Compute(Kind kind, double fraction, double speed, double ahead, Weights& weights) const noexcept;
 
 private:

@@ -20,7 +20,8 @@ public:
     static double Remainder(double samples) noexcept;
 
     void Reset() noexcept { fValue = 0; }
-    // Takes the power of the next sample. Returns the level in decibels.
+    // Takes the power of the next sample: its square, or of several channels the mean or the largest of theirs. Returns
+    // the level in decibels of full scale, which this sample counts in already.
     double Next(double power, const Settings& settings) noexcept;
 
 private:

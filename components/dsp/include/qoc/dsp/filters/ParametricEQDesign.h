@@ -22,14 +22,14 @@ public:
         int order = 2;           // 1 to the most
     };
     struct Shelf {
-        double frequency = 1000;
-        double gain = 0; // decibels
+        double frequency = 1000; // hertz; half of the gain's decibels are reached there
+        double gain = 0;         // decibels
         bool isSteep = true;
     };
     struct Peak {
-        double frequency = 1000;
-        double gain = 0;
-        double q = 1;
+        double frequency = 1000; // hertz
+        double gain = 0;         // decibels
+        double q = 1;            // above 0: frequency by width
     };
     struct Settings {
         Pass highPass;

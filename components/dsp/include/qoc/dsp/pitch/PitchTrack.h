@@ -7,11 +7,13 @@
 
 namespace qoc::dsp {
 
-// The periods found in the latest frames of a sound, and the course of the period between them.
+// The periods found in the latest 32 frames of a sound, and the period at any time between them. All times and periods
+// are in samples, times ascend from frame to frame. Two frames whose periods lie within a whole tone are of one note. A
+// value; real time safe.
 class PitchTrack {
 public:
     void Reset() noexcept { fCount = 0; }
-    // The next frame: its time, and its period, both in samples; no period when it has no pitch.
+    // The next frame; no period when it has no pitch.
     void Add(double time, std::optional<double> period) noexcept;
     // The period at a time: interpolated between two frames of the same note, otherwise that of the nearer one. Behind
     // the latest frame it stays; before the frames that are remembered there is none.

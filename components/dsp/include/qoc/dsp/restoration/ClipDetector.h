@@ -18,7 +18,7 @@ public:
         bool isBelowZero = false;
     };
     struct Settings {
-        double level = 1;            // where the sound is clipped
+        double level = 1;            // where the sound is clipped, an amplitude above 0
         bool findsLevel = false;     // in place of that
         double tolerance = 0.01;     // part of the level by which samples may lie below
         std::size_t minimumSize = 2; // samples
@@ -29,6 +29,7 @@ public:
         double below = 0;
     };
 
+    // For frames of up to so many samples. Allocates.
     void Prepare(std::size_t frame);
 
     // The clipped runs of a frame of a channel, in order. They stay valid until the next call. Levels are found from

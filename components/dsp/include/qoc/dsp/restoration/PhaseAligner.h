@@ -8,18 +8,22 @@
 namespace qoc::dsp {
 
 // Turns the phases of one channel's spectra towards those of another, as far as the two have kept a phase difference
-// over the last frames. Owned by its effect; all but Prepare is real time safe.
+// over the last frames: not at all where the coherence of the two is below 0.3, fully from 0.7 on (G. C. Carter,
+// "Coherence and time delay estimation", Proc. IEEE 75, 1987). Magnitudes stay. Owned by its effect; all but Prepare is
+// real time safe.
 class PhaseAligner {
 public:
     struct Settings {
         float kept = 0;     // weight (0...1) that the frames before keep
-        float strength = 1; // share of the difference that is taken out
+        float strength = 1; // share (0...1) of the difference that is taken out
         float octaves = 0;  // width over which differences are averaged
     };
 
-    // Allocates, and resets.
+    // For spectra of so many bins, the first one at 0 Hz. Allocates, and resets.
     void Prepare(std::size_t bins);
+    // Forgets all frames.
     void Reset() noexcept;
+    // Takes the next frame of both, as many bins as prepared, and turns the bins of `other`.
 
     void Align(std::span<const std::complex<float>> reference, std::span<std::complex<float>> other,
                const Settings& settings) noexcept;

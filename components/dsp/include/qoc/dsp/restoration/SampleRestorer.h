@@ -12,6 +12,7 @@ namespace qoc::dsp {
 // by the effect that uses it; nothing but Prepare allocates.
 class SampleRestorer {
 public:
+    // For frames with up to so many lost samples, and predictions of up to that order. Allocates.
     void Prepare(std::size_t mostUnknown, std::size_t largestOrder);
 
     // Replaces the samples of `sound` at the places `unknown`: ascending, at most as many as prepared, none of them

@@ -20,10 +20,13 @@ public:
         float floor = 0;         // the least gain
     };
 
+    // For spectra of so many bins. Allocates.
     void Prepare(std::size_t bins, double framesPerSecond);
+    // Forgets all sound.
     void Reset() noexcept;
 
-    // The gains for the powers of the next frame; valid until the next call.
+    // The gains, factors of amplitude from the floor to 1, for the powers of the next frame; valid until the next call.
+    // `powers` and `noise` in the same unit, by bin.
     std::span<const float> Update(std::span<const float> powers, std::span<const float> noise,
                                   const Settings& settings) noexcept;
 

@@ -15,8 +15,8 @@ namespace qoc::dsp {
 // channel's loudspeaker would, and a microphone at the listener: a cardioid that looks to the channel's side, a hand's
 // breadth from the middle, as stereo microphones stand (ORTF: 110 degrees, 17 cm); a channel without a side has a
 // microphone for all directions. What the nearest source sends straight comes at once, with a level near 1; reflections
-// as much later, and weaker, as their ways are longer. Another scene fades in. Owned by its effect; everything but
-// Prepare is real time safe.
+// as much later, and weaker, as their ways are longer. Another scene fades in over 30 ms. Owned by its effect;
+// everything but Prepare is real time safe.
 class EarlyReflections {
 public:
     // Later than the direct sound there are none, in rooms of up to 30000 cubic metres.
@@ -28,14 +28,15 @@ public:
     struct Scene {
         Room room;
         RoomPlace source;
-        double absorption = 0.2;  // of the walls
-        double level = 1;         // of the reflections
-        double directLevel = 0;   // of what comes straight
+        double absorption = 0.2;  // of the walls: the share (0...1) of the energy that they take
+        double level = 1;         // of the reflections, a factor
+        double directLevel = 0;   // of what comes straight, a factor
         bool isOneSource = false; // the mean of all channels sounds at the place of the source
 
         bool operator==(const Scene&) const = default;
     };
 
+    // `sampleRate` in hertz. Allocates.
     void Prepare(double sampleRate, std::span<const kromediatypes::AudioChannelLabel> labels);
     // Forgets all sound.
     void Reset() noexcept;

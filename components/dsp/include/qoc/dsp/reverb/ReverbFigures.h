@@ -2,17 +2,18 @@
 
 namespace qoc::dsp {
 
-// What the reverbs tell and share.
+// What the reverbs tell and share. Real time safe.
 
-// Direct sound against reverberation, both in percent, in decibels; not beyond kMostDirectRatio to either side.
-inline constexpr float kMostDirectRatio = 80;
+// Direct sound against reverberation, both in percent and not below 0, in decibels; not beyond kMostDirectRatio to
+// either side.
+inline constexpr float kMostDirectRatio = 80; // decibels
 float DirectRatio(float dry, float wet) noexcept;
 
 // The mean length of a tank's lines, in seconds, that lets a decay of so many seconds begin densely: echoes follow each
-// other faster when there is less time for them.
+// other faster when there is less time for them. 6 % of the decay, from 6 to 55 ms.
 double MeanLineLength(double decay) noexcept;
 
-// Seconds until a decay of 60 dB in `decay` seconds has come to 90 dB.
+// Seconds until a decay of 60 dB in `decay` seconds has come to 90 dB, the first pass through the tank included.
 double AudibleSeconds(double decay) noexcept;
 
 } // namespace qoc::dsp
