@@ -63,6 +63,19 @@ constexpr Operation kOperations[] = {
              window.PressKey(key);
          window.Advance(0.6);
      }},
+    {"accessible action",
+     [](HeadlessWindow& window, UI_Node& control) {
+         using kroui::ui::AccessibleAction;
+         const bool isGraph = control.UI_GetAccessiblePartCount() > 0 && !control.UI_GetAccessibleInfo().expanded;
+         const auto info = isGraph ? control.UI_GetAccessiblePart(0).info : control.UI_GetAccessibleInfo();
+         kroui::ui::AccessibleRequest request{.part = isGraph ? 0 : kroui::ui::AccessibleRequest::kWhole};
+         if (info.expanded) request.action = AccessibleAction::kIncrease;
+         if (info.range) {
+             request.action = AccessibleAction::kSetValue;
+             request.value = info.range->value > info.range->minimum ? info.range->minimum : info.range->maximum;
+         }
+         window.Window().DoAccessibleAction(control, request);
+     }},
     {"menu",
      [](HeadlessWindow& window, UI_Node& control) {
          control.UI_TakeFocus();

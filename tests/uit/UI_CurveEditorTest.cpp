@@ -434,6 +434,56 @@ TEST_F(CurveEditorTest, Hover_PaintsHandleAndReadoutOnly) {
     EXPECT_EQ(window.Paint(), 0);
 }
 
+TEST_F(CurveEditorTest, AccessiblePoints_AreMovedAddedAndRemovedInWholeGesturesInTheUnitsThatAreTyped) {
+    using kroui::ui::AccessibleAction;
+    const auto act = [this](AccessibleAction action, int part, double value = 0) {
+        return window.Window().DoAccessibleAction(*editor, {.action = action, .part = part, .value = value});
+    };
+    // What is typed is a tenth of what the axis holds.
+    editor->SetHorizontalEditDialogTranslators([](double typed) { return typed * 10; },
+                                               [](double axis) { return axis / 10; });
+    editor->SetUniqueHorizontalPositions(true);
+    Set({{100, 50}, {300, 150}});
+    ASSERT_EQ(editor->UI_GetAccessiblePartCount(), 2);
+    const auto point = editor->UI_GetAccessiblePart(1).info;
+    EXPECT_EQ(point.name, u"Point 2");
+    EXPECT_EQ(point.position->value, 30);
+    EXPECT_EQ(point.range->value, 150);
+    EXPECT_TRUE(act(AccessibleAction::kSetPosition, 1, 20));
+    EXPECT_EQ(Heard(), "012c");
+    EXPECT_TRUE(act(AccessibleAction::kSetValue, 1, 120));
+    EXPECT_EQ(Heard(), "012c");
+    EXPECT_THAT(Places(), ElementsAre(IsPlace(100, 50), IsPlace(200, 120)));
+    EXPECT_TRUE(editor->UI_GetAccessiblePart(1).info.selected);
+    const double before = editor->GetCurvePoints()[0].coordinates.vertical;
+    EXPECT_TRUE(act(AccessibleAction::kIncrease, 0));
+    EXPECT_EQ(Heard(), "01");
+    window.Advance(0.6);
+    EXPECT_EQ(Heard(), "2c");
+    EXPECT_NE(editor->GetCurvePoints()[0].coordinates.vertical, before);
+    EXPECT_TRUE(act(AccessibleAction::kAdd, kroui::ui::AccessibleRequest::kWhole));
+    EXPECT_EQ(Heard(), "012c");
+    EXPECT_EQ(editor->UI_GetAccessiblePartCount(), 3);
+    EXPECT_TRUE(act(AccessibleAction::kRemove, 0));
+    EXPECT_EQ(Heard(), "012c");
+    EXPECT_EQ(editor->UI_GetAccessiblePartCount(), 2);
+}
+
+TEST_F(CurveEditorTest, AccessiblePoints_OfferWhatTheirFlagsAllow) {
+    using kroui::ui::AccessibleAction;
+    Set({{100, 50}, {200, 60}, {300, 150}});
+    editor->SetVisiblePoints({true, false, true});
+    editor->SetMoveablePoints({false}, true);
+    editor->SetDeletablePoints({false});
+    ASSERT_EQ(editor->UI_GetAccessiblePartCount(), 2);
+    const auto fixed = editor->UI_GetAccessiblePart(0).info.actions;
+    EXPECT_FALSE(fixed.Has(AccessibleAction::kSetPosition));
+    EXPECT_TRUE(fixed.Has(AccessibleAction::kSetValue));
+    EXPECT_FALSE(fixed.Has(AccessibleAction::kRemove));
+    EXPECT_TRUE(window.Window().DoAccessibleAction(*editor, {.action = AccessibleAction::kRemove, .part = 1}));
+    EXPECT_THAT(Places(), ElementsAre(IsPlace(100, 50), IsPlace(200, 60)));
+}
+
 TEST_F(CurveEditorTest, AccessibleValue_TellsTheSelectedPointWithUnits) {
     editor->SetRanges(20, 20020, 24, -24); // 50 Hz and 0.24 dB a pixel, or nearly
     editor->SetHorizontalLabel1(u"Hz");

@@ -257,8 +257,18 @@ Rect UI_Button::ContentRect() const {
 ui::AccessibleInfo UI_Button::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_InteractiveControlView::UI_GetAccessibleInfo();
     info.role = ui::Role::kButton;
-    if (IsToggle()) info.value = drawing::OnOffText(IsChecked());
+    if (IsToggle()) {
+        info.value = drawing::OnOffText(IsChecked());
+        info.checked = IsChecked();
+    }
+    if (IsEnabled()) info.actions = ui::AccessibleActions(ui::AccessibleAction::kPress);
     return info;
+}
+
+bool UI_Button::UI_DoAccessibleAction(const ui::AccessibleRequest& request) {
+    if (request.action != ui::AccessibleAction::kPress || !IsEnabled() || fHeld) return false;
+    ClickByKey();
+    return true;
 }
 
 const ui::PropertyTable& UI_Button::UI_GetPropertyTable() const {

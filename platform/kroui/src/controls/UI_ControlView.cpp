@@ -24,6 +24,11 @@ void UI_ControlView::SetDownState(bool down) {
     ControlStateChanged();
 }
 
+void UI_ControlView::SetName(std::u16string_view name) {
+    fName = name;
+    UI_AccessibleInfoChanged();
+}
+
 bool UI_ControlView::ShowsFocus() const {
     return !fSuppressFocusDrawing && UI_HasFocus();
 }

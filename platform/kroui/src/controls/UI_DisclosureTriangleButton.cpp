@@ -47,6 +47,25 @@ void UI_DisclosureTriangleButton::UI_Draw(limner::Limner* context) {
                             grid.Line(StrokeSize2()));
 }
 
+ui::AccessibleInfo UI_DisclosureTriangleButton::UI_GetAccessibleInfo() const {
+    ui::AccessibleInfo info = UI_PictureTextButton::UI_GetAccessibleInfo();
+    info.checked.reset();
+    info.expanded = IsChecked();
+    using Action = ui::AccessibleAction;
+    if (IsEnabled()) info.actions.Add(ui::AccessibleActions(IsChecked() ? Action::kCollapse : Action::kExpand));
+    return info;
+}
+
+// The two are the press that is offered in one state only.
+bool UI_DisclosureTriangleButton::UI_DoAccessibleAction(const ui::AccessibleRequest& request) {
+    ui::AccessibleRequest press = request;
+    const bool isTurning = request.action == ui::AccessibleAction::kExpand
+                               ? !IsChecked()
+                               : request.action == ui::AccessibleAction::kCollapse && IsChecked();
+    if (isTurning) press.action = ui::AccessibleAction::kPress;
+    return UI_PictureTextButton::UI_DoAccessibleAction(press);
+}
+
 const ui::PropertyTable& UI_DisclosureTriangleButton::UI_GetPropertyTable() const {
     return PropertiesOfDisclosureTriangleButton();
 }

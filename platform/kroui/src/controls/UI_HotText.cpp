@@ -107,7 +107,12 @@ ui::Cursor UI_HotText::UI_GetCursor(Point /*point*/) const {
 ui::AccessibleInfo UI_HotText::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_InteractiveControlView::UI_GetAccessibleInfo();
     info.role = ui::Role::kButton;
+    if (IsEnabled()) info.actions = ui::AccessibleActions(ui::AccessibleAction::kPress);
     return info;
+}
+
+bool UI_HotText::UI_DoAccessibleAction(const ui::AccessibleRequest& request) {
+    return request.action == ui::AccessibleAction::kPress && UI_DoKeyEvent({.key = Key::kEnter});
 }
 
 const ui::PropertyTable& UI_HotText::UI_GetPropertyTable() const {

@@ -138,7 +138,14 @@ ui::AccessibleInfo UI_HotTextNumber::UI_GetAccessibleInfo() const {
     info.role = ui::Role::kNumber;
     info.value = ShownText();
     if (!GetTextLabel().empty()) info.value.append(u" ").append(GetTextLabel());
+    info.actions = {};
+    AddAccessibleRange(info);
     return info;
+}
+
+bool UI_HotTextNumber::UI_DoAccessibleAction(const ui::AccessibleRequest& request) {
+    fEntry.Close();
+    return HandleAccessible(request);
 }
 
 const ui::PropertyTable& UI_HotTextNumber::UI_GetPropertyTable() const {

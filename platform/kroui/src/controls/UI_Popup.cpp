@@ -7,6 +7,7 @@
 #include "kroui/ui/UI_NodeManager.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace kroui::controls {
@@ -50,6 +51,7 @@ UI_Popup::~UI_Popup() {
 void UI_Popup::AddItem(const krocore::string16& text) {
     Close();
     fItems.emplace_back().text.SetText(text);
+    UI_AccessibleInfoChanged();
 }
 
 void UI_Popup::AddSeparator() {
@@ -57,12 +59,14 @@ void UI_Popup::AddSeparator() {
     Item& item = fItems.emplace_back();
     item.text.SetText(u"-");
     item.separator = true;
+    UI_AccessibleInfoChanged();
 }
 
 void UI_Popup::DeleteAllItems() {
     Close();
     fItems.clear();
     SetValue(-1);
+    UI_AccessibleInfoChanged();
 }
 
 const krocore::string16& UI_Popup::GetItemText(int item) const {
@@ -74,6 +78,7 @@ void UI_Popup::SetItemEnabled(int item, bool enabled) {
     if (item < 0 || item >= GetItemCount()) return;
     Close();
     fItems[item].enabled = enabled;
+    UI_AccessibleInfoChanged();
 }
 
 bool UI_Popup::IsItemEnabled(int item) const {
@@ -87,6 +92,7 @@ void UI_Popup::SetItemReferences(const std::vector<krocore::string8>& references
         fItems[i].text.SetReference(references[i]);
         fItems[i].separator = std::string_view(references[i]) == kSeparatorReference;
     }
+    UI_AccessibleInfoChanged();
 }
 
 std::vector<krocore::string8> UI_Popup::ItemReferences() const {
@@ -343,7 +349,45 @@ ui::AccessibleInfo UI_Popup::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_Button::UI_GetAccessibleInfo();
     info.role = ui::Role::kPopup;
     info.value = ShownText();
+    info.checked.reset();
+    info.expanded = IsOpen();
+    using Action = ui::AccessibleAction;
+    if (IsEnabled())
+        info.actions = ui::AccessibleActions(Action::kPress, Action::kExpand, Action::kIncrease, Action::kDecrease,
+                                             Action::kSetValue);
     return info;
+}
+
+ui::AccessiblePart UI_Popup::UI_GetAccessiblePart(int part) const {
+    ui::AccessiblePart item;
+    item.info.role = fItems[part].separator ? ui::Role::kNone : ui::Role::kMenuItem;
+    if (!fItems[part].separator) item.info.name = GetItemText(part);
+    item.info.selected = part == fValue;
+    item.info.enabled = IsEnabled() && CanChoose(part);
+    if (item.info.enabled) item.info.actions = ui::AccessibleActions(ui::AccessibleAction::kPress);
+    return item;
+}
+
+bool UI_Popup::UI_DoAccessibleAction(const ui::AccessibleRequest& request) {
+    if (!IsEnabled()) return false;
+    if (request.part >= 0) return ChooseByAction(request.part);
+    switch (request.action) {
+    case ui::AccessibleAction::kPress:
+    case ui::AccessibleAction::kExpand: Open(); return IsOpen();
+    case ui::AccessibleAction::kIncrease: return ChooseByAction(Step(fValue, 1));
+    case ui::AccessibleAction::kDecrease: return ChooseByAction(Step(fValue, -1));
+    case ui::AccessibleAction::kSetValue: {
+        const double item = std::round(request.value);
+        return item >= 0 && item < GetItemCount() && ChooseByAction(static_cast<int>(item));
+    }
+    default: return false;
+    }
+}
+
+bool UI_Popup::ChooseByAction(int item) {
+    if (!CanChoose(item)) return false;
+    ChooseByUser(item);
+    return true;
 }
 
 const ui::PropertyTable& UI_Popup::UI_GetPropertyTable() const {

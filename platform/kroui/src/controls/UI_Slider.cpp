@@ -103,7 +103,16 @@ ui::AccessibleInfo UI_Slider::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_InteractiveControlView::UI_GetAccessibleInfo();
     info.role = ui::Role::kSlider;
     info.value = FormatValue();
+    AddAccessibleRange(info);
     return info;
+}
+
+bool UI_Slider::UI_DoAccessibleAction(const ui::AccessibleRequest& request) {
+    return HandleAccessible(request);
+}
+
+std::optional<double> UI_Slider::ReadTyped(std::u16string_view typed) const {
+    return krocore::ParseTypedNumber(typed, {});
 }
 
 Rect UI_Slider::TrackRect() const {

@@ -1,9 +1,11 @@
 #include "kroui/controls/UI_TabGroup.h"
 
 #include "ControlDrawing.h"
+#include "krocore/Localizer.h"
 #include "kroui/controls/TextMeasure.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 
 namespace kroui::controls {
@@ -234,8 +236,39 @@ void UI_TabGroup::DrawTab(limner::Limner& context, int tab) const {
 ui::AccessibleInfo UI_TabGroup::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_InteractiveControlView::UI_GetAccessibleInfo();
     info.role = ui::Role::kTabGroup;
+    if (info.name.empty()) info.name = krocore::Localize("$$$/kroui/TabGroup/Name=Pages");
     info.value = GetTabText(fValue);
+    using Action = ui::AccessibleAction;
+    if (IsEnabled()) info.actions = ui::AccessibleActions(Action::kIncrease, Action::kDecrease, Action::kSetValue);
     return info;
+}
+
+ui::AccessiblePart UI_TabGroup::UI_GetAccessiblePart(int part) const {
+    ui::AccessiblePart tab{{}, TabRect(part)};
+    tab.info.role = ui::Role::kTab;
+    tab.info.name = GetTabText(part);
+    tab.info.selected = part == fValue;
+    tab.info.enabled = IsEnabled();
+    if (IsEnabled()) tab.info.actions = ui::AccessibleActions(ui::AccessibleAction::kPress);
+    return tab;
+}
+
+bool UI_TabGroup::UI_DoAccessibleAction(const ui::AccessibleRequest& request) {
+    if (!IsEnabled()) return false;
+    if (request.part >= 0) return ChooseByAction(request.part);
+    switch (request.action) {
+    case ui::AccessibleAction::kIncrease: return ChooseByAction(fValue + 1);
+    case ui::AccessibleAction::kDecrease: return ChooseByAction(fValue - 1);
+    case ui::AccessibleAction::kSetValue:
+        return std::abs(request.value) < GetTabCount() && ChooseByAction(static_cast<int>(std::lround(request.value)));
+    default: return false;
+    }
+}
+
+bool UI_TabGroup::ChooseByAction(int tab) {
+    if (tab < 0 || tab >= GetTabCount()) return false;
+    ChooseByUser(tab);
+    return true;
 }
 
 } // namespace kroui::controls

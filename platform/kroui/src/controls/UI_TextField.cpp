@@ -231,7 +231,23 @@ ui::AccessibleInfo UI_TextField::UI_GetAccessibleInfo() const {
     ui::AccessibleInfo info = UI_InteractiveControlView::UI_GetAccessibleInfo();
     info.role = ui::Role::kTextField;
     info.value = GetText();
+    info.caret = {fBuffer.Caret(), fBuffer.SelectionStart(), fBuffer.SelectionEnd()};
+    using Action = ui::AccessibleAction;
+    if (IsEnabled()) info.actions = ui::AccessibleActions(Action::kPress, Action::kSetText);
     return info;
+}
+
+// A text is an entry of its own, unless who owns the field decides how an entry ends, as at Enter.
+bool UI_TextField::UI_DoAccessibleAction(const ui::AccessibleRequest& request) {
+    if (!IsEnabled()) return false;
+    if (request.action == ui::AccessibleAction::kPress) return FinishBy(Finish::kEnter);
+    if (request.action != ui::AccessibleAction::kSetText) return false;
+    if (!UI_HasFocus()) fTextBefore = GetText();
+    const boost::intrusive_ptr<UI_TextField> keepAlive(this);
+    fBuffer.SelectAll();
+    Edited(request.text.empty() ? fBuffer.DeleteSelection() : fBuffer.Insert(request.text));
+    if (!fFinishHandler) Commit();
+    return true;
 }
 
 Rect UI_TextField::TextArea() const {

@@ -107,6 +107,38 @@ void ValueControl::SetScale(int scale) {
     ValueLookChanged();
 }
 
+ui::AccessibleRange ValueControl::GetAccessibleRange() const {
+    return {fValue, GestureMinimum(), GestureMaximum(), GestureIncrement()};
+}
+
+void ValueControl::AddAccessibleRange(ui::AccessibleInfo& info) const {
+    using Action = ui::AccessibleAction;
+    info.range = GetAccessibleRange();
+    if (!info.enabled) return;
+    info.actions.Add(ui::AccessibleActions(Action::kIncrease, Action::kDecrease, Action::kReset, Action::kSetValue,
+                                           Action::kSetText));
+}
+
+bool ValueControl::HandleAccessible(const ui::AccessibleRequest& request) {
+    // What the user is dragging or typing elsewhere goes first.
+    if (fGesture.IsDragging()) return false;
+    switch (request.action) {
+    case ui::AccessibleAction::kIncrease: return fGesture.Key({.key = ui::Key::kUp});
+    case ui::AccessibleAction::kDecrease: return fGesture.Key({.key = ui::Key::kDown});
+    case ui::AccessibleAction::kReset: fGesture.Reset(); return true;
+    case ui::AccessibleAction::kSetValue:
+        if (std::isnan(request.value)) return false;
+        fGesture.SetOnce(request.value);
+        return true;
+    case ui::AccessibleAction::kSetText: {
+        const std::optional<double> value = ReadTyped(request.text);
+        if (value) fGesture.SetOnce(*value);
+        return value.has_value();
+    }
+    default: return false;
+    }
+}
+
 krocore::string16 ValueControl::FormatOf(double value) const {
     constexpr double kThousand = 1000;
     constexpr int kAbbreviatedPlaces = 2;

@@ -58,6 +58,7 @@ void UI_Node::UI_Show(bool visible) {
     }
     fVisible = visible;
     if (visible) UI_Invalidate();
+    if (fWindow) fWindow->AccessibleNodeShown(*this);
     UI_VisibilityChanged();
     BroadcastToVisible(visible ? kShown : kHidden);
 }
@@ -70,7 +71,9 @@ bool UI_Node::UI_IsVisibleInWindow() const {
 }
 
 void UI_Node::UI_InvalidateRect(const Rect& rect) {
-    if (!fWindow || rect.IsEmpty() || !UI_IsVisibleInWindow()) return;
+    if (!fWindow) return;
+    fWindow->AccessibleInfoChanged(*this);
+    if (rect.IsEmpty() || !UI_IsVisibleInWindow()) return;
     Rect area = rect;
     for (const UI_Node* node = this; node; node = node->fParent) {
         if (node->UI_ClipsChildren()) area = Intersection(area, node->UI_GetLocalRect());
@@ -175,6 +178,18 @@ AccessibleInfo UI_Node::UI_GetAccessibleInfo() const {
     return info;
 }
 
+AccessiblePart UI_Node::UI_GetAccessiblePart(int /*part*/) const {
+    return {};
+}
+
+bool UI_Node::UI_DoAccessibleAction(const AccessibleRequest& /*request*/) {
+    return false;
+}
+
+void UI_Node::UI_AccessibleInfoChanged() {
+    if (fWindow) fWindow->AccessibleInfoChanged(*this);
+}
+
 const PropertyTable& UI_Node::UI_GetPropertyTable() const {
     return PropertiesOfNode();
 }
@@ -204,6 +219,7 @@ void UI_Node::ForEachChild(const Visit& visit) {
 void UI_Node::AttachTo(UI_Window* window) {
     const MessageScope scope;
     fWindow = window;
+    window->AccessibleNodeShown(*this);
     UI_NodeChanged(kAttached);
     ForEachChild([&](UI_Node& child) {
         child.FinishDetaching();
@@ -228,6 +244,8 @@ void UI_Node::FinishDetaching() {
     });
     if (!fIsDetaching) return;
     fWindow->Forget(*this);
+    if (!fIsDetaching) return;
+    fWindow->AccessibleNodeGone(*this);
     if (!fIsDetaching) return;
     fWindow = nullptr;
     fIsDetaching = false;

@@ -1,5 +1,6 @@
 #include "kroui/ui/UI_Window.h"
 
+#include "AccessibilityTracker.h"
 #include "TooltipController.h"
 #include "kroui/ui/UI_NodeManager.h"
 
@@ -38,6 +39,7 @@ UI_Window::UI_Window(const limner::SupplierInterface& supplier, WindowBackend& b
 }
 
 UI_Window::~UI_Window() {
+    SetAccessibilityObserver(nullptr);
     fTooltips.reset();
     while (!fOverlays.empty())
         HideOverlay(fOverlays.back().node.get());
@@ -320,11 +322,57 @@ bool UI_Window::SetFocus(UI_Node* node) {
         fFocus.reset();
         old->UI_FocusChanged(false);
     }
+    if (fAccessibility) fAccessibility->FocusMoved();
     // Losing the focus may have hidden or disabled the node, or given the focus to another.
     if (!wanted || fFocus || !wanted->UI_CanTakeFocus()) return wanted == nullptr;
     fFocus = wanted;
     wanted->UI_FocusChanged(true);
     return true;
+}
+
+std::vector<UI_Node*> UI_Window::Roots() const {
+    std::vector<UI_Node*> roots;
+    if (fContent) roots.push_back(fContent.get());
+    for (const Overlay& overlay : fOverlays)
+        roots.push_back(overlay.node.get());
+    return roots;
+}
+
+bool UI_Window::IsBehindOverlay(const UI_Node& node) const {
+    const UI_Node* const modal = TopOverlay();
+    if (!modal || IsInSubtree(&node, *modal)) return false;
+    const auto isOver = [&](const Overlay& overlay) { return !overlay.modal && IsInSubtree(&node, *overlay.node); };
+    return std::none_of(fOverlays.begin(), fOverlays.end(), isOver);
+}
+
+bool UI_Window::DoAccessibleAction(UI_Node& node, const AccessibleRequest& request) {
+    UI_NodeManager::Get().TellIfLoopIsMissing();
+    const bool isInWindow = node.UI_GetWindow() == this && node.UI_IsVisibleInWindow();
+    if (!isInWindow || IsBehindOverlay(node) || request.part >= node.UI_GetAccessiblePartCount()) return false;
+    const bool isWhole = request.part < 0;
+    const AccessibleInfo info = isWhole ? node.UI_GetAccessibleInfo() : node.UI_GetAccessiblePart(request.part).info;
+    if (!info.enabled || !info.actions.Has(request.action)) return false;
+    const InputScope input(*this);
+    fTooltips->Dismiss();
+    const boost::intrusive_ptr<UI_Node> keepAlive(&node);
+    return node.UI_DoAccessibleAction(request);
+}
+
+void UI_Window::SetAccessibilityObserver(AccessibilityObserver* observer) {
+    if (!fAccessibility && observer) fAccessibility = std::make_unique<AccessibilityTracker>(*this);
+    if (fAccessibility) fAccessibility->SetObserver(observer);
+}
+
+void UI_Window::AccessibleInfoChanged(UI_Node& node) {
+    if (fAccessibility) fAccessibility->Changed(node);
+}
+
+void UI_Window::AccessibleNodeShown(UI_Node& node) {
+    if (fAccessibility) fAccessibility->Shown(node);
+}
+
+void UI_Window::AccessibleNodeGone(UI_Node& node) {
+    if (fAccessibility) fAccessibility->Gone(node);
 }
 
 void UI_Window::CollectFocusable(UI_Node& node, std::vector<UI_Node*>& nodes) const {

@@ -119,7 +119,12 @@ kroui::ui::AccessibleInfo ColorField::UI_GetAccessibleInfo() const {
     info.role = fAllowUserColorChange ? kroui::ui::Role::kButton : kroui::ui::Role::kImage;
     info.value = HexText(fColor);
     info.focusable = info.focusable && fAllowUserColorChange;
+    if (CanOpen()) info.actions = kroui::ui::AccessibleActions(kroui::ui::AccessibleAction::kPress);
     return info;
+}
+
+bool ColorField::UI_DoAccessibleAction(const kroui::ui::AccessibleRequest& request) {
+    return request.action == kroui::ui::AccessibleAction::kPress && UI_DoKeyEvent({.key = Key::kEnter});
 }
 
 const kroui::ui::PropertyTable& ColorField::UI_GetPropertyTable() const {

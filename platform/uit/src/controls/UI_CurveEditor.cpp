@@ -74,7 +74,9 @@ void UI_CurveEditor::SetDeletablePoints(const Flags& deletable) {
 }
 
 void UI_CurveEditor::SetFlags(CurvePointSet::Permission permission, const Flags& flags) {
-    if (fPoints.SetFlags(permission, flags) && permission == CurvePointSet::kVisible) PointsChanged();
+    if (!fPoints.SetFlags(permission, flags)) return;
+    UI_AccessibleInfoChanged();
+    if (permission == CurvePointSet::kVisible) PointsChanged();
 }
 
 void UI_CurveEditor::SetMaxPointCount(std::size_t count) {
@@ -166,24 +168,6 @@ float UI_CurveEditor::GetContentLineThickness() const {
     return 1.5F;
 }
 
-kroui::ui::AccessibleInfo UI_CurveEditor::UI_GetAccessibleInfo() const {
-    auto info = UI_RulerGridBase::UI_GetAccessibleInfo();
-    info.role = kroui::ui::Role::kGraph;
-    info.name = UI_GetTooltip();
-    if (info.name.empty()) info.name = krocore::Localize("$$$/uit/CurveEditor/Name=Curve");
-    const krocore::string16 count = krocore::ToUTF16(std::to_string(fPoints.Count()));
-    if (const int selected = GetSelectedNode(); selected >= 0) {
-        const krocore::string16 number = krocore::ToUTF16(std::to_string(selected + 1));
-        info.value =
-            krocore::ReplacePlaceholders(krocore::Localize("$$$/uit/CurveEditor/SelectedPoint=Point @0 of @1: @2"),
-                                         {number, count, PositionText(fPoints.At(selected).coordinates)});
-    } else {
-        info.value =
-            krocore::ReplacePlaceholders(krocore::Localize("$$$/uit/CurveEditor/PointCount=@0 points"), {count});
-    }
-    return info;
-}
-
 const std::vector<Point>& UI_CurveEditor::GetCurveLine() const {
     if (fCurveLineIsValid && fCurveLineAxes == GetAxesVersion()) return fCurveLine;
     std::vector<Point> pixels;
@@ -268,15 +252,17 @@ bool UI_CurveEditor::CanAddAt(const CoordinatePair& place) const {
 }
 
 // On a curve of unique positions at its place in the order, otherwise behind the others.
-int UI_CurveEditor::InsertPoint(const CoordinatePair& place) {
+int UI_CurveEditor::IndexFor(const CoordinatePair& place) const {
     const auto& points = fPoints.All();
-    int index = static_cast<int>(points.size());
-    if (fUniquePositions) {
-        const auto behind = std::find_if(points.begin(), points.end(), [&](const CurvePoint& point) {
-            return point.coordinates.horizontal > place.horizontal;
-        });
-        index = static_cast<int>(behind - points.begin());
-    }
+    if (!fUniquePositions) return static_cast<int>(points.size());
+    const auto behind = std::find_if(points.begin(), points.end(), [&](const CurvePoint& point) {
+        return point.coordinates.horizontal > place.horizontal;
+    });
+    return static_cast<int>(behind - points.begin());
+}
+
+int UI_CurveEditor::InsertPoint(const CoordinatePair& place) {
+    const int index = IndexFor(place);
     fPoints.Insert(index, {NewIdentifier(), place});
     PointsChanged();
     return index;

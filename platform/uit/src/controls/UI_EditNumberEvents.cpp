@@ -155,7 +155,17 @@ kroui::ui::AccessibleInfo UI_EditNumber::UI_GetAccessibleInfo() const {
     info.role = kroui::ui::Role::kNumber;
     info.value = FormatValue();
     if (!GetUnitLabel().empty()) info.value.append(u" ").append(GetUnitLabel());
+    AddAccessibleRange(info);
     return info;
+}
+
+bool UI_EditNumber::UI_DoAccessibleAction(const kroui::ui::AccessibleRequest& request) {
+    fEntry.Close();
+    return HandleAccessible(request);
+}
+
+std::optional<double> UI_EditNumber::ReadTyped(std::u16string_view typed) const {
+    return krocore::ParseTypedNumber(typed, GetUnitLabel());
 }
 
 // The band of an equaliser has its name under the slider.

@@ -54,6 +54,7 @@ public:
     bool UI_DoTimerNotify(long timerID) override;
     void UI_NodeChanged(NodeChange change) override;
     ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    bool UI_DoAccessibleAction(const ui::AccessibleRequest& request) override;
     const ui::PropertyTable& UI_GetPropertyTable() const override;
     static const ui::PropertyTable& PropertiesOfButton();
 

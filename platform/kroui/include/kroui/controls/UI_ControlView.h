@@ -30,7 +30,7 @@ public:
 
     // What the accessible information calls the control. Without it, the name is what the control itself shows, or else
     // the label beside it, or else its tool tip.
-    void SetName(std::u16string_view name) { fName = name; }
+    void SetName(std::u16string_view name);
 
     // Whether the focus ring is to be drawn: focused, by keyboard or a control that always shows it, and not
     // suppressed.

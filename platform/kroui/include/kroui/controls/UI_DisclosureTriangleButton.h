@@ -11,6 +11,8 @@ public:
     UI_DisclosureTriangleButton();
 
     void UI_Draw(limner::Limner* context) override;
+    ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    bool UI_DoAccessibleAction(const ui::AccessibleRequest& request) override;
     const ui::PropertyTable& UI_GetPropertyTable() const override;
     static const ui::PropertyTable& PropertiesOfDisclosureTriangleButton();
 

@@ -31,6 +31,7 @@ public:
     bool UI_DoKeyEvent(const ui::KeyEvent& event) override;
     ui::Cursor UI_GetCursor(Point point) const override;
     ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    bool UI_DoAccessibleAction(const ui::AccessibleRequest& request) override;
     const ui::PropertyTable& UI_GetPropertyTable() const override;
     static const ui::PropertyTable& PropertiesOfHotText();
 

@@ -28,6 +28,7 @@ public:
     void UI_NodeChanged(NodeChange change) override;
     ui::Cursor UI_GetCursor(Point point) const override;
     ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    bool UI_DoAccessibleAction(const ui::AccessibleRequest& request) override;
     const ui::PropertyTable& UI_GetPropertyTable() const override;
     static const ui::PropertyTable& PropertiesOfHotTextNumber();
 
@@ -51,6 +52,7 @@ protected:
     // What stands in the field at first, and what a typed text means; for values that are no plain numbers.
     virtual krocore::string16 EntryText() const;
     virtual std::optional<double> ReadEntry(std::u16string_view typed) const;
+    std::optional<double> ReadTyped(std::u16string_view typed) const override { return ReadEntry(typed); }
     ui::UI_Node& ValueNode() override { return *this; }
     void ValueChanged(double /*oldValue*/) override { UI_Invalidate(); }
     void ValueLookChanged() override { UI_Invalidate(); }

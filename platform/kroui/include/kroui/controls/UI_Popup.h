@@ -79,6 +79,9 @@ public:
     bool UI_DoTextEvent(const ui::TextEvent& event) override;
     void UI_NodeChanged(NodeChange change) override;
     ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    int UI_GetAccessiblePartCount() const override { return GetItemCount(); }
+    ui::AccessiblePart UI_GetAccessiblePart(int part) const override;
+    bool UI_DoAccessibleAction(const ui::AccessibleRequest& request) override;
     const ui::PropertyTable& UI_GetPropertyTable() const override;
     static const ui::PropertyTable& PropertiesOfPopup();
 
@@ -99,6 +102,7 @@ private:
     bool HasImages() const { return fImageSupplier && fImageSize.width > 0; }
     void FillMenu(UI_Menu& menu) const;
     bool CanChoose(int item) const;
+    bool ChooseByAction(int item);
     bool DoPlainKey(const ui::KeyEvent& event);
     TypeAhead::TextOfItem TextOfItem() const;
     bool Search(std::u16string_view typed);

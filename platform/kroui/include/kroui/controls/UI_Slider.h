@@ -26,6 +26,7 @@ public:
     void UI_FocusChanged(bool hasFocus) override;
     void UI_NodeChanged(NodeChange change) override;
     ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    bool UI_DoAccessibleAction(const ui::AccessibleRequest& request) override;
 
 protected:
     ~UI_Slider() override = default;
@@ -36,6 +37,7 @@ protected:
     virtual bool RunsBackwards() const { return fInverted; }
     SliderLook Look() const;
 
+    std::optional<double> ReadTyped(std::u16string_view typed) const override;
     ui::UI_Node& ValueNode() override { return *this; }
     void ValueChanged(double oldValue) override;
     void ValueLookChanged() override { UI_Invalidate(); }

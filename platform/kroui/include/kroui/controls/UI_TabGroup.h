@@ -44,6 +44,9 @@ public:
     void UI_NodeChanged(NodeChange change) override;
     void UI_SizeChanged(const RectT<float>& rect) override;
     ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    int UI_GetAccessiblePartCount() const override { return GetTabCount(); }
+    ui::AccessiblePart UI_GetAccessiblePart(int part) const override;
+    bool UI_DoAccessibleAction(const ui::AccessibleRequest& request) override;
 
     static constexpr float kTabHeight = 28;
     static constexpr float kPageGap = 8; // between the tabs and the pages
@@ -60,6 +63,7 @@ private:
     void ArrangePages();
     void SetHoveredTab(int tab);
     void ChooseByUser(int tab);
+    bool ChooseByAction(int tab);
     void DrawTab(limner::Limner& context, int tab) const;
 
     std::vector<krocore::string16> fTabs;

@@ -52,6 +52,7 @@ public:
     ui::Cursor UI_GetCursor(Point point) const override;
     const krocore::string16& UI_GetTooltip() const override;
     ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    bool UI_DoAccessibleAction(const ui::AccessibleRequest& request) override;
 
 protected:
     ~UI_TextField() override = default;

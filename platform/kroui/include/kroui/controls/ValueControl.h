@@ -4,6 +4,8 @@
 #include "kroui/controls/ValueGesture.h"
 #include "kroui/ui/UI_Node.h"
 
+#include <optional>
+
 namespace kroui::controls {
 
 // What every control of a number has in common: the value with its bounds, default, increments, scale and way of being
@@ -65,6 +67,8 @@ public:
 
     bool IsInGesture() const { return fGesture.IsActive(); }
     krocore::string16 FormatValue() const { return FormatOf(fValue); }
+    // The value with its bounds and step, for AccessibleInfo.
+    ui::AccessibleRange GetAccessibleRange() const;
     // Another value as this control would show it.
     krocore::string16 FormatOf(double value) const;
 
@@ -81,6 +85,12 @@ protected:
     // Events that are the same for every control; true if handled.
     bool HandleWheel(const ui::MouseEvent& event);
     bool HandleTimer(long timerID);
+    // Completes what a node tells of itself.
+    void AddAccessibleRange(ui::AccessibleInfo& info) const;
+    // Increase, decrease, reset and value, in the gestures of keys and typing; false for others.
+    bool HandleAccessible(const ui::AccessibleRequest& request);
+    // A typed text, as the control reads it; none if it is no value.
+    virtual std::optional<double> ReadTyped(std::u16string_view typed) const = 0;
     // Ends what is going on: focus lost, disabled, taken out of the tree.
     void SettleGesture();
     // Positions on a scale of 0...1 between the bounds, whatever GesturePosition says.

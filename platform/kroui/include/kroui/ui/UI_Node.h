@@ -118,9 +118,23 @@ public:
 
     // --- what it says about itself ---
 
-    void UI_SetTooltip(std::u16string_view text) { fTooltip.SetText(text); }
+    void UI_SetTooltip(std::u16string_view text) {
+        fTooltip.SetText(text);
+        UI_AccessibleInfoChanged();
+    }
     virtual const krocore::string16& UI_GetTooltip() const { return fTooltip.Text(); }
     virtual AccessibleInfo UI_GetAccessibleInfo() const;
+    // Parts that are no nodes, from left to right or from top to bottom: points of a curve, tabs, items. They come
+    // after the node's children. `part` is below the count.
+    virtual int UI_GetAccessiblePartCount() const { return 0; }
+    virtual AccessiblePart UI_GetAccessiblePart(int part) const;
+    // Does one of the actions that the info of the node or the part names, as the mouse or the keyboard would, with the
+    // whole gesture and its messages, after which the node may be gone. True if it has been done; false, with nothing
+    // changed or sent, if it can't be. To be called through UI_Window::DoAccessibleAction, which checks and tells who
+    // groups steps for undo.
+    virtual bool UI_DoAccessibleAction(const AccessibleRequest& request);
+    // What the node says about itself may be another now. Asking for a repaint implies it.
+    void UI_AccessibleInfoChanged();
     // The properties of the node's class and its bases, most derived first through `base`.
     virtual const PropertyTable& UI_GetPropertyTable() const;
     static const PropertyTable& PropertiesOfNode();

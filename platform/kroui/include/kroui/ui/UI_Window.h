@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kroui/ui/AccessibilityObserver.h"
 #include "kroui/ui/DamageRegion.h"
 #include "kroui/ui/UI_Node.h"
 #include "kroui/ui/WindowBackend.h"
@@ -84,6 +85,17 @@ public:
     // Shows a node's tool tip under it at once, for what the user is to read now. It goes at the next thing they do.
     void ShowTip(UI_Node& node);
 
+    // --- for those who cannot see it ---
+
+    // The trees that can be reached: the content and the overlays over it, back to front.
+    std::vector<UI_Node*> Roots() const;
+    // Does what somebody without a pointer asks of a node in this window, or of a part of it, as one thing the user
+    // does (SetInputObserver). False, with nothing done, if the node is hidden, disabled or behind a menu or dialog, or
+    // does not offer the action.
+    bool DoAccessibleAction(UI_Node& node, const AccessibleRequest& request);
+    // Null for none. It lives until it is taken away or the window goes.
+    void SetAccessibilityObserver(AccessibilityObserver* observer);
+
     // Is told before (true) and after (false) each thing the user does: a press until its release, a key, typed text, a
     // wheel notch. What happens in between belongs together, for undo. Calls don't nest.
     void SetInputObserver(boost::function<void(bool begins)> observer) { fInputObserver = std::move(observer); }
@@ -92,9 +104,15 @@ public:
 
     // A node of an attached tree is going away.
     void Forget(UI_Node& node);
+    // A node of an attached tree may have something else to say (null observer: nothing happens).
+    void AccessibleInfoChanged(UI_Node& node);
+    // A node has been attached, shown or hidden, or is detached.
+    void AccessibleNodeShown(UI_Node& node);
+    void AccessibleNodeGone(UI_Node& node);
 
 private:
     class TooltipController;
+    class AccessibilityTracker;
     class InputScope;
     struct Overlay {
         boost::intrusive_ptr<UI_Node> node;
@@ -105,6 +123,7 @@ private:
     bool Deliver(UI_Node* target, MouseEvent event, Point windowPosition);
     UI_Node* WheelTarget(Point position) const;
     bool DeliverKey(const KeyEvent& event);
+    bool IsBehindOverlay(const UI_Node& node) const;
     void SetHover(UI_Node* node, Point position, std::uint8_t modifiers);
     void UpdateSurface();
     void UpdateCursor(Point position);
@@ -124,6 +143,7 @@ private:
     boost::function<void(bool)> fInputObserver;
     bool fInputIsOpen = false; // the observer has been told of a beginning
     std::unique_ptr<TooltipController> fTooltips;
+    std::unique_ptr<AccessibilityTracker> fAccessibility; // none before the first observer
     DamageRegion fDamage;
     Size fSize;
     float fHostScale = 1;

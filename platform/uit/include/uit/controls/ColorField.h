@@ -24,6 +24,7 @@ public:
     void UI_NodeChanged(NodeChange change) override;
     kroui::ui::Cursor UI_GetCursor(kroui::Point point) const override;
     kroui::ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    bool UI_DoAccessibleAction(const kroui::ui::AccessibleRequest& request) override;
     const kroui::ui::PropertyTable& UI_GetPropertyTable() const override;
     static const kroui::ui::PropertyTable& PropertiesOfColorField();
 

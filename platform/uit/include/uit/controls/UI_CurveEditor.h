@@ -104,6 +104,10 @@ public:
     void UI_NodeChanged(NodeChange change) override;
     kroui::ui::Cursor UI_GetCursor(kroui::Point point) const override;
     kroui::ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    // The visible points: height as their range, place as their position, both in the units that are typed.
+    int UI_GetAccessiblePartCount() const override;
+    kroui::ui::AccessiblePart UI_GetAccessiblePart(int part) const override;
+    bool UI_DoAccessibleAction(const kroui::ui::AccessibleRequest& request) override;
 
 protected:
     ~UI_CurveEditor() override;
@@ -138,6 +142,7 @@ private:
     bool IsDraggingPoints() const { return fDrag && fPoints.Has(fPressed); }
     bool CanAddAt(const CoordinatePair& place) const;
     int InsertPoint(const CoordinatePair& place);
+    int IndexFor(const CoordinatePair& place) const;
     std::uint32_t NewIdentifier() const;
     CoordinatePair MiddleOfWidestGap() const;
     double HeightOnCurve(double horizontal) const;
@@ -180,6 +185,12 @@ private:
     bool EditKey(const kroui::ui::KeyEvent& event);
     bool OpenDialog(int index);
     void PlacePoint(int index, std::optional<double> horizontal, std::optional<double> vertical);
+
+    // For those who cannot see it (UI_CurveEditorAccessible.cpp).
+    int IndexOfPart(int part) const;
+    kroui::ui::AccessibleRange RangeOf(int index, bool isHorizontal) const;
+    bool AddByAction();
+    bool MoveByAction(int index, const kroui::ui::AccessibleRequest& request);
 
     // Drawing (UI_CurveEditorDrawing.cpp).
     void DrawLinearReference(kroui::limner::Limner& limner) const;

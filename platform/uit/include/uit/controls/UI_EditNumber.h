@@ -154,6 +154,7 @@ public:
     void UI_SizeChanged(const kroui::RectT<float>& rect) override;
     kroui::ui::Cursor UI_GetCursor(kroui::Point point) const override;
     kroui::ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    bool UI_DoAccessibleAction(const kroui::ui::AccessibleRequest& request) override;
     const kroui::ui::PropertyTable& UI_GetPropertyTable() const override;
     static const kroui::ui::PropertyTable& PropertiesOfEditNumber();
 
@@ -164,6 +165,7 @@ protected:
     virtual bool IsVertical() const;
 
     krocore::string16 ShownName() const override;
+    std::optional<double> ReadTyped(std::u16string_view typed) const override;
     UI_Node& ValueNode() override { return *this; }
     void ValueChanged(double oldValue) override;
     void ValueLookChanged() override;
