@@ -4,6 +4,9 @@
 include(CMakePackageConfigHelpers)
 
 set(QO_EXPORTED_LIBRARIES kro qocinterface qoc QoAudioComponentsUI)
+if(QO_BUILD_SDL)
+    list(APPEND QO_EXPORTED_LIBRARIES krosdl)
+endif()
 set(QO_INSTALLED_HEADERS ${CMAKE_INSTALL_INCLUDEDIR}/QoAudioComponentsUI)
 set(QO_INSTALLED_PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/QoAudioComponentsUI)
 

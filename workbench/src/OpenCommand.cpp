@@ -4,12 +4,12 @@
 #include "host/ByteStream.h"
 #include "krocore/config/Error.h"
 #include "krocore/debug/Trace.h"
+#include "krosdl/SdlWindow.h"
 #include "workbench/CommandLine.h"
 #include "workbench/EffectNames.h"
 #include "workbench/Interruption.h"
 #include "workbench/ScriptEffect.h"
 #include "workbench/SdlSoundOutput.h"
-#include "workbench/SdlWindow.h"
 #include "workbench/TreeText.h"
 #include "workbench/WorkbenchView.h"
 
@@ -61,7 +61,8 @@ int Open(const OpenRequest& request) {
     // What is wrong with the file is told even where there is no screen and no sound.
     std::optional<qohost::AudioFile> sound;
     if (!request.file.empty()) sound = qohost::ReadAudioFile(request.file, request.kind);
-    SdlWindow window(library.Supplier(), {WorkbenchView::kDefaultSize, WorkbenchView::kSmallestSize, request.scale});
+    krosdl::SdlWindow window(library.Supplier(),
+                             {WorkbenchView::kDefaultSize, WorkbenchView::kSmallestSize, request.scale});
     RemoveUnfinishedFilesAtTheEnd(); // behind SDL, which makes some of the signals a wish to close the window
     SdlSoundOutput output;
     Session session(output, effect, scripts ? scripts->Filter() : nullptr);

@@ -1,10 +1,10 @@
-#include "workbench/InputWait.h"
+#include "InputWait.h"
 
 #include <SDL_syswm.h>
 
 #include <poll.h>
 
-namespace workbench {
+namespace krosdl {
 
 #ifdef SDL_VIDEO_DRIVER_X11
 
@@ -34,4 +34,4 @@ bool InputWait::For(int /*milliseconds*/) const {
 
 #endif
 
-} // namespace workbench
+} // namespace krosdl

@@ -4,11 +4,11 @@
 
 struct SDL_Keysym;
 
-namespace workbench {
+namespace krosdl {
 
 std::uint8_t ModifiersFromSdl(unsigned sdlModifiers);
 
 // Key::kNone for keys that the toolkit has no name for.
 kroui::ui::KeyEvent KeyFromSdl(const SDL_Keysym& key, bool isRepeat);
 
-} // namespace workbench
+} // namespace krosdl

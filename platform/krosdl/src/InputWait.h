@@ -2,14 +2,13 @@
 
 struct SDL_Window;
 
-namespace workbench {
+namespace krosdl {
 
 // Waits for input of the window system itself, since SDL's wait asks for events a dozen times at each wake, which a
 // panel's timer causes a hundred times a second. Only where the window system can be waited for so (X11); elsewhere it
 // is not available and SDL's own wait serves.
 class InputWait {
 public:
-    InputWait() = default; // not available
     // The window lives longer.
     explicit InputWait(SDL_Window& window);
 
@@ -21,4 +20,4 @@ private:
     void* fConnection = nullptr; // the window system's own object
 };
 
-} // namespace workbench
+} // namespace krosdl

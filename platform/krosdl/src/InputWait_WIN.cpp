@@ -1,6 +1,6 @@
-#include "workbench/InputWait.h"
+#include "InputWait.h"
 
-namespace workbench {
+namespace krosdl {
 
 InputWait::InputWait(SDL_Window& /*window*/) {
 }
@@ -9,4 +9,4 @@ bool InputWait::For(int /*milliseconds*/) const {
     return true;
 }
 
-} // namespace workbench
+} // namespace krosdl

@@ -1,9 +1,10 @@
-#include "workbench/SdlWindow.h"
+#include "krosdl/SdlWindow.h"
 
-#include "krocore/Localizer.h"
+#include "InputWait.h"
+#include "SdlKeys.h"
+#include "krocore/String.h"
 #include "krocore/config/Error.h"
 #include "kroui/ui/UI_NodeManager.h"
-#include "workbench/SdlKeys.h"
 
 #define SDL_MAIN_HANDLED
 #include <SDL.h>
@@ -12,7 +13,7 @@
 #include <cmath>
 #include <cstdlib>
 
-namespace workbench {
+namespace krosdl {
 
 using krocore::config::Error;
 using kroui::Point;
@@ -106,7 +107,7 @@ SdlWindow::SdlWindow(const kroui::limner::CairoSupplier& supplier, const Setting
                                      std::min(points(settings.size.width), screen.w),
                                      std::min(points(settings.size.height), screen.h), kFlags);
     if (fSystemWindow == nullptr) SdlLibrary::Refuse(SDL_GetError());
-    fInputWait = InputWait(*fSystemWindow);
+    fInputWait = std::make_unique<InputWait>(*fSystemWindow);
     kroui::ui::WindowBackend& backend = *this;
     fWindow = std::make_unique<kroui::ui::UI_Window>(supplier, backend);
     FitContent();
@@ -154,8 +155,8 @@ void SdlWindow::Run(const boost::function<void()>& idle) {
 // input).
 bool SdlWindow::WaitForInput() {
     const int milliseconds = MillisecondsToWait();
-    if (!fInputWait.IsAvailable()) return SDL_WaitEventTimeout(nullptr, milliseconds) != 0;
-    const bool isThere = fInputWait.For(milliseconds);
+    if (!fInputWait->IsAvailable()) return SDL_WaitEventTimeout(nullptr, milliseconds) != 0;
+    const bool isThere = fInputWait->For(milliseconds);
     if (!isThere && Timers().Now() - fLastInput < kLongestUnasked) return false;
     fLastInput = Timers().Now();
     return true;
@@ -356,4 +357,4 @@ void SdlWindow::SetClipboardText(std::u16string_view text) {
     SDL_SetClipboardText(krocore::ToStdString(text).c_str());
 }
 
-} // namespace workbench
+} // namespace krosdl

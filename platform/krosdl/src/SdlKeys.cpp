@@ -1,11 +1,11 @@
-#include "workbench/SdlKeys.h"
+#include "SdlKeys.h"
 
 #define SDL_MAIN_HANDLED
 #include <SDL.h>
 
 #include <algorithm>
 
-namespace workbench {
+namespace krosdl {
 
 using kroui::ui::Key;
 
@@ -77,4 +77,4 @@ kroui::ui::KeyEvent KeyFromSdl(const SDL_Keysym& key, bool isRepeat) {
     return event;
 }
 
-} // namespace workbench
+} // namespace krosdl

@@ -3,7 +3,6 @@
 #include "kroui/limner/CairoSupplier.h"
 #include "kroui/limner/PixelSurface.h"
 #include "kroui/ui/UI_Window.h"
-#include "workbench/InputWait.h"
 
 #include <boost/function.hpp>
 
@@ -20,7 +19,9 @@ struct SDL_Rect;
 struct SDL_WindowEvent;
 union SDL_Event;
 
-namespace workbench {
+namespace krosdl {
+
+class InputWait;
 
 // A window on the screen, through SDL: shows what UI_Window paints and hands it what the user does. Owned by the
 // program, which runs its loop on the main thread.
@@ -83,7 +84,7 @@ private:
     kroui::ui::Cursor fCursor = kroui::ui::Cursor::kArrow;
     std::optional<kroui::ui::KeyEvent> fHeldKey; // a letter that may yet turn out to be text
     std::vector<std::filesystem::path> fDropped; // files of the drop that is being told of
-    InputWait fInputWait;
+    std::unique_ptr<InputWait> fInputWait;
     double fLastInput = 0; // when SDL was asked for events, seconds
     double fLastPaint = 0; // seconds
     float fHostScale = 0;
@@ -91,4 +92,4 @@ private:
     bool fIsOpen = true;
 };
 
-} // namespace workbench
+} // namespace krosdl
