@@ -103,7 +103,7 @@ SdlWindow::SdlWindow(const kroui::limner::CairoSupplier& supplier, const Setting
     const auto points = [&settings](float units) { return static_cast<int>(std::lround(units * settings.scale)); };
     constexpr Uint32 kFlags = SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI | SDL_WINDOW_HIDDEN;
     const SDL_Rect screen = UsableScreen();
-    fSystemWindow = SDL_CreateWindow("Workbench", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,
+    fSystemWindow = SDL_CreateWindow("", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,
                                      std::min(points(settings.size.width), screen.w),
                                      std::min(points(settings.size.height), screen.h), kFlags);
     if (fSystemWindow == nullptr) SdlLibrary::Refuse(SDL_GetError());
@@ -138,6 +138,13 @@ void SdlWindow::SetTitle(std::u16string_view title) {
     SDL_SetWindowTitle(fSystemWindow, krocore::ToStdString(title).c_str());
 }
 
+void SdlWindow::Resize(kroui::Size size) {
+    const SDL_Rect screen = UsableScreen();
+    SDL_SetWindowSize(fSystemWindow, PointsFor(size.width, screen.w), PointsFor(size.height, screen.h));
+    FitContent();
+    fWindow->InvalidateAll();
+}
+
 void SdlWindow::Run(const boost::function<void()>& idle) {
     FitContent();
     SDL_ShowWindow(fSystemWindow);
@@ -147,7 +154,7 @@ void SdlWindow::Run(const boost::function<void()>& idle) {
         if (WaitForInput()) HandleInput();
         Timers().RunTimers();
         PaintIfDue();
-        if (!fWindow->NeedsPaint()) idle();
+        if (idle && !fWindow->NeedsPaint()) idle();
     }
 }
 
@@ -206,12 +213,12 @@ void SdlWindow::FitContent() {
 
 void SdlWindow::HoldSmallestSize() {
     const SDL_Rect screen = UsableScreen();
-    const float pointsAUnit = 1 / UnitsPerPoint();
-    const auto points = [pointsAUnit](float units, int most) {
-        return std::clamp(static_cast<int>(std::lround(units * pointsAUnit)), 1, most);
-    };
-    SDL_SetWindowMinimumSize(fSystemWindow, points(fSettings.smallestSize.width, screen.w),
-                             points(fSettings.smallestSize.height, screen.h));
+    SDL_SetWindowMinimumSize(fSystemWindow, PointsFor(fSettings.smallestSize.width, screen.w),
+                             PointsFor(fSettings.smallestSize.height, screen.h));
+}
+
+int SdlWindow::PointsFor(float units, int most) const {
+    return std::clamp(static_cast<int>(std::lround(units / UnitsPerPoint())), 1, most);
 }
 
 float SdlWindow::UnitsPerPoint() const {

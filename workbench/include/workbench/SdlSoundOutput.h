@@ -1,15 +1,13 @@
 #pragma once
 
+#include "krosdl/SoundDevice.h"
 #include "workbench/SilentOutput.h"
-
-#include <cstdint>
 
 namespace workbench {
 
 // The system's standard sound device, through SDL; silence when there is none.
 class SdlSoundOutput final : public SoundOutput {
 public:
-    SdlSoundOutput();
     ~SdlSoundOutput() override;
 
     void Start(qohost::PlaybackEngine& engine, float sampleRate) override;
@@ -18,13 +16,9 @@ public:
     krocore::string16 Problem() const override;
 
 private:
-    static void Fill(void* engine, std::uint8_t* stream, int bytes);
-
+    krosdl::SoundDevice fDevice;
     qohost::PlaybackEngine* fEngine = nullptr;
     SilentOutput fSilent;
-    std::string fReason; // what SDL says when there is no device
-    std::uint32_t fDevice = 0;
-    bool fIsRunning = false;
 };
 
 } // namespace workbench

@@ -24,16 +24,22 @@ namespace krosdl {
 class InputWait;
 
 // A window on the screen, through SDL: shows what UI_Window paints and hands it what the user does. Owned by the
-// program, which runs its loop on the main thread.
+// program, which runs its loop on the main thread; everything here is for that thread. Several windows at once are not
+// supported.
+//
+// The content is as large as the window: it is given the window's size, and another one whenever the user or Resize
+// changes it. A panel that changes its size by itself, such as one whose "Advanced" section opens, says so by its
+// GetContentSizeChangedSignal and is cut off at the window's edge unless the program answers with Resize, or scrolls.
 class SdlWindow final : private kroui::ui::WindowBackend {
 public:
     struct Settings {
-        kroui::Size size; // view units at scale 1, as is the next
-        kroui::Size smallestSize;
-        float scale = 1; // on top of the screen's own
+        kroui::Size size;         // view units at scale 1, as is the next
+        kroui::Size smallestSize; // empty: any
+        float scale = 1;          // on top of the screen's own
     };
 
-    // Opens the window, not yet shown. The supplier outlives it. Throws krocore::config::Error when there is no screen.
+    // Opens the window, not yet shown and without a title. The supplier outlives it. Throws krocore::config::Error when
+    // there is no screen.
     SdlWindow(const kroui::limner::CairoSupplier& supplier, const Settings& settings);
     ~SdlWindow() override;
 
@@ -41,10 +47,15 @@ public:
     // The largest zoom at which the smallest size still fits on the screen; at least 1.
     float LargestZoom() const;
     void SetTitle(std::u16string_view title);
+    // Gives the window room for so many view units of content, as far as the screen has it.
+    void Resize(kroui::Size size);
 
-    // Shows the window and lives for it until the user closes it. Between events it sleeps until the next timer is due.
-    // `idle` is called whenever everything is painted.
+    // The event loop: shows the window and lives for it until the user closes it, or Close is called. Runs the timers
+    // of all nodes, and between events sleeps until the next one is due. `idle`, if there is one, is called whenever
+    // everything is painted, at least once a second. What it or a handler throws passes on.
     void Run(const boost::function<void()>& idle);
+    // Ends Run, from `idle` or a handler.
+    void Close() { fIsOpen = false; }
 
 private:
     void RequestPaint() override {}
@@ -63,6 +74,7 @@ private:
     void PaintIfDue();
     void FitContent();
     void HoldSmallestSize();
+    int PointsFor(float units, int most) const;
     void ShowAll();
     float UnitsPerPoint() const; // a point is what the system counts windows in
     kroui::Point ToView(int x, int y) const;
