@@ -3,7 +3,7 @@
 # known.
 include(CMakePackageConfigHelpers)
 
-set(QO_EXPORTED_LIBRARIES kro qocinterface qoc QoAudioComponentsUI)
+set(QO_EXPORTED_LIBRARIES kro qocinterface qoc qohost QoAudioComponentsUI)
 if(QO_BUILD_SDL)
     list(APPEND QO_EXPORTED_LIBRARIES krosdl)
 endif()

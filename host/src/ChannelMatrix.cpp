@@ -1,4 +1,4 @@
-#include "host/ChannelMatrix.h"
+#include "ChannelMatrix.h"
 
 #include <algorithm>
 

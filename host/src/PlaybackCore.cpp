@@ -1,4 +1,4 @@
-#include "host/PlaybackCore.h"
+#include "PlaybackCore.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,7 @@
 #include "host/PlaybackEngine.h"
 
+#include "PlaybackCore.h"
+
 #include <algorithm>
 #include <cmath>
 #include <thread>
@@ -22,6 +24,8 @@ public:
 private:
     PlaybackEngine& fEngine;
 };
+
+PlaybackEngine::PlaybackEngine() = default;
 
 PlaybackEngine::~PlaybackEngine() {
     Close();

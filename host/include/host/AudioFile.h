@@ -7,6 +7,8 @@
 
 namespace qohost {
 
+// Whole sound files in memory. On any thread, which waits for the disk or the other end of a stream.
+
 // What a file holds.
 struct AudioFile {
     Sound sound;

@@ -6,6 +6,8 @@
 
 namespace qohost {
 
+// Files and streams by name, for command lines. On any thread, which waits for the disk or the other end.
+
 // What stands in place of a file's name: "-" for the standard input or output and, where the system has them, names of
 // open descriptors such as "/dev/stdin" and "/dev/fd/3". A file called "-" is "./-".
 bool IsStream(const std::filesystem::path& path);

@@ -5,7 +5,8 @@
 
 namespace qohost {
 
-// The presets that come with an effect. The first is "Default". Throws krocore::config::Error if the library was built
+// The presets that come with an effect, as they stand embedded in this library. The first is "Default". Any thread.
+// Throws krocore::config::Error if the library was built
 // with a broken file.
 std::vector<Preset> FactoryPresets(const qoc::components::EffectDescription& effect);
 

@@ -23,7 +23,8 @@ struct RenderOptions {
 };
 
 // Runs sound through a filter block by block, and takes the filter's latency out again. Memory does not follow the
-// length. The filter must not be run by anybody else meanwhile; it is left prepared, and suspended as it was.
+// length. One thread, which may be any: the filter must not be run, nor
+// set, by anybody else meanwhile; it is left prepared, and suspended as it was.
 class OfflineRenderer {
 public:
     // Prepares the filter. Both have to outlive this. Throws krocore::config::Error when the filter can't work on the

@@ -14,7 +14,7 @@ struct ParameterSetting {
     float value = 0;
 };
 
-// Reads "PARAM=VALUE" as a command line has it.
+// Reads "PARAM=VALUE" as a command line has it, and changes nothing. User-interface thread, as is the next.
 //
 // PARAM is the parameter's number from 0, its id ("gain1") or its name as a user reads it ("Gain 1"); case, spaces and
 // punctuation don't count. The id of a numbered family without a number ("gain") means all of the family.

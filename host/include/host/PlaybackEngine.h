@@ -1,6 +1,8 @@
 #pragma once
 
-#include "host/PlaybackCore.h"
+#include "host/PlaybackRange.h"
+#include "host/Sound.h"
+#include "kroaudiofilterhost/AudioFilter.h"
 
 #include <array>
 #include <atomic>
@@ -12,15 +14,19 @@
 
 namespace qohost {
 
+class PlaybackCore;
+struct PlaybackRequest;
+
 // Plays a sound through a filter: the transport of a program. Owned by the program, which calls Render from its audio
-// device and everything else from the user-interface thread. The device runs at the sound's rate.
+// device and everything else from the user-interface thread. The device runs at the sound's rate, in hertz. Sound and
+// filter are kept alive while they are loaded.
 //
 // While it plays, the filter is not suspended and its parameters that can't be automated are locked. Starting,
 // stopping, seeking and bypassing fade for a moment, so that nothing clicks. Samples that are no numbers never reach
 // the device.
 class PlaybackEngine {
 public:
-    PlaybackEngine() = default;
+    PlaybackEngine();
     PlaybackEngine(const PlaybackEngine&) = delete;
     PlaybackEngine& operator=(const PlaybackEngine&) = delete;
     ~PlaybackEngine();

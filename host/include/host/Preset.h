@@ -11,7 +11,7 @@
 
 namespace qohost {
 
-// The settings of one effect under a name. As a file it is a JSON object:
+// The settings of one effect under a name. A value. As a file it is a JSON object:
 //
 //   {"effect": "qoc.Amplify", "name": "Quieter", "natural": {"gain1": -6, "link": false}, "values": {"gain2": 0.625}}
 //
@@ -29,6 +29,8 @@ struct Preset {
     std::map<std::string, Value, std::less<>> values;
 };
 
+// Texts and files, on any thread.
+
 // Throws krocore::config::Error for a text that is no preset, that is nested deeply or names a member twice, and for a
 // number that no float holds. What messages repeat of a text is shortened.
 Preset ParsePreset(std::string_view json);
@@ -43,6 +45,10 @@ void WritePresetFile(const std::filesystem::path& file, const Preset& preset);
 // The presets of a JSON object {"effect": ID, "presets": [{"name": ..., "natural": ...}, ...]}, in its order. Throws
 // krocore::config::Error.
 std::vector<Preset> ParsePresetCollection(std::string_view json);
+
+// What follows is about a filter that stays the caller's: user-interface thread, while it plays, too. A filter should
+// have been prepared, since how many parameters it has may follow the channels and what a frequency means the sample
+// rate.
 
 // All that can be set of the filter, as it is now.
 Preset CapturePreset(const kroaudiofilterhost::AudioFilter& filter, std::string name);

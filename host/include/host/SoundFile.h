@@ -26,7 +26,7 @@ struct SoundKind {
 bool IsSoundType(std::string_view type);
 
 // Reads a sound file or, under the name "-" (see ByteStream.h), a stream, which is kept in a temporary file meanwhile.
-// Memory does not follow the length.
+// Memory does not follow the length. One thread at a time, which may be any.
 class SoundFileReader final : public SoundReader {
 public:
     // Throws krocore::config::Error that names the file and the reason: it does not exist, is empty, is no sound file,
@@ -48,7 +48,7 @@ private:
 };
 
 // Writes a sound file as krocore::ReplacementFile does, or a stream, which gets all of it at Commit or nothing. Memory
-// does not follow the length.
+// does not follow the length. One thread at a time, which may be any.
 class SoundFileWriter final : public SoundWriter {
 public:
     struct Format {

@@ -5,7 +5,7 @@
 
 namespace qohost {
 
-// A sound, or a part of it, as a stream. The sound has to outlive it.
+// A sound, or a part of it, as a stream. The sound has to outlive it, and nobody changes it meanwhile.
 class SoundInMemoryReader final : public SoundReader {
 public:
     explicit SoundInMemoryReader(const Sound& sound) : SoundInMemoryReader(sound, 0, sound.Frames()) {}
@@ -24,7 +24,7 @@ private:
     std::size_t fNext;
 };
 
-// Adds what is written to a sound that has the channels for it.
+// Adds what is written to a sound that has the channels for it, and outlives it.
 class SoundInMemoryWriter final : public SoundWriter {
 public:
     explicit SoundInMemoryWriter(Sound& sound) : fSound(sound) {}

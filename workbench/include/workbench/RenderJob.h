@@ -1,8 +1,9 @@
 #pragma once
 
 #include "host/AudioFile.h"
-#include "host/PlaybackCore.h"
+#include "host/PlaybackRange.h"
 #include "host/SoundFile.h"
+#include "kroaudiofilterhost/AudioFilter.h"
 
 #include <atomic>
 #include <filesystem>

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "host/ChannelMatrix.h"
+#include "ChannelMatrix.h"
+#include "host/PlaybackRange.h"
 #include "host/Sound.h"
 #include "kroaudiofilterhost/AudioFilter.h"
 
@@ -11,12 +12,6 @@
 #include <vector>
 
 namespace qohost {
-
-// A part of a sound, in samples. An end that is not above the begin means the whole sound.
-struct PlaybackRange {
-    std::size_t begin = 0;
-    std::size_t end = 0;
-};
 
 // What the user wants of the playback, as it stands when a block is rendered. Positions in samples.
 struct PlaybackRequest {
