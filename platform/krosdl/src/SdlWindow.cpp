@@ -120,10 +120,12 @@ SdlWindow::~SdlWindow() {
     if (fSystemWindow != nullptr) SDL_DestroyWindow(fSystemWindow);
 }
 
-SDL_Rect SdlWindow::UsableScreen() {
+// Of the display that the window is on.
+SDL_Rect SdlWindow::UsableScreen() const {
     SDL_Rect screen{0, 0, 0, 0};
     constexpr int kAnySize = 1 << 14;
-    if (SDL_GetDisplayUsableBounds(0, &screen) != 0) return {0, 0, kAnySize, kAnySize};
+    const int display = fSystemWindow != nullptr ? std::max(0, SDL_GetWindowDisplayIndex(fSystemWindow)) : 0;
+    if (SDL_GetDisplayUsableBounds(display, &screen) != 0) return {0, 0, kAnySize, kAnySize};
     return screen;
 }
 
@@ -141,8 +143,21 @@ void SdlWindow::SetTitle(std::u16string_view title) {
 void SdlWindow::Resize(kroui::Size size) {
     const SDL_Rect screen = UsableScreen();
     SDL_SetWindowSize(fSystemWindow, PointsFor(size.width, screen.w), PointsFor(size.height, screen.h));
+    KeepOnScreen();
     FitContent();
     fWindow->InvalidateAll();
+}
+
+void SdlWindow::KeepOnScreen() {
+    if ((SDL_GetWindowFlags(fSystemWindow) & SDL_WINDOW_HIDDEN) != 0)
+        return SDL_SetWindowPosition(fSystemWindow, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
+    const SDL_Rect screen = UsableScreen();
+    SDL_Rect window{0, 0, 0, 0};
+    SDL_GetWindowPosition(fSystemWindow, &window.x, &window.y);
+    SDL_GetWindowSize(fSystemWindow, &window.w, &window.h);
+    const int x = std::max(screen.x, std::min(window.x, screen.x + screen.w - window.w));
+    const int y = std::max(screen.y, std::min(window.y, screen.y + screen.h - window.h));
+    if (x != window.x || y != window.y) SDL_SetWindowPosition(fSystemWindow, x, y);
 }
 
 void SdlWindow::Run(const boost::function<void()>& idle) {

@@ -47,7 +47,8 @@ public:
     // The largest zoom at which the smallest size still fits on the screen; at least 1.
     float LargestZoom() const;
     void SetTitle(std::u16string_view title);
-    // Gives the window room for so many view units of content, as far as the screen has it.
+    // Gives the window room for so many view units of content, as far as the screen has it, and moves it where it would
+    // reach beyond the screen; one that is not yet shown goes to the middle.
     void Resize(kroui::Size size);
 
     // The event loop: shows the window and lives for it until the user closes it, or Close is called. Runs the timers
@@ -66,7 +67,8 @@ private:
     std::u16string ClipboardText() override;
     void SetClipboardText(std::u16string_view text) override;
 
-    static SDL_Rect UsableScreen();
+    SDL_Rect UsableScreen() const;
+    void KeepOnScreen();
     static bool IsMotionNext();
     int MillisecondsToWait() const;
     bool WaitForInput();
