@@ -28,7 +28,8 @@ public:
     bool UI_DoTimerNotify(long timerID) override;
     void UI_NodeChanged(NodeChange change) override;
 
-    // Whether the panel may be scrolled, and resized, by its host.
+    // Whether the panel may be scrolled, and resized, by its host. Either way it may change its size by itself; see
+    // GetContentSizeChangedSignal.
     virtual bool CanScrollContent() const;
     virtual bool CanResizeContent() const;
     // Builds the controls. Called once, right after construction, while nobody holds a reference to the view yet.

@@ -18,7 +18,9 @@ public:
 
     boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> GetAudioFilter() const { return fFilter; }
 
-    // Fires after the view has changed its own size, so that the host can fit the window around it.
+    // Fires after the view has changed its own size (UI_GetFrame has it), as when a section of it opens or closes. A
+    // host that does not answer, by fitting the window around it or by scrolling, shows the view cut off at the
+    // window's edge.
     using ContentSizeChangedSignal = boost::signals2::signal<void()>;
     ContentSizeChangedSignal& GetContentSizeChangedSignal();
 
