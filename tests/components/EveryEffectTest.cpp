@@ -110,7 +110,7 @@ Channels ProcessedCut(AudioFilter& filter, const Channels& input, const Cut& cut
 TEST(EveryEffect, GivesTheSameOutputInBlocksOfAnySizeAndInPlace) {
     const Cut cuts[] = {{{1, 63, 2, 4096, 500, 3}}, {{test::kLargestBlock}}, {{997}, true}};
     test::ForEveryEffect([&](const EffectDescription& effect) {
-        for (const Format& format : {Format{44100, 2}, Format{22050, 6}}) {
+        for (const Format& format : {Format{44100, 2}, Format{22050, 3}}) {
             const Channels input = test::BusySound(format.channels, 29000, format.rate, 5);
             const Channels expected = ProcessedCut(*test::Prepared(effect, format), input, {{64}});
             for (const Cut& cut : cuts)

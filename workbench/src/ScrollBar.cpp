@@ -1,5 +1,7 @@
 #include "workbench/ScrollBar.h"
 
+#include "krocore/Localizer.h"
+
 #include <algorithm>
 
 namespace workbench {
@@ -83,7 +85,10 @@ void ScrollBar::SetState(bool& state, bool on) {
 }
 
 kroui::ui::AccessibleInfo ScrollBar::UI_GetAccessibleInfo() const {
-    return {.role = kroui::ui::Role::kSlider, .name = u"Scroll", .value = {}, .enabled = true, .focusable = false};
+    kroui::ui::AccessibleInfo info;
+    info.role = kroui::ui::Role::kSlider;
+    info.name = krocore::Localize("$$$/Workbench/Scroll=Scroll");
+    return info;
 }
 
 } // namespace workbench
