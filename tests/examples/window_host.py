@@ -12,6 +12,9 @@ import sys
 import tempfile
 import time
 
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
+from virtual_screen import virtual_screen  # noqa: E402
+
 SCREEN = (1600, 1000)
 PATIENCE = 20  # seconds
 LEAST_HEARD = 1.5  # seconds
@@ -103,20 +106,10 @@ def run(program, screenshot):
 
 
 def main():
-    read_end, write_end = os.pipe()
-    server = subprocess.Popen(
-        ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{SCREEN[0]}x{SCREEN[1]}x24"],
-        pass_fds=[write_end], stderr=subprocess.DEVNULL)
-    os.close(write_end)
-    try:
-        with os.fdopen(read_end) as numbers:
-            os.environ["DISPLAY"] = ":" + numbers.readline().strip()
+    with virtual_screen(SCREEN):
         subprocess.run([sys.argv[1], str(SHORT)], check=True, timeout=PATIENCE,
                        env=dict(os.environ, SDL_AUDIODRIVER="dummy"))
         run(sys.argv[1], sys.argv[2] if len(sys.argv) > 2 else None)
-    finally:
-        server.terminate()
-        server.wait()
 
 
 if __name__ == "__main__":
