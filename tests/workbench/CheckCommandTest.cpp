@@ -1,4 +1,4 @@
-#include "workbench/CheckCommand.h"
+#include "workbench/commands/CheckCommand.h"
 
 #include "SourcePaths.h"
 #include "TemporaryFolder.h"

@@ -2,7 +2,7 @@
 #include "host/AudioFile.h"
 #include "host/TestSignal.h"
 #include "qoc/components/EffectCatalogue.h"
-#include "workbench/EffectTables.h"
+#include "workbench/commands/EffectTables.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "workbench/MeterBallistics.h"
+#include "workbench/views/MeterBallistics.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "workbench/TextOfSound.h"
-#include "workbench/WaveformPeaks.h"
+#include "workbench/commands/TextOfSound.h"
+#include "workbench/sound/WaveformPeaks.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 
 #include "SourcePaths.h"
 #include "krocore/config/Error.h"
-#include "workbench/ScriptEffect.h"
+#include "workbench/session/ScriptEffect.h"
 
 #include <gmock/gmock.h>
 

@@ -2,9 +2,9 @@
 
 #include "TemporaryFolder.h"
 #include "kroui/ui/HeadlessWindow.h"
-#include "workbench/EffectNames.h"
-#include "workbench/SilentOutput.h"
-#include "workbench/WorkbenchView.h"
+#include "workbench/session/EffectNames.h"
+#include "workbench/sound/SilentOutput.h"
+#include "workbench/window/WorkbenchView.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include "host/AudioFile.h"
 #include "kroui/ui/UI_NodeManager.h"
-#include "workbench/TreeText.h"
+#include "workbench/commands/TreeText.h"
 
 #include <filesystem>
 #include <fstream>

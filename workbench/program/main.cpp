@@ -1,4 +1,4 @@
-#include "workbench/CommandLine.h"
+#include "workbench/commands/CommandLine.h"
 
 int main(int argc, char** argv) {
     return workbench::RunCommandLine(argc, argv);

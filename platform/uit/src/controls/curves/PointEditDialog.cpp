@@ -1,0 +1,202 @@
+#include "controls/curves/PointEditDialog.h"
+
+#include "controls/curves/PixelSnap.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace uit::controls {
+
+using kroui::Point;
+using kroui::Rect;
+using kroui::limner::Limner;
+using kroui::ui::Key;
+using kroui::ui::MouseEvent;
+
+namespace {
+
+constexpr kroui::limner::Font kFont{12, false};
+constexpr float kShadow = 6; // around the panel
+constexpr float kPadding = 12;
+constexpr float kGap = 8;
+constexpr float kRowHeight = 24;
+constexpr float kFieldWidth = 84;
+constexpr float kUnitGap = 5;
+constexpr float kRadius = 6;
+constexpr float kPointGap = 14; // from the point to the panel
+constexpr float kWindowMargin = 4;
+
+float WidthOf(const kroui::limner::SupplierInterface& supplier, std::u16string_view text) {
+    return text.empty() ? 0 : std::ceil(supplier.MeasureText(text, kFont).width);
+}
+
+} // namespace
+
+PointEditDialog::PointEditDialog() {
+    UI_SetID("PointEditDialog");
+    const auto make = [this](Row& row, std::string_view id) {
+        row.field.reset(new TextField);
+        row.field->UI_SetID(id);
+        row.field->SetAlignment(kroui::limner::TextAlignment::kRight);
+        row.field->SetFinishHandler([this](TextField::Finish finish) { OnFinish(finish); });
+        ChildPushBack(row.field);
+    };
+    make(fHorizontal, "HorizontalField");
+    make(fVertical, "VerticalField");
+}
+
+void PointEditDialog::Open(kroui::ui::UI_Window& window, Point point, const Value& horizontal, const Value& vertical,
+                           Accept accept, boost::function<void()> closed) {
+    SetRow(fHorizontal, horizontal);
+    SetRow(fVertical, vertical);
+    Arrange(window, point);
+    fAccept = std::move(accept);
+    fClosed = std::move(closed);
+    TextField& first = horizontal.canChange ? *fHorizontal.field : *fVertical.field;
+    first.UI_TakeFocus();
+    first.SelectAll();
+}
+
+void PointEditDialog::SetRow(Row& row, const Value& value) {
+    row.axis = value.axis;
+    row.before = value.text;
+    row.field->SetText(value.text);
+    row.field->SetError({});
+    row.field->SetEnabled(value.canChange);
+}
+
+// Beside the point, on the side with more room, and wholly in the window.
+void PointEditDialog::Arrange(kroui::ui::UI_Window& window, Point point) {
+    const kroui::limner::SupplierInterface& supplier = window.Supplier();
+    fLabelWidth = std::max(WidthOf(supplier, fHorizontal.axis.label), WidthOf(supplier, fVertical.axis.label));
+    const float unit = std::max(WidthOf(supplier, fHorizontal.axis.unit), WidthOf(supplier, fVertical.axis.unit));
+    const float left = kShadow + kPadding + fLabelWidth + kGap;
+    const float width = left + kFieldWidth + (unit > 0 ? kUnitGap + unit : 0) + kPadding + kShadow;
+    const float height = 2 * (kShadow + kPadding + kRowHeight) + kGap;
+    const kroui::Size room = window.GetSize();
+    const bool isRight = point.x < room.width / 2;
+    const float x = isRight ? point.x + kPointGap - kShadow : point.x - kPointGap + kShadow - width;
+    const auto held = [](float at, float length, float whole) {
+        return std::round(std::max(kWindowMargin - kShadow, std::min(at, whole - kWindowMargin + kShadow - length)));
+    };
+    window.ShowOverlay(
+        this, {held(x, width, room.width), held(point.y - height / 2, height, room.height), width, height}, true);
+    const float top = kShadow + kPadding;
+    fHorizontal.field->UI_SetFrame({left, top, kFieldWidth, kRowHeight});
+    fVertical.field->UI_SetFrame({left, top + kRowHeight + kGap, kFieldWidth, kRowHeight});
+}
+
+void PointEditDialog::Close() {
+    const boost::intrusive_ptr<PointEditDialog> keepAlive(this);
+    if (auto* const window = UI_GetWindow()) window->HideOverlay(this);
+}
+
+void PointEditDialog::UI_Draw(Limner* limner) {
+    const PixelSnap snap(*this, *limner);
+    const Rect panel = PanelRect();
+    const kroui::limner::Color shadow = GetColor(kroui::ui::kColorShadow);
+    constexpr int kLayers = 6;
+    for (int layer = 1; layer <= kLayers; ++layer) {
+        const float spread = kShadow * static_cast<float>(layer) / kLayers;
+        limner->FillRoundRect(panel.Inset(-spread, -spread), kRadius + spread,
+                              shadow.WithAlpha(shadow.alpha / static_cast<float>(kLayers)));
+    }
+    limner->FillRoundRect(panel, kRadius, GetColor(kroui::ui::kColorMenu));
+    limner->FrameRoundRect(panel, kRadius, GetColor(kroui::ui::kColorLine), snap.Line());
+    for (const Row* const row : {&fHorizontal, &fVertical}) {
+        const Rect field = row->field->UI_GetFrame();
+        const int color = row->field->IsEnabled() ? kroui::ui::kColorText : kroui::ui::kColorDisabledText;
+        limner->DrawText(row->axis.label, kFont, GetColor(color),
+                         {panel.left + kPadding, field.top, fLabelWidth, field.height},
+                         {kroui::limner::TextAlignment::kRight, kroui::limner::TextTruncation::kNone, false});
+        const float unit = field.Right() + kUnitGap;
+        limner->DrawText(row->axis.unit, kFont, GetColor(kroui::ui::kColorDimText),
+                         {unit, field.top, panel.Right() - unit, field.height}, {});
+    }
+}
+
+bool PointEditDialog::UI_DoMouseEvent(UI_Node* /*node*/, const MouseEvent& event) {
+    if (event.IsAction(MouseEvent::Action::kPressed) && !PanelRect().Contains(event.position)) Close();
+    return true;
+}
+
+bool PointEditDialog::UI_DoKeyEvent(const kroui::ui::KeyEvent& event) {
+    const boost::intrusive_ptr<PointEditDialog> keepAlive(this);
+    if (TextField* const field = FocusField()) return field->UI_DoKeyEvent(event);
+    if (event.key == Key::kEscape) Close();
+    if (event.key == Key::kEnter) AcceptAll();
+    return true;
+}
+
+bool PointEditDialog::UI_DoTextEvent(const kroui::ui::TextEvent& event) {
+    TextField* const field = FocusField();
+    return field != nullptr && field->UI_DoTextEvent(event);
+}
+
+void PointEditDialog::UI_NodeChanged(NodeChange change) {
+    UI_Node::UI_NodeChanged(change);
+    if (change != kDetaching) return;
+    const boost::intrusive_ptr<PointEditDialog> keepAlive(this);
+    fAccept.clear();
+    if (const auto closed = std::exchange(fClosed, {})) closed();
+}
+
+kroui::ui::AccessibleInfo PointEditDialog::UI_GetAccessibleInfo() const {
+    auto info = UI_Node::UI_GetAccessibleInfo();
+    info.role = kroui::ui::Role::kGroup;
+    info.name = krocore::Localize("$$$/uit/PointEditDialog/Name=Edit Point");
+    return info;
+}
+
+Rect PointEditDialog::PanelRect() const {
+    return UI_GetLocalRect().Inset(kShadow, kShadow);
+}
+
+PointEditDialog::TextField* PointEditDialog::FocusField() const {
+    for (const Row* const row : {&fHorizontal, &fVertical})
+        if (row->field->UI_HasFocus()) return row->field.get();
+    return nullptr;
+}
+
+void PointEditDialog::OnFinish(TextField::Finish finish) {
+    switch (finish) {
+    case TextField::Finish::kEnter: AcceptAll(); break;
+    case TextField::Finish::kEscape: Close(); break;
+    case TextField::Finish::kTab:
+    case TextField::Finish::kBackTab: MoveFocus(); break;
+    case TextField::Finish::kFocusLost: break;
+    }
+}
+
+void PointEditDialog::MoveFocus() {
+    TextField& other = FocusField() == fHorizontal.field.get() ? *fVertical.field : *fHorizontal.field;
+    if (!other.IsEnabled()) return;
+    other.UI_TakeFocus();
+    other.SelectAll();
+}
+
+void PointEditDialog::AcceptAll() {
+    std::optional<double> horizontal;
+    std::optional<double> vertical;
+    if (!Check(fHorizontal, horizontal) || !Check(fVertical, vertical)) return;
+    const boost::intrusive_ptr<PointEditDialog> keepAlive(this);
+    const Accept accept = fAccept;
+    if (accept && (horizontal || vertical)) accept(horizontal, vertical);
+    Close();
+}
+
+// A field that was not touched gives no value, so that nothing is rounded to what it shows.
+bool PointEditDialog::Check(Row& row, std::optional<double>& value) {
+    if (row.field->GetText() == row.before || !row.field->IsEnabled()) return true;
+    value = row.axis.Read(row.field->GetText());
+    if (value) return true;
+    const krocore::string16 message = krocore::Localize(
+        "$$$/uit/PointEditDialog/NotANumber=\"@0\" is not a number. Escape leaves the point as it is.");
+    row.field->SetError(krocore::ReplacePlaceholders(message, {row.field->GetText()}));
+    row.field->UI_TakeFocus();
+    row.field->SelectAll();
+    if (row.field->UI_GetWindow()) row.field->UI_GetWindow()->ShowTip(*row.field);
+    return false;
+}
+
+} // namespace uit::controls

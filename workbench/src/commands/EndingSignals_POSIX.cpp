@@ -1,0 +1,12 @@
+#include "workbench/commands/EndingSignals.h"
+
+#include <csignal>
+
+namespace workbench {
+
+std::span<const int> EndingSignals() noexcept {
+    static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
+    return kSignals;
+}
+
+} // namespace workbench

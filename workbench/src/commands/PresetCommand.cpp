@@ -1,0 +1,70 @@
+#include "workbench/commands/PresetCommand.h"
+
+#include "host/ByteStream.h"
+#include "host/FactoryPresets.h"
+#include "host/UserPresets.h"
+#include "krocore/config/Error.h"
+#include "workbench/commands/Messages.h"
+#include "workbench/commands/NearestName.h"
+#include "workbench/commands/OutputFile.h"
+#include "workbench/session/EffectNames.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <system_error>
+
+namespace workbench {
+
+using qoc::components::EffectDescription;
+using qohost::Preset;
+
+namespace {
+
+constexpr std::size_t kStereo = 2;
+constexpr std::size_t kBlock = 512;
+
+qohost::UserPresets SavedPresets() {
+    return qohost::UserPresets(qohost::UserPresets::UsualFolder());
+}
+
+Preset PresetFromText(const EffectDescription& effect, std::string_view text) {
+    const std::vector<Preset> presets = qohost::FactoryPresets(effect);
+    const auto found = std::ranges::find_if(
+        presets, [&](const Preset& preset) { return krocore::EqualsIgnoringCase(preset.name, text); });
+    if (found != presets.end()) return *found;
+    const qohost::UserPresets saved = SavedPresets();
+    if (saved.Has(effect.shortName, text)) return saved.Read(effect.shortName, text);
+    std::error_code error;
+    if (qohost::IsStream(text) || std::filesystem::exists(text, error)) return qohost::ReadPresetFile(text);
+    std::vector<std::string> names = saved.Names(effect.shortName);
+    for (const Preset& preset : presets)
+        names.push_back(preset.name);
+    const std::string nearest = NearestName(text, names);
+    const std::string advice = nearest.empty() ? "" : fmt::format(R"(did you mean "{}"? )", nearest);
+    throw krocore::config::Error(
+        fmt::format(R"("{0}" is neither a file nor a preset of {1}; {2}"workbench presets {1}" lists those)", text,
+                    effect.shortName, advice));
+}
+
+} // namespace
+
+void ApplyPresetNamed(kroaudiofilterhost::AudioFilter& filter, const EffectDescription& effect, std::string_view text) {
+    if (text.empty()) return;
+    for (const std::string& note : qohost::ApplyPreset(filter, PresetFromText(effect, text)))
+        TellNote(fmt::format("{}: {}", text, note));
+}
+
+void MakePreset(const PresetRequest& request) {
+    const EffectDescription& effect = EffectFromName(request.effect);
+    CheckMayWrite(request.output, request.overwrite);
+    const auto filter = NewFilter(effect);
+    filter->Prepare(filter->GetSampleRate(), kBlock, kromediatypes::AudioChannelLayout::ForChannelCount(kStereo));
+    ApplyPresetNamed(*filter, effect, request.preset);
+    ApplySettings(*filter, request.settings);
+    const bool isStream = qohost::IsStream(request.output); // it has no name to give
+    const std::string name = isStream ? krocore::ToStdString(effect.DisplayName()) : request.output.stem().string();
+    qohost::WriteBytes(request.output, qohost::WritePreset(qohost::CapturePresetForAnyRate(*filter, name)));
+}
+
+} // namespace workbench

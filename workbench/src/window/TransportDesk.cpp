@@ -1,0 +1,68 @@
+#include "workbench/window/TransportDesk.h"
+
+#include <cmath>
+
+namespace workbench {
+
+TransportDesk::TransportDesk(Session& session, boost::function<void()> render)
+    : fSession(session),
+      fBar(new TransportBar({[this] { PlayOrPause(); }, [this] { Stop(); }, [this](bool on) { SetLooping(on); },
+                             [this](bool on) { SetBypassed(on); }, std::move(render)})),
+      fWaveform(new WaveformView(
+          {[this](double seconds) { Seek(seconds); }, [this](const TimeRange& range) { Select(range); }})) {
+}
+
+void TransportDesk::ShowSound() {
+    fWaveform->SetSound(fSession.CurrentSound());
+    fBar->SetRange({0, fSession.CurrentSound().Seconds()}, false);
+    fBar->SetTime(0);
+}
+
+void TransportDesk::Follow() {
+    const double position = fSession.Position();
+    fBar->SetPlaying(fSession.Engine().IsPlaying());
+    fBar->SetTime(position);
+    fWaveform->SetPosition(position);
+}
+
+void TransportDesk::PlayOrPause() {
+    fSession.Engine().IsPlaying() ? fSession.Stop() : fSession.Play();
+    Follow();
+}
+
+void TransportDesk::Stop() {
+    fSession.StopOrRewind();
+    Follow();
+}
+
+void TransportDesk::Seek(double seconds) {
+    fSession.Seek(seconds);
+    Follow();
+}
+
+void TransportDesk::SelectAll() {
+    const TimeRange all = {0, fSession.CurrentSound().Seconds()};
+    fWaveform->SetSelection(all);
+    Select(all);
+}
+
+void TransportDesk::Select(const TimeRange& range) {
+    const qohost::Sound& sound = fSession.CurrentSound();
+    const auto frame = [&sound](double seconds) {
+        return static_cast<std::size_t>(std::llround(seconds * sound.sampleRate));
+    };
+    fSession.Select({frame(range.begin), frame(range.end)});
+    fBar->SetRange(fSession.HasSelection() ? range : TimeRange{0, sound.Seconds()}, fSession.HasSelection());
+}
+
+void TransportDesk::SetLooping(bool looping) {
+    fSession.Engine().SetLoop(looping);
+    fBar->SetLooping(looping);
+}
+
+void TransportDesk::SetBypassed(bool bypassed) {
+    fSession.Engine().SetBypass(bypassed);
+    fBar->SetBypassed(bypassed);
+}
+
+} // namespace workbench
