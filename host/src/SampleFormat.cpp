@@ -44,7 +44,7 @@ float PeakOf(const Sound& sound) {
 ClippingMeter::ClippingMeter(int encoding) : fLimit(LimitOf(encoding)) {
 }
 
-void ClippingMeter::Take(std::span<const float* const> channels, std::size_t frames) noexcept {
+void ClippingMeter::Measure(std::span<const float* const> channels, std::size_t frames) noexcept {
     for (const float* const channel : channels) {
         for (std::size_t i = 0; i < frames; ++i) {
             if (!(std::abs(channel[i]) > fLimit)) continue;

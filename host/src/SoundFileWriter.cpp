@@ -143,7 +143,7 @@ void SoundFileWriter::Write(std::span<const float* const> channels, std::size_t 
     for (std::size_t channel = 0; channel < channels.size(); ++channel)
         for (std::size_t i = 0; i < frames; ++i)
             state.interleaved[i * channels.size() + channel] = channels[channel][i];
-    state.clipping->Take(channels, frames);
+    state.clipping->Measure(channels, frames);
     const auto count = static_cast<sf_count_t>(frames);
     sf_count_t written = 0;
     if (state.bits > 0) {

@@ -25,8 +25,8 @@ Clipping ClippingOf(const Sound& sound, int encoding) {
     const std::size_t half = sound.Frames() / 2;
     const float* const first[] = {sound.channels[0].data()};
     const float* const second[] = {sound.channels[0].data() + half};
-    meter.Take(first, half);
-    meter.Take(second, sound.Frames() - half);
+    meter.Measure(first, half);
+    meter.Measure(second, sound.Frames() - half);
     return meter.Result();
 }
 

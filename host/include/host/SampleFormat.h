@@ -25,7 +25,7 @@ public:
     explicit ClippingMeter(int encoding);
 
     // A buffer a channel.
-    void Take(std::span<const float* const> channels, std::size_t frames) noexcept;
+    void Measure(std::span<const float* const> channels, std::size_t frames) noexcept;
     Clipping Result() const;
 
 private:

@@ -75,8 +75,8 @@ private:
         if (!text) return Refuse(file, "can't be read");
         const Script script{file.string(), *std::move(text)};
         const std::string kind = LowerExtension(file);
-        if (kind == kArchive) return Tell(fChecker.CheckArchive(script));
-        if (kind == kSheet) return Tell(fChecker.CheckSheet(script));
+        if (kind == kArchive) return Report(fChecker.CheckArchive(script));
+        if (kind == kSheet) return Report(fChecker.CheckSheet(script));
         if (kind == kLayout) return CheckLayout(file, script);
         Refuse(file, "is no layout archive (.xml), sheet (.trn) or layout (.lio)");
     }
@@ -85,11 +85,11 @@ private:
         const path* const sheet = FindSheet(file);
         const auto text = sheet ? ReadFile(*sheet) : std::nullopt;
         if (!sheet)
-            Tell({{layout.file,
-                   {1, 1},
-                   "the layout has no sheet, expected " + file.stem().string() + ".trn beside it"}});
+            Report({{layout.file,
+                     {1, 1},
+                     "the layout has no sheet, expected " + file.stem().string() + ".trn beside it"}});
         // Without cells, what does not depend on them is still checked.
-        Tell(fChecker.CheckLayout(layout, {sheet ? sheet->string() : "", text.value_or(kNoSheet)}));
+        Report(fChecker.CheckLayout(layout, {sheet ? sheet->string() : "", text.value_or(kNoSheet)}));
     }
 
     void Refuse(const path& file, const char* why) {
@@ -97,7 +97,7 @@ private:
         fHasUnreadable = true;
     }
 
-    void Tell(const std::vector<ScriptProblem>& problems) {
+    void Report(const std::vector<ScriptProblem>& problems) {
         for (const ScriptProblem& problem : problems) {
             fFaults.Add({problem.ToString(), problem.file, static_cast<double>(problem.position.line),
                          static_cast<double>(problem.position.column),

@@ -16,7 +16,7 @@ using qoc::components::EffectDescription;
 
 Session::Session(SoundOutput& output, const EffectDescription& effect, FilterPtr filter, qohost::UserPresets presets)
     : fOutput(output), fUserPresets(std::move(presets)), fEffect(&effect),
-      fCurrent(filter ? &AddUse(effect, filter) : &UseOf(effect)),
+      fCurrent(filter ? &AddLoadedEffect(effect, filter) : &LoadedEffectFor(effect)),
       fSound(std::make_shared<const qohost::Sound>(qohost::MakeTestSignal())),
       fSoundName(krocore::Localize("$$$/Workbench/TestSound=Test sound")) {
     LoadEngine(fSound, fCurrent->filter);
@@ -26,19 +26,19 @@ Session::Session(SoundOutput& output, const EffectDescription& effect, FilterPtr
 Session::~Session() {
     fOutput.Stop();
     fEngine.Close();
-    for (auto& [effect, use] : fUses)
-        use.filter->SetAudioFilterHost(nullptr);
+    for (auto& [effect, loaded] : fLoadedEffects)
+        loaded.filter->SetAudioFilterHost(nullptr);
 }
 
-Session::Use& Session::UseOf(const EffectDescription& effect) {
-    const auto known = fUses.find(&effect);
-    if (known != fUses.end()) return known->second;
-    return AddUse(effect, NewFilter(effect));
+Session::LoadedEffect& Session::LoadedEffectFor(const EffectDescription& effect) {
+    const auto known = fLoadedEffects.find(&effect);
+    if (known != fLoadedEffects.end()) return known->second;
+    return AddLoadedEffect(effect, NewFilter(effect));
 }
 
-Session::Use& Session::AddUse(const EffectDescription& effect, const FilterPtr& filter) {
+Session::LoadedEffect& Session::AddLoadedEffect(const EffectDescription& effect, const FilterPtr& filter) {
     filter->SetAudioFilterHost(this);
-    return fUses.try_emplace(&effect, effect, filter, fUserPresets).first->second;
+    return fLoadedEffects.try_emplace(&effect, effect, filter, fUserPresets).first->second;
 }
 
 // Minutes, seconds and thousandths, as the transport shows time.
@@ -89,19 +89,19 @@ void Session::OpenSound(const std::filesystem::path& file, qohost::AudioFile rea
 
 void Session::ChooseEffect(const EffectDescription& effect) {
     if (&effect == fEffect) return;
-    Use& use = UseOf(effect);
+    LoadedEffect& loaded = LoadedEffectFor(effect);
     const std::size_t position = fEngine.Position();
     const bool wasPlaying = fEngine.IsPlaying();
-    LoadEngine(fSound, use.filter);
-    fCurrent = &use;
+    LoadEngine(fSound, loaded.filter);
+    fCurrent = &loaded;
     fEffect = &effect;
     fEngine.Seek(position);
     if (wasPlaying) Play();
 }
 
-std::vector<std::string> Session::TakePreset(const PresetBook::Entry& entry) {
+std::vector<std::string> Session::LoadPreset(const PresetLibrary::Entry& entry) {
     auto notes = Apply(Presets().Read(entry));
-    Presets().Take(entry);
+    Presets().MarkLoaded(entry);
     return notes;
 }
 

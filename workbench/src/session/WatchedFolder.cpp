@@ -29,7 +29,7 @@ ResourceName NameOf(const std::filesystem::path& file) {
 WatchedFolder::WatchedFolder(std::filesystem::path folder) : fFolder(std::move(folder)) {
     if (!See()) throw krocore::config::Error(fmt::format("{}: there is no such folder to watch", fFolder.string()));
     for (auto& [name, entry] : fEntries)
-        Take(name, entry);
+        Load(name, entry);
 }
 
 WatchedFolder::~WatchedFolder() {
@@ -46,7 +46,7 @@ WatchedFolder::Names WatchedFolder::Look() {
     for (auto& [name, entry] : fEntries) {
         const auto earlier = before.find(name);
         const bool isAtRest = earlier != before.end() && earlier->second == entry.seen;
-        if (isAtRest && !(entry.seen == entry.taken) && Take(name, entry)) changed.insert(name);
+        if (isAtRest && !(entry.seen == entry.loaded) && Load(name, entry)) changed.insert(name);
     }
     return changed;
 }
@@ -54,13 +54,13 @@ WatchedFolder::Names WatchedFolder::Look() {
 WatchedFolder::Names WatchedFolder::Files() const {
     Names names;
     for (const auto& [name, entry] : fEntries)
-        if (entry.taken.isThere) names.insert(name);
+        if (entry.loaded.isThere) names.insert(name);
     return names;
 }
 
 const krotarnlio::Script* WatchedFolder::Find(const ResourceName& name) const {
     const auto found = fEntries.find(name);
-    return found != fEntries.end() && found->second.taken.isThere ? &found->second.script : nullptr;
+    return found != fEntries.end() && found->second.loaded.isThere ? &found->second.script : nullptr;
 }
 
 WatchedFolder::Stamp WatchedFolder::StampOf(const std::filesystem::path& file) {
@@ -92,18 +92,18 @@ bool WatchedFolder::See() {
     return true;
 }
 
-// False if the file is being written, to be taken later.
-bool WatchedFolder::Take(const ResourceName& name, Entry& entry) {
+// False if the file is being written, to be loaded later.
+bool WatchedFolder::Load(const ResourceName& name, Entry& entry) {
     if (!entry.seen.isThere) {
         krocore::RemoveResourceOverride(name.name, name.type);
-        entry.taken = {};
+        entry.loaded = {};
         return true;
     }
     auto text = ReadFile(entry.path);
     if (!text || !(StampOf(entry.path) == entry.seen)) return false;
     krocore::SetResourceOverride(name.name, name.type, std::as_bytes(std::span(*text)));
     entry.script = {entry.path.string(), std::move(*text)};
-    entry.taken = entry.seen;
+    entry.loaded = entry.seen;
     return true;
 }
 

@@ -44,14 +44,14 @@ PresetBar::PresetBar(Actions actions)
     ChildPushBack(fMenu);
 }
 
-void PresetBar::Show(const PresetBook& book) {
+void PresetBar::Show(const PresetLibrary& book) {
     if (fEntries == book.Entries() && fCurrent == book.Current() && fIsChanged == book.IsChanged()) return;
     fEntries = book.Entries();
     fCurrent = book.Current();
     fIsChanged = book.IsChanged();
     fPopup->DeleteAllItems();
     fItems.clear();
-    for (const PresetBook::Entry& entry : fEntries)
+    for (const PresetLibrary::Entry& entry : fEntries)
         AddItem(entry);
     const auto current = std::ranges::find(fEntries, fCurrent);
     // Its file may be gone.
@@ -59,7 +59,7 @@ void PresetBar::Show(const PresetBook& book) {
     fPopup->SetValue(current != fEntries.end() ? fItems[static_cast<std::size_t>(current - fEntries.begin())] : -1);
 }
 
-void PresetBar::AddItem(const PresetBook::Entry& entry) {
+void PresetBar::AddItem(const PresetLibrary::Entry& entry) {
     const bool isFirstOfUser = entry.isUsers && !fEntries[fItems.size() - 1].isUsers;
     if (isFirstOfUser) fPopup->AddSeparator();
     fItems.push_back(fPopup->GetItemCount());
@@ -71,7 +71,7 @@ void PresetBar::AddItem(const PresetBook::Entry& entry) {
 void PresetBar::OnChoice() {
     const auto item = std::ranges::find(fItems, fPopup->GetValue());
     if (item == fItems.end()) return;
-    const PresetBook::Entry entry = fEntries[static_cast<std::size_t>(item - fItems.begin())];
+    const PresetLibrary::Entry entry = fEntries[static_cast<std::size_t>(item - fItems.begin())];
     fActions.take(entry);
 }
 

@@ -5,7 +5,7 @@
 #include "kroaudiofilterhost/AudioFilterHost.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "workbench/session/CompareSlots.h"
-#include "workbench/session/PresetBook.h"
+#include "workbench/session/PresetLibrary.h"
 #include "workbench/sound/RenderJob.h"
 #include "workbench/sound/SoundOutput.h"
 
@@ -47,14 +47,14 @@ public:
     qohost::UndoHistory& History() { return fCurrent->history; }
 
     // Of the present effect, too.
-    PresetBook& Presets() { return fCurrent->presets; }
+    PresetLibrary& Presets() { return fCurrent->presets; }
     // Of all effects.
     const qohost::UserPresets& SavedPresets() const { return fUserPresets; }
     CompareSlots::Slot Slot() const { return fCurrent->slots.Current(); }
     // Sets the effect as the preset, or the other slot, has it: one step of undo. Playing goes on, after a short gap if
     // something can't be changed while it plays. Returns notes as ApplyPreset does. The first throws
     // krocore::config::Error, with everything as before.
-    std::vector<std::string> TakePreset(const PresetBook::Entry& entry);
+    std::vector<std::string> LoadPreset(const PresetLibrary::Entry& entry);
     std::vector<std::string> SwitchSlot();
 
     // What is played and rendered of the sound; an empty range is the whole of it.
@@ -83,29 +83,29 @@ public:
     void Poll();
 
 private:
-    struct Use {
-        Use(const qoc::components::EffectDescription& effect, const FilterPtr& used,
-            const qohost::UserPresets& userPresets)
+    struct LoadedEffect {
+        LoadedEffect(const qoc::components::EffectDescription& effect, const FilterPtr& used,
+                     const qohost::UserPresets& userPresets)
             : filter(used), history(used), presets(effect, used, userPresets) {}
         FilterPtr filter;
         qohost::UndoHistory history;
-        PresetBook presets;
+        PresetLibrary presets;
         CompareSlots slots;
     };
 
     kroaudiofilterhost::AudioFilterTimeFormat GetTimeFormat() const override;
     kroaudiofilterhost::AudioFilterTempo GetTempo() const override;
-    Use& AddUse(const qoc::components::EffectDescription& effect, const FilterPtr& filter);
-    Use& UseOf(const qoc::components::EffectDescription& effect);
+    LoadedEffect& AddLoadedEffect(const qoc::components::EffectDescription& effect, const FilterPtr& filter);
+    LoadedEffect& LoadedEffectFor(const qoc::components::EffectDescription& effect);
     std::filesystem::path FileToRender() const;
     std::vector<std::string> Apply(const qohost::Preset& preset);
     void LoadEngine(const std::shared_ptr<const qohost::Sound>& sound, const FilterPtr& filter);
 
     SoundOutput& fOutput;
     qohost::UserPresets fUserPresets;
-    std::map<const qoc::components::EffectDescription*, Use> fUses;
+    std::map<const qoc::components::EffectDescription*, LoadedEffect> fLoadedEffects;
     const qoc::components::EffectDescription* fEffect;
-    Use* fCurrent;
+    LoadedEffect* fCurrent;
     std::shared_ptr<const qohost::Sound> fSound;
     krocore::string16 fSoundName;
     std::filesystem::path fFile; // empty: the built-in sound

@@ -49,15 +49,15 @@ private:
         bool operator==(const Stamp&) const = default;
     };
     struct Entry {
-        Stamp seen;  // at the last look
-        Stamp taken; // of what stands in front of the resource
+        Stamp seen;   // at the last look
+        Stamp loaded; // of what stands in front of the resource
         krotarnlio::Script script;
         std::filesystem::path path;
     };
 
     static Stamp StampOf(const std::filesystem::path& file);
     bool See();
-    bool Take(const ResourceName& name, Entry& entry);
+    bool Load(const ResourceName& name, Entry& entry);
 
     std::filesystem::path fFolder;
     std::map<ResourceName, Entry> fEntries;

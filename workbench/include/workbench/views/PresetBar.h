@@ -1,7 +1,7 @@
 #pragma once
 
 #include "kroui/controls/UI_Popup.h"
-#include "workbench/session/PresetBook.h"
+#include "workbench/session/PresetLibrary.h"
 #include "workbench/views/MenuButton.h"
 
 namespace workbench {
@@ -13,7 +13,7 @@ public:
     static constexpr float kWidth = 208;
 
     struct Actions {
-        boost::function<void(const PresetBook::Entry&)> take;
+        boost::function<void(const PresetLibrary::Entry&)> take;
         boost::function<void()> save;
         // Returns why that is not possible; empty if it is done.
         boost::function<krocore::string16(std::u16string_view)> saveAs;
@@ -22,7 +22,7 @@ public:
     };
     explicit PresetBar(Actions actions);
 
-    void Show(const PresetBook& book);
+    void Show(const PresetLibrary& book);
     // What the user chose did not come to be: the next Show writes everything anew.
     void Forget() { fEntries.clear(); }
 
@@ -31,7 +31,7 @@ public:
 private:
     using Finish = kroui::controls::UI_TextField::Finish;
 
-    void AddItem(const PresetBook::Entry& entry);
+    void AddItem(const PresetLibrary::Entry& entry);
     MenuButton::Commands Commands();
     void OnChoice();
     void BeginNaming();
@@ -39,8 +39,8 @@ private:
     void EndNaming();
 
     Actions fActions;
-    std::vector<PresetBook::Entry> fEntries;
-    PresetBook::Entry fCurrent;
+    std::vector<PresetLibrary::Entry> fEntries;
+    PresetLibrary::Entry fCurrent;
     bool fIsChanged = false;
     boost::intrusive_ptr<kroui::controls::UI_Popup> fPopup;
     std::vector<int> fItems; // of the pop-up, by entry

@@ -7,11 +7,11 @@
 #include "workbench/views/PanelCard.h"
 #include "workbench/window/Appearance.h"
 #include "workbench/window/HeaderBar.h"
-#include "workbench/window/PresetDesk.h"
-#include "workbench/window/RenderDesk.h"
+#include "workbench/window/PresetController.h"
+#include "workbench/window/RenderController.h"
 #include "workbench/window/Shortcuts.h"
 #include "workbench/window/StatusLine.h"
-#include "workbench/window/TransportDesk.h"
+#include "workbench/window/TransportController.h"
 #include "workbench/window/WorkbenchLayout.h"
 
 namespace workbench {
@@ -73,9 +73,9 @@ private:
     boost::function<void()> fTitleListener;
     Appearance fAppearance;
     boost::intrusive_ptr<StatusLine> fStatus;
-    PresetDesk fPresets;
-    RenderDesk fRendering;
-    TransportDesk fTransport;
+    PresetController fPresets;
+    RenderController fRendering;
+    TransportController fTransport;
     boost::intrusive_ptr<HeaderBar> fHeader;
     boost::intrusive_ptr<EffectBrowser> fEffects;
     boost::intrusive_ptr<ScrollView> fPanelPlace;

@@ -8,10 +8,10 @@ namespace workbench {
 
 // Carries playing and selecting between the session and the controls for them. Owned by the view, which lives no longer
 // than the session.
-class TransportDesk {
+class TransportController {
 public:
     // `render`: the user wants the sound rendered, or no more.
-    TransportDesk(Session& session, boost::function<void()> render);
+    TransportController(Session& session, boost::function<void()> render);
 
     const boost::intrusive_ptr<TransportBar>& Bar() const { return fBar; }
     const boost::intrusive_ptr<WaveformView>& Waveform() const { return fWaveform; }

@@ -1,4 +1,4 @@
-#include "workbench/session/PresetBook.h"
+#include "workbench/session/PresetLibrary.h"
 
 #include "host/FactoryPresets.h"
 #include "krocore/Localizer.h"
@@ -14,16 +14,17 @@ constexpr const char* kDefault = "Default";
 
 } // namespace
 
-PresetBook::PresetBook(const qoc::components::EffectDescription& effect, FilterPtr filter, qohost::UserPresets presets)
+PresetLibrary::PresetLibrary(const qoc::components::EffectDescription& effect, FilterPtr filter,
+                             qohost::UserPresets presets)
     : fEffect(effect), fFilter(std::move(filter)), fUserPresets(std::move(presets)),
       fFactoryPresets(qohost::FactoryPresets(effect)) {
     if (fFactoryPresets.empty())
         fFactoryPresets.push_back({kDefault, krocore::ToStdString(fFilter->GetComponentID()), {}});
     Refresh();
-    Take(fEntries.front());
+    MarkLoaded(fEntries.front());
 }
 
-void PresetBook::Refresh() {
+void PresetLibrary::Refresh() {
     fEntries.clear();
     for (const qohost::Preset& preset : fFactoryPresets)
         fEntries.push_back({preset.name, false});
@@ -31,31 +32,31 @@ void PresetBook::Refresh() {
         fEntries.push_back({std::move(name), true});
 }
 
-const PresetBook::Taken& PresetBook::Find() const {
-    const auto isSame = [this](const Taken& taken) { return qohost::HasSettingsOf(*fFilter, taken.settings); };
-    const auto same = std::find_if(fTaken.rbegin(), fTaken.rend(), isSame);
-    return same != fTaken.rend() ? *same : fTaken.back();
+const PresetLibrary::Loaded& PresetLibrary::Find() const {
+    const auto isSame = [this](const Loaded& loaded) { return qohost::HasSettingsOf(*fFilter, loaded.settings); };
+    const auto same = std::find_if(fLoaded.rbegin(), fLoaded.rend(), isSame);
+    return same != fLoaded.rend() ? *same : fLoaded.back();
 }
 
-bool PresetBook::IsChanged() const {
+bool PresetLibrary::IsChanged() const {
     return !qohost::HasSettingsOf(*fFilter, Find().settings);
 }
 
-qohost::Preset PresetBook::Read(const Entry& entry) const {
+qohost::Preset PresetLibrary::Read(const Entry& entry) const {
     if (entry.isUsers) return fUserPresets.Read(fEffect.shortName, entry.name);
     return *std::ranges::find(fFactoryPresets, entry.name, &qohost::Preset::name);
 }
 
-void PresetBook::Take(const Entry& entry) {
-    std::erase_if(fTaken, [&entry](const Taken& taken) { return taken.entry == entry; });
-    fTaken.push_back({entry, qohost::CapturePresetForAnyRate(*fFilter, entry.name)});
+void PresetLibrary::MarkLoaded(const Entry& entry) {
+    std::erase_if(fLoaded, [&entry](const Loaded& loaded) { return loaded.entry == entry; });
+    fLoaded.push_back({entry, qohost::CapturePresetForAnyRate(*fFilter, entry.name)});
 }
 
-void PresetBook::Save(const Entry& entry) {
+void PresetLibrary::Save(const Entry& entry) {
     Write(entry.name);
 }
 
-void PresetBook::SaveAs(const std::string& name) {
+void PresetLibrary::SaveAs(const std::string& name) {
     const auto isTaken = [&name](const Entry& entry) { return krocore::EqualsIgnoringCase(entry.name, name); };
     if (std::ranges::any_of(fEntries, isTaken) || fUserPresets.Has(fEffect.shortName, name)) {
         throw krocore::config::Error(krocore::ToStdString(krocore::ReplacePlaceholders(
@@ -65,15 +66,15 @@ void PresetBook::SaveAs(const std::string& name) {
     Write(name);
 }
 
-void PresetBook::Write(const std::string& name) {
+void PresetLibrary::Write(const std::string& name) {
     fUserPresets.Write(fEffect.shortName, qohost::CapturePresetForAnyRate(*fFilter, name));
     Refresh();
-    Take({name, true});
+    MarkLoaded({name, true});
 }
 
-void PresetBook::Delete(const Entry& entry) {
+void PresetLibrary::Delete(const Entry& entry) {
     fUserPresets.Remove(fEffect.shortName, entry.name);
-    std::erase_if(fTaken, [&entry](const Taken& taken) { return taken.entry == entry; });
+    std::erase_if(fLoaded, [&entry](const Loaded& loaded) { return loaded.entry == entry; });
     Refresh();
 }
 

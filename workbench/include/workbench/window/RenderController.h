@@ -11,9 +11,9 @@ namespace workbench {
 
 // Renders at the user's wish, one job at a time; how far it is and what has come of it is said on the status line.
 // Owned by the view, which lives no longer than the session; a job that runs at its end is cancelled.
-class RenderDesk {
+class RenderController {
 public:
-    RenderDesk(Session& session, StatusLine& status);
+    RenderController(Session& session, StatusLine& status);
 
     // Cancels the job that runs, or starts one.
     void StartOrCancel();

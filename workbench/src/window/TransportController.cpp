@@ -1,10 +1,10 @@
-#include "workbench/window/TransportDesk.h"
+#include "workbench/window/TransportController.h"
 
 #include <cmath>
 
 namespace workbench {
 
-TransportDesk::TransportDesk(Session& session, boost::function<void()> render)
+TransportController::TransportController(Session& session, boost::function<void()> render)
     : fSession(session),
       fBar(new TransportBar({[this] { PlayOrPause(); }, [this] { Stop(); }, [this](bool on) { SetLooping(on); },
                              [this](bool on) { SetBypassed(on); }, std::move(render)})),
@@ -12,41 +12,41 @@ TransportDesk::TransportDesk(Session& session, boost::function<void()> render)
           {[this](double seconds) { Seek(seconds); }, [this](const TimeRange& range) { Select(range); }})) {
 }
 
-void TransportDesk::ShowSound() {
+void TransportController::ShowSound() {
     fWaveform->SetSound(fSession.CurrentSound());
     fBar->SetRange({0, fSession.CurrentSound().Seconds()}, false);
     fBar->SetTime(0);
 }
 
-void TransportDesk::Follow() {
+void TransportController::Follow() {
     const double position = fSession.Position();
     fBar->SetPlaying(fSession.Engine().IsPlaying());
     fBar->SetTime(position);
     fWaveform->SetPosition(position);
 }
 
-void TransportDesk::PlayOrPause() {
+void TransportController::PlayOrPause() {
     fSession.Engine().IsPlaying() ? fSession.Stop() : fSession.Play();
     Follow();
 }
 
-void TransportDesk::Stop() {
+void TransportController::Stop() {
     fSession.StopOrRewind();
     Follow();
 }
 
-void TransportDesk::Seek(double seconds) {
+void TransportController::Seek(double seconds) {
     fSession.Seek(seconds);
     Follow();
 }
 
-void TransportDesk::SelectAll() {
+void TransportController::SelectAll() {
     const TimeRange all = {0, fSession.CurrentSound().Seconds()};
     fWaveform->SetSelection(all);
     Select(all);
 }
 
-void TransportDesk::Select(const TimeRange& range) {
+void TransportController::Select(const TimeRange& range) {
     const qohost::Sound& sound = fSession.CurrentSound();
     const auto frame = [&sound](double seconds) {
         return static_cast<std::size_t>(std::llround(seconds * sound.sampleRate));
@@ -55,12 +55,12 @@ void TransportDesk::Select(const TimeRange& range) {
     fBar->SetRange(fSession.HasSelection() ? range : TimeRange{0, sound.Seconds()}, fSession.HasSelection());
 }
 
-void TransportDesk::SetLooping(bool looping) {
+void TransportController::SetLooping(bool looping) {
     fSession.Engine().SetLoop(looping);
     fBar->SetLooping(looping);
 }
 
-void TransportDesk::SetBypassed(bool bypassed) {
+void TransportController::SetBypassed(bool bypassed) {
     fSession.Engine().SetBypass(bypassed);
     fBar->SetBypassed(bypassed);
 }

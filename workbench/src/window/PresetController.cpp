@@ -1,4 +1,4 @@
-#include "workbench/window/PresetDesk.h"
+#include "workbench/window/PresetController.h"
 
 #include "krocore/Localizer.h"
 #include "workbench/commands/ProblemText.h"
@@ -21,40 +21,40 @@ krocore::string16 WithoutSpacesAround(std::u16string_view text) {
 
 } // namespace
 
-PresetDesk::PresetDesk(Session& session, StatusLine& status)
+PresetController::PresetController(Session& session, StatusLine& status)
     : fSession(session), fStatus(status),
-      fBar(new PresetBar({[this](const PresetBook::Entry& entry) { Take(entry); }, [this] { Save(); },
+      fBar(new PresetBar({[this](const PresetLibrary::Entry& entry) { Load(entry); }, [this] { Save(); },
                           [this](std::u16string_view name) { return SaveAs(name); }, [this] { Delete(); },
                           [this] { Reset(); }})),
       fSwitch(new CompareSwitch([this] { SwitchSlot(); })) {
 }
 
-void PresetDesk::ShowEffect() {
+void PresetController::ShowEffect() {
     fSession.Presets().Refresh();
     fSwitch->Show(fSession.Slot());
     Follow();
 }
 
-void PresetDesk::Follow() {
+void PresetController::Follow() {
     fBar->Show(fSession.Presets());
 }
 
-void PresetDesk::SwitchSlot() {
+void PresetController::SwitchSlot() {
     Try([this] { ShowNotes(fSession.SwitchSlot()); });
     fSwitch->Show(fSession.Slot());
 }
 
-void PresetDesk::Take(const PresetBook::Entry& entry) {
-    Try([&] { ShowNotes(fSession.TakePreset(entry)); });
+void PresetController::Load(const PresetLibrary::Entry& entry) {
+    Try([&] { ShowNotes(fSession.LoadPreset(entry)); });
 }
 
-void PresetDesk::Save() {
-    const PresetBook::Entry entry = fSession.Presets().Current();
+void PresetController::Save() {
+    const PresetLibrary::Entry entry = fSession.Presets().Current();
     const bool isDone = Try([&] { fSession.Presets().Save(entry); });
     if (isDone) fStatus.ShowNews(News("$$$/Workbench/Saved=Saved the preset \"@0\".", entry.name));
 }
 
-krocore::string16 PresetDesk::SaveAs(std::u16string_view name) {
+krocore::string16 PresetController::SaveAs(std::u16string_view name) {
     const std::string wanted = krocore::ToStdString(WithoutSpacesAround(name));
     try {
         fSession.Presets().SaveAs(wanted);
@@ -67,8 +67,8 @@ krocore::string16 PresetDesk::SaveAs(std::u16string_view name) {
     return {};
 }
 
-void PresetDesk::Delete() {
-    const PresetBook::Entry entry = fSession.Presets().Current();
+void PresetController::Delete() {
+    const PresetLibrary::Entry entry = fSession.Presets().Current();
     const bool isDone = Try([&] { fSession.Presets().Delete(entry); });
     if (isDone)
         fStatus.ShowNews(News("$$$/Workbench/Deleted=Deleted the preset \"@0\". The settings are as they were; Save "
@@ -76,12 +76,12 @@ void PresetDesk::Delete() {
                               entry.name));
 }
 
-void PresetDesk::Reset() {
-    Take(fSession.Presets().Entries().front());
+void PresetController::Reset() {
+    Load(fSession.Presets().Entries().front());
 }
 
 // Whatever comes of it, the bar shows what is.
-bool PresetDesk::Try(const boost::function<void()>& action) {
+bool PresetController::Try(const boost::function<void()>& action) {
     bool isDone = true;
     try {
         action();
@@ -94,7 +94,7 @@ bool PresetDesk::Try(const boost::function<void()>& action) {
     return isDone;
 }
 
-void PresetDesk::ShowNotes(const std::vector<std::string>& notes) {
+void PresetController::ShowNotes(const std::vector<std::string>& notes) {
     if (!notes.empty()) fStatus.ShowProblem(krocore::ToUTF16(notes.front()));
 }
 

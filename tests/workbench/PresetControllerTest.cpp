@@ -17,7 +17,7 @@ constexpr int kDeleteOfUsers = 1;
 // ... and changed.
 constexpr int kSaveOfUsers = 0;
 
-class PresetDeskTest : public WorkbenchFixture {
+class PresetControllerTest : public WorkbenchFixture {
 protected:
     std::filesystem::path FileOf(const std::string& name) const {
         return fFolder.Path("presets/amplify/" + name + ".json");
@@ -35,7 +35,7 @@ protected:
     }
 };
 
-TEST_F(PresetDeskTest, TakingAPresetIsOneStepAndTheNameFollowsTheSettings) {
+TEST_F(PresetControllerTest, TakingAPresetIsOneStepAndTheNameFollowsTheSettings) {
     EXPECT_EQ(ValueOf("preset"), "Default");
     const float unity = Gain();
     StepPreset(1); // "+3 dB"
@@ -55,7 +55,7 @@ TEST_F(PresetDeskTest, TakingAPresetIsOneStepAndTheNameFollowsTheSettings) {
     EXPECT_FLOAT_EQ(Gain(), unity);
 }
 
-TEST_F(PresetDeskTest, OwnPresetsAreSavedChangedTakenAgainAndDeleted) {
+TEST_F(PresetControllerTest, OwnPresetsAreSavedChangedTakenAgainAndDeleted) {
     DragGain(40);
     const float mine = Gain();
     SaveAs(u" My voice ");
@@ -83,7 +83,7 @@ TEST_F(PresetDeskTest, OwnPresetsAreSavedChangedTakenAgainAndDeleted) {
 }
 
 // Letter for letter: case, inner spaces, dots, brackets and letters beyond ASCII are the user's.
-TEST_F(PresetDeskTest, NamesAreKeptAsTyped) {
+TEST_F(PresetControllerTest, NamesAreKeptAsTyped) {
     for (const char16_t* const name :
          {u"My Voice", u"my  voice 2", u"K\u00FCche (Bad)", u"v1.2", u"-6 dB, LOUD!", u"\u6697\u3044"}) {
         fSession.Filter()->SetParameterValue(kLeftGain, Gain() - 0.01F);
@@ -102,7 +102,7 @@ TEST_F(PresetDeskTest, NamesAreKeptAsTyped) {
 }
 
 // Several names for the same settings: the one that was saved or taken last is the one that is shown.
-TEST_F(PresetDeskTest, SettingsSavedUnchangedHaveTheNewName) {
+TEST_F(PresetControllerTest, SettingsSavedUnchangedHaveTheNewName) {
     StepPreset(1); // "+3 dB"
     SaveAs(u"Mine");
     EXPECT_EQ(ValueOf("preset"), "Mine");
@@ -124,7 +124,7 @@ TEST_F(PresetDeskTest, SettingsSavedUnchangedHaveTheNewName) {
     EXPECT_NEAR(Gain(), 99.0F / 144, 1e-6F);
 }
 
-TEST_F(PresetDeskTest, NamesThatCannotBeAreRefusedAndEscapeLeavesEverything) {
+TEST_F(PresetControllerTest, NamesThatCannotBeAreRefusedAndEscapeLeavesEverything) {
     SaveAs(u"Mine");
     const std::string before = TemporaryFolder::Contents(FileOf("Mine"));
     DragGain(40);
@@ -142,7 +142,7 @@ TEST_F(PresetDeskTest, NamesThatCannotBeAreRefusedAndEscapeLeavesEverything) {
     EXPECT_EQ(fSession.Presets().Entries().back().name, "Mine");
 }
 
-TEST_F(PresetDeskTest, ABrokenPresetIsToldOfAndChangesNothing) {
+TEST_F(PresetControllerTest, ABrokenPresetIsToldOfAndChangesNothing) {
     fFolder.Write("presets/amplify/Broken.json", "{");
     fFolder.Write("presets/amplify/Other.json", R"({"effect": "qoc.Notch", "name": "x"})");
     DragGain(40);
@@ -162,7 +162,7 @@ TEST_F(PresetDeskTest, ABrokenPresetIsToldOfAndChangesNothing) {
     }
 }
 
-TEST_F(PresetDeskTest, SlotsKeepTwoSettingsAndSwitchingIsOneStep) {
+TEST_F(PresetControllerTest, SlotsKeepTwoSettingsAndSwitchingIsOneStep) {
     DragGain(40);
     const float a = Gain();
     Click("slotB"); // a copy at first
@@ -186,7 +186,7 @@ TEST_F(PresetDeskTest, SlotsKeepTwoSettingsAndSwitchingIsOneStep) {
 }
 
 // Each effect has a slot and settings for both of its own.
-TEST_F(PresetDeskTest, SlotsAndNamesFollowTheEffect) {
+TEST_F(PresetControllerTest, SlotsAndNamesFollowTheEffect) {
     DragGain(40);
     const float a = Gain();
     Click("slotB");
@@ -206,7 +206,7 @@ TEST_F(PresetDeskTest, SlotsAndNamesFollowTheEffect) {
     EXPECT_EQ(Gain(), a);
 }
 
-TEST_F(PresetDeskTest, WhatCannotChangeWhilePlayingIsTakenTooAndPlayingGoesOn) {
+TEST_F(PresetControllerTest, WhatCannotChangeWhilePlayingIsTakenTooAndPlayingGoesOn) {
     fView->ChooseEffect(EffectFromName("fftfilter"));
     const auto& filter = *fSession.Filter();
     constexpr int kSize = qoc::components::kFFTFilterSize;
@@ -217,7 +217,7 @@ TEST_F(PresetDeskTest, WhatCannotChangeWhilePlayingIsTakenTooAndPlayingGoesOn) {
     PressKey(Key::kSpace);
     fWindow.Advance(1);
     const double position = fSession.Position();
-    EXPECT_TRUE(fSession.TakePreset({"Long", true}).empty());
+    EXPECT_TRUE(fSession.LoadPreset({"Long", true}).empty());
     EXPECT_EQ(filter.GetParameterValue(kSize), 1.0F);
     EXPECT_TRUE(fSession.Engine().IsPlaying());
     fWindow.Advance(1);

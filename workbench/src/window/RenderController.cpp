@@ -1,4 +1,4 @@
-#include "workbench/window/RenderDesk.h"
+#include "workbench/window/RenderController.h"
 
 #include "krocore/Localizer.h"
 #include "krocore/NumberFormat.h"
@@ -10,17 +10,17 @@
 
 namespace workbench {
 
-RenderDesk::RenderDesk(Session& session, StatusLine& status) : fSession(session), fStatus(status) {
+RenderController::RenderController(Session& session, StatusLine& status) : fSession(session), fStatus(status) {
 }
 
-void RenderDesk::StartOrCancel() {
+void RenderController::StartOrCancel() {
     if (fJob)
         fJob->Cancel();
     else
         Start({});
 }
 
-void RenderDesk::Start(const RenderJob::Wishes& wishes) {
+void RenderController::Start(const RenderJob::Wishes& wishes) {
     try {
         RenderJob::Task task = fSession.TaskToRender();
         task.wishes = wishes;
@@ -32,7 +32,7 @@ void RenderDesk::Start(const RenderJob::Wishes& wishes) {
     }
 }
 
-void RenderDesk::Follow(TransportBar& bar) {
+void RenderController::Follow(TransportBar& bar) {
     if (fJob && fJob->IsOver()) {
         ShowOutcome(fJob->GetOutcome());
         fJob.reset();
@@ -41,7 +41,7 @@ void RenderDesk::Follow(TransportBar& bar) {
     bar.SetRendering(IsRendering());
 }
 
-void RenderDesk::ShowProgress() {
+void RenderController::ShowProgress() {
     const int percent = static_cast<int>(fJob->PartDone() * 100);
     if (percent == fShownPercent) return;
     fShownPercent = percent;
@@ -49,7 +49,7 @@ void RenderDesk::ShowProgress() {
                                                   {krocore::FormatNumber(percent, 0)}));
 }
 
-void RenderDesk::ShowOutcome(const RenderJob::Outcome& outcome) {
+void RenderController::ShowOutcome(const RenderJob::Outcome& outcome) {
     if (!outcome.problem.empty()) {
         fStatus.ShowProblem(krocore::ToUTF16(outcome.problem));
     } else if (outcome.file.empty()) {
@@ -62,7 +62,7 @@ void RenderDesk::ShowOutcome(const RenderJob::Outcome& outcome) {
     }
 }
 
-void RenderDesk::ShowClipping(const RenderJob::Outcome& outcome) {
+void RenderController::ShowClipping(const RenderJob::Outcome& outcome) {
     constexpr double kSafePeak = -1; // dB
     const auto text = krocore::ReplacePlaceholders(
         krocore::Localize("$$$/Workbench/RenderedClipped=Rendered @0: @1"),

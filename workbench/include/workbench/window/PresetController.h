@@ -9,9 +9,9 @@ namespace workbench {
 
 // Carries presets and the two slots between the session and the controls in the header; what goes wrong is said on the
 // status line. Owned by the view, which lives no longer than the session.
-class PresetDesk {
+class PresetController {
 public:
-    PresetDesk(Session& session, StatusLine& status);
+    PresetController(Session& session, StatusLine& status);
 
     const boost::intrusive_ptr<PresetBar>& Bar() const { return fBar; }
     const boost::intrusive_ptr<CompareSwitch>& Switch() const { return fSwitch; }
@@ -23,7 +23,7 @@ public:
     void SwitchSlot();
 
 private:
-    void Take(const PresetBook::Entry& entry);
+    void Load(const PresetLibrary::Entry& entry);
     void Save();
     krocore::string16 SaveAs(std::u16string_view name);
     void Delete();
