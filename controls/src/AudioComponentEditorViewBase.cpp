@@ -23,7 +23,10 @@ AudioComponentEditorViewBase::~AudioComponentEditorViewBase() {
 
 bool AudioComponentEditorViewBase::UI_DoTimerNotify(long timerID) {
     const kroui::ui::MessageScope scope;
-    if (timerID == fTimerID) SyncParameters();
+    if (timerID == fTimerID) {
+        fFilter->ServeAutomation();
+        SyncParameters();
+    }
     return true;
 }
 

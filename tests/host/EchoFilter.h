@@ -15,7 +15,7 @@ public:
         : AudioFilter(static_cast<std::size_t>(parameters)), fLatency(latency) {}
 
     krocore::string16 GetComponentID() const override { return u"test.Echo"; }
-    void Process(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override {
+    void OnProcess(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override {
         for (std::size_t i = 0; i < block.frames; ++i, ++fClock) {
             for (std::size_t channel = 0; channel < block.outputs.size(); ++channel) {
                 auto& ring = fPast[channel];
@@ -25,7 +25,7 @@ public:
             }
         }
     }
-    void Reset() noexcept override {
+    void OnReset() noexcept override {
         for (auto& ring : fPast)
             std::ranges::fill(ring, 0.0F);
     }

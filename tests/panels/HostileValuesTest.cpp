@@ -50,7 +50,7 @@ public:
         values.assign(size, value.value_or(0));
         return true;
     }
-    void Process(const kroaudiofilterhost::AudioFilterBlock&) noexcept override {}
+    void OnProcess(const kroaudiofilterhost::AudioFilterBlock&) noexcept override {}
 
     float StoredValue(int index) const { return fEffect->GetParameterValue(index); }
     // So that panels which look at the dirty count look again.

@@ -44,7 +44,7 @@ public:
     float GetSampleRate() const noexcept override {
         return sampleRate ? *sampleRate : MultiChannelComponentBase::GetSampleRate();
     }
-    void Process(const kroaudiofilterhost::AudioFilterBlock&) noexcept override {}
+    void OnProcess(const kroaudiofilterhost::AudioFilterBlock&) noexcept override {}
 
     // As automation does: no trace in the log.
     void Store(int index, float value) { StoreParameter(index, value); }

@@ -128,14 +128,14 @@ constexpr ParameterRow kRows[] = {
      .defaultValue = kDefaultSize,
      .decimals = 0,
      .kind = ParameterKind::kChoice,
-     .flags = kParameterNotAutomatable,
+     .flags = kParameterNotAutomatable | kParameterNeedsPrepare,
      .items = kSizeNames},
     {.id = "window",
      .name = "$$$/CenterChannelExtract/Window=Window",
      .hi = std::size(kWindowNames) - 1,
      .decimals = 0,
      .kind = ParameterKind::kChoice,
-     .flags = kParameterNotAutomatable,
+     .flags = kParameterNotAutomatable | kParameterNeedsPrepare,
      .items = kWindowNames},
     {.id = "overlaps",
      .name = "$$$/CenterChannelExtract/Overlaps=Overlaps",
@@ -143,7 +143,7 @@ constexpr ParameterRow kRows[] = {
      .hi = 16,
      .defaultValue = 4,
      .decimals = 0,
-     .flags = kParameterNotAutomatable},
+     .flags = kParameterNotAutomatable | kParameterNeedsPrepare | kParameterWhole},
     {.id = "mono", .name = "$$$/CenterChannelExtract/Mono=Mix to Mono", .kind = ParameterKind::kSwitch},
     {.id = "keepOutside",
      .name = "$$$/CenterChannelExtract/KeepOutside=Keep Frequencies Outside the Range",
@@ -210,7 +210,7 @@ CenterChannelExtract::CenterChannelExtract()
 
 CenterChannelExtract::~CenterChannelExtract() = default;
 
-void CenterChannelExtract::OnParametersChanged(ParameterChanges /*changes*/) {
+void CenterChannelExtract::OnParametersChanged(ParameterIndices /*changed*/) {
     StorePresentBand();
 }
 

@@ -26,7 +26,7 @@ constexpr ParameterRow kRows[] = {
      .hi = Chorus::kMostVoices,
      .defaultValue = 4,
      .decimals = 0,
-     .flags = kParameterNotAutomatable},
+     .flags = kParameterNotAutomatable | kParameterWhole},
     {.id = "delay",
      .name = "$$$/Chorus/Delay=Delay Time",
      .unit = "ms",

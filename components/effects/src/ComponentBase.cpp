@@ -18,7 +18,7 @@ const GenericParameterInfo* ComponentBase::GetParameterInfo(int index) const {
     return index < GetParameterCount() ? fTable.Find(index) : nullptr;
 }
 
-void ComponentBase::Process(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
+void ComponentBase::OnProcess(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
     const DenormalGuard guard;
     const std::int32_t dirtyCount = GetParameterDirtyCount();
     if (dirtyCount != fSeenDirtyCount && TryHoldParameters()) {
@@ -29,7 +29,7 @@ void ComponentBase::Process(const kroaudiofilterhost::AudioFilterBlock& block) n
     ProcessBlock(block);
 }
 
-void ComponentBase::Reset() noexcept {
+void ComponentBase::OnReset() noexcept {
     if (!fIsPrepared) return;
     fSeenDirtyCount = GetParameterDirtyCount();
     ResetProcessing();
@@ -70,7 +70,7 @@ void ComponentBase::TellParameter(int index, double natural) noexcept {
     if (stored != StoredParameter(static_cast<std::size_t>(index))) StoreParameter(index, stored);
 }
 
-void ComponentBase::OnPrepare(std::size_t maximumBlock) {
+void ComponentBase::OnSampleRateChanged() {
     constexpr float kNyquistPerSampleRate = 0.5F;
     for (int index = 0; index < fTable.Size(); ++index) {
         GenericParameterInfo* const info = fTable.Find(index);
@@ -81,9 +81,12 @@ void ComponentBase::OnPrepare(std::size_t maximumBlock) {
         const bool isDefault = StoredParameter(static_cast<std::size_t>(index)) == oldDefault;
         if (isDefault && info->GetDefault() != oldDefault) StoreParameter(index, info->GetDefault());
     }
+}
+
+void ComponentBase::OnPrepare(std::size_t maximumBlock) {
     PrepareProcessing(maximumBlock);
     fIsPrepared = true;
-    Reset();
+    OnReset();
 }
 
 } // namespace qoc::components

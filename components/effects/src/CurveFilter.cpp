@@ -77,8 +77,8 @@ double CurveFilter::StoredValue(std::size_t point) const noexcept {
     return std::clamp(stored, 0.0F, 1.0F);
 }
 
-void CurveFilter::OnParametersChanged(ParameterChanges changes) {
-    fIsStale = fIsStale || std::ranges::any_of(changes, [this](const auto& change) { return IsHeard(change.index); });
+void CurveFilter::OnParametersChanged(ParameterIndices changed) {
+    fIsStale = fIsStale || std::ranges::any_of(changed, [this](int index) { return IsHeard(index); });
     if (!fIsStale || !IsPrepared() || IsOn(fIndices.updating)) return;
     Redesign();
     fHandOver.Offer(MakePartitions(fFIR));

@@ -23,6 +23,8 @@ constexpr const char* kChannelNames[] = {"$$$/DynamicsUI/Loudest=Loudest", "$$$/
                                          "$$$/DynamicsUI/EachByItself=Each by Itself"};
 enum { kLoudest, kAverage, kEachByItself };
 
+constexpr const char kCurve[] = "curve";
+
 constexpr ParameterRow kRows[] = {
     {.id = "makeUpGain",
      .name = "$$$/DynamicsUI/MakeUpGainName=Make-Up Gain",
@@ -48,7 +50,7 @@ constexpr ParameterRow kRows[] = {
      .unit = "ms",
      .hi = kLongestLookAhead,
      .decimals = 1,
-     .flags = kParameterNotAutomatable},
+     .flags = kParameterNotAutomatable | kParameterNeedsPrepare},
     {.id = "range",
      .name = "$$$/DynamicsUI/RangeName=Range",
      .unit = "dB",
@@ -108,7 +110,9 @@ constexpr ParameterRow kRows[] = {
      .lo = kFewestPoints,
      .hi = static_cast<float>(TransferCurve::kMostPoints),
      .defaultValue = kFewestPoints,
-     .decimals = 0},
+     .decimals = 0,
+     .flags = kParameterWhole,
+     .curve = kCurve},
 };
 
 constexpr ParameterRow Level(const char* id, const char* name, float level) {
@@ -118,7 +122,8 @@ constexpr ParameterRow Level(const char* id, const char* name, float level) {
             .lo = static_cast<float>(Dynamics::kLowestLevel),
             .hi = 0,
             .defaultValue = level,
-            .decimals = 1};
+            .decimals = 1,
+            .curve = kCurve};
 }
 
 // The first point stands at the lowest level, the others wait at the highest one.

@@ -110,11 +110,11 @@ std::size_t Echo::Tail() const noexcept {
     return static_cast<std::size_t>(std::min(most, std::ceil((1 + repeats) * longest)));
 }
 
-void Echo::OnParametersChanged(ParameterChanges changes) {
-    const auto isBand = [](const auto& change) {
-        return change.index >= kEchoFirstBand && change.index < kEchoFirstBand + static_cast<int>(kBands);
+void Echo::OnParametersChanged(ParameterIndices changed) {
+    const auto isBand = [](int index) {
+        return index >= kEchoFirstBand && index < kEchoFirstBand + static_cast<int>(kBands);
     };
-    if (std::ranges::none_of(changes, isBand)) return;
+    if (std::ranges::none_of(changed, isBand)) return;
     Redesign();
     const bool isPrepared = fTarget != nullptr;
     if (isPrepared) fHandOver.Offer(std::make_unique<Equaliser>(fDesigned));

@@ -38,7 +38,7 @@ constexpr ParameterRow kCommonRows[] = {
      .defaultValue = 4096,
      .decimals = 0,
      .kind = ParameterKind::kChoice,
-     .flags = kParameterNotAutomatable,
+     .flags = kParameterNotAutomatable | kParameterNeedsPrepare,
      .items = kSizeNames,
      .itemValues = kSizes},
     // An eighth an item.
@@ -66,12 +66,16 @@ constexpr ParameterRow PointFrequency(float defaultHertz) {
             .unit = "Hz",
             .defaultValue = defaultHertz,
             .decimals = 1,
-            .scale = ParameterScale::kNyquist};
+            .scale = ParameterScale::kNyquist,
+            .curve = CurveFilterRows::kCurve};
 }
 
 // A place on a fader's travel, of which 1 is +12 dB and 0 silence.
-constexpr ParameterRow kPointLevel = {
-    .id = "level", .name = "$$$/FFTFilter/PointLevel=Level @0", .defaultValue = kUnityLevel, .decimals = 4};
+constexpr ParameterRow kPointLevel = {.id = "level",
+                                      .name = "$$$/FFTFilter/PointLevel=Level @0",
+                                      .defaultValue = kUnityLevel,
+                                      .decimals = 4,
+                                      .curve = CurveFilterRows::kCurve};
 
 constexpr ParameterRow kFirstPointRows[] = {PointFrequency(20), kPointLevel};
 constexpr ParameterRow kPointRows[] = {PointFrequency(CurveFilterRows::kHighestFrequency), kPointLevel};

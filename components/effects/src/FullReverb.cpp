@@ -142,7 +142,7 @@ bool FullReverb::GetResponseCurve(int index, std::size_t size, std::vector<float
     return true;
 }
 
-void FullReverb::OnParametersChanged(ParameterChanges /*changes*/) {
+void FullReverb::OnParametersChanged(ParameterIndices /*changed*/) {
     TellRoom();
 }
 

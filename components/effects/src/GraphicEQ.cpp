@@ -30,7 +30,7 @@ constexpr ParameterRow kCommonRows[] = {
      .hi = kMostPasses,
      .defaultValue = 4,
      .decimals = 0,
-     .flags = kParameterNotAutomatable},
+     .flags = kParameterNotAutomatable | kParameterWhole},
     {.id = "masterGain",
      .name = "$$$/GraphicEQ/MasterGain=Master Gain",
      .unit = "dB",
@@ -116,9 +116,9 @@ bool GraphicEQ::GetMagnitudeResponse(std::size_t count, const kroaudiofilterhost
     return true;
 }
 
-void GraphicEQ::OnParametersChanged(ParameterChanges changes) {
-    const auto isMasterGain = [](const auto& change) { return change.index == kGraphicEQMasterGain; };
-    if (std::ranges::all_of(changes, isMasterGain)) {
+void GraphicEQ::OnParametersChanged(ParameterIndices changed) {
+    const auto isMasterGain = [](int index) { return index == kGraphicEQMasterGain; };
+    if (std::ranges::all_of(changed, isMasterGain)) {
         StoreHighestGain();
         return;
     }

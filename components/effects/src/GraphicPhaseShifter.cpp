@@ -35,12 +35,16 @@ constexpr ParameterRow kCommonRows[] = {
      .defaultValue = 16384,
      .decimals = 0,
      .kind = ParameterKind::kChoice,
-     .flags = kParameterNotAutomatable,
+     .flags = kParameterNotAutomatable | kParameterNeedsPrepare,
      .items = kSizeNames,
      .itemValues = kSizes},
     {}, // marks a curve that is being rewritten: nobody's setting
     // 0: all channels
-    {.id = "channel", .name = "$$$/GraphicPhaseShifter/Channel=Channel", .hi = kLastChannelItem, .decimals = 0},
+    {.id = "channel",
+     .name = "$$$/GraphicPhaseShifter/Channel=Channel",
+     .hi = kLastChannelItem,
+     .decimals = 0,
+     .flags = kParameterWhole},
     {.id = "range",
      .name = "$$$/GraphicPhaseShifter/Range=Phase Range",
      .kind = ParameterKind::kChoice,
@@ -61,11 +65,15 @@ constexpr ParameterRow PointPosition(float defaultPlace) {
     return {.id = "position",
             .name = "$$$/GraphicPhaseShifter/PointPosition=Position @0",
             .defaultValue = defaultPlace,
-            .decimals = 4};
+            .decimals = 4,
+            .curve = CurveFilterRows::kCurve};
 }
 
-constexpr ParameterRow kPointPhase = {
-    .id = "phase", .name = "$$$/GraphicPhaseShifter/PointPhase=Phase @0", .defaultValue = 0.5F, .decimals = 4};
+constexpr ParameterRow kPointPhase = {.id = "phase",
+                                      .name = "$$$/GraphicPhaseShifter/PointPhase=Phase @0",
+                                      .defaultValue = 0.5F,
+                                      .decimals = 4,
+                                      .curve = CurveFilterRows::kCurve};
 
 constexpr ParameterRow kFirstPointRows[] = {PointPosition(0), kPointPhase};
 constexpr ParameterRow kPointRows[] = {PointPosition(1), kPointPhase};

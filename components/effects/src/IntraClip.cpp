@@ -35,7 +35,8 @@ constexpr ParameterRow kRows[] = {
      .lo = 1,
      .hi = 50,
      .defaultValue = 2,
-     .decimals = 0},
+     .decimals = 0,
+     .flags = kParameterWhole},
     {.id = "level", .name = "$$$/IntraClip/LevelName=Clip Level", .unit = "dB", .lo = -40, .hi = 0, .defaultValue = 0},
     {.id = "findLevel",
      .name = "$$$/IntraClip/FindLevelName=Find Clip Level",
@@ -50,14 +51,15 @@ constexpr ParameterRow kRows[] = {
      .hi = 4,
      .defaultValue = 2,
      .kind = ParameterKind::kChoice,
-     .flags = kParameterNotAutomatable,
+     .flags = kParameterNotAutomatable | kParameterNeedsPrepare,
      .items = kSizeNames},
     {.id = "detail",
      .name = "$$$/IntraClip/DetailName=Model Order",
      .lo = 8,
      .hi = kLargestOrder,
      .defaultValue = 32,
-     .decimals = 0},
+     .decimals = 0,
+     .flags = kParameterWhole},
 };
 
 // How often the model is made anew from what it has restored.

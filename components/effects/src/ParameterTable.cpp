@@ -1,5 +1,6 @@
 #include "qoc/components/ParameterTable.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace qoc::components {
@@ -31,7 +32,20 @@ GenericParameterInfo* ParameterTable::Find(int index) const noexcept {
 
 void ParameterTable::AddRow(const ParameterRow& row, int number) {
     const bool isFree = std::string_view(row.id).empty();
+    const std::string_view curve = row.curve;
+    if (!curve.empty()) AddToCurve(curve);
     fInfos.push_back(isFree ? nullptr : std::make_unique<GenericParameterInfo>(row, number));
+}
+
+// Of two parameters a point the second one completes it.
+void ParameterTable::AddToCurve(std::string_view curve) {
+    const auto known = std::ranges::find(fCurves, curve, &kroaudiofilterhost::AudioFilterCurve::id);
+    if (known == fCurves.end()) {
+        fCurves.push_back({.id = std::string(curve), .countIndex = Size()});
+        return;
+    }
+    if (known->firstPoint == 0) known->firstPoint = Size();
+    known->mostPoints = (Size() - known->firstPoint + 1) / 2;
 }
 
 } // namespace qoc::components

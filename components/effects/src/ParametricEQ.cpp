@@ -169,7 +169,7 @@ bool ParametricEQ::GetResponseCurve(int index, std::size_t size, std::vector<flo
     return index == 0 && GetMagnitudeResponse(size, {kLowestFrequency, end, true}, values);
 }
 
-void ParametricEQ::OnParametersChanged(ParameterChanges /*changes*/) {
+void ParametricEQ::OnParametersChanged(ParameterIndices /*changed*/) {
     StoreHighestGain();
 }
 

@@ -41,7 +41,7 @@ constexpr ParameterRow kRows[] = {
      .hi = 2,
      .defaultValue = 1,
      .kind = ParameterKind::kChoice,
-     .flags = kParameterNotAutomatable,
+     .flags = kParameterNotAutomatable | kParameterNeedsPrepare,
      .items = kSizeNames},
     {},
     {.id = "calibration",

@@ -76,7 +76,7 @@ std::size_t Reverb::Tail() const noexcept {
     return static_cast<std::size_t>(std::ceil(seconds * GetSampleRate()));
 }
 
-void Reverb::OnParametersChanged(ParameterChanges /*changes*/) {
+void Reverb::OnParametersChanged(ParameterIndices /*changed*/) {
     Tell();
 }
 

@@ -44,7 +44,8 @@ constexpr ParameterRow kRows[] = {
      .lo = 1,
      .hi = ScientificFilterSettings::kHighestOrder,
      .defaultValue = 4,
-     .decimals = 0},
+     .decimals = 0,
+     .flags = kParameterWhole},
     {.id = "cutoff",
      .name = "$$$/ScientificFilter/Cutoff=Cutoff",
      .unit = "Hz",
@@ -238,7 +239,7 @@ std::size_t ScientificFilter::Tail() const noexcept {
     return static_cast<std::size_t>(std::min(Design().DecaySamples(), kLongestTail * GetSampleRate()));
 }
 
-void ScientificFilter::OnParametersChanged(ParameterChanges /*changes*/) {
+void ScientificFilter::OnParametersChanged(ParameterIndices /*changed*/) {
     StoreTransitionBandwidth();
 }
 

@@ -119,7 +119,7 @@ std::size_t StudioReverb::Tail() const noexcept {
     return static_cast<std::size_t>(std::ceil(seconds * GetSampleRate()));
 }
 
-void StudioReverb::OnParametersChanged(ParameterChanges /*changes*/) {
+void StudioReverb::OnParametersChanged(ParameterIndices /*changed*/) {
     Tell();
 }
 

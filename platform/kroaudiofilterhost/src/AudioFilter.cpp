@@ -1,11 +1,14 @@
 #include "kroaudiofilterhost/AudioFilter.h"
 
+#include "DryPath.h"
 #include "krocore/Localizer.h"
 #include "krocore/NumberFormat.h"
 #include "krocore/config/Error.h"
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <limits>
 #include <thread>
 #include <utility>
 
@@ -50,7 +53,10 @@ private:
 
 AudioFilter::AudioFilter(std::size_t parameterCapacity)
     : fParameterCapacity(parameterCapacity), fValues(std::make_unique<std::atomic<float>[]>(parameterCapacity)),
-      fInputBuses{AudioFilterBusDescription(kromediatypes::AudioChannelLayout::Stereo())}, fOutputBuses(fInputBuses) {
+      fAutomated(std::make_unique<std::atomic<bool>[]>(parameterCapacity)),
+      fDryPath(std::make_unique<DryPath>()), fInputBuses{AudioFilterBusDescription(
+                                                 kromediatypes::AudioChannelLayout::Stereo())},
+      fOutputBuses(fInputBuses) {
 }
 
 AudioFilter::~AudioFilter() = default;
@@ -73,8 +79,79 @@ void AudioFilter::SetParameterValueQuietly(int index, float value) {
 
 void AudioFilter::SetParameterValues(std::span<const AudioFilterParameterValue> values) {
     BeginParameterEdit(kAllParameters);
-    TellOf(StoreTogether(values));
+    const auto changes = StoreTogether(values);
+    TellOf(changes);
+    std::vector<int> indices;
+    std::ranges::transform(changes, std::back_inserter(indices), &AudioFilterParameterChange::index);
+    if (!indices.empty()) TakeOver(indices);
     EndParameterEdit(kAllParameters);
+}
+
+void AudioFilter::Automate(int index, float value) noexcept {
+    if (!CanStore(index, value)) return;
+    const AudioFilterParameterInfo* info = GetParameterInfo(index);
+    if (info != nullptr && !info->IsAutomatable()) return;
+    const auto at = static_cast<std::size_t>(index);
+    if (StoredParameter(at) == value) return;
+    StoreParameter(index, value);
+    fAutomated[at].store(true, std::memory_order_release);
+    fIsAnyAutomated.store(true, std::memory_order_release);
+}
+
+bool AudioFilter::ServeAutomation() {
+    if (!fIsAnyAutomated.exchange(false, std::memory_order_acq_rel)) return false;
+    std::vector<int> indices;
+    for (int index = 0; index < GetParameterCount(); ++index) {
+        // What is automated from here on is served the next time.
+        if (fAutomated[static_cast<std::size_t>(index)].exchange(false, std::memory_order_acq_rel))
+            indices.push_back(index);
+    }
+    if (!indices.empty()) TakeOver(indices);
+    return true;
+}
+
+AudioFilterCurvePoints AudioFilter::GetCurve(std::size_t curve) const {
+    const AudioFilterCurve& drawn = GetCurves()[curve];
+    const auto natural = [this](int index) {
+        return GetParameterInfo(index)->ToNatural(StoredParameter(static_cast<std::size_t>(index)));
+    };
+    AudioFilterCurvePoints points;
+    const int count = std::min(static_cast<int>(CountCurvePoints(drawn)), drawn.mostPoints);
+    for (int point = 0; point < count; ++point)
+        points.push_back({natural(drawn.IndexOfX(point)), natural(drawn.IndexOfY(point))});
+    return points;
+}
+
+bool AudioFilter::SetCurve(std::size_t curve, std::span<const AudioFilterCurvePoint> points) {
+    const auto settings = SettingsForCurve(curve, points);
+    if (settings) SetParameterValues(*settings);
+    return settings.has_value();
+}
+
+std::optional<std::vector<AudioFilterParameterValue>>
+AudioFilter::SettingsForCurve(std::size_t curve, std::span<const AudioFilterCurvePoint> points) const {
+    const AudioFilterCurve& drawn = GetCurves()[curve];
+    const auto isPossible = [](const AudioFilterCurvePoint& point) {
+        return std::isfinite(point.x) && std::isfinite(point.y);
+    };
+    const int count = static_cast<int>(std::min<std::size_t>(points.size(), std::numeric_limits<int>::max()));
+    if (count > drawn.mostPoints || !std::ranges::all_of(points, isPossible)) return {};
+    std::vector<AudioFilterParameterValue> settings;
+    const auto add = [&](int index, float natural) {
+        settings.push_back({index, GetParameterInfo(index)->ToNormalised(natural)});
+    };
+    add(drawn.countIndex, static_cast<float>(count));
+    for (int point = 0; point < count; ++point) {
+        add(drawn.IndexOfX(point), points[static_cast<std::size_t>(point)].x);
+        add(drawn.IndexOfY(point), points[static_cast<std::size_t>(point)].y);
+    }
+    return settings;
+}
+
+std::size_t AudioFilter::CountCurvePoints(const AudioFilterCurve& curve) const {
+    const float stored = StoredParameter(static_cast<std::size_t>(curve.countIndex));
+    const float natural = GetParameterInfo(curve.countIndex)->ToNatural(stored);
+    return static_cast<std::size_t>(std::clamp(std::round(natural), 0.0F, static_cast<float>(curve.mostPoints)));
 }
 
 void AudioFilter::BeginParameterEdit(int index) {
@@ -120,7 +197,30 @@ void AudioFilter::Prepare(float sampleRate, std::size_t maximumBlock, const krom
     fInputBuses.front() = AudioFilterBusDescription(layout);
     fOutputBuses.front() = AudioFilterBusDescription(std::move(output));
     fSampleRate = sampleRate;
-    OnPrepare(std::max<std::size_t>(maximumBlock, 1));
+    maximumBlock = std::max<std::size_t>(maximumBlock, 1);
+    OnSampleRateChanged();
+    OnPrepare(maximumBlock);
+    fDryPath->Prepare({layout.size(), maximumBlock, Latency(), sampleRate}, IsBypassed());
+    fHasBeenPrepared = true;
+    fNeedsPrepare = false;
+}
+
+void AudioFilter::SetSampleRate(float hertz) {
+    if (fHasBeenPrepared) return;
+    CheckSampleRate(hertz);
+    fSampleRate = hertz;
+    OnSampleRateChanged();
+}
+
+void AudioFilter::Process(const AudioFilterBlock& block) noexcept {
+    const bool isBypassed = IsBypassed();
+    OnProcess(fDryPath->Begin(block, isBypassed));
+    fDryPath->End(block, isBypassed);
+}
+
+void AudioFilter::Reset() noexcept {
+    OnReset();
+    fDryPath->Reset(IsBypassed());
 }
 
 kromediatypes::AudioChannelLayout AudioFilter::OutputLayoutFor(const kromediatypes::AudioChannelLayout& input) const {
@@ -130,7 +230,10 @@ kromediatypes::AudioChannelLayout AudioFilter::OutputLayoutFor(const kromediatyp
 void AudioFilter::OnPrepare(std::size_t /*maximumBlock*/) {
 }
 
-void AudioFilter::OnParametersChanged(ParameterChanges /*changes*/) {
+void AudioFilter::OnListen(std::span<const float* const> /*inputs*/, std::size_t /*frames*/) {
+}
+
+void AudioFilter::OnParametersChanged(ParameterIndices /*changed*/) {
 }
 
 void AudioFilter::StoreParameter(int index, float value) noexcept {
@@ -139,7 +242,10 @@ void AudioFilter::StoreParameter(int index, float value) noexcept {
 }
 
 void AudioFilter::ChangeParameter(int index, float value, bool quiet) {
-    if (const auto change = StoreChange(index, value, quiet)) TellOf({&*change, 1});
+    const auto change = StoreChange(index, value, quiet);
+    if (!change) return;
+    TellOf({&*change, 1});
+    TakeOver({&index, 1});
 }
 
 std::vector<AudioFilterParameterChange> AudioFilter::StoreTogether(std::span<const AudioFilterParameterValue> values) {
@@ -153,22 +259,35 @@ std::vector<AudioFilterParameterChange> AudioFilter::StoreTogether(std::span<con
     return changes;
 }
 
+bool AudioFilter::CanStore(int index, float value) const noexcept {
+    if (!IsParameter(index) || !std::isfinite(value)) return false;
+    const AudioFilterParameterInfo* info = GetParameterInfo(index);
+    return info == nullptr || !info->IsReadOnly();
+}
+
 // Nothing for what is refused and for what is so already.
 std::optional<AudioFilterParameterChange> AudioFilter::StoreChange(int index, float value, bool quiet) {
-    if (!IsParameter(index) || !std::isfinite(value)) return {};
-    const AudioFilterParameterInfo* info = GetParameterInfo(index);
-    if (info != nullptr && info->IsReadOnly()) return {};
+    if (!CanStore(index, value)) return {};
     const float oldValue = StoredParameter(static_cast<std::size_t>(index));
     if (oldValue == value) return {};
     StoreParameter(index, value);
     return AudioFilterParameterChange{index, oldValue, value, quiet};
 }
 
-void AudioFilter::TellOf(ParameterChanges changes) {
-    if (changes.empty()) return;
+void AudioFilter::TellOf(std::span<const AudioFilterParameterChange> changes) {
     for (const AudioFilterParameterChange& change : changes)
         TellListeners([&](AudioFilterListener& listener) { listener.ParameterChanged(*this, change); });
-    OnParametersChanged(changes);
+}
+
+void AudioFilter::TakeOver(ParameterIndices changed) {
+    OnParametersChanged(changed);
+    const bool waits = fHasBeenPrepared && std::ranges::any_of(changed, [this](int index) {
+                           const AudioFilterParameterInfo* info = GetParameterInfo(index);
+                           return info != nullptr && info->NeedsPrepare();
+                       });
+    if (!waits) return;
+    fNeedsPrepare = true;
+    TellListeners([this](AudioFilterListener& listener) { listener.PrepareNeeded(*this); });
 }
 
 template <typename Call>

@@ -55,7 +55,7 @@ const AudioFilterParameterInfo* ScriptFilter::GetParameterInfo(int index) const 
     return index >= 0 && at < fInfos.size() ? fInfos[at].get() : nullptr;
 }
 
-void ScriptFilter::Process(const AudioFilterBlock& block) noexcept {
+void ScriptFilter::OnProcess(const AudioFilterBlock& block) noexcept {
     for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
         if (block.outputs[channel] != block.inputs[channel])
             std::copy_n(block.inputs[channel], block.frames, block.outputs[channel]);

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "kroaudiofilterhost/AudioFilterBusDescription.h"
+#include "kroaudiofilterhost/AudioFilterCurve.h"
 #include "kroaudiofilterhost/AudioFilterHost.h"
 #include "kroaudiofilterhost/AudioFilterListener.h"
 #include "kroaudiofilterhost/AudioFilterParameterInfo.h"
+#include "kroaudiofilterhost/AudioFilterTransport.h"
 #include "krocore/FrequencyAxis.h"
 #include "krocore/String.h"
 #include "krocore/utility/RefCountedObject.h"
@@ -23,6 +25,11 @@ namespace kroaudiofilterhost {
 using AudioFilterBlock = kromediatypes::AudioBlock;
 using krocore::FrequencyAxis;
 
+class DryPath;
+
+// How much a filter may take for the same settings: no more than playing allows, or what the best result needs.
+enum class AudioFilterQuality : std::uint8_t { kLive, kRender };
+
 // What one parameter is to be.
 struct AudioFilterParameterValue {
     int index = 0;
@@ -32,8 +39,9 @@ struct AudioFilterParameterValue {
 // One instance of an audio effect: numbered parameters, buses, and the processing. Shared by the engine that runs it
 // and the panel that shows it.
 //
-// Threads: everything is for the user-interface thread except Process, which runs on the sound thread, and the reading
-// of parameters, which is safe anywhere. Prepare and Reset are called while Process does not run.
+// Threads: everything is for the user-interface thread except Process, Automate and SetTransport, which are for the
+// sound thread, and the bypass and the reading of parameters, which are safe anywhere. Prepare, Reset and Listen are
+// called while Process does not run.
 class AudioFilter : public krocore::utility::RefCountedObject {
 public:
     static constexpr int kAllParameters = -1; // index of a gesture that is about all parameters
@@ -64,8 +72,28 @@ public:
     // neither a parameter nor kAllParameters is ignored.
     virtual void BeginParameterEdit(int index);
     virtual void EndParameterEdit(int index);
+    // Changes a parameter while sound is processed, from the next block on: automation, a controller, a plug-in host's
+    // port. Sound thread, between blocks; neither allocates nor locks nor calls the system. Refuses what
+    // SetParameterValue refuses, and what can't be automated. It is no edit: listeners are not told, panels see it by
+    // the dirty count.
+    void Automate(int index, float value) noexcept;
+    // Makes what is costly to make of automated parameters (a filter's design), as a setter does at once; until then
+    // the sound goes on as it was designed before. To be called often by whoever may set parameters, from a panel's
+    // timer, a worker or before each block of a render; an open panel does. False when nothing was automated.
+    bool ServeAutomation();
     // Another number whenever any parameter has changed, by whomever. Wraps around.
     std::int32_t GetParameterDirtyCount() const noexcept;
+
+    // The curves that a user draws, which are one value each although they are stored as parameters.
+    virtual std::span<const AudioFilterCurve> GetCurves() const { return {}; }
+    // The points in use, in natural values. `curve` is an index of GetCurves().
+    AudioFilterCurvePoints GetCurve(std::size_t curve) const;
+    // Commits all points as one change, see SetParameterValues; points that are not in use keep their values. False,
+    // with nothing changed, for more points than there can be and for a value that is not finite.
+    bool SetCurve(std::size_t curve, std::span<const AudioFilterCurvePoint> points);
+    // The settings that make such a curve, for who commits them together with others; nothing where SetCurve refuses.
+    std::optional<std::vector<AudioFilterParameterValue>>
+    SettingsForCurve(std::size_t curve, std::span<const AudioFilterCurvePoint> points) const;
 
     void AddListener(AudioFilterListener& listener);
     void RemoveListener(AudioFilterListener& listener);
@@ -77,8 +105,11 @@ public:
     std::size_t GetNumberOfInputChannels() const noexcept { return fInputBuses.front().GetLayout().size(); }
     std::size_t GetNumberOfOutputChannels() const noexcept { return fOutputBuses.front().GetLayout().size(); }
 
-    // Hertz; 44100 until the filter is prepared.
+    // Hertz; 44100 until the filter is told another or is prepared.
     virtual float GetSampleRate() const noexcept { return fSampleRate; }
+    // Tells a filter that has not been prepared yet for which rate, in hertz, it is to describe its parameters: how far
+    // frequencies go follows it. Without effect on a prepared one. Throws as Prepare does.
+    void SetSampleRate(float hertz);
     // Length of the sound that is processed, in samples; 0 when it is not known.
     double GetDuration() const noexcept { return fDuration; }
     // Whether the engine does not run the filter at present.
@@ -96,6 +127,15 @@ public:
     virtual bool GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const;
 
     // For the host.
+    // While bypassed, the sound goes by as late as through the effect, which goes on listening; going over takes 5 ms.
+    // Any thread.
+    void SetBypassed(bool bypassed) noexcept { fIsBypassed.store(bypassed, std::memory_order_relaxed); }
+    bool IsBypassed() const noexcept { return fIsBypassed.load(std::memory_order_relaxed); }
+    // Takes effect with the next Prepare.
+    void SetQuality(AudioFilterQuality quality) noexcept { fQuality = quality; }
+    AudioFilterQuality GetQuality() const noexcept { return fQuality; }
+    // Where the host is when the next block begins. Sound thread; a host that knows tells it before each block.
+    void SetTransport(const AudioFilterTransport& transport) noexcept { fTransport = transport; }
     void SetAudioFilterHost(AudioFilterHost* host) noexcept { fHost = host; }
     void SetDuration(double samples) noexcept { fDuration = samples; }
     void SetSuspended(bool suspended) noexcept { fSuspended = suspended; }
@@ -107,12 +147,23 @@ public:
     // before.
     void Prepare(float sampleRate, std::size_t maximumBlock, const kromediatypes::AudioChannelLayout& layout);
 
-    // Processes the next block: channels as the buses say, frames up to the prepared maximum. Does not allocate, lock
-    // or call the system. The output depends on the sound and the parameters, not on how it is cut into blocks.
-    virtual void Process(const AudioFilterBlock& block) noexcept = 0;
+    // Whether settings have changed since Prepare that it alone takes over (AudioFilterParameterInfo::NeedsPrepare),
+    // such as the latency: until the host prepares the filter again, it goes on as it is. Listeners are told.
+    bool NeedsPrepare() const noexcept { return fNeedsPrepare; }
+
+    // Processes the next block: channels as the buses say, frames up to the prepared maximum. Buffers may overlap in
+    // any way, but for those of two outputs. Does not allocate, lock or call the system. The output depends on the
+    // sound and the parameters, not on how it is cut into blocks.
+    void Process(const AudioFilterBlock& block) noexcept;
 
     // Forgets all sound, as after Prepare.
-    virtual void Reset() noexcept {}
+    void Reset() noexcept;
+
+    // Whether the effect does better when it has heard the whole sound before it processes it. Who can, as a render,
+    // brings the sound twice: after Prepare or Reset to Listen, block by block, and then to Process.
+    virtual bool WantsToListen() const noexcept { return false; }
+    // Inputs as for Process; there is no output.
+    void Listen(std::span<const float* const> inputs, std::size_t frames) { OnListen(inputs, frames); }
 
     // How many samples the output comes later than the input. Fixed from one Prepare to the next.
     virtual std::size_t Latency() const noexcept { return 0; }
@@ -129,11 +180,25 @@ protected:
     virtual kromediatypes::AudioChannelLayout OutputLayoutFor(const kromediatypes::AudioChannelLayout& input) const;
     // The effect's part of Prepare: rate and buses are set already. Allocates what Process needs.
     virtual void OnPrepare(std::size_t maximumBlock);
+    // The effect's part of SetSampleRate and Prepare: the descriptions of parameters follow the rate.
+    virtual void OnSampleRateChanged() {}
+    // The effect's part of Process: an output may be the input of the same channel, otherwise the buffers don't
+    // overlap.
+    virtual void OnProcess(const AudioFilterBlock& block) noexcept = 0;
+    // The effect's part of Reset.
+    virtual void OnReset() noexcept {}
+    // The effect's part of Listen.
+    virtual void OnListen(std::span<const float* const> inputs, std::size_t frames);
+    // How many points a curve has.
+    virtual std::size_t CountCurvePoints(const AudioFilterCurve& curve) const;
+    // Where the host is; sound thread. The same until a host that knows tells another.
+    const AudioFilterTransport& GetTransport() const noexcept { return fTransport; }
 
-    // Setters have stored other values, and listeners have been told: what is made of parameters outside the sound
-    // thread, or told in read-only ones, may be made anew. Once for all that changes as one. User-interface thread.
-    using ParameterChanges = std::span<const AudioFilterParameterChange>;
-    virtual void OnParametersChanged(ParameterChanges changes);
+    // Setters have stored other values, and listeners have been told, or automation has: what is made of parameters
+    // outside the sound thread, or told in read-only ones, may be made anew. Once for all that changes as one.
+    // User-interface thread.
+    using ParameterIndices = std::span<const int>;
+    virtual void OnParametersChanged(ParameterIndices changed);
 
     // For Process: while the parameters are held, none of those that change as one does. False, at once, when they are
     // changing just now; then the next block is early enough to read them. Whoever changes them waits for the release.
@@ -150,17 +215,24 @@ private:
     class TellingScope;
 
     bool IsParameter(int index) const { return index >= 0 && index < GetParameterCount(); }
+    bool CanStore(int index, float value) const noexcept;
     void ChangeParameter(int index, float value, bool quiet);
     std::optional<AudioFilterParameterChange> StoreChange(int index, float value, bool quiet);
     std::vector<AudioFilterParameterChange> StoreTogether(std::span<const AudioFilterParameterValue> values);
-    void TellOf(ParameterChanges changes);
+    void TellOf(std::span<const AudioFilterParameterChange> changes);
+    void TakeOver(ParameterIndices changed);
     template <typename Call>
     void TellListeners(const Call& call);
 
     std::size_t fParameterCapacity;
     std::unique_ptr<std::atomic<float>[]> fValues;
+    std::unique_ptr<std::atomic<bool>[]> fAutomated; // since automation was served last
+    std::atomic<bool> fIsAnyAutomated{false};
     std::atomic<std::uint32_t> fDirtyCount{0};
     std::atomic_flag fAreParametersHeld;
+    std::atomic<bool> fIsBypassed{false};
+    std::unique_ptr<DryPath> fDryPath;
+    AudioFilterTransport fTransport;              // sound thread
     std::vector<AudioFilterListener*> fListeners; // null: removed while the listeners are being told
     int fTelling = 0;
     std::vector<AudioFilterBusDescription> fInputBuses;
@@ -168,6 +240,9 @@ private:
     float fSampleRate = 44100.0F;
     double fDuration = 0;
     AudioFilterHost* fHost = nullptr;
+    AudioFilterQuality fQuality = AudioFilterQuality::kLive;
+    bool fHasBeenPrepared = false;
+    bool fNeedsPrepare = false;
     bool fSuspended = true;
     bool fCanChangeNonAutomatable = true;
 };

@@ -23,6 +23,9 @@ public:
     // `index` is -1 when the bracket is about all parameters.
     virtual void ParameterEditBegun(AudioFilter& filter, int index) = 0;
     virtual void ParameterEditEnded(AudioFilter& filter, int index) = 0;
+    // AudioFilter::NeedsPrepare() has become true, or is so again for another setting: the host prepares the filter
+    // when it can.
+    virtual void PrepareNeeded(AudioFilter& /*filter*/) {}
 
 protected:
     AudioFilterListener() = default;

@@ -2,6 +2,7 @@
 
 #include "krocore/String.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,7 +12,7 @@ namespace kroaudiofilterhost {
 // What one parameter of a filter means: its name, unit, default and the conversions between the stored normalised value
 // (nominally 0...1), the natural value in its unit, and text. Owned by the filter and as long-lived; after the filter
 // is made it changes only in what depends on the sample rate. User-interface thread, except for the two number
-// conversions, which are safe on the sound thread too.
+// conversions and what answers with yes or no, which are safe on the sound thread too.
 class AudioFilterParameterInfo {
 public:
     enum class Kind {
@@ -45,13 +46,23 @@ public:
     virtual Kind GetKind() const { return Kind::kNumber; }
     virtual int GetDecimalPlaces() const { return 2; }
     virtual Scale GetScale() const { return Scale::kLinear; }
+    // Whether only whole natural values differ: a count, an order.
+    virtual bool IsWhole() const { return false; }
+    // Natural, as far as the present sample rate lets it go.
+    float GetMinimum() const { return std::min(ToNatural(0.0F), ToNatural(1.0F)); }
+    float GetMaximum() const { return std::max(ToNatural(0.0F), ToNatural(1.0F)); }
     // Whether the parameter may change while the engine runs.
     virtual bool IsAutomatable() const { return true; }
+    // Whether a change takes effect only when the filter is prepared again, with another latency perhaps.
+    virtual bool NeedsPrepare() const { return false; }
     // The filter tells this value; the setters of the filter refuse it.
     virtual bool IsReadOnly() const { return false; }
     // The id of the switch that makes all parameters which name it one value while it is on: whoever changes one of
     // them changes all. The filter itself does not. Empty for a parameter that stands alone.
     virtual std::string GetLinkID() const { return {}; }
+
+    // The id of the curve that the parameter draws with others, see AudioFilter::GetCurves. Empty for none.
+    virtual std::string GetCurveID() const { return {}; }
 
     // The items of a choice; an index that is none gives an empty name.
     virtual int GetItemCount() const { return 0; }

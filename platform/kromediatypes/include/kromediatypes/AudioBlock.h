@@ -5,8 +5,8 @@
 
 namespace kromediatypes {
 
-// A piece of sound on its way through a process: a pointer a channel, `frames` samples each, nominally -1...1. An
-// output may be the input of the same channel; otherwise the buffers don't overlap. Owns nothing.
+// A piece of sound on its way through a process: a pointer a channel, `frames` samples each, nominally -1...1. Who
+// takes one says how its buffers may overlap. Owns nothing.
 struct AudioBlock {
     std::span<const float* const> inputs;
     std::span<float* const> outputs;

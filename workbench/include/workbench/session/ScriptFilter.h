@@ -29,9 +29,11 @@ public:
     krocore::string16 GetComponentID() const override;
     int GetParameterCount() const override { return static_cast<int>(fInfos.size()); }
     const kroaudiofilterhost::AudioFilterParameterInfo* GetParameterInfo(int index) const override;
-    void Process(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
     // Every curve is flat: zeros.
     bool GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const override;
+
+protected:
+    void OnProcess(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
 
 private:
     class Info;

@@ -21,8 +21,7 @@ public:
     int GetParameterCount() const override { return fTable.Size(); }
     const GenericParameterInfo* GetParameterInfo(int index) const override;
 
-    void Process(const kroaudiofilterhost::AudioFilterBlock& block) noexcept final;
-    void Reset() noexcept final;
+    std::span<const kroaudiofilterhost::AudioFilterCurve> GetCurves() const final { return fTable.Curves(); }
 
 protected:
     // `componentID` is one of ComponentIDs.h. Every parameter starts at its default.
@@ -52,7 +51,10 @@ protected:
     GenericParameterInfo* MutableInfo(int index) noexcept { return fTable.Find(index); }
 
 private:
+    void OnSampleRateChanged() final;
     void OnPrepare(std::size_t maximumBlock) final;
+    void OnProcess(const kroaudiofilterhost::AudioFilterBlock& block) noexcept final;
+    void OnReset() noexcept final;
 
     krocore::string16 fComponentID;
     ParameterTable fTable;

@@ -75,7 +75,10 @@ protected:
     double StoredFrequency(std::size_t point) const noexcept;
     double StoredValue(std::size_t point) const noexcept;
 
-    void OnParametersChanged(ParameterChanges changes) override;
+    std::size_t CountCurvePoints(const kroaudiofilterhost::AudioFilterCurve& /*curve*/) const override {
+        return PointCount();
+    }
+    void OnParametersChanged(ParameterIndices changed) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;

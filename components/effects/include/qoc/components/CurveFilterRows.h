@@ -9,6 +9,7 @@ namespace qoc::components {
 // Rows that the tables of all effects with a drawn curve have, each under the effect's own names.
 struct CurveFilterRows {
     static constexpr std::size_t kMostPoints = 128;
+    static constexpr const char* kCurve = "curve";   // its id
     static constexpr float kHighestFrequency = 1e6F; // hertz: half of any sample rate is less
 
     static constexpr ParameterRow Spline(const char* name) {
@@ -33,7 +34,13 @@ struct CurveFilterRows {
                 .flags = kParameterNotAutomatable};
     }
     static constexpr ParameterRow PointCount(const char* name) {
-        return {.id = "points", .name = name, .hi = static_cast<float>(kMostPoints), .defaultValue = 2, .decimals = 0};
+        return {.id = "points",
+                .name = name,
+                .hi = static_cast<float>(kMostPoints),
+                .defaultValue = 2,
+                .decimals = 0,
+                .flags = kParameterWhole,
+                .curve = kCurve};
     }
 };
 

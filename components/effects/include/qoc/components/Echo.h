@@ -36,7 +36,7 @@ public:
 protected:
     ~Echo() override;
 
-    void OnParametersChanged(ParameterChanges changes) override;
+    void OnParametersChanged(ParameterIndices changed) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;

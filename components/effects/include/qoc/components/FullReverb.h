@@ -33,7 +33,7 @@ public:
 protected:
     ~FullReverb() override;
 
-    void OnParametersChanged(ParameterChanges changes) override;
+    void OnParametersChanged(ParameterIndices changed) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;

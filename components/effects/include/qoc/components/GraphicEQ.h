@@ -42,7 +42,7 @@ public:
 protected:
     ~GraphicEQ() override;
 
-    void OnParametersChanged(ParameterChanges changes) override;
+    void OnParametersChanged(ParameterIndices changed) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;

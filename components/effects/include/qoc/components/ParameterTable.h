@@ -1,9 +1,11 @@
 #pragma once
 
+#include "kroaudiofilterhost/AudioFilterCurve.h"
 #include "qoc/components/GenericParameterInfo.h"
 
 #include <memory>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace qoc::components {
@@ -19,6 +21,10 @@ public:
     // The whole group of rows `count` times in a row, numbered from `first`.
     ParameterTable& AddRepeated(std::span<const ParameterRow> rows, int count, int first = 1);
 
+    // The curves that rows name, in order: the first parameter of each is its number of points, all others are x and y
+    // of a point by turns.
+    std::span<const kroaudiofilterhost::AudioFilterCurve> Curves() const noexcept { return fCurves; }
+
     int Size() const noexcept { return static_cast<int>(fInfos.size()); }
     // Null for a free index and for one that is none.
     GenericParameterInfo* Find(int index) const noexcept;
@@ -26,7 +32,10 @@ public:
 private:
     void AddRow(const ParameterRow& row, int number);
 
+    void AddToCurve(std::string_view curve);
+
     std::vector<std::unique_ptr<GenericParameterInfo>> fInfos;
+    std::vector<kroaudiofilterhost::AudioFilterCurve> fCurves;
 };
 
 } // namespace qoc::components

@@ -41,7 +41,7 @@ public:
 protected:
     ~ScientificFilter() override;
 
-    void OnParametersChanged(ParameterChanges changes) override;
+    void OnParametersChanged(ParameterIndices changed) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ReadParameters(bool settle) noexcept override;
     void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;

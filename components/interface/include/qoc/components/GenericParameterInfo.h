@@ -35,9 +35,12 @@ public:
     Kind GetKind() const override;
     int GetDecimalPlaces() const override { return fRow.decimals; }
     Scale GetScale() const override;
+    bool IsWhole() const override { return (fRow.flags & kParameterWhole) != 0; }
     bool IsAutomatable() const override { return (fRow.flags & kParameterNotAutomatable) == 0; }
+    bool NeedsPrepare() const override { return (fRow.flags & kParameterNeedsPrepare) != 0; }
     bool IsReadOnly() const override { return (fRow.flags & kParameterReadOnly) != 0; }
     std::string GetLinkID() const override { return fRow.linkedBy; }
+    std::string GetCurveID() const override { return fRow.curve; }
     int GetItemCount() const override { return static_cast<int>(fRow.items.size()); }
     krocore::string16 GetItemName(int item) const override;
     int ToItem(float normalised) const override;

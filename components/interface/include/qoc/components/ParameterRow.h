@@ -18,7 +18,9 @@ enum class ParameterKind : std::uint8_t { kNumber, kSwitch, kChoice };
 enum ParameterFlags : std::uint8_t {
     kParameterPlain = 0,
     kParameterNotAutomatable = 1,
-    kParameterReadOnly = 2, // told by the effect
+    kParameterReadOnly = 2,     // told by the effect
+    kParameterWhole = 4,        // only whole natural values differ
+    kParameterNeedsPrepare = 8, // taken over when the effect is prepared
 };
 
 // One row of an effect's parameter table: everything that panels, presets, the command line and plug-ins know about the
@@ -38,7 +40,8 @@ struct ParameterRow {
     std::uint8_t flags = kParameterPlain;
     std::span<const char* const> items = {}; // names of a choice's items
     std::span<const float> itemValues = {};  // their natural values, ascending; 0, 1, 2 ... when empty
-    const char* linkedBy = "";               // the id of the switch that makes all parameters of the row one value
+    const char* curve = "";    // the id of the curve that the row's parameters draw with others, see ParameterTable
+    const char* linkedBy = ""; // the id of the switch that makes all parameters of the row one value
 };
 
 } // namespace qoc::components
