@@ -29,6 +29,9 @@ using Json = nlohmann::basic_json<std::map, std::vector, std::string, bool, std:
 
 constexpr const char* kNaturalMember = "natural";
 constexpr const char* kNormalisedMember = "values";
+constexpr const char* kCurvesMember = "curves";
+constexpr const char* kVersionMember = "version";
+constexpr int kVersion = 1;
 constexpr int kIndent = 2;
 constexpr std::u16string_view kHertz = u"Hz";
 
@@ -118,11 +121,39 @@ void ReadValues(const Json& object, bool isNatural, Preset& preset) {
     }
 }
 
+kroaudiofilterhost::AudioFilterCurvePoints ReadCurve(const std::string& id, const Json& list) {
+    const auto isPair = [](const Json& pair) { return pair.is_array() && pair.size() == 2; };
+    if (!list.is_array() || !std::ranges::all_of(list, isPair))
+        Refuse("$$$/qohost/Preset/NoCurve=This is no preset: its curve \"@0\" is no list of pairs of numbers.", id);
+    kroaudiofilterhost::AudioFilterCurvePoints points;
+    for (const Json& pair : list)
+        points.push_back({ReadNumber(id, pair[0], false), ReadNumber(id, pair[1], false)});
+    return points;
+}
+
+void ReadCurves(const Json& object, Preset& preset) {
+    const auto found = object.find(kCurvesMember);
+    if (found == object.end()) return;
+    if (!found->is_object())
+        Refuse("$$$/qohost/Preset/NoValues=This is no preset: \"@0\" is no object.", kCurvesMember);
+    for (const auto& [id, list] : found->items())
+        preset.curves[id] = ReadCurve(id, list);
+}
+
+void CheckVersion(const Json& object) {
+    const auto found = object.find(kVersionMember);
+    if (found == object.end() || (found->is_number() && found->get<float>() <= kVersion)) return;
+    Refuse("$$$/qohost/Preset/Newer=The preset was made by a later program: its format is of version @0.",
+           found->dump());
+}
+
 Preset ReadPreset(const Json& object, std::string effect) {
     if (!object.is_object()) Refuse("$$$/qohost/Preset/NoObject=This is no preset: a JSON object is wanted.");
+    CheckVersion(object);
     Preset preset{.name = ReadString(object, "name"), .effect = std::move(effect), .values = {}};
     ReadValues(object, false, preset);
     ReadValues(object, true, preset);
+    ReadCurves(object, preset);
     return preset;
 }
 
@@ -179,6 +210,31 @@ void AddNamed(const AudioFilter& filter, int index, const Preset::Value& value, 
     AddSetting(filter, index, normalised, settings);
 }
 
+// With those of the curves' parameters. What it doesn't know of curves is added to the values too, under their names.
+PresetValues WithCurves(const AudioFilter& filter, const Preset& preset) {
+    PresetValues values = preset.values;
+    auto curves = preset.curves;
+    const auto set = [&](int index, float natural) {
+        values.insert_or_assign(filter.GetParameterInfo(index)->GetID(), Preset::Value{natural, true});
+    };
+    for (const kroaudiofilterhost::AudioFilterCurve& curve : filter.GetCurves()) {
+        const auto named = curves.extract(curve.id);
+        if (named.empty()) continue;
+        const auto count = static_cast<int>(std::min<std::size_t>(named.mapped().size(), kLargestFile));
+        if (count > curve.mostPoints)
+            Refuse("$$$/qohost/Preset/TooManyPoints=The preset's curve \"@0\" has more than @1 points.", curve.id,
+                   std::to_string(curve.mostPoints));
+        set(curve.countIndex, static_cast<float>(count));
+        for (int point = 0; point < count; ++point) {
+            set(curve.IndexOfX(point), named.mapped()[static_cast<std::size_t>(point)].x);
+            set(curve.IndexOfY(point), named.mapped()[static_cast<std::size_t>(point)].y);
+        }
+    }
+    for (const auto& [id, points] : curves)
+        values.emplace(id, Preset::Value{});
+    return values;
+}
+
 // The first of them by name, and how many there are besides.
 void AddUnknown(const std::map<std::string, Preset::Value, std::less<>>& unknown, std::vector<std::string>& notes) {
     std::size_t told = 0;
@@ -217,7 +273,7 @@ Settings Resolve(const AudioFilter& filter, const Preset& preset) {
     if (const std::string effect = krocore::ToStdString(filter.GetComponentID()); effect != preset.effect)
         Refuse("$$$/qohost/Preset/OtherEffect=The preset is for \"@0\", not for \"@1\".", preset.effect, effect);
     Settings settings;
-    auto left = WithLinkedValues(filter, preset.values);
+    auto left = WithLinkedValues(filter, WithCurves(filter, preset));
     for (int index = 0; index < filter.GetParameterCount(); ++index) {
         const AudioFilterParameterInfo* const info = filter.GetParameterInfo(index);
         if (info == nullptr || info->IsReadOnly()) continue;
@@ -239,9 +295,14 @@ Preset ParsePreset(std::string_view json) {
 }
 
 std::string WritePreset(const Preset& preset) {
-    Json object{{"name", preset.name}, {"effect", preset.effect}};
+    Json object{{kVersionMember, kVersion}, {"name", preset.name}, {"effect", preset.effect}};
     for (const auto& [id, value] : preset.values)
         object[value.isNatural ? kNaturalMember : kNormalisedMember][id] = value.number;
+    for (const auto& [id, points] : preset.curves) {
+        Json& list = object[kCurvesMember][id] = Json::array();
+        for (const kroaudiofilterhost::AudioFilterCurvePoint& point : points)
+            list.push_back(Json::array({point.x, point.y}));
+    }
     return object.dump(kIndent, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 
@@ -284,12 +345,15 @@ Preset CapturePresetForAnyRate(const AudioFilter& filter, std::string name) {
     Preset preset = CapturePreset(filter, std::move(name));
     for (int index = 0; index < filter.GetParameterCount(); ++index) {
         const AudioFilterParameterInfo* const info = filter.GetParameterInfo(index);
+        if (info != nullptr && !info->GetCurveID().empty()) preset.values.erase(info->GetID());
         const bool isFrequency = info != nullptr && info->GetKind() == Kind::kNumber && info->GetUnit() == kHertz;
         const auto found = isFrequency ? preset.values.find(info->GetID()) : preset.values.end();
         if (found == preset.values.end()) continue;
         const float natural = info->ToNatural(found->second.number);
         if (std::isfinite(natural)) found->second = {.number = natural, .isNatural = true};
     }
+    for (std::size_t curve = 0; curve < filter.GetCurves().size(); ++curve)
+        preset.curves[filter.GetCurves()[curve].id] = filter.GetCurve(curve);
     return preset;
 }
 
@@ -305,15 +369,24 @@ bool NeedsStoppedEngine(const AudioFilter& filter, const Preset& preset) {
 
 bool HasSettingsOf(const AudioFilter& filter, const Preset& preset) {
     constexpr float kTolerance = 1e-6F;
+    const PresetValues values = WithCurves(filter, preset);
     for (int index = 0; index < filter.GetParameterCount(); ++index) {
         const AudioFilterParameterInfo* const info = filter.GetParameterInfo(index);
-        const auto found = info != nullptr ? preset.values.find(info->GetID()) : preset.values.end();
-        if (found == preset.values.end()) continue;
+        const auto found = info != nullptr ? values.find(info->GetID()) : values.end();
+        if (found == values.end()) continue;
         const float wanted = Normalised(*info, found->second);
         const float bounded = found->second.isNatural ? std::clamp(wanted, 0.0F, 1.0F) : wanted;
         if (std::abs(bounded - filter.GetParameterValue(index)) > kTolerance) return false;
     }
     return true;
+}
+
+std::string SaveState(const AudioFilter& filter) {
+    return WritePreset(CapturePresetForAnyRate(filter, {}));
+}
+
+std::vector<std::string> LoadState(AudioFilter& filter, std::string_view state) {
+    return ApplyPreset(filter, ParsePreset(state));
 }
 
 } // namespace qohost

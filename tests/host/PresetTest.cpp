@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <random>
 #include <unistd.h>
 
 using namespace qohost;
@@ -320,6 +321,65 @@ TEST_F(PresetTest, EveryParameterCountsInAComparison) {
             filter->SetParameterValueQuietly(index, before);
         }
     }
+}
+
+TEST_F(PresetTest, AStateBringsBackEveryEffectAsOneChange) {
+    std::mt19937 generator(1);
+    std::uniform_real_distribution<float> value(0, 1);
+    for (const auto& effect : qoc::components::AllEffects()) {
+        if (effect.create == nullptr) continue;
+        SCOPED_TRACE(std::string(effect.shortName));
+        const auto filter = effect.create();
+        filter->Prepare(44100, 512, kromediatypes::AudioChannelLayout::Stereo());
+        for (int index = 0; index < filter->GetParameterCount(); ++index)
+            if (filter->GetParameterInfo(index) != nullptr) filter->SetParameterValue(index, value(generator));
+        const std::string state = SaveState(*filter);
+        const auto other = effect.create();
+        UndoHistory history(other);
+        EXPECT_THAT(LoadState(*other, state), IsEmpty());
+        EXPECT_TRUE(HasSettingsOf(*other, CapturePresetForAnyRate(*filter, {})));
+        EXPECT_EQ(other->GetCurves().empty(), state.find("curves") == std::string::npos);
+        if (!other->GetCurves().empty()) {
+            const auto expected = filter->GetCurve(0);
+            const auto curve = other->GetCurve(0);
+            ASSERT_EQ(curve.size(), expected.size());
+            for (std::size_t i = 0; i < curve.size(); ++i) {
+                EXPECT_NEAR(curve[i].x, expected[i].x, 1e-6 * std::abs(expected[i].x) + 1e-6);
+                EXPECT_NEAR(curve[i].y, expected[i].y, 1e-5);
+            }
+        }
+        EXPECT_TRUE(history.Undo());
+        EXPECT_FALSE(history.CanUndo());
+        other->SetCanChangeNonAutomatableParameters(true);
+    }
+}
+
+TEST_F(PresetTest, CurvesGoBeforeTheirParametersAndAreChecked) {
+    const auto filter = CreateEffect(qoc::components::kDynamicsComponentID);
+    const std::string start = R"({"effect": "qoc.Dynamics", "name": "x", )";
+    // As lists from before curves had them.
+    EXPECT_THAT(ApplyPreset(*filter, ParsePreset(start + R"("natural": {"pointCount": 3, "pointInput2": -40}})")),
+                IsEmpty());
+    ASSERT_EQ(filter->GetCurve(0).size(), 3U);
+    EXPECT_NEAR(filter->GetCurve(0)[1].x, -40, 1e-4);
+    const auto notes = ApplyPreset(*filter, ParsePreset(start + R"("natural": {"pointCount": 5}, "curves": {"other": [],
+        "curve": [[-100, -90], [-200, 0]]}})"));
+    ASSERT_EQ(filter->GetCurve(0).size(), 2U);
+    EXPECT_NEAR(filter->GetCurve(0)[0].y, -90, 1e-4);
+    EXPECT_THAT(notes, ElementsAre(HasSubstr("pointInput2"), HasSubstr("\"other\"")));
+    const auto before = ValuesOf(*filter);
+    const std::pair<std::string, const char*> wrong[] = {
+        {R"("curves": []})", "curves"},
+        {R"("curves": {"curve": 1}})", "curve"},
+        {R"("curves": {"curve": [[1, 2, 3]]}})", "curve"},
+        {R"("curves": {"curve": [[1, "x"]]}})", "curve"},
+        {R"("curves": {"curve": [[0,0],[0,0],[0,0],[0,0],[0,0],[0,0],[0,0]]}})", "6 points"},
+        {R"("version": 2})", "later program"},
+        {R"("version": "new"})", "later program"},
+    };
+    for (const auto& [members, told] : wrong)
+        EXPECT_THAT(ErrorOf([&] { ApplyPreset(*filter, ParsePreset(start + members)); }), HasSubstr(told)) << members;
+    EXPECT_EQ(ValuesOf(*filter), before);
 }
 
 TEST_F(PresetTest, AFullDiskKeepsTheOldPreset) {
