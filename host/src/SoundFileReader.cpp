@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace qohost {
@@ -66,11 +67,11 @@ SF_INFO RawInfo(const std::string& name, const SoundKind& kind) {
 }
 
 // What comes from a stream, in a file that can be read twice.
-std::unique_ptr<TemporaryFile> Keep(const fs::path& path) {
-    std::unique_ptr<TemporaryFile> kept;
+std::shared_ptr<const TemporaryFile> Keep(const fs::path& path) {
+    std::shared_ptr<const TemporaryFile> kept;
     if (!IsStream(path)) return kept;
     try {
-        kept = std::make_unique<TemporaryFile>(fs::temp_directory_path());
+        kept = std::make_shared<const TemporaryFile>(fs::temp_directory_path());
     } catch (const fs::filesystem_error& error) {
         RefuseSound(kUnreadable, InputName(path), error.code().message());
     }
@@ -88,40 +89,86 @@ sf_count_t Count(SNDFILE* file, int channels) {
     return frames;
 }
 
+// How far back a decoder has to begin to be the same at a place as one that comes from the start: longer than two of
+// Vorbis' longest blocks (8192), than the 80 ms that RFC 7845 asks for Opus, and than what MPEG layers keep in reserve.
+std::uint64_t FramesBefore(int format) {
+    constexpr std::uint64_t kFrames = 16384;
+    const int container = format & SF_FORMAT_TYPEMASK;
+    return container == SF_FORMAT_OGG || container == SF_FORMAT_MPEG ? kFrames : 0;
+}
+
 } // namespace
 
 struct SoundFileReader::State {
-    explicit State(const fs::path& path) : name(InputName(path)), kept(Keep(path)) {}
-
     std::string name;
-    std::unique_ptr<TemporaryFile> kept;
+    std::shared_ptr<const TemporaryFile> kept;
+    fs::path path;
+    SF_INFO raw{}; // empty: the file tells
     SF_INFO info{};
     SoundFileHandle file;
     kromediatypes::AudioChannelLayout layout;
     std::uint64_t position = 0;
     std::vector<float> interleaved;
 
-    void Open(const fs::path& path) {
+    void Open() {
+        info = raw;
         file = OpenSoundFile(path, SFM_READ, info);
         if (!file) RefuseToOpen(path, name);
+        position = 0;
+    }
+    void OpenChecked() {
+        CheckReadable(path, name);
+        Open();
+        CheckChannels(name, info.channels);
+        if (raw.format == 0 && IsCutOff(path)) RefuseSound(kCutOff, name);
+        layout = ReadLayout(file.get(), info.channels);
+    }
+    void Skip(std::uint64_t frames) {
+        constexpr std::uint64_t kBlockFrames = 16384;
+        while (frames > 0) {
+            const auto count = static_cast<std::size_t>(std::min(frames, kBlockFrames));
+            ReadInterleaved(count);
+            frames -= count;
+        }
+    }
+    void ReadInterleaved(std::size_t frames) {
+        interleaved.resize(frames * static_cast<std::size_t>(info.channels));
+        const sf_count_t read = sf_readf_float(file.get(), interleaved.data(), static_cast<sf_count_t>(frames));
+        if (static_cast<std::size_t>(read) < frames || sf_error(file.get()) != SF_ERR_NO_ERROR)
+            RefuseSound(kCutOff, name);
+        position += frames;
     }
 };
 
-SoundFileReader::SoundFileReader(const fs::path& path, const SoundKind& kind) : fState(std::make_unique<State>(path)) {
+SoundFileReader::SoundFileReader(std::unique_ptr<State> state) : fState(std::move(state)) {
+}
+
+SoundFileReader::SoundFileReader(const fs::path& path, const SoundKind& kind) : fState(std::make_unique<State>()) {
     State& state = *fState;
-    const fs::path& file = state.kept ? state.kept->Path() : path;
-    CheckReadable(file, state.name);
-    const bool isRaw = IsRaw(path, kind);
-    if (isRaw) state.info = RawInfo(state.name, kind);
-    state.Open(file);
-    CheckChannels(state.name, state.info.channels);
-    if (!isRaw && IsCutOff(file)) RefuseSound(kCutOff, state.name);
+    state.name = InputName(path);
+    state.kept = Keep(path);
+    state.path = state.kept ? state.kept->Path() : path;
+    if (IsRaw(path, kind)) {
+        CheckReadable(state.path, state.name);
+        state.raw = RawInfo(state.name, kind);
+    }
+    state.OpenChecked();
     if (state.info.frames == SF_COUNT_MAX) {
         const sf_count_t frames = Count(state.file.get(), state.info.channels);
-        state.Open(file);
+        state.Open();
         state.info.frames = frames;
     }
-    state.layout = ReadLayout(state.file.get(), state.info.channels);
+}
+
+std::unique_ptr<SoundFileReader> SoundFileReader::ReadAgain() const {
+    auto state = std::make_unique<State>();
+    state->name = fState->name;
+    state->kept = fState->kept;
+    state->path = fState->path;
+    state->raw = fState->raw;
+    state->OpenChecked();
+    if (state->info.frames == SF_COUNT_MAX) state->info.frames = fState->info.frames;
+    return std::unique_ptr<SoundFileReader>(new SoundFileReader(std::move(state)));
 }
 
 SoundFileReader::~SoundFileReader() = default;
@@ -138,6 +185,10 @@ std::uint64_t SoundFileReader::Frames() const {
     return static_cast<std::uint64_t>(fState->info.frames);
 }
 
+const fs::path& SoundFileReader::KeptIn() const {
+    return fState->path;
+}
+
 AudioFileEncoding SoundFileReader::Encoding() const {
     return fState->info.format;
 }
@@ -145,15 +196,30 @@ AudioFileEncoding SoundFileReader::Encoding() const {
 std::size_t SoundFileReader::Read(std::span<float* const> channels, std::size_t frames) {
     State& state = *fState;
     frames = static_cast<std::size_t>(std::min<std::uint64_t>(frames, Frames() - state.position));
-    state.interleaved.resize(frames * channels.size());
-    const sf_count_t read = sf_readf_float(state.file.get(), state.interleaved.data(), static_cast<sf_count_t>(frames));
-    if (static_cast<std::size_t>(read) < frames || sf_error(state.file.get()) != SF_ERR_NO_ERROR)
-        RefuseSound(kCutOff, state.name);
+    state.ReadInterleaved(frames);
     for (std::size_t channel = 0; channel < channels.size(); ++channel)
         for (std::size_t i = 0; i < frames; ++i)
             channels[channel][i] = state.interleaved[i * channels.size() + channel];
-    state.position += frames;
     return frames;
+}
+
+// Some encodings can only be read in order, and the first frames behind a place of others lack what goes on from
+// before.
+void SoundFileReader::Seek(std::uint64_t frame) {
+    State& state = *fState;
+    frame = std::min(frame, Frames());
+    const std::uint64_t start = frame - std::min(frame, FramesBefore(state.info.format));
+    if (frame == Frames()) {
+        state.position = frame;
+    } else if (sf_seek(state.file.get(), static_cast<sf_count_t>(start), SEEK_SET) >= 0) {
+        state.position = start;
+        state.Skip(frame - start);
+    } else {
+        const sf_count_t frames = state.info.frames;
+        state.Open();
+        state.info.frames = frames;
+        state.Skip(frame);
+    }
 }
 
 } // namespace qohost

@@ -17,6 +17,10 @@ std::size_t SoundInMemoryReader::Read(std::span<float* const> channels, std::siz
     return count;
 }
 
+void SoundInMemoryReader::Seek(std::uint64_t frame) {
+    fNext = fBegin + static_cast<std::size_t>(std::min(frame, Frames()));
+}
+
 void SoundInMemoryWriter::Write(std::span<const float* const> channels, std::size_t frames) {
     for (std::size_t channel = 0; channel < channels.size(); ++channel)
         fSound.channels[channel].insert(fSound.channels[channel].end(), channels[channel], channels[channel] + frames);

@@ -27,12 +27,16 @@ bool IsSoundType(std::string_view type);
 
 // Reads a sound file or, under the name "-" (see ByteStream.h), a stream, which is kept in a temporary file meanwhile.
 // Memory does not follow the length. One thread at a time, which may be any.
-class SoundFileReader final : public SoundReader {
+class SoundFileReader final : public SeekableSoundReader {
 public:
     // Throws krocore::config::Error that names the file and the reason: it does not exist, is empty, is no sound file,
     // is cut off, has no channel or more than 32, or can't be read.
     explicit SoundFileReader(const std::filesystem::path& path, const SoundKind& kind = {});
     ~SoundFileReader() override;
+    // Another reader of the same file or stream, at its start. Throws as the first did.
+    std::unique_ptr<SoundFileReader> ReadAgain() const;
+    // Where the sound is: the file, or what a stream is kept in, for as long as there is one of its readers.
+    const std::filesystem::path& KeptIn() const;
 
     float SampleRate() const override;
     // The places that the file names, or those that are usual for the number of channels.
@@ -40,9 +44,12 @@ public:
     std::uint64_t Frames() const override;
     AudioFileEncoding Encoding() const;
     std::size_t Read(std::span<float* const> channels, std::size_t frames) override;
+    void Seek(std::uint64_t frame) override;
 
 private:
     struct State;
+
+    explicit SoundFileReader(std::unique_ptr<State> state);
 
     std::unique_ptr<State> fState;
 };

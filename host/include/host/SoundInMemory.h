@@ -6,7 +6,7 @@
 namespace qohost {
 
 // A sound, or a part of it, as a stream. The sound has to outlive it, and nobody changes it meanwhile.
-class SoundInMemoryReader final : public SoundReader {
+class SoundInMemoryReader final : public SeekableSoundReader {
 public:
     explicit SoundInMemoryReader(const Sound& sound) : SoundInMemoryReader(sound, 0, sound.Frames()) {}
     // From `begin` to before `end`; what lies behind the sound's end doesn't count.
@@ -16,6 +16,7 @@ public:
     const kromediatypes::AudioChannelLayout& Layout() const override { return fSound.layout; }
     std::uint64_t Frames() const override { return fEnd - fBegin; }
     std::size_t Read(std::span<float* const> channels, std::size_t frames) override;
+    void Seek(std::uint64_t frame) override;
 
 private:
     const Sound& fSound;

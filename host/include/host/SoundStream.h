@@ -26,6 +26,14 @@ public:
     virtual std::size_t Read(std::span<float* const> channels, std::size_t frames) = 0;
 };
 
+// One that can go to any place.
+class SeekableSoundReader : public SoundReader {
+public:
+    // The next Read begins at `frame`, beyond the end at the end. What is read then is what would have been read there
+    // in order (of MPEG files to the rounding of their decoder, 5e-8). Throws as Read does.
+    virtual void Seek(std::uint64_t frame) = 0;
+};
+
 // Where sound goes to, block by block. One thread.
 class SoundWriter {
 public:
