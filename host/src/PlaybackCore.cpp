@@ -22,20 +22,20 @@ float Approach(float value, float target, float step) {
 
 } // namespace
 
-PlaybackCore::PlaybackCore(std::shared_ptr<const Sound> sound,
+PlaybackCore::PlaybackCore(std::unique_ptr<PlaybackFeed> feed,
                            boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter, std::size_t deviceChannels,
                            std::size_t maximumBlock)
-    : fSound(std::move(sound)), fFilter(std::move(filter)), fMaximumBlock(std::max<std::size_t>(maximumBlock, 1)),
-      fFadeStep(static_cast<float>(1.0 / (kFadeSeconds * fSound->sampleRate))) {
+    : fFeed(std::move(feed)), fFilter(std::move(filter)), fMaximumBlock(std::max<std::size_t>(maximumBlock, 1)),
+      fFadeStep(static_cast<float>(1.0 / (kFadeSeconds * fFeed->SampleRate()))) {
     Prepare();
     fMatrix = ChannelMatrix(fFilter->GetOutputBuses().front().GetLayout(), deviceChannels);
 }
 
 void PlaybackCore::Prepare() {
-    fFilter->SetDuration(static_cast<double>(fSound->Frames()));
-    fFilter->Prepare(fSound->sampleRate, fMaximumBlock, fSound->layout);
+    fFilter->SetDuration(static_cast<double>(Frames()));
+    fFilter->Prepare(fFeed->SampleRate(), fMaximumBlock, fFeed->Layout());
     fLatency = fFilter->Latency();
-    fTail = std::min(fFilter->Tail(), static_cast<std::size_t>(kMaximumTailSeconds * fSound->sampleRate));
+    fTail = std::min(fFilter->Tail(), static_cast<std::size_t>(kMaximumTailSeconds * fFeed->SampleRate()));
     fInput.assign(fFilter->GetNumberOfInputChannels(), std::vector<float>(fMaximumBlock));
     fOutput.assign(fFilter->GetNumberOfOutputChannels(), std::vector<float>(fMaximumBlock));
     fDelay.assign(fInput.size(), std::vector<float>(fLatency));
@@ -61,6 +61,7 @@ void PlaybackCore::JumpTo(std::size_t frame) noexcept {
     fFilter->Reset();
     for (auto& channel : fDelay)
         std::ranges::fill(channel, 0.0F);
+    fFeed->Expect({.position = fFed, .end = Frames()});
 }
 
 std::size_t PlaybackCore::Position() const noexcept {
@@ -83,6 +84,12 @@ bool PlaybackCore::Render(float* interleaved, std::size_t frames, std::size_t ch
                           const PlaybackRequest& request) noexcept {
     // Asked before the block, so that only what comes behind the last sample of the tail is faded.
     const bool hasEnded = HasSoundEnded(request.range) && !request.loop;
+    fMissing = 0;
+    fFeed->Expect(PathFrom(request));
+    if (IsWaiting()) {
+        BeSilent(interleaved, frames, channels);
+        return (!request.stop && !request.seek) || FinishFade(request);
+    }
     FetchInput(frames, request);
     fFilter->Process({fInputPointers, fOutputPointers, frames});
     DelayInput(frames);
@@ -94,11 +101,30 @@ bool PlaybackCore::Render(float* interleaved, std::size_t frames, std::size_t ch
     return goesOn || fFade > 0 || FinishFade(request);
 }
 
+PlaybackPath PlaybackCore::PathFrom(const PlaybackRequest& request) const noexcept {
+    const std::size_t loopBegin = BeginOf(request.range, Frames());
+    const std::size_t loopEnd = loopBegin < request.range.end ? std::min(request.range.end, Frames()) : Frames();
+    return {fFed, EndOf(request.range), request.loop, loopBegin, loopEnd};
+}
+
+// Nothing of the sound is lost where it begins; once it is heard, time goes on.
+bool PlaybackCore::IsWaiting() const noexcept {
+    return fFade == 0 && fSilenceFed == 0 && !fFeed->IsReady(fFed);
+}
+
+void PlaybackCore::BeSilent(float* interleaved, std::size_t frames, std::size_t channels) noexcept {
+    for (Buffers* const buffers : {&fInput, &fOutput})
+        for (std::vector<float>& channel : *buffers)
+            std::fill_n(channel.data(), frames, 0.0F);
+    std::fill_n(interleaved, frames * channels, 0.0F);
+    fHasSought = false;
+}
+
 void PlaybackCore::FetchInput(std::size_t frames, const PlaybackRequest& request) noexcept {
     std::size_t done = 0;
     while (done < frames) {
         if (fFed != EndOf(request.range)) GoOnFrom(fFed);
-        done += CopyFromSound(done, frames - done, EndOf(request.range));
+        done += FetchFromSound(done, frames - done, EndOf(request.range));
         if (done == frames) return;
         if (!request.loop || Frames() == 0) break;
         GoOnFrom(BeginOf(request.range, Frames()));
@@ -116,10 +142,9 @@ void PlaybackCore::GoOnFrom(std::size_t frame) noexcept {
     fSilenceFed = 0;
 }
 
-std::size_t PlaybackCore::CopyFromSound(std::size_t offset, std::size_t frames, std::size_t end) noexcept {
+std::size_t PlaybackCore::FetchFromSound(std::size_t offset, std::size_t frames, std::size_t end) noexcept {
     const std::size_t count = std::min(frames, end - fFed);
-    for (std::size_t channel = 0; channel < fInput.size(); ++channel)
-        std::copy_n(fSound->channels[channel].data() + fFed, count, fInput[channel].data() + offset);
+    fMissing += fFeed->Fetch(fFed, fInput, offset, count);
     fFed += count;
     return count;
 }

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "ChannelMatrix.h"
+#include "host/PlaybackFeed.h"
 #include "host/PlaybackRange.h"
-#include "host/Sound.h"
 #include "kroaudiofilterhost/AudioFilter.h"
 
 #include <cstddef>
@@ -27,12 +27,13 @@ struct PlaybackRequest {
 class PlaybackCore {
 public:
     // Prepares the filter; see PlaybackEngine::Open.
-    PlaybackCore(std::shared_ptr<const Sound> sound, boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter,
+    PlaybackCore(std::unique_ptr<PlaybackFeed> feed, boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter,
                  std::size_t deviceChannels, std::size_t maximumBlock);
 
     kroaudiofilterhost::AudioFilter& Filter() const noexcept { return *fFilter; }
+    PlaybackFeed& Feed() const noexcept { return *fFeed; }
     std::size_t MaximumBlock() const noexcept { return fMaximumBlock; }
-    std::size_t Frames() const noexcept { return fSound->Frames(); }
+    std::size_t Frames() const noexcept { return fFeed->Frames(); }
 
     // To go on from the present position. Prepares the filter again: what is fixed from one Prepare to the next, such
     // as its latency, may follow parameters that were changed while it was stopped.
@@ -42,11 +43,14 @@ public:
     // What is heard next, in samples from the start of the sound.
     std::size_t Position() const noexcept;
 
-    // Makes up to MaximumBlock() frames. At the end of the range the effect sounds on, or it goes on at its begin.
+    // Makes up to MaximumBlock() frames; silence, and the position stays, as long as the sound where playing begins is
+    // not there. At the end of the range the effect sounds on, or it goes on at its begin.
     // False when the playback is over and silence follows; what is left of the block is silent already.
     bool Render(float* interleaved, std::size_t frames, std::size_t channels, const PlaybackRequest& request) noexcept;
     // Whether the last Render has done the seek that it was asked for.
     bool HasSought() const noexcept { return fHasSought; }
+    // How many frames of the last block were silence because the sound was not there in time.
+    std::size_t LastMissing() const noexcept { return fMissing; }
 
     // The channels of the last block, before and behind the effect.
     std::span<const std::vector<float>> LastInput() const noexcept { return fInput; }
@@ -56,9 +60,12 @@ private:
     void Prepare();
     using Buffers = std::vector<std::vector<float>>;
 
+    PlaybackPath PathFrom(const PlaybackRequest& request) const noexcept;
+    bool IsWaiting() const noexcept;
+    void BeSilent(float* interleaved, std::size_t frames, std::size_t channels) noexcept;
     void GoOnFrom(std::size_t frame) noexcept;
     void FetchInput(std::size_t frames, const PlaybackRequest& request) noexcept;
-    std::size_t CopyFromSound(std::size_t offset, std::size_t frames, std::size_t end) noexcept;
+    std::size_t FetchFromSound(std::size_t offset, std::size_t frames, std::size_t end) noexcept;
     void DelayInput(std::size_t frames) noexcept;
     void MixDry(std::size_t frames, bool bypass) noexcept;
     void Fade(std::size_t frames, float target) noexcept;
@@ -67,7 +74,7 @@ private:
     bool HasSoundEnded(const PlaybackRange& range) const noexcept;
     bool FinishFade(const PlaybackRequest& request) noexcept;
 
-    std::shared_ptr<const Sound> fSound;
+    std::unique_ptr<PlaybackFeed> fFeed;
     boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter;
     std::size_t fMaximumBlock;
     ChannelMatrix fMatrix;
@@ -86,6 +93,7 @@ private:
     float fFade = 0;
     float fDryMix = 0; // 0 the effect, 1 the sound without it
     bool fHasSought = false;
+    std::size_t fMissing = 0;
 };
 
 } // namespace qohost

@@ -1,6 +1,7 @@
 #include "host/PlaybackEngine.h"
 
 #include "PlaybackCore.h"
+#include "host/PagedFeed.h"
 
 #include <algorithm>
 #include <cmath>
@@ -34,8 +35,21 @@ PlaybackEngine::~PlaybackEngine() {
 void PlaybackEngine::Open(std::shared_ptr<const Sound> sound,
                           boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter, std::size_t deviceChannels,
                           std::size_t maximumBlock) {
+    Open(SourceInMemory(std::move(sound)), std::move(filter), deviceChannels, maximumBlock);
+}
+
+void PlaybackEngine::Open(std::shared_ptr<const SoundSource> sound,
+                          boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter, std::size_t deviceChannels,
+                          std::size_t maximumBlock) {
     Close();
-    auto core = std::make_unique<PlaybackCore>(std::move(sound), std::move(filter), deviceChannels, maximumBlock);
+    Open(FeedFrom(std::move(sound)), std::move(filter), deviceChannels, maximumBlock);
+}
+
+void PlaybackEngine::Open(std::unique_ptr<PlaybackFeed> feed,
+                          boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter, std::size_t deviceChannels,
+                          std::size_t maximumBlock) {
+    Close();
+    auto core = std::make_unique<PlaybackCore>(std::move(feed), std::move(filter), deviceChannels, maximumBlock);
     const Pause pause(*this);
     fCore = std::move(core);
 }
@@ -48,6 +62,7 @@ void PlaybackEngine::Close() noexcept {
     fStop.store(false);
     fSeek.store(kNoSeek);
     fPosition.store(0);
+    fMissing.store(0);
     for (Peaks* const peaks : {&fInputPeaks, &fOutputPeaks})
         for (auto& peak : *peaks)
             peak.store(0.0F);
@@ -112,6 +127,10 @@ void PlaybackEngine::Render(float* interleaved, std::size_t frames, std::size_t 
     fInRender.store(false);
 }
 
+std::string PlaybackEngine::TakeProblem() {
+    return fCore ? fCore->Feed().TakeProblem() : std::string();
+}
+
 float PlaybackEngine::TakePeak(Peaks& peaks, std::size_t channel) noexcept {
     return channel < peaks.size() ? peaks[channel].exchange(0.0F) : 0.0F;
 }
@@ -155,6 +174,7 @@ void PlaybackEngine::RenderBlock(float* interleaved, std::size_t frames, std::si
         auto done = static_cast<std::int64_t>(*request.seek);
         fSeek.compare_exchange_strong(done, kNoSeek);
     }
+    fMissing.fetch_add(fCore->LastMissing(), std::memory_order_relaxed);
     RaisePeaks(fInputPeaks, fCore->LastInput(), frames);
     RaisePeaks(fOutputPeaks, fCore->LastOutput(), frames);
     fPosition.store(fCore->Position(), std::memory_order_relaxed);
@@ -164,6 +184,7 @@ void PlaybackEngine::RenderBlock(float* interleaved, std::size_t frames, std::si
 void PlaybackEngine::TellFilter(bool playing) noexcept {
     if (fToldPlaying == playing) return;
     fToldPlaying = playing;
+    fCore->Feed().SetPlaying(playing);
     fCore->Filter().SetSuspended(!playing);
     fCore->Filter().SetCanChangeNonAutomatableParameters(!playing);
 }

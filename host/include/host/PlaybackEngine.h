@@ -1,7 +1,8 @@
 #pragma once
 
+#include "host/PlaybackFeed.h"
 #include "host/PlaybackRange.h"
-#include "host/Sound.h"
+#include "host/SoundSource.h"
 #include "kroaudiofilterhost/AudioFilter.h"
 
 #include <array>
@@ -10,6 +11,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace qohost {
@@ -22,10 +24,13 @@ struct PlaybackRequest;
 // filter are kept alive while they are loaded.
 //
 // While it plays, the filter is not suspended and its parameters that can't be automated are locked. Starting,
-// stopping, seeking and bypassing fade for a moment, so that nothing clicks. Samples that are no numbers never reach
-// the device.
+// stopping, seeking and bypassing fade for a moment, so that nothing clicks. Where a sound on the disk is not there
+// yet, starting and seeking wait for it, in silence; what is not there later is silence of the same length. Samples
+// that are no numbers never reach the device.
 class PlaybackEngine {
 public:
+    static constexpr std::size_t kUsualBlock = 1024; // frames
+
     PlaybackEngine();
     PlaybackEngine(const PlaybackEngine&) = delete;
     PlaybackEngine& operator=(const PlaybackEngine&) = delete;
@@ -34,8 +39,14 @@ public:
     // Stops at once and takes what to play from now on, from its start: prepares the filter for the sound. Throws
     // krocore::config::Error when the filter can't work on it; nothing is loaded then. The filter is run by this engine
     // until Close or the next Open.
+    void Open(std::unique_ptr<PlaybackFeed> feed, boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter,
+              std::size_t deviceChannels, std::size_t maximumBlock = kUsualBlock);
+    // The same for a sound in memory, and for one from where it lies, read ahead by a thread; throws as NewReader does,
+    // too.
     void Open(std::shared_ptr<const Sound> sound, boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter,
-              std::size_t deviceChannels, std::size_t maximumBlock = 1024);
+              std::size_t deviceChannels, std::size_t maximumBlock = kUsualBlock);
+    void Open(std::shared_ptr<const SoundSource> sound, boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter,
+              std::size_t deviceChannels, std::size_t maximumBlock = kUsualBlock);
     // Stops at once and lets go of sound and filter. When it returns, Render touches neither.
     void Close() noexcept;
 
@@ -68,6 +79,11 @@ public:
     float TakeInputPeak(std::size_t channel) noexcept { return TakePeak(fInputPeaks, channel); }
     float TakeOutputPeak(std::size_t channel) noexcept { return TakePeak(fOutputPeaks, channel); }
 
+    // What of the sound was not there in time and was silence instead, in frames, since the last call.
+    std::size_t TakeMissing() noexcept { return fMissing.exchange(0); }
+    // Why the sound can't be read, as a user is told; empty when there is nothing new to tell.
+    std::string TakeProblem();
+
     // The device asks for sound: `frames` frames of `channels` interleaved samples. Sound thread; never allocates,
     // locks or calls the system. Silence while nothing plays; so are channels beyond those that Open was told.
     void Render(float* interleaved, std::size_t frames, std::size_t channels) noexcept;
@@ -94,6 +110,7 @@ private:
     std::atomic<bool> fStop{false};
     std::atomic<std::int64_t> fSeek{kNoSeek};
     std::atomic<std::size_t> fPosition{0};
+    std::atomic<std::size_t> fMissing{0};
     std::atomic<bool> fLoop{false};
     std::atomic<unsigned> fRangeVersion{0}; // odd while the range is written
     std::atomic<std::size_t> fRangeBegin{0};
