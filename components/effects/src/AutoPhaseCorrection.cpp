@@ -147,6 +147,7 @@ void AutoPhaseCorrection::PrepareProcessing(std::size_t maximumBlock) {
     if (channels < 2) return;
     fSize = kSmallestSize << Item(kAutoPhaseAnalysisSize);
     fHop = fSize / kAnalysesPerSize[Item(kAutoPhaseTimeResolution)];
+    fAnalyses.SetHop(fHop);
     fDelay = static_cast<std::size_t>(std::ceil(kLongestShift * kMilliseconds * GetSampleRate())) + kReach + 1;
     fHistory.Prepare(channels, std::bit_ceil(std::max(fSize, 2 * fDelay + fHop) + maximumBlock));
     fTransform = std::make_unique<RealFFT>(fSize);
@@ -175,7 +176,7 @@ void AutoPhaseCorrection::ResetProcessing() noexcept {
     if (!IsWorking()) return;
     fHistory.Reset();
     fOverlapAdd.Reset();
-    fSinceAnalysis = 0;
+    fAnalyses.Reset();
     for (Channel& channel : fChannels) {
         channel.finder.Reset();
         channel.aligner.Reset();
@@ -215,24 +216,18 @@ void AutoPhaseCorrection::ProcessBlock(const kroaudiofilterhost::AudioFilterBloc
         std::copy_n(block.inputs[0], block.frames, block.outputs[0]);
         return;
     }
-    for (std::size_t done = 0; done < block.frames;) {
-        const std::size_t frames = std::min(block.frames - done, fHop - fSinceAnalysis);
-        ProcessChunk(block, done, frames);
-        done += frames;
-    }
+    fAnalyses.Cut(
+        block.frames,
+        [&](std::size_t start, std::size_t frames, std::size_t /*position*/) { ProcessChunk(block, start, frames); },
+        [&] { Analyse(); });
     fOverlapAdd.Process({fMoved, block.outputs, block.frames}, *this);
 }
 
-// Up to the next analysis.
 void AutoPhaseCorrection::ProcessChunk(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t start,
                                        std::size_t frames) noexcept {
     fHistory.Write(block.inputs, start, frames);
     for (std::size_t index = 0; index < fChannels.size(); ++index)
         Move(fChannels[index], index, start, frames);
-    fSinceAnalysis += frames;
-    if (fSinceAnalysis < fHop) return;
-    fSinceAnalysis = 0;
-    Analyse();
 }
 
 void AutoPhaseCorrection::Move(Channel& channel, std::size_t index, std::size_t start, std::size_t frames) noexcept {

@@ -6,6 +6,7 @@
 #include "qoc/dsp/restoration/DelayFinder.h"
 #include "qoc/dsp/restoration/PhaseAligner.h"
 #include "qoc/dsp/spectrum/OverlapAdd.h"
+#include "qoc/dsp/stream/HopGrid.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <memory>
@@ -71,7 +72,7 @@ private:
     std::size_t fDelay = 0; // of the reference, ahead of the transform
     std::size_t fSize = 0;
     std::size_t fHop = 0; // of the analysis
-    std::size_t fSinceAnalysis = 0;
+    HopGrid fAnalyses;
     double fGlide = 0; // of the way to the target, a sample
 
     std::size_t fReference = 0;
