@@ -206,10 +206,7 @@ double Echo::HighestGain(std::span<const BiquadCoefficients> sections) const {
     double highest = 0;
     for (double hertz = kLowest; hertz < nyquist * ratio; hertz *= ratio) {
         const ResponsePoint point(GetSampleRate(), std::min(hertz, nyquist));
-        double power = 1;
-        for (const BiquadCoefficients& section : sections)
-            power *= section.MagnitudeSquared(point);
-        highest = std::max(highest, power);
+        highest = std::max(highest, BiquadCoefficients::MagnitudeSquared(sections, point));
     }
     return std::sqrt(highest) * kMargin;
 }

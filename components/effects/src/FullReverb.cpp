@@ -134,10 +134,7 @@ bool FullReverb::GetResponseCurve(int index, std::size_t size, std::vector<float
     values.resize(size);
     for (std::size_t i = 0; i < size; ++i) {
         const ResponsePoint point(sampleRate, axis.HertzAt(i, size));
-        double power = 1;
-        for (const BiquadCoefficients& section : sections)
-            power *= section.MagnitudeSquared(point);
-        values[i] = static_cast<float>(10 * std::log10(power));
+        values[i] = static_cast<float>(10 * std::log10(BiquadCoefficients::MagnitudeSquared(sections, point)));
     }
     return true;
 }

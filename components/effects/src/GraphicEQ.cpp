@@ -175,11 +175,8 @@ void GraphicEQ::StoreHighestGain() {
 }
 
 double GraphicEQ::DecibelsAt(double hertz) const noexcept {
-    const ResponsePoint point(GetSampleRate(), hertz);
-    double power = MasterGain() * MasterGain();
-    for (const BiquadCoefficients& section : fDesigned)
-        power *= section.MagnitudeSquared(point);
-    return 10 * std::log10(power);
+    const double bands = BiquadCoefficients::MagnitudeSquared(fDesigned, {GetSampleRate(), hertz});
+    return 10 * std::log10(MasterGain() * MasterGain() * bands);
 }
 
 double GraphicEQ::MasterGain() const noexcept {

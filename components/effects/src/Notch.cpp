@@ -120,11 +120,8 @@ public:
         fFilters[fCount++] = NotchSection::ToBiquad(fSampleRate, setting);
     }
     float DecibelsAt(double hertz) const {
-        const ResponsePoint point(fSampleRate, hertz);
-        double squared = 1;
-        for (std::size_t i = 0; i < fCount; ++i)
-            squared *= fFilters[i].MagnitudeSquared(point);
-        return static_cast<float>(10 * std::log10(squared));
+        const std::span filters = std::span(fFilters).first(fCount);
+        return static_cast<float>(10 * std::log10(BiquadCoefficients::MagnitudeSquared(filters, {fSampleRate, hertz})));
     }
 
 private:

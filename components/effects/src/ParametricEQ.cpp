@@ -131,11 +131,7 @@ ParameterTable Table() {
 }
 
 double Decibels(const ParametricEQDesign::Sections& sections, double sampleRate, double hertz) noexcept {
-    const ResponsePoint point(sampleRate, hertz);
-    double power = 1;
-    for (const BiquadCoefficients& section : sections)
-        if (!section.IsNeutral()) power *= section.MagnitudeSquared(point);
-    return 10 * std::log10(power);
+    return 10 * std::log10(BiquadCoefficients::MagnitudeSquared(sections, {sampleRate, hertz}));
 }
 
 } // namespace

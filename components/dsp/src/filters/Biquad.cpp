@@ -91,6 +91,14 @@ double BiquadCoefficients::MagnitudeSquared(const ResponsePoint& point) const no
     return PolynomialSquared(b0, b1, b2, point) / PolynomialSquared(1, a1, a2, point);
 }
 
+double BiquadCoefficients::MagnitudeSquared(std::span<const BiquadCoefficients> sections,
+                                            const ResponsePoint& point) noexcept {
+    double power = 1;
+    for (const BiquadCoefficients& section : sections)
+        if (!section.IsNeutral()) power *= section.MagnitudeSquared(point);
+    return power;
+}
+
 double BiquadCoefficients::PoleRadius() const noexcept {
     const double half = a1 / 2;
     const double discriminant = half * half - a2;

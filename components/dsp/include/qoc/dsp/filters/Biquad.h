@@ -35,6 +35,8 @@ struct BiquadCoefficients {
     // The squared magnitude of the response, which multiplies along a cascade; exact to some 1e-4 dB even at the bottom
     // of a narrow notch at a low frequency.
     double MagnitudeSquared(const ResponsePoint& point) const noexcept;
+    // Of sections in a row.
+    static double MagnitudeSquared(std::span<const BiquadCoefficients> sections, const ResponsePoint& point) noexcept;
     // Whether what it divides by is what it multiplies with: the sound goes through.
     bool IsNeutral() const noexcept { return b0 == 1 && b1 == a1 && b2 == a2; }
     // The distance of the outer pole from the middle of the unit circle.
