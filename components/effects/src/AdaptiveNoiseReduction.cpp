@@ -140,7 +140,7 @@ void AdaptiveNoiseReduction::ResetProcessing() noexcept {
 
 void AdaptiveNoiseReduction::ReadParameters(bool /*settle*/) noexcept {
     const double hertzPerBin = GetSampleRate() / static_cast<double>(fFrame);
-    const double decay = Natural(kAdaptiveNoiseReductionDecay) * 1e-3 * fFramesPerSecond; // frames
+    const double decay = SecondsOfMilliseconds(Natural(kAdaptiveNoiseReductionDecay)) * fFramesPerSecond; // frames
     fMargin = static_cast<float>(PowerOf(kMarginBase + kMarginPerPercent * Natural(kAdaptiveNoiseReductionNoisiness)));
     fSettings.noiseScale = static_cast<float>(PowerOf(Natural(kAdaptiveNoiseReductionFineTune)));
     fSettings.threshold = static_cast<float>(PowerOf(Natural(kAdaptiveNoiseReductionThreshold)));

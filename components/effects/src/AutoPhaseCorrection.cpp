@@ -14,8 +14,6 @@ namespace qoc::components {
 
 namespace {
 
-constexpr float kPercent = 100;
-constexpr float kMilliseconds = 1e-3F;
 constexpr float kLongestShift = 20; // milliseconds
 constexpr float kHalfTurn = 180;    // degrees
 constexpr std::size_t kOverlaps = 4;
@@ -78,13 +76,13 @@ constexpr ParameterRow kRows[] = {
     {.id = "strength",
      .name = "$$$/AutoPhaseCorrection/Strength=Strength",
      .unit = "%",
-     .hi = kPercent,
-     .defaultValue = kPercent,
+     .hi = 100,
+     .defaultValue = 100,
      .decimals = 1},
     {.id = "smoothing",
      .name = "$$$/AutoPhaseCorrection/Smoothing=Smoothing",
      .unit = "%",
-     .hi = kPercent,
+     .hi = 100,
      .defaultValue = 30,
      .decimals = 1},
     {.id = "timeShift",
@@ -132,6 +130,10 @@ std::vector<float> RootHann(std::size_t size) {
     return window;
 }
 
+float SamplesOf(float milliseconds, float sampleRate) noexcept {
+    return milliseconds * static_cast<float>(SecondsOfMilliseconds(1)) * sampleRate;
+}
+
 } // namespace
 
 AutoPhaseCorrection::AutoPhaseCorrection()
@@ -148,7 +150,7 @@ void AutoPhaseCorrection::PrepareProcessing(std::size_t maximumBlock) {
     fSize = kSmallestSize << Item(kAutoPhaseAnalysisSize);
     fHop = fSize / kAnalysesPerSize[Item(kAutoPhaseTimeResolution)];
     fAnalyses.SetHop(fHop);
-    fDelay = static_cast<std::size_t>(std::ceil(kLongestShift * kMilliseconds * GetSampleRate())) + kReach + 1;
+    fDelay = static_cast<std::size_t>(std::ceil(SamplesOf(kLongestShift, GetSampleRate()))) + kReach + 1;
     fHistory.Prepare(channels, std::bit_ceil(std::max(fSize, 2 * fDelay + fHop) + maximumBlock));
     fTransform = std::make_unique<RealFFT>(fSize);
     fWindow = RootHann(fSize);
@@ -195,12 +197,12 @@ void AutoPhaseCorrection::ReadParameters(bool settle) noexcept {
     fBalances = IsOn(kAutoPhaseBalance);
     const float response = kResponseSeconds[Item(kAutoPhaseResponsiveness)] * sampleRate;
     fKept = std::exp(-static_cast<float>(fHop) / response);
-    fStrength = Natural(kAutoPhaseStrength) / kPercent;
+    fStrength = static_cast<float>(FractionOfPercent(Natural(kAutoPhaseStrength)));
     fAligning = {.kept = std::exp(-static_cast<float>(fSize) / kOverlaps / response),
                  .strength = fStrength,
-                 .octaves = Natural(kAutoPhaseSmoothing) / kPercent};
-    fLongestShift = Natural(kAutoPhaseLongestShift) * kMilliseconds * sampleRate;
-    fTimeShift = Natural(kAutoPhaseTimeShift) * kMilliseconds * sampleRate;
+                 .octaves = static_cast<float>(FractionOfPercent(Natural(kAutoPhaseSmoothing)))};
+    fLongestShift = SamplesOf(Natural(kAutoPhaseLongestShift), sampleRate);
+    fTimeShift = SamplesOf(Natural(kAutoPhaseTimeShift), sampleRate);
     fTurn = std::polar(1.0F, Natural(kAutoPhasePhaseShift) * std::numbers::pi_v<float> / kHalfTurn);
     for (std::size_t index = 0; index < fChannels.size(); ++index) {
         Channel& channel = fChannels[index];
@@ -314,7 +316,7 @@ void AutoPhaseCorrection::ProcessSpectra(std::span<const Spectrum> spectra) noex
 // Of the first channel beside the reference.
 void AutoPhaseCorrection::StoreFoundShift() noexcept {
     const double found = fChannels[fReference == 0 ? 1 : 0].found;
-    TellParameter(kAutoPhaseFoundShift, found / (GetSampleRate() * kMilliseconds));
+    TellParameter(kAutoPhaseFoundShift, MillisecondsOfSeconds(found / GetSampleRate()));
 }
 
 } // namespace qoc::components

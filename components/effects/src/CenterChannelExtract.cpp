@@ -15,7 +15,6 @@ namespace {
 
 constexpr std::size_t kStereo = 2;
 constexpr float kPi = std::numbers::pi_v<float>;
-constexpr float kPercent = 100;
 constexpr float kHalfTurn = 180;          // degrees
 constexpr float kLowestLevel = -48;       // dB: stands for silence
 constexpr float kHighestFrequency = 1e6F; // hertz: half of any sample rate is less
@@ -56,12 +55,7 @@ constexpr ParameterRow kRows[] = {
      .lo = -kHalfTurn,
      .hi = kHalfTurn,
      .decimals = 1},
-    {.id = "pan",
-     .name = "$$$/CenterChannelExtract/Pan=Pan",
-     .unit = "%",
-     .lo = -kPercent,
-     .hi = kPercent,
-     .decimals = 1},
+    {.id = "pan", .name = "$$$/CenterChannelExtract/Pan=Pan", .unit = "%", .lo = -100, .hi = 100, .decimals = 1},
     {.id = "delay", .name = "$$$/CenterChannelExtract/Delay=Delay", .unit = "ms", .lo = -5, .hi = 5},
     {.id = "range",
      .name = "$$$/CenterChannelExtract/Range=Frequency Range",
@@ -106,16 +100,16 @@ constexpr ParameterRow kRows[] = {
      .name = "$$$/CenterChannelExtract/AmplitudeDiscrimination=Amplitude Discrimination",
      .unit = "%",
      .lo = 1,
-     .hi = kPercent,
+     .hi = 100,
      .defaultValue = 30,
      .decimals = 1},
     {.id = "crossover",
      .name = "$$$/CenterChannelExtract/Crossover=Crossover",
      .unit = "%",
-     .hi = kPercent,
+     .hi = 100,
      .defaultValue = 50,
      .decimals = 1},
-    {.id = "bleed", .name = "$$$/CenterChannelExtract/Bleed=Bleed", .unit = "%", .hi = kPercent, .decimals = 1},
+    {.id = "bleed", .name = "$$$/CenterChannelExtract/Bleed=Bleed", .unit = "%", .hi = 100, .decimals = 1},
     {.id = "decay",
      .name = "$$$/CenterChannelExtract/Decay=Spectral Decay",
      .unit = "ms",
@@ -248,11 +242,11 @@ void CenterChannelExtract::ReadParameters(bool /*settle*/) noexcept {
     fPlace = ReadPlace();
     fBand = ReadBand();
     fPhaseEdge = ReadEdge(kCenterExtractPhaseDiscrimination, kPi / kHalfTurn);
-    fPanEdge = ReadEdge(kCenterExtractAmplitudeDiscrimination, 1 / kPercent);
+    fPanEdge = ReadEdge(kCenterExtractAmplitudeDiscrimination, static_cast<float>(FractionOfPercent(1)));
     fCenterLevel = LevelFrom(kCenterExtractCenterLevel);
     fSideLevel = LevelFrom(kCenterExtractSideLevel);
-    fBleed = Natural(kCenterExtractBleed) / kPercent;
-    const float decay = Natural(kCenterExtractDecay) / 1000;
+    fBleed = static_cast<float>(FractionOfPercent(Natural(kCenterExtractBleed)));
+    const auto decay = static_cast<float>(SecondsOfMilliseconds(Natural(kCenterExtractDecay)));
     fKept = decay > 0 ? std::exp(-fFrameSeconds / decay) : 0;
     fIsMono = IsOn(kCenterExtractMono);
     fKeepsOutside = IsOn(kCenterExtractKeepOutside);
@@ -321,8 +315,8 @@ CenterChannelExtract::Place CenterChannelExtract::ReadPlace() const noexcept {
     case kSurround: return {.phase = kPi};
     case kCustomPosition:
         return {.phase = Natural(kCenterExtractPhase) * kPi / kHalfTurn,
-                .pan = Natural(kCenterExtractPan) / kPercent,
-                .delay = Natural(kCenterExtractDelay) / 1000};
+                .pan = static_cast<float>(FractionOfPercent(Natural(kCenterExtractPan))),
+                .delay = static_cast<float>(SecondsOfMilliseconds(Natural(kCenterExtractDelay)))};
     default: return {};
     }
 }
@@ -343,7 +337,7 @@ CenterChannelExtract::Band CenterChannelExtract::ReadBand() const noexcept {
 // The crossover is the part of the way to the edge, and as much behind it, that is neither quite center nor quite not.
 CenterChannelExtract::Edge CenterChannelExtract::ReadEdge(int index, float unit) const noexcept {
     const float edge = Natural(index) * unit;
-    const float half = Natural(kCenterExtractCrossover) / kPercent;
+    const auto half = static_cast<float>(FractionOfPercent(Natural(kCenterExtractCrossover)));
     return {edge * (1 - half), edge * (1 + half)};
 }
 

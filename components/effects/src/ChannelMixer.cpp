@@ -11,8 +11,6 @@ namespace qoc::components {
 
 namespace {
 
-constexpr float kPercent = 100;
-
 // The largest count has the stored value 1.
 constexpr float kChannelCountScale = static_cast<float>(ChannelMixer::kMaximumChannels);
 
@@ -48,9 +46,9 @@ std::array<ParameterRow, ChannelMixer::kMixedChannels> RowsOf(std::size_t output
         rows[input] = {.id = kOutputTexts[output].id,
                        .name = kOutputTexts[output].name,
                        .unit = "%",
-                       .lo = -kPercent,
-                       .hi = kPercent,
-                       .defaultValue = input == output ? kPercent : 0,
+                       .lo = -100,
+                       .hi = 100,
+                       .defaultValue = input == output ? 100.0F : 0,
                        .decimals = 1};
     return rows;
 }
@@ -71,8 +69,8 @@ constexpr float kUnityWindow = 2e-5F;
 float ToGain(float percent) noexcept {
     const float magnitude = std::abs(percent);
     if (magnitude < kNoPercent) return 0;
-    if (kPercent - magnitude < kUnityWindow) return std::copysign(1.0F, percent);
-    return percent / kPercent;
+    if (100 - magnitude < kUnityWindow) return std::copysign(1.0F, percent);
+    return static_cast<float>(FractionOfPercent(percent));
 }
 
 } // namespace

@@ -83,8 +83,6 @@ constexpr ParameterRow kRows[] = {
     {.id = "mix", .name = "$$$/Chorus/Mix=Mix", .unit = "%", .hi = 100, .defaultValue = 50, .decimals = 1},
 };
 
-constexpr double kMilliseconds = 1e-3;
-constexpr float kPercent = 100;
 // Around a sphere of 8.75 cm radius, from the side: r / c (pi / 2 + 1); after R. S. Woodworth, "Experimental
 // Psychology" (1938).
 constexpr double kLongestLag = 0.0875 / 343 * (std::numbers::pi / 2 + 1); // seconds
@@ -122,15 +120,15 @@ Chorus::~Chorus() = default;
 
 std::size_t Chorus::Tail() const noexcept {
     constexpr double kDecayed = 1e-5; // 100 dB
-    const double longest = (double{Natural(kChorusDelay)} + Natural(kChorusSpread)) * kMilliseconds + kLongestLag;
-    const double feedback = Natural(kChorusFeedback) / kPercent;
+    const double longest = SecondsOfMilliseconds(double{Natural(kChorusDelay)} + Natural(kChorusSpread)) + kLongestLag;
+    const double feedback = FractionOfPercent(Natural(kChorusFeedback));
     const double rounds = feedback > kDecayed ? std::ceil(std::log(kDecayed) / std::log(feedback)) : 0;
     return static_cast<std::size_t>(std::ceil((1 + rounds) * longest * GetSampleRate())) + TapWeights::kAhead;
 }
 
 void Chorus::PrepareProcessing(std::size_t /*maximumBlock*/) {
     const double rate = GetSampleRate();
-    const double longest = (double{kLongestDelay} + kLongestSpread) * kMilliseconds + kLongestLag;
+    const double longest = SecondsOfMilliseconds(double{kLongestDelay} + kLongestSpread) + kLongestLag;
     fSides = SidesOf(GetInputBuses().front().GetLayout());
     fLines.assign(fSides.size(), {});
     for (DelayLine& line : fLines)
@@ -158,13 +156,13 @@ void Chorus::ResetProcessing() noexcept {
 
 void Chorus::ReadParameters(bool settle) noexcept {
     const double rate = GetSampleRate();
-    fDelay.Set(Natural(kChorusDelay) * kMilliseconds * rate, settle);
-    fDepth.Set(Natural(kChorusDepth) / kPercent, settle);
-    fSpread.Set(Natural(kChorusSpread) * kMilliseconds * rate, settle);
-    fFeedback.Set(Natural(kChorusFeedback) / kPercent, settle);
+    fDelay.Set(SecondsOfMilliseconds(Natural(kChorusDelay)) * rate, settle);
+    fDepth.Set(FractionOfPercent(Natural(kChorusDepth)), settle);
+    fSpread.Set(SecondsOfMilliseconds(Natural(kChorusSpread)) * rate, settle);
+    fFeedback.Set(FractionOfPercent(Natural(kChorusFeedback)), settle);
     fLevelDepth.Set(Natural(kChorusLevelDepth) / kDecibelsAnOctave, settle);
     fAverage.Set(IsOn(kChorusAverage) ? 1 : 0, settle);
-    fMix.Set(Natural(kChorusMix) / kPercent, settle);
+    fMix.Set(FractionOfPercent(Natural(kChorusMix)), settle);
     fDelayOscillator.SetRate(Natural(kChorusRate), rate);
     fLevelOscillator.SetRate(Natural(kChorusLevelRate), rate);
     fIsFine = IsOn(kChorusHighQuality);
@@ -174,7 +172,7 @@ void Chorus::ReadParameters(bool settle) noexcept {
 // Where each voice stands, 1 / sqrt(count) loud: the power of all together stays.
 void Chorus::SetVoices(bool settle) noexcept {
     const int count = static_cast<int>(std::lround(Natural(kChorusVoices)));
-    const double width = Natural(kChorusWidth) / kPercent;
+    const double width = FractionOfPercent(Natural(kChorusWidth));
     const double lag = IsOn(kChorusBinaural) ? kLongestLag * GetSampleRate() : 0;
     for (int i = 0; i < kMostVoices; ++i) {
         Voice& voice = fVoices[static_cast<std::size_t>(i)];

@@ -46,9 +46,6 @@ constexpr ParameterRow kRows[] = {
      .flags = kParameterNotAutomatable | kParameterReadOnly},
 };
 
-constexpr double kMilliseconds = 1e-3;
-constexpr float kPercent = 100;
-
 // Of a side's parameters, after its first.
 constexpr int kTime = kDelayLeftTime - kDelayLeftTime;
 constexpr int kMix = kDelayLeftMix - kDelayLeftTime;
@@ -70,7 +67,7 @@ std::size_t Delay::Tail() const noexcept {
 
 void Delay::PrepareProcessing(std::size_t /*maximumBlock*/) {
     StoreParameter(kDelayChannelCount, static_cast<float>(GetNumberOfInputChannels()) / kMostChannels);
-    fLatency = static_cast<std::size_t>(std::llround(double{kLongestTime} * kMilliseconds * GetSampleRate()));
+    fLatency = static_cast<std::size_t>(std::llround(SecondsOfMilliseconds(kLongestTime) * GetSampleRate()));
     fChannels.assign(GetNumberOfInputChannels(), {});
     const std::vector<ChannelSide> sides = SidesOf(GetInputBuses().front().GetLayout());
     for (std::size_t i = 0; i < fChannels.size(); ++i) {
@@ -91,7 +88,7 @@ void Delay::ResetProcessing() noexcept {
 void Delay::ReadParameters(bool settle) noexcept {
     for (Channel& channel : fChannels) {
         const std::ptrdiff_t delay = DelayInSamples(channel.firstParameter + kTime);
-        const float mix = Natural(channel.firstParameter + kMix) / kPercent;
+        const auto mix = static_cast<float>(FractionOfPercent(Natural(channel.firstParameter + kMix)));
         channel.tap.Set(static_cast<std::size_t>(static_cast<std::ptrdiff_t>(fLatency) + delay), settle);
         channel.original.Set(1 - mix, settle);
         channel.delayed.Set(IsOn(channel.firstParameter + kInvert) ? -mix : mix, settle);
@@ -110,7 +107,7 @@ void Delay::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noex
 }
 
 std::ptrdiff_t Delay::DelayInSamples(int timeParameter) const noexcept {
-    return std::llround(double{Natural(timeParameter)} * kMilliseconds * GetSampleRate());
+    return std::llround(SecondsOfMilliseconds(Natural(timeParameter)) * GetSampleRate());
 }
 
 } // namespace qoc::components

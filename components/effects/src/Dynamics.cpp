@@ -140,8 +140,6 @@ ParameterTable Table() {
     return table;
 }
 
-constexpr double kMilliseconds = 1e-3;
-
 } // namespace
 
 Dynamics::Dynamics() : ComponentBase(kDynamicsComponentID, Table()) {
@@ -209,7 +207,7 @@ void Dynamics::ReadParameters(bool settle) noexcept {
     const double automatic = IsOn(kDynamicsAutoMakeUp) ? -LimitedGain(fCurve.LastInput()) : 0;
     fMakeUp.Set(Natural(kDynamicsMakeUpGain) + automatic, settle);
     fDetectorGain.Set(ToFactor(Natural(kDynamicsDetectorGain)), settle);
-    fMix.Set(Natural(kDynamicsMix) / 100, settle);
+    fMix.Set(FractionOfPercent(Natural(kDynamicsMix)), settle);
     fListen.Set(IsOn(kDynamicsListen) ? 1 : 0, settle);
 }
 
@@ -250,7 +248,7 @@ double Dynamics::LimitedGain(double level) const noexcept {
 }
 
 double Dynamics::SamplesOf(int timeParameter) const noexcept {
-    return Natural(timeParameter) * kMilliseconds * GetSampleRate();
+    return SecondsOfMilliseconds(Natural(timeParameter)) * GetSampleRate();
 }
 
 double Dynamics::CommonPower() const noexcept {

@@ -68,8 +68,6 @@ constexpr ParameterRow kToldRows[] = {
      .flags = kParameterNotAutomatable | kParameterReadOnly},
 };
 
-constexpr double kMilliseconds = 1e-3;
-constexpr float kPercent = 100;
 constexpr int kPasses = 4; // of the equaliser's solver
 
 // Of a side's parameters, after its first.
@@ -101,7 +99,7 @@ std::size_t Echo::Tail() const noexcept {
     for (const Channel& channel : fChannels) {
         const int first = FirstParameter(channel.isRight);
         longest = std::max(longest, static_cast<double>(DelayInSamples(first + kTime)));
-        feedback = std::max(feedback, double{Natural(first + kFeedback)} / kPercent);
+        feedback = std::max(feedback, FractionOfPercent(Natural(first + kFeedback)));
     }
     const double most = kLongest * GetSampleRate();
     // Each time around the equaliser rings.
@@ -137,7 +135,7 @@ void Echo::PrepareProcessing(std::size_t /*maximumBlock*/) {
         Channel& channel = fChannels[i];
         channel.isRight = SideOf(layout[i]) == ChannelSide::kRight;
         channel.mirror = mirrors[i];
-        channel.line.Prepare(static_cast<std::size_t>(std::ceil(kLongestTime * kMilliseconds * rate)));
+        channel.line.Prepare(static_cast<std::size_t>(std::ceil(SecondsOfMilliseconds(kLongestTime) * rate)));
         channel.tap.Prepare(rate);
         channel.feedback.Prepare(rate);
         channel.level.Prepare(rate);
@@ -156,8 +154,8 @@ void Echo::ReadParameters(bool settle) noexcept {
         const int first = FirstParameter(channel.isRight);
         // The line is read before the present sample is written, when the newest one is one sample old.
         channel.tap.Set(DelayInSamples(first + kTime) - 1, settle);
-        channel.feedback.Set(Natural(first + kFeedback) / kPercent, settle);
-        channel.level.Set(Natural(first + kLevel) / kPercent, settle);
+        channel.feedback.Set(FractionOfPercent(Natural(first + kFeedback)), settle);
+        channel.level.Set(FractionOfPercent(Natural(first + kLevel)), settle);
     }
     fBounce.Set(IsOn(kEchoBounce) ? 1 : 0, settle);
 }
@@ -217,7 +215,7 @@ int Echo::FirstParameter(bool isRight) const noexcept {
 
 // An echo comes after its sound.
 std::size_t Echo::DelayInSamples(int timeParameter) const noexcept {
-    const long long samples = std::llround(double{Natural(timeParameter)} * kMilliseconds * GetSampleRate());
+    const long long samples = std::llround(SecondsOfMilliseconds(Natural(timeParameter)) * GetSampleRate());
     return static_cast<std::size_t>(std::max(1LL, samples));
 }
 

@@ -59,8 +59,6 @@ constexpr ParameterRow kRows[] = {
      .flags = kParameterNotAutomatable},
 };
 
-constexpr double kMilliseconds = 1e-3;
-constexpr float kPercent = 100;
 constexpr double kTurn = 360; // degrees
 // Read before the present sample is written, whose delay is 0.
 constexpr double kShortestLoop = TapWeights::kAhead + 1;
@@ -74,15 +72,15 @@ Flanger::~Flanger() = default;
 
 std::size_t Flanger::Tail() const noexcept {
     constexpr double kDecayed = 1e-5; // 100 dB
-    const double longest = std::max(Natural(kFlangerInitialDelay), Natural(kFlangerFinalDelay)) * kMilliseconds;
-    const double feedback = std::abs(Natural(kFlangerFeedback)) / kPercent;
+    const double longest = SecondsOfMilliseconds(std::max(Natural(kFlangerInitialDelay), Natural(kFlangerFinalDelay)));
+    const double feedback = FractionOfPercent(std::abs(Natural(kFlangerFeedback)));
     const double rounds = feedback > kDecayed ? std::ceil(std::log(kDecayed) / std::log(feedback)) : 0;
     return static_cast<std::size_t>(std::ceil((1 + rounds) * std::max(longest * GetSampleRate(), kShortestLoop)));
 }
 
 void Flanger::PrepareProcessing(std::size_t /*maximumBlock*/) {
     const double rate = GetSampleRate();
-    const auto longest = static_cast<std::size_t>(std::ceil(kLongestDelay * kMilliseconds * rate)) + Latency();
+    const auto longest = static_cast<std::size_t>(std::ceil(SecondsOfMilliseconds(kLongestDelay) * rate)) + Latency();
     fChannels.clear();
     for (const ChannelSide side : SidesOf(GetInputBuses().front().GetLayout())) {
         Channel& channel = fChannels.emplace_back();
@@ -104,15 +102,15 @@ void Flanger::ResetProcessing() noexcept {
 }
 
 void Flanger::ReadParameters(bool settle) noexcept {
-    const double initial = Natural(kFlangerInitialDelay) * kMilliseconds * GetSampleRate();
-    const double final = Natural(kFlangerFinalDelay) * kMilliseconds * GetSampleRate();
-    const double mix = Natural(kFlangerMix) / kPercent;
+    const double initial = SecondsOfMilliseconds(Natural(kFlangerInitialDelay)) * GetSampleRate();
+    const double final = SecondsOfMilliseconds(Natural(kFlangerFinalDelay)) * GetSampleRate();
+    const double mix = FractionOfPercent(Natural(kFlangerMix));
     fInitial.Set(initial, settle);
     fFinal.Set(final, settle);
     fWaiting.Set(IsOn(kFlangerThroughZero) ? (initial + final) / 2 : 0, settle);
     fPhase.Set(Natural(kFlangerStereoPhase) / kTurn, settle);
     fRoundness.Set(IsOn(kFlangerSinusoidal) ? 1 : 0, settle);
-    fFeedback.Set(Natural(kFlangerFeedback) / kPercent, settle);
+    fFeedback.Set(FractionOfPercent(Natural(kFlangerFeedback)), settle);
     fOriginalLevel.Set(1 - mix, settle);
     fDelayedLevel.Set(IsOn(kFlangerInverted) ? -mix : mix, settle);
     fOscillator.SetRate(Natural(kFlangerRate), GetSampleRate());

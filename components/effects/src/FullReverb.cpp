@@ -16,8 +16,6 @@ namespace {
 constexpr float kShortestDecay = 100; // milliseconds
 constexpr float kLongestDecay = 20000;
 constexpr float kLongestPredelay = 2000;
-constexpr double kMilliseconds = 1e-3;
-constexpr double kPercent = 1e-2;
 
 constexpr ParameterRow PercentRow(const char* id, const char* name, float defaultValue, float lo = 0) {
     return {.id = id, .name = name, .unit = "%", .lo = lo, .hi = 100, .defaultValue = defaultValue, .decimals = 0};
@@ -147,7 +145,7 @@ void FullReverb::PrepareProcessing(std::size_t maximumBlock) {
     RoomReverb::PrepareProcessing(maximumBlock);
     const double sampleRate = GetSampleRate();
     fPredelay.Prepare(sampleRate, fRoom.size(),
-                      static_cast<std::size_t>(std::ceil(kLongestPredelay * kMilliseconds * sampleRate)));
+                      static_cast<std::size_t>(std::ceil(SecondsOfMilliseconds(kLongestPredelay) * sampleRate)));
     fHighPass.Prepare(sampleRate, fRoom.size(), 1);
     fEqualiser.Prepare(sampleRate, fRoom.size(), Equaliser().size());
     fReverberation.Prepare(sampleRate);
@@ -189,8 +187,8 @@ void FullReverb::TellRoom() noexcept {
     TellParameter(kFullReverbRoomWidth, room.width);
     TellParameter(kFullReverbRoomDepth, room.depth);
     TellParameter(kFullReverbRoomHeight, room.height);
-    TellParameter(kFullReverbRoomDecay, room.DecayTime(kWallAbsorption) / kMilliseconds);
-    TellParameter(kFullReverbRoomPredelay, room.MeanFreeTime() / kMilliseconds);
+    TellParameter(kFullReverbRoomDecay, MillisecondsOfSeconds(room.DecayTime(kWallAbsorption)));
+    TellParameter(kFullReverbRoomPredelay, MillisecondsOfSeconds(room.MeanFreeTime()));
 
     const RoomPlace source = SourceIn(room);
     const RoomPlace listener = room.Listener();
@@ -199,7 +197,7 @@ void FullReverb::TellRoom() noexcept {
         if (image.reflections == 1) nearest = std::min(nearest, image.place.DistanceTo(listener));
     }
     const double seconds = (nearest - source.DistanceTo(listener)) / Room::kSpeedOfSound;
-    TellParameter(kFullReverbFirstReflection, seconds / kMilliseconds);
+    TellParameter(kFullReverbFirstReflection, MillisecondsOfSeconds(seconds));
 }
 
 Room FullReverb::RoomOfParameters() const noexcept {
@@ -207,15 +205,16 @@ Room FullReverb::RoomOfParameters() const noexcept {
 }
 
 RoomPlace FullReverb::SourceIn(const Room& room) const noexcept {
-    return room.Source(Natural(kFullReverbLocation) * kPercent, Natural(kFullReverbDistance) * kPercent);
+    return room.Source(FractionOfPercent(Natural(kFullReverbLocation)),
+                       FractionOfPercent(Natural(kFullReverbDistance)));
 }
 
 double FullReverb::Decay() const noexcept {
-    return Natural(IsOn(kFullReverbSetByRoom) ? kFullReverbRoomDecay : kFullReverbDecay) * kMilliseconds;
+    return SecondsOfMilliseconds(Natural(IsOn(kFullReverbSetByRoom) ? kFullReverbRoomDecay : kFullReverbDecay));
 }
 
 double FullReverb::Predelay() const noexcept {
-    return Natural(IsOn(kFullReverbSetByRoom) ? kFullReverbRoomPredelay : kFullReverbPredelay) * kMilliseconds;
+    return SecondsOfMilliseconds(Natural(IsOn(kFullReverbSetByRoom) ? kFullReverbRoomPredelay : kFullReverbPredelay));
 }
 
 FullReverb::Equaliser FullReverb::EqualiserOfParameters() const noexcept {
@@ -233,8 +232,8 @@ double FullReverb::HeldFrequency(int index) const noexcept {
 }
 
 void FullReverb::ReadLevels(bool settle) noexcept {
-    fDry.Set((IsOn(kFullReverbIncludeDirect) ? 0 : Natural(kFullReverbDry)) * kPercent, settle);
-    fReverberation.Set(Natural(kFullReverbReverberation) * kPercent, settle);
+    fDry.Set(FractionOfPercent(IsOn(kFullReverbIncludeDirect) ? 0 : Natural(kFullReverbDry)), settle);
+    fReverberation.Set(FractionOfPercent(Natural(kFullReverbReverberation)), settle);
     fRoom.SetSums(IsOn(kFullReverbSumInputs), settle);
 }
 
@@ -244,16 +243,16 @@ void FullReverb::ReadRoom(bool settle) noexcept {
     fEarly.Set({.room = room,
                 .source = SourceIn(room),
                 .absorption = room.Absorption(decay),
-                .level = Natural(kFullReverbEarly) * kPercent,
-                .directLevel = IsOn(kFullReverbIncludeDirect) ? Natural(kFullReverbDry) * kPercent : 0,
+                .level = FractionOfPercent(Natural(kFullReverbEarly)),
+                .directLevel = IsOn(kFullReverbIncludeDirect) ? FractionOfPercent(Natural(kFullReverbDry)) : 0,
                 .isOneSource = IsOn(kFullReverbSumInputs)},
                settle);
     fPredelay.Set(static_cast<std::size_t>(std::lround(Predelay() * GetSampleRate())), settle);
     const double lines = std::max(kLinesOfRoom * room.MeanFreeTime(), kShortestLines);
     fTank.Set({.decay = decay,
                .meanLength = std::min(lines, MeanLineLength(decay)),
-               .diffusion = Natural(kFullReverbDiffusion) * kPercent,
-               .mixing = 1 - Natural(kFullReverbPerception) * kPercent},
+               .diffusion = FractionOfPercent(Natural(kFullReverbDiffusion)),
+               .mixing = 1 - FractionOfPercent(Natural(kFullReverbPerception))},
               settle);
 }
 

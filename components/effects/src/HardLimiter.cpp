@@ -48,7 +48,6 @@ constexpr ParameterRow kRows[] = {
      .kind = ParameterKind::kSwitch},
 };
 
-constexpr double kMilliseconds = 1e-3;
 } // namespace
 
 HardLimiter::HardLimiter() : ComponentBase(kHardLimiterComponentID, std::move(ParameterTable().Add(kRows))) {
@@ -58,7 +57,7 @@ HardLimiter::~HardLimiter() = default;
 
 void HardLimiter::PrepareProcessing(std::size_t /*maximumBlock*/) {
     const double sampleRate = GetSampleRate();
-    const auto longest = static_cast<std::size_t>(std::ceil(kLongestLookAhead * kMilliseconds * sampleRate));
+    const auto longest = static_cast<std::size_t>(std::ceil(SecondsOfMilliseconds(kLongestLookAhead) * sampleRate));
     // A peak is told when the sample before it is this old.
     fLatency = longest + LimiterEnvelope::kHold + TruePeak::kDelay + 1;
     fBoost.Prepare(sampleRate);
@@ -83,7 +82,7 @@ void HardLimiter::ReadParameters(bool settle) noexcept {
     fCeiling.Set(ToFactor(Natural(kHardLimiterMaximumAmplitude)), settle);
     fBoost.Set(ToFactor(Natural(kHardLimiterInputBoost)), settle);
     fIsLinked = IsOn(kHardLimiterLinkChannels);
-    const double perMillisecond = kMilliseconds * GetSampleRate();
+    const double perMillisecond = SecondsOfMilliseconds(1) * GetSampleRate();
     for (Channel& channel : fChannels) {
         channel.gain.SetLookAhead(
             static_cast<std::size_t>(std::llround(Natural(kHardLimiterLookAhead) * perMillisecond)), settle);

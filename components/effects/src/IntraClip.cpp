@@ -104,7 +104,7 @@ void IntraClip::ReadParameters(bool settle) noexcept {
     settle ? fGain.Settle(gain) : fGain.SetTarget(gain);
     fSettings.level = AmplitudeOf(Natural(kIntraClipLevel));
     fSettings.findsLevel = IsOn(kIntraClipFindLevel);
-    fSettings.tolerance = Natural(kIntraClipTolerance) / 100;
+    fSettings.tolerance = FractionOfPercent(Natural(kIntraClipTolerance));
     fSettings.minimumSize = static_cast<std::size_t>(std::lround(Natural(kIntraClipMinimumSize)));
     fUsesSpectrum = IsOn(kIntraClipUseSpectrum);
     fOrder = static_cast<std::size_t>(std::lround(Natural(kIntraClipDetail)));

@@ -148,7 +148,7 @@ void PitchCorrect::ReadParameters(bool /*settle*/) noexcept {
     const int key = kFirstKey - static_cast<int>(Part(kPitchCorrectKey, kNotesPerOctave));
     fFollower.SetScale(static_cast<MusicalScale>(Part(kPitchCorrectScale, kScaleCount)), key);
     fFollower.SetSensitivity(Natural(kPitchCorrectSensitivity));
-    fFollower.SetAttack(Natural(kPitchCorrectAttack) * 1e-3 * GetSampleRate());
+    fFollower.SetAttack(SecondsOfMilliseconds(Natural(kPitchCorrectAttack)) * GetSampleRate());
 }
 
 void PitchCorrect::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {

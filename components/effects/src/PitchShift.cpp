@@ -52,7 +52,6 @@ constexpr ParameterRow kRows[] = {
      .kind = ParameterKind::kSwitch},
 };
 
-constexpr double kPercent = 100;
 constexpr auto kReach = static_cast<std::int64_t>(BandLimitedInterpolator::kReach);
 
 } // namespace
@@ -97,7 +96,7 @@ void PitchShift::ReadParameters(bool settle) noexcept {
 Splicer::Lengths PitchShift::ReadLengths() const noexcept {
     if (IsOn(kPitchShiftUseDefaultSettings)) return {};
     const double sequence = GetSampleRate() / double{Natural(kPitchShiftSplicingFrequency)};
-    return {sequence, sequence * Natural(kPitchShiftOverlapping) / kPercent};
+    return {sequence, FractionOfPercent(sequence * Natural(kPitchShiftOverlapping))};
 }
 
 void PitchShift::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {

@@ -14,8 +14,6 @@ namespace {
 
 constexpr float kLongestDecay = 20000;   // milliseconds
 constexpr float kLongestPredelay = 2000; // milliseconds
-constexpr double kMilliseconds = 1e-3;
-constexpr double kPercent = 1e-2;
 
 constexpr ParameterRow kRows[] = {
     {.id = "decay",
@@ -72,7 +70,7 @@ Reverb::~Reverb() = default;
 
 std::size_t Reverb::Tail() const noexcept {
     const double seconds =
-        Natural(kReverbPredelay) * kMilliseconds + AudibleSeconds(Natural(kReverbDecay) * kMilliseconds);
+        SecondsOfMilliseconds(Natural(kReverbPredelay)) + AudibleSeconds(SecondsOfMilliseconds(Natural(kReverbDecay)));
     return static_cast<std::size_t>(std::ceil(seconds * GetSampleRate()));
 }
 
@@ -84,7 +82,7 @@ void Reverb::PrepareProcessing(std::size_t /*maximumBlock*/) {
     const double sampleRate = GetSampleRate();
     fRoom.Prepare(sampleRate, GetInputBuses().front().GetLayout());
     fPredelay.Prepare(sampleRate, fRoom.size(),
-                      static_cast<std::size_t>(std::ceil(kLongestPredelay * kMilliseconds * sampleRate)));
+                      static_cast<std::size_t>(std::ceil(SecondsOfMilliseconds(kLongestPredelay) * sampleRate)));
     fTank.Prepare(sampleRate, fRoom.size());
     fDry.Prepare(sampleRate);
     fWet.Prepare(sampleRate);
@@ -97,16 +95,17 @@ void Reverb::ResetProcessing() noexcept {
 }
 
 void Reverb::ReadParameters(bool settle) noexcept {
-    fDry.Set(Natural(kReverbDry) * kPercent, settle);
-    fWet.Set(Natural(kReverbWet) * kPercent, settle);
+    fDry.Set(FractionOfPercent(Natural(kReverbDry)), settle);
+    fWet.Set(FractionOfPercent(Natural(kReverbWet)), settle);
     fRoom.SetSums(IsOn(kReverbSumInputs), settle);
-    fPredelay.Set(static_cast<std::size_t>(std::lround(Natural(kReverbPredelay) * kMilliseconds * GetSampleRate())),
-                  settle);
-    const double decay = Natural(kReverbDecay) * kMilliseconds;
+    fPredelay.Set(
+        static_cast<std::size_t>(std::lround(SecondsOfMilliseconds(Natural(kReverbPredelay)) * GetSampleRate())),
+        settle);
+    const double decay = SecondsOfMilliseconds(Natural(kReverbDecay));
     fTank.Set({.decay = decay,
                .meanLength = MeanLineLength(decay),
-               .diffusion = Natural(kReverbDiffusion) * kPercent,
-               .mixing = 1 - Natural(kReverbPerception) * kPercent},
+               .diffusion = FractionOfPercent(Natural(kReverbDiffusion)),
+               .mixing = 1 - FractionOfPercent(Natural(kReverbPerception))},
               settle);
 }
 
@@ -126,7 +125,7 @@ void Reverb::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noe
 }
 
 void Reverb::Tell() noexcept {
-    TellParameter(kReverbLength, (Natural(kReverbPredelay) + Natural(kReverbDecay)) * kMilliseconds);
+    TellParameter(kReverbLength, SecondsOfMilliseconds(Natural(kReverbPredelay) + Natural(kReverbDecay)));
     TellParameter(kReverbDirectRatio, DirectRatio(Natural(kReverbDry), Natural(kReverbWet)));
 }
 

@@ -217,14 +217,13 @@ std::vector<float> ScientificFilter::ComputeMagnitude(std::size_t count,
 
 bool ScientificFilter::GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const {
     constexpr double kDegrees = 180 / std::numbers::pi;
-    constexpr double kMilliseconds = 1000;
     const kroaudiofilterhost::FrequencyAxis axis = ShownAxis();
     if (index == kMagnitudeCurve) return GetMagnitudeResponse(size, axis, values);
     if (size == 0 || (index != kPhaseCurve && index != kGroupDelayCurve)) return false;
     const FilterSections sections = Design();
     const auto valueAt = [&](double hertz) {
         return static_cast<float>(index == kPhaseCurve ? std::arg(sections.Response(hertz)) * kDegrees
-                                                       : sections.GroupDelay(hertz) * kMilliseconds);
+                                                       : MillisecondsOfSeconds(sections.GroupDelay(hertz)));
     };
     values.resize(size);
     for (std::size_t i = 0; i < size; ++i)

@@ -29,8 +29,6 @@ constexpr ParameterRow kRows[] = {
      .decimals = 1},
 };
 
-constexpr float kPercent = 100;
-
 // Equal power, and 1 in the middle: the sine law scaled by sqrt(2). `pan`: -1...1, away from the side that it is for.
 float MidGain(float pan) noexcept {
     if (pan == 0.0F) return 1.0F;
@@ -64,13 +62,13 @@ void StereoExpander::PrepareProcessing(std::size_t /*maximumBlock*/) {
 }
 
 void StereoExpander::ReadParameters(bool settle) noexcept {
-    const float pan = Natural(kStereoExpanderPan) / kPercent;
+    const auto pan = static_cast<float>(FractionOfPercent(Natural(kStereoExpanderPan)));
     const auto set = [settle](SmoothedValue& gain, float value) {
         settle ? gain.Settle(value) : gain.SetTarget(value);
     };
     set(fMidToLeft, MidGain(pan));
     set(fMidToRight, MidGain(-pan));
-    set(fSide, Natural(kStereoExpanderExpand) / kPercent);
+    set(fSide, FractionOfPercent(Natural(kStereoExpanderExpand)));
 }
 
 void StereoExpander::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {

@@ -15,9 +15,6 @@ namespace qoc::components {
 
 namespace {
 
-constexpr double kMilliseconds = 1e-3;
-constexpr double kPercent = 1e-2;
-
 constexpr ParameterRow kRows[] = {
     {.id = "roomsize",
      .name = "$$$/StudioReverb/RoomSize=Room Size",
@@ -115,7 +112,7 @@ StudioReverb::~StudioReverb() = default;
 
 std::size_t StudioReverb::Tail() const noexcept {
     const double seconds =
-        std::max(AudibleSeconds(Natural(kStudioReverbDecay) * kMilliseconds), EarlyReflections::kLongestSeconds);
+        std::max(AudibleSeconds(SecondsOfMilliseconds(Natural(kStudioReverbDecay))), EarlyReflections::kLongestSeconds);
     return static_cast<std::size_t>(std::ceil(seconds * GetSampleRate()));
 }
 
@@ -137,9 +134,9 @@ void StudioReverb::ResetProcessing() noexcept {
 }
 
 void StudioReverb::ReadParameters(bool settle) noexcept {
-    fDry.Set(Natural(kStudioReverbDry) * kPercent, settle);
-    fWet.Set(Natural(kStudioReverbWet) * kPercent, settle);
-    fWidth.Set(Natural(kStudioReverbWidth) * kPercent, settle);
+    fDry.Set(FractionOfPercent(Natural(kStudioReverbDry)), settle);
+    fWet.Set(FractionOfPercent(Natural(kStudioReverbWet)), settle);
+    fWidth.Set(FractionOfPercent(Natural(kStudioReverbWidth)), settle);
     fRoom.SetSums(false, settle);
     ReadRoom(settle);
     ReadCuts(settle);
@@ -161,23 +158,23 @@ void StudioReverb::Mix(std::span<float> wet, std::span<const float> /*direct*/,
 }
 
 void StudioReverb::Tell() noexcept {
-    TellParameter(kStudioReverbLength, Natural(kStudioReverbDecay) * kMilliseconds);
+    TellParameter(kStudioReverbLength, SecondsOfMilliseconds(Natural(kStudioReverbDecay)));
     TellParameter(kStudioReverbDirectRatio, DirectRatio(Natural(kStudioReverbDry), Natural(kStudioReverbWet)));
 }
 
 void StudioReverb::ReadRoom(bool settle) noexcept {
-    const double size = Natural(kStudioReverbRoomSize) * kPercent;
-    const double decay = Natural(kStudioReverbDecay) * kMilliseconds;
+    const double size = FractionOfPercent(Natural(kStudioReverbRoomSize));
+    const double decay = SecondsOfMilliseconds(Natural(kStudioReverbDecay));
     const Room room = Room::OfVolume(kLeastVolume * std::pow(kMostVolume / kLeastVolume, size), kRoomRatio);
     fEarly.Set({.room = room,
                 .source = room.Source(kSourceLocation, kSourceDistance),
                 .absorption = room.Absorption(decay),
-                .level = Natural(kStudioReverbEarly) * kPercent},
+                .level = FractionOfPercent(Natural(kStudioReverbEarly))},
                settle);
     fTank.Set({.decay = decay,
-               .highDecay = std::pow(kMostDamped, Natural(kStudioReverbDamping) * kPercent),
+               .highDecay = std::pow(kMostDamped, FractionOfPercent(Natural(kStudioReverbDamping))),
                .meanLength = MeanLineLength(decay) * (kLeastLines + (kMostLines - kLeastLines) * size),
-               .diffusion = Natural(kStudioReverbDiffusion) * kPercent,
+               .diffusion = FractionOfPercent(Natural(kStudioReverbDiffusion)),
                .mixing = 1,
                .movement = kMovement},
               settle);

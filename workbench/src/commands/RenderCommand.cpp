@@ -3,6 +3,7 @@
 #include "host/ByteStream.h"
 #include "host/OfflineRenderer.h"
 #include "host/SoundPart.h"
+#include "krocore/Units.h"
 #include "krocore/config/Error.h"
 #include "workbench/commands/CommandLine.h"
 #include "workbench/commands/Interruption.h"
@@ -40,7 +41,7 @@ public:
     }
 
     void Show(double part) {
-        const int percent = static_cast<int>(part * 100);
+        const int percent = static_cast<int>(krocore::PercentOfFraction(part));
         if (!fIsTerminal || percent == fShown || SteadyClock::now() - fStart < kPatience) return;
         fShown = percent;
         std::fprintf(stderr, "\rrendering %d %%", percent);

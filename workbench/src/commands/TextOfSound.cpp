@@ -2,6 +2,7 @@
 
 #include "krocore/Localizer.h"
 #include "krocore/NumberFormat.h"
+#include "krocore/Units.h"
 
 #include <fmt/format.h>
 
@@ -28,7 +29,7 @@ krocore::string16 LayoutText(const kromediatypes::AudioChannelLayout& layout) {
 } // namespace
 
 krocore::string16 TimeText(double seconds) {
-    const long long milliseconds = seconds > 0 ? std::llround(seconds * 1000) : 0;
+    const long long milliseconds = seconds > 0 ? std::llround(krocore::MillisecondsOfSeconds(seconds)) : 0;
     const long long hours = milliseconds / kMillisecondsAnHour;
     const long long minutes = milliseconds / kMillisecondsAMinute % 60;
     const long long rest = milliseconds % kMillisecondsAMinute;
@@ -54,11 +55,11 @@ std::optional<double> TimeFromText(std::string_view text) {
 }
 
 krocore::string16 ClippingText(const qohost::Clipping& clipping) {
-    constexpr double kPercent = 100;
     return krocore::ReplacePlaceholders(
         krocore::Localize("$$$/Workbench/Clipped=@0 samples (@1 %) are clipped, the loudest by @2 dB"),
         {krocore::FormatNumber(static_cast<double>(clipping.samples), 0, krocore::kFormatUseSeparator),
-         krocore::FormatNumber(clipping.part * kPercent, 2), krocore::FormatNumber(clipping.decibels, 2)});
+         krocore::FormatNumber(krocore::PercentOfFraction(clipping.part), 2),
+         krocore::FormatNumber(clipping.decibels, 2)});
 }
 
 krocore::string16 RangeText(double begin, double end) {

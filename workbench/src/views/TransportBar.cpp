@@ -1,6 +1,7 @@
 #include "workbench/views/TransportBar.h"
 
 #include "krocore/Localizer.h"
+#include "krocore/Units.h"
 #include "workbench/commands/TextOfSound.h"
 #include "workbench/views/PixelSnap.h"
 
@@ -107,7 +108,7 @@ void TransportBar::ShowRender() {
 }
 
 void TransportBar::SetTime(double position) {
-    const long milliseconds = std::lround(position * 1000);
+    const long milliseconds = std::lround(krocore::MillisecondsOfSeconds(position));
     if (milliseconds != fMilliseconds) fTime->SetText(TimeText(position));
     fMilliseconds = milliseconds;
 }

@@ -2,6 +2,7 @@
 
 #include "krocore/Localizer.h"
 #include "krocore/NumberFormat.h"
+#include "krocore/Units.h"
 #include "kroui/ui/UI_Window.h"
 
 #include <algorithm>
@@ -61,10 +62,9 @@ void Appearance::ToggleTheme() {
 
 void Appearance::Show() {
     if (!Window()) return;
-    constexpr double kPercent = 100;
-    fButton->SetText(krocore::ReplacePlaceholders(
-        krocore::Localize("$$$/Workbench/State=zoom @0 %  @1"),
-        {krocore::FormatNumber(fZoom * kPercent, 0), krocore::FromASCII(Window()->GetTheme().Name())}));
+    fButton->SetText(krocore::ReplacePlaceholders(krocore::Localize("$$$/Workbench/State=zoom @0 %  @1"),
+                                                  {krocore::FormatNumber(krocore::PercentOfFraction(fZoom), 0),
+                                                   krocore::FromASCII(Window()->GetTheme().Name())}));
 }
 
 } // namespace workbench

@@ -2,6 +2,7 @@
 
 #include "krocore/Localizer.h"
 #include "krocore/NumberFormat.h"
+#include "krocore/Units.h"
 #include "workbench/commands/ProblemText.h"
 #include "workbench/commands/TextOfSound.h"
 
@@ -42,7 +43,7 @@ void RenderController::Follow(TransportBar& bar) {
 }
 
 void RenderController::ShowProgress() {
-    const int percent = static_cast<int>(fJob->PartDone() * 100);
+    const int percent = static_cast<int>(krocore::PercentOfFraction(fJob->PartDone()));
     if (percent == fShownPercent) return;
     fShownPercent = percent;
     fStatus.ShowNews(krocore::ReplacePlaceholders(krocore::Localize("$$$/Workbench/Rendering=Rendering: @0 %"),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "krocore/Units.h"
 #include "qoc/components/MultiChannelComponentBase.h"
 #include "qoc/components/ParameterTable.h"
 
@@ -9,6 +10,9 @@ namespace qoc::components {
 
 // An effect is made of building blocks, and what it says is about them.
 using namespace dsp;
+using krocore::FractionOfPercent;
+using krocore::MillisecondsOfSeconds;
+using krocore::SecondsOfMilliseconds;
 
 // Base of the effects: an effect adds its parameter table and its processing to it.
 //
