@@ -26,7 +26,7 @@ namespace {
 constexpr float kMostChannels = 32;
 constexpr double kLowestGain = -96; // dB
 constexpr double kHighestGain = 48;
-float sGainRange = 144; // dB
+constexpr float kGainRange = 144; // dB
 
 constexpr unsigned kNoTrailingZeros = 4;
 constexpr int kAlignRight = 2;
@@ -118,7 +118,7 @@ void AmplifyEditorView::OnLinkChannelsCheckboxChanged(UI_ControlChangedMessage* 
 
 void AmplifyEditorView::OnAudioFilterGainChanged(unsigned long channel) {
     if (fIsSetting || channel >= fSliders.size()) return;
-    const float gain = sGainRange * GetAudioComponent()->GetParameterValue(GainIndex(channel));
+    const float gain = kGainRange * GetAudioComponent()->GetParameterValue(GainIndex(channel));
     fSliders[channel]->SetValue(gain + kLowestGain);
 }
 
@@ -132,7 +132,7 @@ void AmplifyEditorView::OnEditNumberChangedInteractively(UI_InteractiveControlCh
         for (unsigned long i = 0; i < fSliders.size(); ++i)
             if (i != channel) fSliders[i]->SetValue(gain);
 
-    const auto normalised = static_cast<float>((fSliders[channel]->GetValue() - kLowestGain) / sGainRange);
+    const auto normalised = static_cast<float>((fSliders[channel]->GetValue() - kLowestGain) / kGainRange);
     const unsigned long first = linked ? 0 : channel;
     const unsigned long end = linked ? fSliders.size() : channel + 1;
     switch (message->GetChangeMessage()) {
