@@ -68,6 +68,10 @@ std::optional<float> AudioComponentEditorXMLView::GetNatural(int parameterIndex)
     return info->ToNatural(filter->GetParameterValue(parameterIndex));
 }
 
+float AudioComponentEditorXMLView::GetNaturalOrStored(int parameterIndex) const {
+    return GetNatural(parameterIndex).value_or(GetAudioFilter()->GetParameterValue(parameterIndex));
+}
+
 std::optional<float> AudioComponentEditorXMLView::ToNormalised(int parameterIndex, double natural) const {
     const auto* const info = GetAudioFilter()->GetParameterInfo(parameterIndex);
     if (!info) return {};
@@ -85,8 +89,7 @@ void AudioComponentEditorXMLView::ResetToDefaultOf(int parameterIndex, kroui::co
 }
 
 bool AudioComponentEditorXMLView::IsOn(int parameterIndex) const {
-    constexpr float kOn = 0.5F;
-    return GetAudioFilter()->GetParameterValue(parameterIndex) >= kOn;
+    return IsSwitchOn(GetAudioFilter()->GetParameterValue(parameterIndex));
 }
 
 } // namespace qocui::controls

@@ -259,19 +259,19 @@ void DopplerEditorView::ShowInGraph(int parameterIndex, float value) {
 }
 
 void DopplerEditorView::OnStraightLineButtonChanged(ChangedMessage* /*message*/) {
-    GetAudioComponent()->SetParameterValue(kDopplerCircular, Stored(!fStraightLine->IsChecked()));
+    GetAudioComponent()->SetParameterValue(kDopplerCircular, controls::StoredSwitch(!fStraightLine->IsChecked()));
 }
 
 void DopplerEditorView::OnCircularButtonChanged(ChangedMessage* /*message*/) {
-    GetAudioComponent()->SetParameterValue(kDopplerCircular, Stored(fCircular->IsChecked()));
+    GetAudioComponent()->SetParameterValue(kDopplerCircular, controls::StoredSwitch(fCircular->IsChecked()));
 }
 
 void DopplerEditorView::OnDistanceCheckboxChanged(ChangedMessage* /*message*/) {
-    GetAudioComponent()->SetParameterValue(kDopplerAdjustDistance, Stored(fDistance->IsChecked()));
+    GetAudioComponent()->SetParameterValue(kDopplerAdjustDistance, controls::StoredSwitch(fDistance->IsChecked()));
 }
 
 void DopplerEditorView::OnDirectionCheckboxChanged(ChangedMessage* /*message*/) {
-    GetAudioComponent()->SetParameterValue(kDopplerAdjustDirection, Stored(fDirection->IsChecked()));
+    GetAudioComponent()->SetParameterValue(kDopplerAdjustDirection, controls::StoredSwitch(fDirection->IsChecked()));
 }
 
 void DopplerEditorView::OnQualityPopupChanged(ChangedMessage* /*message*/) {

@@ -158,11 +158,12 @@ void FFTFilterEditorView::UpdateGraph() {
 }
 
 void FFTFilterEditorView::OnLinearLogPopupChanged(ChangedMessage* /*message*/) {
-    GetAudioComponent()->SetParameterValueQuietly(kFFTFilterScale, Stored(fMode->GetValue() == kLinear));
+    GetAudioComponent()->SetParameterValueQuietly(kFFTFilterScale,
+                                                  controls::StoredSwitch(fMode->GetValue() == kLinear));
 }
 
 void FFTFilterEditorView::OnSplinesCheckboxChanged(ChangedMessage* /*message*/) {
-    GetAudioComponent()->SetParameterValue(kFFTFilterSplineCurves, Stored(fSplines->IsChecked()));
+    GetAudioComponent()->SetParameterValue(kFFTFilterSplineCurves, controls::StoredSwitch(fSplines->IsChecked()));
 }
 
 void FFTFilterEditorView::OnFFTSizePopupChanged(ChangedMessage* /*message*/) {

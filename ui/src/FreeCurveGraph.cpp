@@ -21,12 +21,12 @@ constexpr double kStoredPerPoint = 1 / kCountScale;
 FreeCurveGraph::FreeCurveGraph(boost::intrusive_ptr<AudioFilter> filter, const ViewRange& viewRange,
                                const Indices& indices, RulerPtr vertical)
     : FrequencyGraph(filter, viewRange, MakeLogRuler(false, kLowestFrequency, NyquistOf(*filter)), std::move(vertical)),
-      fIndices(indices), fIsLogarithmic(Parameter(indices.scale) < kOn) {
+      fIndices(indices), fIsLogarithmic(!IsOn(indices.scale)) {
     SetWantsKeyboardFocus(true);
     SetRulersSupportZooming(false);
     SetMaxPointCount(kMostPoints);
     SetUniqueHorizontalPositions(true);
-    SetUseSplines(Parameter(indices.splineCurves) >= kOn);
+    SetUseSplines(IsOn(indices.splineCurves));
     NotifyWhenChangedInteractively(boost::bind(&FreeCurveGraph::OnInteractiveChange, this, boost::placeholders::_1));
 }
 
@@ -52,12 +52,12 @@ FreeCurveGraph::RulerPtr FreeCurveGraph::MakeHorizontalRuler() const {
 }
 
 bool FreeCurveGraph::FollowAxes() {
-    const bool before = std::exchange(fIsLogarithmic, Parameter(fIndices.scale) < kOn);
+    const bool before = std::exchange(fIsLogarithmic, !IsOn(fIndices.scale));
     return fIsLogarithmic != before;
 }
 
 bool FreeCurveGraph::FollowSplines() {
-    const bool splines = Parameter(fIndices.splineCurves) >= kOn;
+    const bool splines = IsOn(fIndices.splineCurves);
     if (splines == UsesSplines()) return false;
     SetUseSplines(splines);
     UI_Invalidate();

@@ -168,17 +168,17 @@ void GraphicPhaseShifterEditorView::UpdateAdvancedControlsEnabement() {
 }
 
 void GraphicPhaseShifterEditorView::OnScaleButtonChanged(ChangedMessage* /*message*/, bool linear) {
-    GetAudioFilter()->SetParameterValueQuietly(kPhaseShifterScale, Stored(linear));
+    GetAudioFilter()->SetParameterValueQuietly(kPhaseShifterScale, controls::StoredSwitch(linear));
     SyncGraph();
 }
 
 void GraphicPhaseShifterEditorView::OnRangeButtonChanged(ChangedMessage* /*message*/, bool wide) {
-    GetAudioFilter()->SetParameterValue(kPhaseShifterRange, Stored(wide));
+    GetAudioFilter()->SetParameterValue(kPhaseShifterRange, controls::StoredSwitch(wide));
     SyncGraph();
 }
 
 void GraphicPhaseShifterEditorView::OnSplinesCheckboxChanged(ChangedMessage* /*message*/) {
-    GetAudioFilter()->SetParameterValue(kPhaseShifterSplineCurves, Stored(fSplines->IsChecked()));
+    GetAudioFilter()->SetParameterValue(kPhaseShifterSplineCurves, controls::StoredSwitch(fSplines->IsChecked()));
 }
 
 void GraphicPhaseShifterEditorView::OnFFTSizePopupChanged(ChangedMessage* /*message*/) {

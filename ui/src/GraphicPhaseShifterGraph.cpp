@@ -28,7 +28,7 @@ GraphicPhaseShifterGraph::GraphicPhaseShifterGraph(boost::intrusive_ptr<kroaudio
                       .pointCount = qoc::components::kPhaseShifterPointCount,
                       .firstPoint = qoc::components::kPhaseShifterFirstPoint},
                      MakeLinearRuler(true, kNarrowReach, -kNarrowReach)),
-      fIsWide(Parameter(qoc::components::kPhaseShifterRange) >= kOn) {
+      fIsWide(IsOn(qoc::components::kPhaseShifterRange)) {
     const auto text = [](const char* key) { return krocore::Localize(key); };
     SetHorizontalEditDialogLabel(text("$$$/GraphicPhaseShifter/GraphicPhaseShifterGraph/Frequency=Frequency:"));
     SetVerticalEditDialogLabel(text("$$$/GraphicPhaseShifter/GraphicPhaseShifterGraph/Phase=Phase:"));
@@ -90,7 +90,7 @@ double GraphicPhaseShifterGraph::GetFlatLevel() const {
 
 bool GraphicPhaseShifterGraph::FollowAxes() {
     const bool hasScaleChanged = FreeCurveGraph::FollowAxes();
-    const bool before = std::exchange(fIsWide, Parameter(qoc::components::kPhaseShifterRange) >= kOn);
+    const bool before = std::exchange(fIsWide, IsOn(qoc::components::kPhaseShifterRange));
     return hasScaleChanged || fIsWide != before;
 }
 

@@ -236,7 +236,7 @@ void NotchFilterEditorView::OnNotchWidthPopupChanged(UI_ControlChangedMessage* /
 
 void NotchFilterEditorView::WriteSwitch(UI_ControlChangedMessage* message, int parameterIndex) {
     const auto* const button = dynamic_cast<kroui::controls::UI_Button*>(message->GetControl());
-    if (button) GetAudioComponent()->SetParameterValue(parameterIndex, Stored(button->GetValue() == 1));
+    if (button) GetAudioComponent()->SetParameterValue(parameterIndex, controls::StoredSwitch(button->GetValue() == 1));
 }
 
 } // namespace qocui::ui

@@ -113,7 +113,7 @@ void NotchFilterGraph::UpdateCurvePointsFromComponent() {
         UpdateCurvePointLocationsFromComponent();
         Flags enabled(kSections);
         for (int i = 0; i < kSections; ++i)
-            enabled[static_cast<std::size_t>(i)] = Parameter(kNotchFirstEnable + i) > kOn;
+            enabled[static_cast<std::size_t>(i)] = Parameter(kNotchFirstEnable + i) > controls::kSwitchThreshold;
         SetVisiblePoints(enabled);
         SetMoveablePoints(enabled, false);
         SetMoveablePoints(enabled, true);
@@ -170,7 +170,7 @@ void NotchFilterGraph::OnInteractiveChange(UI_InteractiveControlChangedMessage* 
 }
 
 bool NotchFilterGraph::AreGainsLinked() const {
-    return Parameter(kNotchFixGainEnable) >= kOn;
+    return IsOn(kNotchFixGainEnable);
 }
 
 int NotchFilterGraph::GainIndex(int section) const {

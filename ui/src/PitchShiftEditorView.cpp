@@ -43,7 +43,6 @@ constexpr double kOverlappingIncrement = 0.1;     // percent
 // A ratio this near to the one that semitones and cents show leaves them alone.
 constexpr double kRatioTolerance = 0.01;
 constexpr double kFarthestKeptSemitone = 2;
-constexpr float kChecked = 0.5F;
 constexpr int kLinearScale = 0;
 constexpr unsigned kNoTrailingZeros = 4;
 
@@ -191,7 +190,7 @@ void PitchShiftEditorView::UpdateSettingsControlStatus() {
 
 void PitchShiftEditorView::UpdateControlFromParameterValueChange(ParameterIndex index) {
     if (fIsSettingParameter) return;
-    const float value = GetNaturalValue(index);
+    const float value = GetNaturalOrStored(index);
     switch (index) {
     case kPitchShiftRatio:
         if (fRatio) fRatio->SetValue(value);
@@ -205,7 +204,7 @@ void PitchShiftEditorView::UpdateControlFromParameterValueChange(ParameterIndex 
         if (fOverlapping) fOverlapping->SetValue(value);
         break;
     case kPitchShiftUseDefaultSettings:
-        if (fUseDefaultSettings) fUseDefaultSettings->SetValue(value >= kChecked);
+        if (fUseDefaultSettings) fUseDefaultSettings->SetValue(controls::IsSwitchOn(value));
         UpdateSettingsControlStatus();
         break;
     default: break;
@@ -282,7 +281,7 @@ void PitchShiftEditorView::InitHotTextNumber(HotTextNumberPtr field, ParameterIn
         field->SetMaxValue(generic->GetHiBound());
     }
     ResetToDefaultOf(index, *field);
-    const double value = GetNaturalValue(index);
+    const double value = GetNaturalOrStored(index);
     const bool isInside = value >= field->GetMinValue() && value <= field->GetMaxValue();
     field->SetValue(isInside ? value : field->GetMinValue());
     field->NotifyWhenChangedInteractively(
@@ -291,7 +290,7 @@ void PitchShiftEditorView::InitHotTextNumber(HotTextNumberPtr field, ParameterIn
 }
 
 void PitchShiftEditorView::InitRadioButtonGroup(ParameterIndex index) {
-    const std::int64_t value = Truncated(GetNaturalValue(index));
+    const std::int64_t value = Truncated(GetNaturalOrStored(index));
     if (index != kPitchShiftPrecision) return;
     UpdatePrecisionRadioGroupState(value);
     for (const RadioButtonPtr& button : {fPrecisionLow, fPrecisionMedium, fPrecisionHigh})
@@ -311,11 +310,6 @@ void PitchShiftEditorView::InitCheckBox(CheckboxPtr box, ParameterIndex index) {
 void PitchShiftEditorView::SetBoxLabel(OutlineBoxPtr& box, std::string_view id, std::string_view key) {
     box = FindNamed<uit::controls::UI_OutlineBoxWithLabel>(id);
     if (box) box->SetLabel(krocore::Localize(key));
-}
-
-// A filter that does not describe itself keeps natural values.
-float PitchShiftEditorView::GetNaturalValue(ParameterIndex index) {
-    return GetNatural(index).value_or(GetAudioComponent()->GetParameterValue(index));
 }
 
 void PitchShiftEditorView::SetNaturalParameter(ParameterIndex index, double natural) {

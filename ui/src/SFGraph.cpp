@@ -5,6 +5,7 @@
 #include "krocore/Localizer.h"
 #include "krocore/WholeNumber.h"
 #include "qoc/components/ParameterIndices.h"
+#include "qocui/controls/StoredSwitch.h"
 #include "uit/controls/AxisText.h"
 
 #include <algorithm>
@@ -28,7 +29,6 @@ using qoc::components::kSFViewStart;
 namespace {
 
 constexpr double kLowestFrequency = 20; // hertz
-constexpr float kOn = 0.5F;             // a switch is on from here
 
 constexpr Color kBlack{0, 0, 0, 1};
 constexpr Color kGridColor{0.25F, 0.25F, 0.25F, 1};
@@ -158,7 +158,7 @@ void SFGraph::TakeView() {
     constexpr int kLastView = kViewCount - 1;
     fView = static_cast<View>(krocore::TruncatedWithin(std::round(Parameter(kSFView) * kLastView), 0, kLastView));
     SetVerticalLabel1(Unit());
-    const bool isLogarithmic = Parameter(kSFLogarithmicAxis) >= kOn;
+    const bool isLogarithmic = controls::IsSwitchOn(Parameter(kSFLogarithmicAxis));
     const double nyquist = Nyquist();
     if (isLogarithmic != fIsLogarithmic || nyquist != fNyquist) UpdateRulers(isLogarithmic);
     // As the filter understands its view parameters, whoever has set them.

@@ -32,7 +32,6 @@ using uit::controls::ColorField;
 namespace {
 
 constexpr std::u16string_view kGraphClassName = u"SFGraph";
-constexpr float kOn = 0.5F; // a switch is on from here
 
 constexpr const char* kViewIDs[SFGraph::kViewCount] = {"Magnitude", "Phase", "GroupDelay"};
 constexpr const char* kColorIDs[SFGraph::kViewCount] = {"MagnitudeColor", "PhaseColor", "GroupDelayColor"};
@@ -122,8 +121,7 @@ void ScientificFilterEditorView::FindControls() {
 void ScientificFilterEditorView::InitNumbers() {
     for (const auto& [index, id] : kNumbers) {
         ValueControl* const control = ControlOf(index);
-        const auto* const info =
-            dynamic_cast<const GenericParameterInfo*>(GetAudioComponent()->GetParameterInfo(index));
+        const auto* const info = GetGenericInfo(index);
         if (!control || !info) continue;
         control->SetMinMaxValue(info->GetLoBound(), info->GetHiBound(), info->ToNatural(info->GetDefault()));
         if (IsFrequency(index)) control->SetScale(ValueControl::kLogarithmic);
@@ -137,8 +135,7 @@ void ScientificFilterEditorView::LimitFrequencies() {
     fSampleRate = GetAudioComponent()->GetSampleRate();
     for (const int index : kFrequencies) {
         ValueControl* const control = ControlOf(index);
-        const auto* const info =
-            dynamic_cast<const GenericParameterInfo*>(GetAudioComponent()->GetParameterInfo(index));
+        const auto* const info = GetGenericInfo(index);
         if (control && info)
             control->SetMaxValue(std::min<double>(info->GetHiBound(), WarpedEdges::kHighestEdge * fSampleRate));
     }
@@ -180,7 +177,7 @@ void ScientificFilterEditorView::UpdateControls() {
 void ScientificFilterEditorView::UpdateNumbers() {
     for (const auto& [index, id] : kNumbers) {
         ValueControl* const control = ControlOf(index);
-        if (control && index != fGestureIndex) control->SetValue(Natural(index));
+        if (control && index != fGestureIndex) control->SetValue(GetNaturalOrStored(index));
     }
 }
 
@@ -207,7 +204,7 @@ void ScientificFilterEditorView::UpdateView() {
     for (std::size_t i = 0; i < SFGraph::kViewCount; ++i) {
         if (fViews[i]) fViews[i]->SetValue(static_cast<int>(i) == view);
     }
-    const bool isLogarithmic = GetAudioComponent()->GetParameterValue(kSFLogarithmicAxis) >= kOn;
+    const bool isLogarithmic = IsOn(kSFLogarithmicAxis);
     if (fLinearAxis) fLinearAxis->SetValue(!isLogarithmic);
     if (fLogarithmicAxis) fLogarithmicAxis->SetValue(isLogarithmic);
     if (fGraph) fGraph->UpdateGraph();
@@ -317,26 +314,18 @@ void ScientificFilterEditorView::WriteCutoff(int parameterIndex, double hertz) {
 }
 
 void ScientificFilterEditorView::SetNatural(int parameterIndex, double value) {
-    const auto* const info = GetAudioComponent()->GetParameterInfo(parameterIndex);
-    if (!info) return;
-    const float stored = info->ToNormalised(static_cast<float>(value));
+    const auto stored = ToNormalised(parameterIndex, value);
+    if (!stored) return;
     if (parameterIndex < kSoundParameterCount) {
-        GetAudioComponent()->SetParameterValue(parameterIndex, stored);
+        GetAudioComponent()->SetParameterValue(parameterIndex, *stored);
     } else {
-        GetAudioComponent()->SetParameterValueQuietly(parameterIndex, stored);
+        GetAudioComponent()->SetParameterValueQuietly(parameterIndex, *stored);
     }
 }
 
 kroui::controls::ValueControl* ScientificFilterEditorView::ControlOf(int parameterIndex) const {
     const auto* const number = std::ranges::find(kNumbers, parameterIndex, &Number::parameterIndex);
     return number == kNumbers.end() ? nullptr : fNumbers[static_cast<std::size_t>(number - kNumbers.begin())];
-}
-
-// A filter that does not describe itself keeps natural values.
-float ScientificFilterEditorView::Natural(int parameterIndex) {
-    const float stored = GetAudioComponent()->GetParameterValue(parameterIndex);
-    const auto* const info = GetAudioComponent()->GetParameterInfo(parameterIndex);
-    return info ? info->ToNatural(stored) : stored;
 }
 
 int ScientificFilterEditorView::Item(int parameterIndex) {
@@ -348,12 +337,12 @@ ScientificFilterSettings ScientificFilterEditorView::Settings() {
     ScientificFilterSettings settings;
     settings.family = static_cast<FilterFamily>(Item(kSFType));
     settings.mode = static_cast<FilterMode>(Item(kSFMode));
-    settings.order =
-        krocore::TruncatedWithin<int>(std::round(Natural(kSFOrder)), 1, ScientificFilterSettings::kHighestOrder);
-    settings.cutoff = Natural(kSFCutoff);
-    settings.highCutoff = Natural(kSFHighCutoff);
-    settings.passRipple = Natural(kSFPassRipple);
-    settings.stopAttenuation = Natural(kSFStopAttenuation);
+    settings.order = krocore::TruncatedWithin<int>(std::round(GetNaturalOrStored(kSFOrder)), 1,
+                                                   ScientificFilterSettings::kHighestOrder);
+    settings.cutoff = GetNaturalOrStored(kSFCutoff);
+    settings.highCutoff = GetNaturalOrStored(kSFHighCutoff);
+    settings.passRipple = GetNaturalOrStored(kSFPassRipple);
+    settings.stopAttenuation = GetNaturalOrStored(kSFStopAttenuation);
     return settings;
 }
 

@@ -2,6 +2,7 @@
 
 #include "kroui/ui/UI_NodeBuilder.h"
 #include "qocui/controls/AudioComponentEditorViewBase.h"
+#include "qocui/controls/StoredSwitch.h"
 
 #include <optional>
 #include <string>
@@ -57,13 +58,13 @@ protected:
     // the parameter.
     std::optional<float> GetNatural(int parameterIndex) const;
     std::optional<float> ToNormalised(int parameterIndex, double natural) const;
+    // The same from a filter that describes itself; one that does not keeps natural values.
+    float GetNaturalOrStored(int parameterIndex) const;
     // The description with the bounds; null for filters that describe themselves otherwise.
     const qoc::components::GenericParameterInfo* GetGenericInfo(int parameterIndex) const;
     // Lets a reset of the control that shows the parameter go to the parameter's default.
     void ResetToDefaultOf(int parameterIndex, kroui::controls::ValueControl& control) const;
-    // A switch is on from 0.5 on; it is stored as 0 or 1.
     bool IsOn(int parameterIndex) const;
-    static float Stored(bool on) { return on ? 1.0F : 0.0F; }
 
 private:
     std::string fResourceName;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kroaudiofilterhost/AudioFilter.h"
+#include "qocui/controls/StoredSwitch.h"
 #include "uit/controls/UI_CurveEditor.h"
 
 #include <boost/signals2/trackable.hpp>
@@ -34,7 +35,6 @@ protected:
     };
     static constexpr double kLowestFrequency = 20; // hertz
     static constexpr std::size_t kMostPoints = 128;
-    static constexpr float kOn = 0.5F; // a switch is on from here
 
     FrequencyGraph(boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter, const ViewRange& viewRange,
                    RulerPtr horizontal, RulerPtr vertical);
@@ -50,6 +50,7 @@ protected:
     bool HasFrequencies() const { return std::isfinite(Nyquist()) && Nyquist() > kLowestFrequency; }
     kroaudiofilterhost::AudioFilter& Filter() const { return *fFilter; }
     float Parameter(int index) const { return fFilter->GetParameterValue(index); }
+    bool IsOn(int index) const { return controls::IsSwitchOn(Parameter(index)); }
 
     bool IsInteracting() const { return fInteracting; }
     void SetInteracting(bool interacting) { fInteracting = interacting; }

@@ -80,7 +80,6 @@ private:
     void InitCheckBox(CheckboxPtr box, ParameterIndex index);
     void SetBoxLabel(OutlineBoxPtr& box, std::string_view id, std::string_view key);
 
-    float GetNaturalValue(ParameterIndex index);
     void SetNaturalParameter(ParameterIndex index, double natural);
     double GetRatioOfFields() const;
     void EnableSettings(bool enable);

@@ -84,7 +84,6 @@ private:
     void SetNatural(int parameterIndex, double value);
 
     ValueControl* ControlOf(int parameterIndex) const;
-    float Natural(int parameterIndex);
     int Item(int parameterIndex);
     qoc::components::ScientificFilterSettings Settings();
 
