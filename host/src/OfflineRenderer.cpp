@@ -13,6 +13,9 @@ namespace qohost {
 namespace {
 
 using kroaudiofilterhost::AudioFilter;
+using kroaudiofilterhost::AudioFilterTempo;
+
+constexpr double kListeningShare = 0.2; // of the progress
 
 // The filter runs, but not in real time, as long as this lives.
 class RunningScope {
@@ -36,6 +39,21 @@ private:
     bool fCouldChange;
 };
 
+// As long as this lives, what is prepared may take its time.
+class RenderQualityScope {
+public:
+    explicit RenderQualityScope(AudioFilter& filter) : fFilter(filter), fBefore(filter.GetQuality()) {
+        fFilter.SetQuality(kroaudiofilterhost::AudioFilterQuality::kRender);
+    }
+    RenderQualityScope(const RenderQualityScope&) = delete;
+    RenderQualityScope& operator=(const RenderQualityScope&) = delete;
+    ~RenderQualityScope() { fFilter.SetQuality(fBefore); }
+
+private:
+    AudioFilter& fFilter;
+    kroaudiofilterhost::AudioFilterQuality fBefore;
+};
+
 std::vector<float*> PointersTo(std::vector<std::vector<float>>& buffers) {
     std::vector<float*> pointers;
     for (std::vector<float>& buffer : buffers)
@@ -49,6 +67,7 @@ OfflineRenderer::OfflineRenderer(AudioFilter& filter, SoundReader& input, Render
     : fFilter(filter), fInput(input), fOptions(std::move(options)) {
     fOptions.blockFrames = std::max<std::size_t>(fOptions.blockFrames, 1);
     filter.SetDuration(static_cast<double>(input.Frames()));
+    const RenderQualityScope quality(filter);
     filter.Prepare(input.SampleRate(), fOptions.blockFrames, input.Layout());
     fLatency = filter.Latency();
     const auto framesOf = [&input](double seconds) {
@@ -70,14 +89,34 @@ bool OfflineRenderer::Run(SoundWriter& output) {
     const RunningScope running(fFilter);
     const std::vector<const float*> inputs(fInputPointers.begin(), fInputPointers.end());
     const std::uint64_t total = fFrames + fLatency;
+    const bool listens = fFilter.WantsToListen();
+    if (listens && !Listen()) return false;
+    const double listened = listens ? kListeningShare : 0;
+    const AudioFilterTempo tempo =
+        fFilter.GetAudioFilterHost() != nullptr ? fFilter.GetAudioFilterHost()->GetTempo() : AudioFilterTempo();
     for (std::uint64_t position = 0; position < total; position += fOptions.blockFrames) {
         const auto frames = static_cast<std::size_t>(std::min<std::uint64_t>(fOptions.blockFrames, total - position));
         Fetch(frames);
+        fFilter.ServeAutomation();
+        fFilter.SetTransport({.position = static_cast<double>(position), .isPlaying = true, .tempo = tempo});
         fFilter.Process({inputs, fOutputPointers, frames});
         Store(position, frames, output);
         const double done = static_cast<double>(position + frames) / static_cast<double>(total);
-        if (fOptions.progress && !fOptions.progress(done)) return false;
+        if (fOptions.progress && !fOptions.progress(listened + (1 - listened) * done)) return false;
     }
+    return true;
+}
+
+bool OfflineRenderer::Listen() {
+    const std::vector<const float*> inputs(fInputPointers.begin(), fInputPointers.end());
+    std::uint64_t heard = 0;
+    while (const std::size_t frames = fInput.Read(fInputPointers, fOptions.blockFrames)) {
+        fFilter.Listen(inputs, frames);
+        heard += frames;
+        const double done = static_cast<double>(heard) / static_cast<double>(fInput.Frames());
+        if (fOptions.progress && !fOptions.progress(kListeningShare * done)) return false;
+    }
+    fInput.Seek(0);
     return true;
 }
 

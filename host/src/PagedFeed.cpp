@@ -142,9 +142,9 @@ struct PagedFeed::State {
     std::array<Page, kPages> pages;          // the sound thread's
     SpscRing<Request, kRoomInRings> requests;
     SpscRing<Answer, kRoomInRings> answers;
-    std::atomic<unsigned> urgency{0};            // requests of an earlier one are of no use any more
-    std::unique_ptr<SeekableSoundReader> reader; // the reading thread's
-    std::uint64_t readerPlace = kNowhere;        // where it stands; going to a place takes longer than being there
+    std::atomic<unsigned> urgency{0};     // requests of an earlier one are of no use any more
+    std::unique_ptr<SoundReader> reader;  // the reading thread's
+    std::uint64_t readerPlace = kNowhere; // where it stands; going to a place takes longer than being there
     std::vector<float*> channels = std::vector<float*>(source->Layout().size());
     std::mutex problemMutex;
     std::string problem;

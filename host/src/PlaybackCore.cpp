@@ -49,10 +49,11 @@ void PlaybackCore::Prepare() {
 }
 
 void PlaybackCore::Start(bool bypassed) {
+    fFilter->SetBypassed(bypassed);
+    if (const kroaudiofilterhost::AudioFilterHost* host = fFilter->GetAudioFilterHost()) fTempo = host->GetTempo();
     Prepare();
     JumpTo(Position() < Frames() ? Position() : 0);
     fFade = 0;
-    fDryMix = bypassed ? 1.0F : 0.0F;
 }
 
 void PlaybackCore::JumpTo(std::size_t frame) noexcept {
@@ -90,10 +91,12 @@ bool PlaybackCore::Render(float* interleaved, std::size_t frames, std::size_t ch
         BeSilent(interleaved, frames, channels);
         return (!request.stop && !request.seek) || FinishFade(request);
     }
+    const auto position = static_cast<double>(fFed + fSilenceFed);
     FetchInput(frames, request);
+    fFilter->SetBypassed(request.bypass);
+    fFilter->SetTransport({.position = position, .isPlaying = true, .tempo = fTempo});
     fFilter->Process({fInputPointers, fOutputPointers, frames});
     DelayInput(frames);
-    MixDry(frames, request.bypass);
     const bool goesOn = !request.stop && !request.seek && !hasEnded;
     Fade(frames, goesOn ? 1.0F : 0.0F);
     WriteOut(interleaved, frames, channels);
@@ -159,27 +162,6 @@ void PlaybackCore::DelayInput(std::size_t frames) noexcept {
         }
     }
     fDelayPosition = (fDelayPosition + frames) % fLatency;
-}
-
-void PlaybackCore::MixDry(std::size_t frames, bool bypass) noexcept {
-    const float target = bypass ? 1.0F : 0.0F;
-    if (fDryMix == 0 && target == 0) return;
-    float mix = fDryMix;
-    for (std::size_t channel = 0; channel < fOutput.size(); ++channel) {
-        const float* dry = fInput[std::min(channel, fInput.size() - 1)].data();
-        float* output = fOutput[channel].data();
-        mix = fDryMix;
-        for (std::size_t i = 0; i < frames; ++i) {
-            mix = Approach(mix, target, fFadeStep);
-            // At the ends one side only, so that a bypassed effect that makes no numbers is not heard.
-            if (mix == 1) {
-                output[i] = dry[i];
-            } else if (mix > 0) {
-                output[i] += mix * (dry[i] - output[i]);
-            }
-        }
-    }
-    fDryMix = mix;
 }
 
 void PlaybackCore::Fade(std::size_t frames, float target) noexcept {

@@ -67,7 +67,6 @@ private:
     void FetchInput(std::size_t frames, const PlaybackRequest& request) noexcept;
     std::size_t FetchFromSound(std::size_t offset, std::size_t frames, std::size_t end) noexcept;
     void DelayInput(std::size_t frames) noexcept;
-    void MixDry(std::size_t frames, bool bypass) noexcept;
     void Fade(std::size_t frames, float target) noexcept;
     void WriteOut(float* interleaved, std::size_t frames, std::size_t channels) const noexcept;
     std::size_t EndOf(const PlaybackRange& range) const noexcept;
@@ -91,7 +90,7 @@ private:
     std::vector<float*> fOutputPointers;
     float fFadeStep; // a sample
     float fFade = 0;
-    float fDryMix = 0; // 0 the effect, 1 the sound without it
+    kroaudiofilterhost::AudioFilterTempo fTempo; // as playing began
     bool fHasSought = false;
     std::size_t fMissing = 0;
 };

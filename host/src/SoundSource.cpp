@@ -20,9 +20,7 @@ public:
         : SoundSource(sound->sampleRate, sound->layout, sound->Frames()), fSound(std::move(sound)),
           fEncoding(encoding) {}
 
-    std::unique_ptr<SeekableSoundReader> NewReader() const override {
-        return std::make_unique<SoundInMemoryReader>(*fSound);
-    }
+    std::unique_ptr<SoundReader> NewReader() const override { return std::make_unique<SoundInMemoryReader>(*fSound); }
     AudioFileEncoding Encoding() const override { return fEncoding; }
     const Sound* InMemory() const noexcept override { return fSound.get(); }
 
@@ -45,7 +43,7 @@ public:
         : SoundSource(reader->SampleRate(), reader->Layout(), reader->Frames()), fPath(path),
           fReader(std::move(reader)), fState(StateOf(fReader->KeptIn())) {}
 
-    std::unique_ptr<SeekableSoundReader> NewReader() const override {
+    std::unique_ptr<SoundReader> NewReader() const override {
         auto reader = fReader->ReadAgain();
         if (StateOf(fReader->KeptIn()) != fState)
             RefuseSound("$$$/qohost/AudioFile/Changed=@0: the file has changed since it was opened. Open it again.",

@@ -2,12 +2,15 @@
 
 #include "EchoFilter.h"
 #include "host/SoundInMemory.h"
+#include "host/SoundPart.h"
 #include "host/TestSignal.h"
 #include "krocore/config/Error.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 
 using namespace qohost;
 
@@ -70,6 +73,71 @@ public:
 private:
     int fLeft = 1000;
 };
+
+// Brings the loudest sample of the whole sound to 1.
+class Normalizer final : public kroaudiofilterhost::AudioFilter {
+public:
+    Normalizer() : AudioFilter(1) {}
+    krocore::string16 GetComponentID() const override { return u"test.Normalizer"; }
+    bool WantsToListen() const noexcept override { return true; }
+
+    std::vector<double> positions;
+    int automationsServed = 0;
+    kroaudiofilterhost::AudioFilterQuality preparedFor = kroaudiofilterhost::AudioFilterQuality::kLive;
+
+protected:
+    void OnPrepare(std::size_t /*maximumBlock*/) override { preparedFor = GetQuality(); }
+    void OnParametersChanged(ParameterIndices /*changed*/) override { ++automationsServed; }
+    void OnListen(std::span<const float* const> inputs, std::size_t frames) override {
+        for (const float* const input : inputs)
+            for (std::size_t i = 0; i < frames; ++i)
+                fPeak = std::max(fPeak, std::abs(input[i]));
+    }
+    void OnProcess(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override {
+        positions.push_back(GetTransport().position);
+        Automate(0, static_cast<float>(positions.size()));
+        for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
+            for (std::size_t i = 0; i < block.frames; ++i)
+                block.outputs[channel][i] = block.inputs[channel][i] / fPeak;
+    }
+
+private:
+    float fPeak = 0;
+};
+
+TEST(OfflineRenderer, BringsTheSoundTwiceToAnEffectThatListensFirst) {
+    const Sound input = MakeTestSignal(0.1); // 4410 frames
+    SoundInMemoryReader whole(input);
+    SoundPartReader part(whole, 1000, 4000);
+    const boost::intrusive_ptr<Normalizer> filter(new Normalizer);
+    std::vector<double> progress;
+    OfflineRenderer renderer(*filter, part, {.blockFrames = 1500, .progress = [&](double done) {
+                                                 progress.push_back(done);
+                                                 return true;
+                                             }});
+    EXPECT_EQ(filter->preparedFor, kroaudiofilterhost::AudioFilterQuality::kRender);
+    EXPECT_EQ(filter->GetQuality(), kroaudiofilterhost::AudioFilterQuality::kLive);
+    Sound output = Sound::Silent(input.sampleRate, input.layout, 0);
+    SoundInMemoryWriter writer(output);
+    ASSERT_TRUE(renderer.Run(writer));
+    ASSERT_EQ(output.Frames(), 3000U);
+    float peak = 0;
+    float expected = 0;
+    for (std::size_t channel = 0; channel < input.channels.size(); ++channel) {
+        for (std::size_t i = 0; i < 3000; ++i) {
+            peak = std::max(peak, std::abs(output.channels[channel][i]));
+            expected = std::max(expected, std::abs(input.channels[channel][1000 + i]));
+        }
+    }
+    EXPECT_EQ(peak, 1);
+    EXPECT_EQ(output.channels[0][7], input.channels[0][1007] / expected);
+    EXPECT_EQ(filter->positions, (std::vector<double>{0, 1500}));
+    EXPECT_EQ(filter->automationsServed, 1) << "before the second block";
+    ASSERT_EQ(progress.size(), 4U);
+    const double expectedProgress[] = {0.1, 0.2, 0.6, 1};
+    for (std::size_t i = 0; i < progress.size(); ++i)
+        EXPECT_DOUBLE_EQ(progress[i], expectedProgress[i]);
+}
 
 TEST(OfflineRenderer, AnErrorLeavesTheFilterAsItWas) {
     const Sound sound = MakeTestSignal(0.1);

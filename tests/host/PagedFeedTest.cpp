@@ -37,10 +37,10 @@ public:
     explicit SlowSource(std::shared_ptr<const Sound> sound)
         : SoundSource(sound->sampleRate, sound->layout, sound->Frames()), fSound(std::move(sound)),
           readable(fSound->Frames()) {}
-    std::unique_ptr<SeekableSoundReader> NewReader() const override { return std::make_unique<Reader>(*this); }
+    std::unique_ptr<SoundReader> NewReader() const override { return std::make_unique<Reader>(*this); }
 
 private:
-    class Reader final : public SeekableSoundReader {
+    class Reader final : public SoundReader {
     public:
         explicit Reader(const SlowSource& source) : fSource(source), fReader(*source.fSound) {}
         float SampleRate() const override { return fReader.SampleRate(); }

@@ -22,9 +22,9 @@ struct RenderOptions {
     boost::function<bool(double)> progress;
 };
 
-// Runs sound through a filter block by block, and takes the filter's latency out again. Memory does not follow the
-// length. One thread, which may be any: the filter must not be run, nor
-// set, by anybody else meanwhile; it is left prepared, and suspended as it was.
+// Runs sound through a filter block by block, and takes the filter's latency out again. A filter that wants to listen
+// first hears the sound twice. Memory does not follow the length. One thread, which may be any: the filter must not be
+// run, nor set, by anybody else meanwhile; it is left prepared, and suspended as it was.
 class OfflineRenderer {
 public:
     // Prepares the filter. Both have to outlive this. Throws krocore::config::Error when the filter can't work on the
@@ -41,6 +41,7 @@ public:
 private:
     using Buffers = std::vector<std::vector<float>>;
 
+    bool Listen();
     void Fetch(std::size_t frames);
     void Store(std::uint64_t position, std::size_t frames, SoundWriter& output);
 

@@ -27,7 +27,7 @@ bool IsSoundType(std::string_view type);
 
 // Reads a sound file or, under the name "-" (see ByteStream.h), a stream, which is kept in a temporary file meanwhile.
 // Memory does not follow the length. One thread at a time, which may be any.
-class SoundFileReader final : public SeekableSoundReader {
+class SoundFileReader final : public SoundReader {
 public:
     // Throws krocore::config::Error that names the file and the reason: it does not exist, is empty, is no sound file,
     // is cut off, has no channel or more than 32, or can't be read.

@@ -6,7 +6,7 @@
 namespace qohost {
 
 // A sound, or a part of it, as a stream. The sound has to outlive it, and nobody changes it meanwhile.
-class SoundInMemoryReader final : public SeekableSoundReader {
+class SoundInMemoryReader final : public SoundReader {
 public:
     explicit SoundInMemoryReader(const Sound& sound) : SoundInMemoryReader(sound, 0, sound.Frames()) {}
     // From `begin` to before `end`; what lies behind the sound's end doesn't count.

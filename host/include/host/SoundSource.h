@@ -27,7 +27,7 @@ public:
 
     // At its start, for one thread at a time. The source outlives it. Throws krocore::config::Error when the sound
     // can't be read any more.
-    virtual std::unique_ptr<SeekableSoundReader> NewReader() const = 0;
+    virtual std::unique_ptr<SoundReader> NewReader() const = 0;
 
     // How its file stores it; 0 for none.
     virtual AudioFileEncoding Encoding() const { return 0; }

@@ -8,7 +8,7 @@
 
 namespace qohost {
 
-// Where sound comes from, block by block and once: a file, a stream, a sound in memory. One thread.
+// Where sound comes from, block by block: a file, a stream, a sound in memory. One thread.
 class SoundReader {
 public:
     SoundReader() = default;
@@ -24,11 +24,6 @@ public:
     // The next `frames` frames, a buffer a channel; only at the end fewer. Returns how many. Throws
     // krocore::config::Error when there are fewer in all than Frames(), or when they can't be read.
     virtual std::size_t Read(std::span<float* const> channels, std::size_t frames) = 0;
-};
-
-// One that can go to any place.
-class SeekableSoundReader : public SoundReader {
-public:
     // The next Read begins at `frame`, beyond the end at the end. What is read then is what would have been read there
     // in order (of MPEG files to the rounding of their decoder, 5e-8). Throws as Read does.
     virtual void Seek(std::uint64_t frame) = 0;
