@@ -82,7 +82,7 @@ struct Answer {
 struct PagedFeed::State {
     State(std::shared_ptr<const SoundSource> sound, std::size_t frames)
         : source(std::move(sound)), pageFrames(frames > 0 ? frames : UsualPageFrames(*source)),
-          samples(kPages * source->Layout().size(), std::vector<float>(pageFrames)), reader(source->NewReader()) {}
+          samples(kPages * source->Layout().size(), std::vector<float>(pageFrames)) {}
 
     std::span<std::vector<float>> Samples(std::size_t page) {
         const std::size_t channels = source->Layout().size();

@@ -102,7 +102,7 @@ TEST_F(SelectionTest, KeysMoveThePositionAndStayWithinTheSound) {
 
 TEST_F(SelectionTest, RenderWritesTheSelectionBesideTheSoundAndOverNothing) {
     const auto file = fFolder.Path("voice.wav");
-    qohost::WriteAudioFile(file, fSession.CurrentSound(), 0);
+    qohost::WriteAudioFile(file, *fSession.CurrentSound().InMemory(), 0);
     ASSERT_TRUE(fView->OpenFile(file));
     DragGain(40);
     Select(2, 4);
@@ -111,7 +111,7 @@ TEST_F(SelectionTest, RenderWritesTheSelectionBesideTheSoundAndOverNothing) {
     const qohost::Sound part = qohost::ReadAudioFile(fFolder.Path("voice-amplify.wav")).sound;
     ASSERT_EQ(part.Frames(), fSession.Selection().end - fSession.Selection().begin);
     const float gain = std::pow(10.0F, (Gain() * 144 - 96) / 20);
-    const float source = fSession.CurrentSound().channels[0][fSession.Selection().begin + 30000];
+    const float source = fSession.CurrentSound().InMemory()->channels[0][fSession.Selection().begin + 30000];
     EXPECT_NEAR(part.channels[0][30000], source * gain, 1e-4F);
 
     const std::string before = TemporaryFolder::Contents(fFolder.Path("voice-amplify.wav"));
@@ -200,7 +200,7 @@ TEST_F(SelectionTest, RenderThatIsCancelledOrFailsLeavesNothing) {
     const auto file = fFolder.Path("deep/voice.wav");
     std::filesystem::create_directories(file.parent_path());
     const auto layout = kromediatypes::AudioChannelLayout::Stereo();
-    qohost::WriteAudioFile(file, qohost::Sound::Silent(44100, layout, 44100 * 60), 0);
+    qohost::WriteAudioFile(file, qohost::Sound::Silent(44100, layout, 44100 * 40), 0);
     ASSERT_TRUE(fView->OpenFile(file));
     fView->ChooseEffect(EffectFromName("fullreverb"));
     Click("render");

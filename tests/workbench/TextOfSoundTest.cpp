@@ -1,5 +1,4 @@
 #include "workbench/commands/TextOfSound.h"
-#include "workbench/sound/WaveformPeaks.h"
 
 #include <gtest/gtest.h>
 
@@ -23,20 +22,6 @@ TEST(TextOfSound, TimesAreReadAsPeopleWriteThem) {
     };
     for (const auto& [text, seconds] : cases)
         EXPECT_EQ(TimeFromText(text), seconds) << text;
-}
-
-TEST(WaveformPeaks, EveryStretchShowsTheExtremesOfAllChannels) {
-    qohost::Sound sound = qohost::Sound::Silent(1000, kromediatypes::AudioChannelLayout::Stereo(), 1000);
-    sound.channels[0][10] = 0.5F;
-    sound.channels[1][20] = -0.25F;
-    sound.channels[1][999] = 0.75F; // in a last stretch that is not full
-    const WaveformPeaks peaks(sound);
-    EXPECT_EQ(peaks.Between(0, 30).high, 0.5F);
-    EXPECT_EQ(peaks.Between(0, 30).low, -0.25F);
-    EXPECT_EQ(peaks.Between(300, 600).high, 0);
-    EXPECT_EQ(peaks.Between(990, 5000).high, 0.75F);
-    EXPECT_EQ(peaks.Between(5000, 6000).high, 0);
-    EXPECT_EQ(WaveformPeaks().Between(0, 1).high, 0);
 }
 
 } // namespace

@@ -15,7 +15,8 @@ class WorkbenchFixture : public testing::Test {
 protected:
     WorkbenchFixture()
         : fWindow(fLibrary.Supplier(), WorkbenchView::kDefaultSize),
-          fSession(fOutput, Amplify(), {}, qohost::UserPresets(fFolder.Path() / "presets")) {
+          fSession(fOutput, Amplify(), {}, qohost::UserPresets(fFolder.Path() / "presets"),
+                   PeaksCache(fFolder.Path() / "peaks")) {
         fView = new WorkbenchView(fSession, Effects());
         fView->UI_SetFrame({0, 0, WorkbenchView::kDefaultSize.width, WorkbenchView::kDefaultSize.height});
         fWindow.Window().SetContent(fView);

@@ -203,7 +203,7 @@ TEST_F(WorkbenchFixture, ADroppedSoundIsOpenedAndTheEffectKeepsItsSettings) {
 TEST_F(WorkbenchFixture, ABrokenFileIsToldOfAndNothingIsLost) {
     const auto file = std::filesystem::temp_directory_path() / "workbench-broken.wav";
     std::ofstream(file) << "no sound";
-    const qohost::Sound* const before = &fSession.CurrentSound();
+    const qohost::SoundSource* const before = &fSession.CurrentSound();
     EXPECT_TRUE(fWindow.Window().FilesDropped({&file, 1}, {600, 300}));
     EXPECT_NE(TextOf("message").find("workbench-broken.wav"), std::string::npos);
     EXPECT_EQ(&fSession.CurrentSound(), before);

@@ -13,7 +13,7 @@ namespace qohost {
 // a thread of its own: somebody calls Serve often enough, on any one thread at a time, that of the sound excepted.
 class PagedFeed : public PlaybackFeed {
 public:
-    // `pageFrames`: more than a block has; 0 for what suits the sound. Throws as NewReader does.
+    // `pageFrames`: more than a block has; 0 for what suits the sound.
     explicit PagedFeed(std::shared_ptr<const SoundSource> source, std::size_t pageFrames = 0);
     ~PagedFeed() override;
 

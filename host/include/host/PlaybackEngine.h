@@ -41,8 +41,7 @@ public:
     // until Close or the next Open.
     void Open(std::unique_ptr<PlaybackFeed> feed, boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter,
               std::size_t deviceChannels, std::size_t maximumBlock = kUsualBlock);
-    // The same for a sound in memory, and for one from where it lies, read ahead by a thread; throws as NewReader does,
-    // too.
+    // The same for a sound in memory, and for one from where it lies, read ahead by a thread.
     void Open(std::shared_ptr<const Sound> sound, boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter,
               std::size_t deviceChannels, std::size_t maximumBlock = kUsualBlock);
     void Open(std::shared_ptr<const SoundSource> sound, boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter,

@@ -1,6 +1,5 @@
 #include "workbench/commands/OpenCommand.h"
 
-#include "host/AudioFile.h"
 #include "host/ByteStream.h"
 #include "krocore/config/Error.h"
 #include "krocore/debug/Trace.h"
@@ -16,6 +15,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <memory>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -59,14 +59,14 @@ int Open(const OpenRequest& request) {
     if (!request.scripts.empty()) effects.push_back(&scripts.emplace(request.scripts).Description());
     const EffectDescription& effect = scripts ? scripts->Description() : EffectToBeginWith(request.effect, effects);
     // What is wrong with the file is told even where there is no screen and no sound.
-    std::optional<qohost::AudioFile> sound;
-    if (!request.file.empty()) sound = qohost::ReadAudioFile(request.file, request.kind);
+    std::shared_ptr<const qohost::SoundSource> sound;
+    if (!request.file.empty()) sound = qohost::OpenSoundSource(request.file, request.kind);
     krosdl::SdlWindow window(library.Supplier(),
                              {WorkbenchView::kDefaultSize, WorkbenchView::kSmallestSize, request.scale});
     RemoveUnfinishedFilesAtTheEnd(); // behind SDL, which makes some of the signals a wish to close the window
     SdlSoundOutput output;
     Session session(output, effect, scripts ? scripts->Filter() : nullptr);
-    if (sound) session.OpenSound(qohost::InputName(request.file), std::move(*sound));
+    if (sound) session.OpenSound(qohost::InputName(request.file), std::move(sound));
 
     const boost::intrusive_ptr<WorkbenchView> view(new WorkbenchView(session, effects, &panels));
     window.Window().SetTheme(request.theme == Theme::Light().Name() ? Theme::Light() : Theme::Dark());

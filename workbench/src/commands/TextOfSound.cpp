@@ -67,12 +67,12 @@ krocore::string16 RangeText(double begin, double end) {
                                         {TimeText(begin), TimeText(end)});
 }
 
-krocore::string16 SoundText(const qohost::Sound& sound) {
+krocore::string16 SoundText(const qohost::SoundSource& sound) {
     constexpr double kHertzAKilohertz = 1000;
     krocore::string16 text =
-        krocore::FormatNumber(sound.sampleRate / kHertzAKilohertz, 3, krocore::kFormatNoTrailingZeros);
+        krocore::FormatNumber(sound.SampleRate() / kHertzAKilohertz, 3, krocore::kFormatNoTrailingZeros);
     text += u" kHz ";
-    text += LayoutText(sound.layout);
+    text += LayoutText(sound.Layout());
     text += u' ';
     return text += TimeText(sound.Seconds());
 }

@@ -1,6 +1,5 @@
 #include "workbench/session/Session.h"
 
-#include "host/AudioFile.h"
 #include "host/OfflineRenderer.h"
 #include "host/TestSignal.h"
 #include "krocore/Localizer.h"
@@ -14,13 +13,15 @@ namespace workbench {
 
 using qoc::components::EffectDescription;
 
-Session::Session(SoundOutput& output, const EffectDescription& effect, FilterPtr filter, qohost::UserPresets presets)
+Session::Session(SoundOutput& output, const EffectDescription& effect, FilterPtr filter, qohost::UserPresets presets,
+                 PeaksCache peaks)
     : fOutput(output), fUserPresets(std::move(presets)), fEffect(&effect),
-      fCurrent(filter ? &AddLoadedEffect(effect, filter) : &LoadedEffectFor(effect)),
-      fSound(std::make_shared<const qohost::Sound>(qohost::MakeTestSignal())),
+      fCurrent(filter ? &AddLoadedEffect(effect, filter) : &LoadedEffectFor(effect)), fPeaksCache(std::move(peaks)),
+      fSound(qohost::SourceInMemory(std::make_shared<const qohost::Sound>(qohost::MakeTestSignal()))),
+      fPeaks(std::make_unique<PeaksJob>(fSound, fPeaksCache)),
       fSoundName(krocore::Localize("$$$/Workbench/TestSound=Test sound")) {
     LoadEngine(fSound, fCurrent->filter);
-    fOutput.Start(fEngine, fSound->sampleRate);
+    fOutput.Start(fEngine, fSound->SampleRate());
 }
 
 Session::~Session() {
@@ -56,7 +57,7 @@ kroaudiofilterhost::AudioFilterTempo Session::GetTempo() const {
 }
 
 // Leaves the engine with what it had when that fails.
-void Session::LoadEngine(const std::shared_ptr<const qohost::Sound>& sound, const FilterPtr& filter) {
+void Session::LoadEngine(const std::shared_ptr<const qohost::SoundSource>& sound, const FilterPtr& filter) {
     try {
         filter->SetDuration(static_cast<double>(sound->Frames()));
         fEngine.Open(sound, filter, SoundOutput::kChannels);
@@ -67,24 +68,24 @@ void Session::LoadEngine(const std::shared_ptr<const qohost::Sound>& sound, cons
 }
 
 void Session::OpenFile(const std::filesystem::path& file) {
-    OpenSound(file, qohost::ReadAudioFile(file));
+    OpenSound(file, qohost::OpenSoundSource(file));
 }
 
-void Session::OpenSound(const std::filesystem::path& file, qohost::AudioFile read) {
-    const auto sound = std::make_shared<const qohost::Sound>(std::move(read.sound));
+void Session::OpenSound(const std::filesystem::path& file, std::shared_ptr<const qohost::SoundSource> sound) {
     fOutput.Stop();
     try {
         LoadEngine(sound, fCurrent->filter);
     } catch (...) {
-        fOutput.Start(fEngine, fSound->sampleRate);
+        fOutput.Start(fEngine, fSound->SampleRate());
         throw;
     }
-    fSound = sound;
+    fSound = std::move(sound);
     fFile = file;
-    fEncoding = read.encoding;
+    fPeaks = std::make_unique<PeaksJob>(fSound, fPeaksCache);
+    fHasToldPeaks = false;
     Select({});
     fSoundName = krocore::ToUTF16(file.filename().u8string().empty() ? file.string() : file.filename().string());
-    fOutput.Start(fEngine, fSound->sampleRate);
+    fOutput.Start(fEngine, fSound->SampleRate());
 }
 
 void Session::ChooseEffect(const EffectDescription& effect) {
@@ -118,6 +119,20 @@ std::vector<std::string> Session::Apply(const qohost::Preset& preset) {
     return notes;
 }
 
+krocore::string16 Session::TakeSoundProblem() {
+    std::string problem = fEngine.TakeProblem();
+    if (problem.empty() && !fHasToldPeaks && fPeaks->IsOver()) {
+        problem = fPeaks->Problem();
+        fHasToldPeaks = true;
+    }
+    const bool isMissing = fEngine.TakeMissing() > 0;
+    if (problem.empty() && (!isMissing || fHasToldMissing)) return {};
+    fHasToldMissing = isMissing; // what can't be read need not be told to be late, too
+    if (!problem.empty()) return krocore::ToUTF16(problem);
+    return krocore::Localize(
+        "$$$/Workbench/TooSlow=The sound can't be read as fast as it is played: parts of it were silent.");
+}
+
 void Session::Select(const qohost::PlaybackRange& range) {
     fSelection = range;
     fEngine.SetRange(range);
@@ -127,9 +142,9 @@ RenderJob::Task Session::TaskToRender() const {
     const FilterPtr filter = NewFilter(*fEffect);
     filter->SetAudioFilterHost(const_cast<Session*>(this));
     filter->SetDuration(static_cast<double>(fSound->Frames()));
-    filter->Prepare(fSound->sampleRate, qohost::RenderOptions().blockFrames, fSound->layout);
+    filter->Prepare(fSound->SampleRate(), qohost::RenderOptions().blockFrames, fSound->Layout());
     qohost::ApplyPreset(*filter, qohost::CapturePreset(*Filter(), {}));
-    return {fSound, fSelection, filter, fEncoding, FileToRender()};
+    return {fSound, fSelection, filter, fSound->Encoding(), FileToRender()};
 }
 
 std::filesystem::path Session::FileToRender() const {
@@ -144,6 +159,10 @@ void Session::Play() {
     const std::size_t position = fEngine.Position();
     if (HasSelection() && !fEngine.IsPlaying() && (position < fSelection.begin || position >= fSelection.end))
         fEngine.Seek(fSelection.begin);
+    if (!fEngine.IsPlaying()) {
+        fEngine.TakeMissing();
+        fHasToldMissing = false;
+    }
     fEngine.Play();
     fOutput.Poll();
 }
@@ -159,11 +178,11 @@ void Session::StopOrRewind() {
 }
 
 void Session::Seek(double seconds) {
-    fEngine.Seek(static_cast<std::size_t>(std::llround(std::max(0.0, seconds) * fSound->sampleRate)));
+    fEngine.Seek(static_cast<std::size_t>(std::llround(std::max(0.0, seconds) * fSound->SampleRate())));
 }
 
 double Session::Position() const {
-    return static_cast<double>(fEngine.Position()) / fSound->sampleRate;
+    return static_cast<double>(fEngine.Position()) / fSound->SampleRate();
 }
 
 void Session::Poll() {

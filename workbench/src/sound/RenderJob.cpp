@@ -1,7 +1,7 @@
 #include "workbench/sound/RenderJob.h"
 
 #include "host/OfflineRenderer.h"
-#include "host/SoundInMemory.h"
+#include "host/SoundPart.h"
 #include "workbench/commands/ProblemText.h"
 
 #include <exception>
@@ -11,7 +11,7 @@ namespace workbench {
 
 namespace {
 
-qohost::SoundInMemoryReader Part(const qohost::Sound& sound, const qohost::PlaybackRange& range) {
+qohost::SoundPartReader Part(qohost::SoundReader& sound, const qohost::PlaybackRange& range) {
     const bool isWhole = range.end <= range.begin;
     return {sound, isWhole ? 0 : range.begin, isWhole ? sound.Frames() : range.end};
 }
@@ -52,7 +52,8 @@ void RenderJob::Render() {
         fPartDone.store(part);
         return !fIsCancelled.load();
     };
-    qohost::SoundInMemoryReader input = Part(*fTask.sound, fTask.range);
+    const auto sound = fTask.sound->NewReader();
+    qohost::SoundPartReader input = Part(*sound, fTask.range);
     qohost::OfflineRenderer renderer(*fTask.filter, input, options);
     const std::filesystem::path file = FreeName(fTask.file);
     qohost::SoundFileWriter output(file, {.sampleRate = input.SampleRate(),

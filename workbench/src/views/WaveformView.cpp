@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace workbench {
 
@@ -26,6 +27,7 @@ constexpr float kLeastLabelDistance = 80;
 constexpr double kKeyStep = 1;      // seconds
 constexpr float kDragThreshold = 3; // view units that a click may tremble
 constexpr float kSelectionOpacity = 0.2F;
+constexpr float kUnknownOpacity = 0.5F;
 
 // The shortest time between labels that leaves them room.
 double LabelStep(double seconds, float width) {
@@ -51,13 +53,26 @@ WaveformView::WaveformView(Actions actions) : fActions(std::move(actions)) {
     UI_SetStateFlags(kStateWantsKeyboardFocus);
 }
 
-void WaveformView::SetSound(const qohost::Sound& sound) {
-    fPeaks = WaveformPeaks(sound);
-    fSampleRate = sound.sampleRate;
+void WaveformView::SetSound(const qohost::SoundSource& sound, std::shared_ptr<const WaveformPeaks> peaks) {
+    fPeaks = std::move(peaks);
+    fKnownSeconds = 0;
+    fSampleRate = sound.SampleRate();
     fSeconds = sound.Seconds();
     fPosition = 0;
     fSelection = {};
     UI_Invalidate();
+}
+
+double WaveformView::KnownSeconds() const {
+    return fPeaks->IsComplete() ? fSeconds : static_cast<double>(fPeaks->KnownFrames()) / fSampleRate;
+}
+
+void WaveformView::FollowPeaks() {
+    const double known = KnownSeconds();
+    if (known == fKnownSeconds) return;
+    const kroui::Rect wave = WaveRect();
+    const float begin = PlaceOf(std::exchange(fKnownSeconds, known)) - 1;
+    UI_InvalidateRect({begin, 0, PlaceOf(known) + 1 - begin, wave.Bottom()});
 }
 
 void WaveformView::SetSelection(const TimeRange& range) {
@@ -100,6 +115,7 @@ void WaveformView::UI_Draw(kroui::limner::Limner* limner) {
     const kroui::Rect rect = UI_GetLocalRect();
     limner->FillRect(rect, GetColor(kroui::ui::kColorPanel));
     DrawTopLine(*this, *limner);
+    DrawUnknown(*limner);
     DrawSelection(*limner);
     DrawWave(*limner);
     DrawRuler(*limner);
@@ -133,15 +149,26 @@ void WaveformView::DrawWave(kroui::limner::Limner& limner) const {
     const auto accent = GetColor(kroui::ui::kColorAccent);
     const auto quiet = GetColor(kroui::ui::kColorDimText);
     const auto first = static_cast<int>(std::floor((visible.left - wave.left) / pixel));
-    const auto behind = static_cast<int>(std::ceil((visible.Right() - wave.left) / pixel));
+    const float end = std::min(visible.Right(), PlaceOf(KnownSeconds()));
+    const auto behind = static_cast<int>(std::ceil((end - wave.left) / pixel));
     for (int column = first; column < behind; ++column) {
         const float x = wave.left + static_cast<float>(column) * pixel;
         const double begin = (x - wave.left) * framesAUnit;
-        const WaveformPeaks::Range range = fPeaks.Between(begin, begin + pixel * framesAUnit);
+        const WaveformPeaks::Range range = fPeaks->Between(begin, begin + pixel * framesAUnit);
         const float top = middle - std::min(1.0F, range.high) * wave.height / 2;
         const float bottom = middle - std::max(-1.0F, range.low) * wave.height / 2;
         limner.FillRect({x, top, pixel, std::max(pixel, bottom - top)}, IsLit(x) ? accent : quiet);
     }
+}
+
+// Not the line that silence is.
+void WaveformView::DrawUnknown(kroui::limner::Limner& limner) const {
+    const double known = KnownSeconds();
+    if (known >= fSeconds) return;
+    const kroui::Rect wave = WaveRect();
+    const float left = PlaceOf(known);
+    const kroui::Rect rect = {left, wave.top, wave.Right() - left, wave.height};
+    limner.FillRect(Snapped(*this, limner, rect), GetColor(kroui::ui::kColorTrack).WithAlpha(kUnknownOpacity));
 }
 
 void WaveformView::DrawRuler(kroui::limner::Limner& limner) const {

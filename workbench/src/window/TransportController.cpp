@@ -13,7 +13,7 @@ TransportController::TransportController(Session& session, boost::function<void(
 }
 
 void TransportController::ShowSound() {
-    fWaveform->SetSound(fSession.CurrentSound());
+    fWaveform->SetSound(fSession.CurrentSound(), fSession.Peaks());
     fBar->SetRange({0, fSession.CurrentSound().Seconds()}, false);
     fBar->SetTime(0);
 }
@@ -23,6 +23,7 @@ void TransportController::Follow() {
     fBar->SetPlaying(fSession.Engine().IsPlaying());
     fBar->SetTime(position);
     fWaveform->SetPosition(position);
+    fWaveform->FollowPeaks();
 }
 
 void TransportController::PlayOrPause() {
@@ -47,9 +48,9 @@ void TransportController::SelectAll() {
 }
 
 void TransportController::Select(const TimeRange& range) {
-    const qohost::Sound& sound = fSession.CurrentSound();
+    const qohost::SoundSource& sound = fSession.CurrentSound();
     const auto frame = [&sound](double seconds) {
-        return static_cast<std::size_t>(std::llround(seconds * sound.sampleRate));
+        return static_cast<std::size_t>(std::llround(seconds * sound.SampleRate()));
     };
     fSession.Select({frame(range.begin), frame(range.end)});
     fBar->SetRange(fSession.HasSelection() ? range : TimeRange{0, sound.Seconds()}, fSession.HasSelection());

@@ -94,8 +94,7 @@ krocore::string16 WorkbenchView::Title() const {
 }
 
 void WorkbenchView::ShowSound() {
-    const qohost::Sound& sound = fSession.CurrentSound();
-    fHeader->SetSound(fSession.SoundName(), SoundText(sound));
+    fHeader->SetSound(fSession.SoundName(), SoundText(fSession.CurrentSound()));
     fTransport.ShowSound();
     fStatus->ShowHint(Hint());
     const krocore::string16 problem = fSession.Output().Problem();
@@ -222,6 +221,7 @@ bool WorkbenchView::UI_DoTimerNotify(long timerID) {
     if (timerID != fTimer) return UI_Node::UI_DoTimerNotify(timerID);
     fSession.Poll();
     fTransport.Follow();
+    FollowSound();
     FollowHistory();
     FollowLevels();
     fRendering.Follow(*fTransport.Bar());
@@ -241,7 +241,8 @@ void WorkbenchView::FollowInput(bool begins) {
 }
 
 void WorkbenchView::SetPace() {
-    const bool isIdle = !fSession.Engine().IsPlaying() && fMeters->IsAtRest() && !fRendering.IsRendering();
+    const bool isIdle = !fSession.Engine().IsPlaying() && fMeters->IsAtRest() && !fRendering.IsRendering() &&
+                        !fSession.ArePeaksComing();
     if (isIdle == fIsIdle || fTimer == 0) return;
     fIsIdle = isIdle;
     UI_InstallTimer(isIdle ? kIdlePollSeconds : kPollSeconds, fTimer);
@@ -253,6 +254,11 @@ void WorkbenchView::FollowHistory() {
                         history.CanUndo() == fCouldUndo && history.CanRedo() == fCouldRedo;
     if (isSame) return;
     ShowHistory();
+}
+
+void WorkbenchView::FollowSound() {
+    const krocore::string16 problem = fSession.TakeSoundProblem();
+    if (!problem.empty()) fStatus->ShowProblem(problem);
 }
 
 void WorkbenchView::FollowLevels() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/SampleFormat.h"
+#include "host/SoundSource.h"
 #include "krocore/String.h"
 
 #include <optional>
@@ -21,7 +22,7 @@ krocore::string16 ClippingText(const qohost::Clipping& clipping);
 krocore::string16 RangeText(double begin, double end);
 
 // "48 kHz stereo 1:42.318".
-krocore::string16 SoundText(const qohost::Sound& sound);
+krocore::string16 SoundText(const qohost::SoundSource& sound);
 
 // "-6.2", the infinity sign with a minus from -100 dB on down.
 krocore::string16 LevelText(float decibels);

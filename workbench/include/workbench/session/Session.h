@@ -1,11 +1,13 @@
 #pragma once
 
 #include "host/PlaybackEngine.h"
+#include "host/SoundSource.h"
 #include "host/UndoHistory.h"
 #include "kroaudiofilterhost/AudioFilterHost.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "workbench/session/CompareSlots.h"
 #include "workbench/session/PresetLibrary.h"
+#include "workbench/sound/PeaksJob.h"
 #include "workbench/sound/RenderJob.h"
 #include "workbench/sound/SoundOutput.h"
 
@@ -24,7 +26,8 @@ public:
     // With the built-in sound and the effect. The output and the description live longer. `filter`: runs the effect,
     // for one that the library can't make; null otherwise. The presets are the user's own.
     Session(SoundOutput& output, const qoc::components::EffectDescription& effect, FilterPtr filter = {},
-            qohost::UserPresets presets = qohost::UserPresets(qohost::UserPresets::UsualFolder()));
+            qohost::UserPresets presets = qohost::UserPresets(qohost::UserPresets::UsualFolder()),
+            PeaksCache peaks = PeaksCache(PeaksCache::UsualFolder()));
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
     ~Session() override;
@@ -32,9 +35,15 @@ public:
     // Takes another sound, at its start and stopped. Throws krocore::config::Error when the file can't be read or the
     // effect can't work on it; everything is as before then.
     void OpenFile(const std::filesystem::path& file);
-    // The same with what was read from the file.
-    void OpenSound(const std::filesystem::path& file, qohost::AudioFile read);
-    const qohost::Sound& CurrentSound() const { return *fSound; }
+    // The same with what the file was opened as.
+    void OpenSound(const std::filesystem::path& file, std::shared_ptr<const qohost::SoundSource> sound);
+    const qohost::SoundSource& CurrentSound() const { return *fSound; }
+    // Of a long sound they come by and by.
+    const std::shared_ptr<const WaveformPeaks>& Peaks() const { return fPeaks->Peaks(); }
+    bool ArePeaksComing() const { return !fPeaks->IsOver(); }
+    // What the user has to know of the sound: that it can't be read, or not as fast as it is played. Each is told once
+    // for each playing; empty when there is nothing new.
+    krocore::string16 TakeSoundProblem();
     // Whether it came from a file; otherwise it is the built-in one.
     const krocore::string16& SoundName() const { return fSoundName; }
 
@@ -99,17 +108,20 @@ private:
     LoadedEffect& LoadedEffectFor(const qoc::components::EffectDescription& effect);
     std::filesystem::path FileToRender() const;
     std::vector<std::string> Apply(const qohost::Preset& preset);
-    void LoadEngine(const std::shared_ptr<const qohost::Sound>& sound, const FilterPtr& filter);
+    void LoadEngine(const std::shared_ptr<const qohost::SoundSource>& sound, const FilterPtr& filter);
 
     SoundOutput& fOutput;
     qohost::UserPresets fUserPresets;
     std::map<const qoc::components::EffectDescription*, LoadedEffect> fLoadedEffects;
     const qoc::components::EffectDescription* fEffect;
     LoadedEffect* fCurrent;
-    std::shared_ptr<const qohost::Sound> fSound;
+    PeaksCache fPeaksCache;
+    std::shared_ptr<const qohost::SoundSource> fSound;
+    std::unique_ptr<PeaksJob> fPeaks;
+    bool fHasToldPeaks = false;   // what went wrong with them
+    bool fHasToldMissing = false; // since playing began
     krocore::string16 fSoundName;
     std::filesystem::path fFile; // empty: the built-in sound
-    qohost::AudioFileEncoding fEncoding = 0;
     qohost::PlaybackRange fSelection;
     qohost::PlaybackEngine fEngine; // goes before what it plays
 };

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "host/AudioFile.h"
 #include "host/PlaybackRange.h"
 #include "host/SoundFile.h"
+#include "host/SoundSource.h"
 #include "kroaudiofilterhost/AudioFilter.h"
 
 #include <atomic>
@@ -24,7 +24,7 @@ public:
         std::optional<double> peakDecibels; // what the peak is brought to
     };
     struct Task {
-        std::shared_ptr<const qohost::Sound> sound;
+        std::shared_ptr<const qohost::SoundSource> sound;
         qohost::PlaybackRange range;
         boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> filter; // the job's alone
         qohost::AudioFileEncoding encoding = 0;                       // as near to it as the kind of file can

@@ -1,13 +1,15 @@
 #pragma once
 
-#include "host/Sound.h"
-
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <span>
 #include <vector>
 
 namespace workbench {
 
-// The lowest and highest samples of short stretches of a sound, over all channels, so that any zoom can be drawn at
-// once. Made once for a sound.
+// The lowest and highest samples of equally long stretches of a sound, over all channels: enough for any picture of the
+// whole, and half a megabyte at most. One thread adds, others see how far it has come.
 class WaveformPeaks {
 public:
     struct Range {
@@ -15,16 +17,27 @@ public:
         float high = 0;
     };
 
-    WaveformPeaks() = default; // of no sound
-    explicit WaveformPeaks(const qohost::Sound& sound);
+    // Nothing is known yet of a sound of that length.
+    explicit WaveformPeaks(std::uint64_t frames = 0);
 
-    // Of the frames from `begin` up to `end`, widened to whole stretches. Nothing beyond the end of the sound.
-    Range Between(double begin, double end) const;
+    // The next frames of the sound, a buffer a channel.
+    void Add(std::span<const float* const> channels, std::size_t frames) noexcept;
+    // All of it, as Ranges gave it for a sound as long; before anything is added. False when it is not as long.
+    bool Set(std::span<const Range> ranges);
+
+    std::uint64_t KnownFrames() const noexcept;
+    bool IsComplete() const noexcept { return fKnown.load(std::memory_order_acquire) == fRanges.size(); }
+    // Of the frames from `begin` up to `end`, widened to whole stretches. Nothing beyond what is known.
+    Range Between(double begin, double end) const noexcept;
+    // What is known.
+    std::span<const Range> Ranges() const noexcept;
 
 private:
-    static constexpr std::size_t kStretch = 128; // frames
-
+    std::uint64_t fFrames;
+    std::size_t fStretch; // frames
     std::vector<Range> fRanges;
+    std::atomic<std::size_t> fKnown{0}; // ranges that will not change any more
+    std::uint64_t fAdded = 0;           // frames
 };
 
 } // namespace workbench

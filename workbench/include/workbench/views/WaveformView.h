@@ -1,9 +1,12 @@
 #pragma once
 
+#include "host/SoundSource.h"
 #include "kroui/ui/UI_Node.h"
 #include "workbench/sound/WaveformPeaks.h"
 
 #include <boost/function.hpp>
+
+#include <memory>
 
 namespace workbench {
 
@@ -26,8 +29,10 @@ public:
     };
     explicit WaveformView(Actions actions);
 
-    // Nothing of it is selected.
-    void SetSound(const qohost::Sound& sound);
+    // Nothing of it is selected. The peaks may still be coming.
+    void SetSound(const qohost::SoundSource& sound, std::shared_ptr<const WaveformPeaks> peaks);
+    // More of the peaks may be known.
+    void FollowPeaks();
     void SetPosition(double seconds);
     // Tells nobody.
     void SetSelection(const TimeRange& range);
@@ -40,11 +45,13 @@ public:
 
 private:
     kroui::Rect WaveRect() const;
+    double KnownSeconds() const;
     float PlaceOf(double seconds) const;
     double TimeAt(float x) const;
     kroui::Rect PlayheadRect(float x) const;
     void DrawSelection(kroui::limner::Limner& limner) const;
     void DrawWave(kroui::limner::Limner& limner) const;
+    void DrawUnknown(kroui::limner::Limner& limner) const;
     void DrawRuler(kroui::limner::Limner& limner) const;
     bool IsLit(float x) const;
     bool Press(const kroui::ui::MouseEvent& event);
@@ -55,7 +62,8 @@ private:
     bool SeekTo(double seconds);
 
     Actions fActions;
-    WaveformPeaks fPeaks;
+    std::shared_ptr<const WaveformPeaks> fPeaks = std::make_shared<const WaveformPeaks>();
+    double fKnownSeconds = 0; // how far the peaks were known last
     double fSampleRate = 1;
     double fSeconds = 0;
     double fPosition = 0;

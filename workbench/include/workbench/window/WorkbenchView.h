@@ -66,6 +66,7 @@ private:
     void FollowInput(bool begins);
     void SetPace();
     void FollowHistory();
+    void FollowSound();
     void FollowLevels();
 
     Session& fSession;
