@@ -177,7 +177,7 @@ TEST_F(EditNumberFormsTest, SecondRuler_StandsOnTheFreeSideAndDecidesNothing) {
     second.type = RulerSettings::kLinear;
     second.value1 = 0; // in a measure of its own
     second.value2 = 100;
-    second.label1 = krocore::FromASCII("Slow");
+    second.label1.SetReference("Slow");
     edit->SetRulerSettings(first);
     edit->SetSecondRulerSettings(second);
     window.Paint();
@@ -235,6 +235,35 @@ TEST_F(EditNumberFormsTest, DragDirection_CountsOnlyThatWay) {
     edit->SetNumberDragDirection(Edit::DragDirection::kHorizontal);
     window.Drag(number, {number.x + 40, number.y - 20}, 2);
     EXPECT_EQ(edit->GetValue(), 30);
+}
+
+TEST_F(EditNumberFormsTest, FewSteps_AreTakenOneByOne) {
+    const auto edit = Add({0, 0, 400, 24});
+    edit->SetMinMaxValue(-12, 12, 0);
+    edit->SetIncrement(1);
+    edit->SetDecimalPlaces(1);
+    const Rect track = edit->Layout().track;
+    const Point knob = InWindow(*edit, {track.Centre().x, track.top});
+    window.Drag(knob, {knob.x + 3.3F * track.width / 24, knob.y}, 5);
+    EXPECT_EQ(edit->GetValue(), 3);
+}
+
+TEST_F(EditNumberFormsTest, Fill_BeginsAtZeroWhereTheRangeHasBothSigns) {
+    const auto edit = Add({0, 0, 400, 24});
+    edit->SetMinMaxValue(-100, 100, 0);
+    edit->SetValue(-50);
+    window.MoveTo({10, 300});
+    window.Paint();
+    const kroui::limner::ImagePtr picture = window.Snapshot();
+    const Rect track = edit->Layout().track;
+    const auto isLit = [&](float part) {
+        const auto x = static_cast<std::size_t>(track.left + part * track.width);
+        const auto y = static_cast<std::size_t>(track.top);
+        return picture->Pixels()[y * static_cast<std::size_t>(picture->Stride()) / 4 + x] == 0xFF4DA3FFU;
+    };
+    EXPECT_TRUE(isLit(0.4F));
+    EXPECT_FALSE(isLit(0.1F));
+    EXPECT_FALSE(isLit(0.7F));
 }
 
 TEST_F(EditNumberFormsTest, Knobs_HaveTheirShapes) {

@@ -279,8 +279,10 @@ TEST_F(EditNumberTest, VerticalRuler_StacksTheParts) {
 
 TEST_F(EditNumberTest, ArchiveRuler_FollowsTheBoundsUntilItIsTold) {
     boost::intrusive_ptr<UI_EditNumber_Horizontal> archived(new UI_EditNumber_Horizontal);
-    archived->SetRulerType(Edit::kLinearRuler);
-    archived->SetRulerLabel1Reference("($$$/Test/Slow=Slow)");
+    RulerSettings settings;
+    settings.type = RulerSettings::kLinear;
+    settings.label1.SetReference("($$$/Test/Slow=Slow)");
+    archived->SetArchiveRuler(settings);
     EXPECT_EQ(archived->GetRuler()->GetLabel1(), u"Slow");
     archived->SetMinValue(-12);
     archived->SetMaxValue(12);
@@ -289,7 +291,8 @@ TEST_F(EditNumberTest, ArchiveRuler_FollowsTheBoundsUntilItIsTold) {
     archived->SetDecimalPlaces(1);
     archived->SetIncrement(0.5);
     EXPECT_EQ(archived->GetRuler()->GetFirstValue(), 12) << "its user's word stands";
-    archived->SetRulerType(Edit::kLogRuler);
+    settings.type = RulerSettings::kLogarithmic;
+    archived->SetArchiveRuler(settings);
     EXPECT_NE(dynamic_cast<kroui::utility::LogRuler*>(archived->GetRuler().get()), nullptr);
 }
 

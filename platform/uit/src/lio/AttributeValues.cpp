@@ -114,8 +114,8 @@ RulerSettings RulerSettingsOf(const any_regular_t& value, const RulerSettings& o
     read("step_factor", [&](const any_regular_t& entry) { settings.stepFactor = StepFactorOf(entry); });
     read("value1", [&](const any_regular_t& entry) { settings.value1 = FiniteNumberOf(entry); });
     read("value2", [&](const any_regular_t& entry) { settings.value2 = FiniteNumberOf(entry); });
-    read("label1", [&](const any_regular_t& entry) { settings.label1 = TextOf(entry); });
-    read("label2", [&](const any_regular_t& entry) { settings.label2 = TextOf(entry); });
+    read("label1", [&](const any_regular_t& entry) { settings.label1.SetText(TextOf(entry)); });
+    read("label2", [&](const any_regular_t& entry) { settings.label2.SetText(TextOf(entry)); });
     read("log_seed", [&](const any_regular_t& entry) { settings.logSeed = LogSeedOf(entry); });
     read("log_step", [&](const any_regular_t& entry) { settings.logStep = LogStepOf(entry); });
     read("abbreviate_numbers", [&](const any_regular_t& entry) { settings.abbreviateNumbers = BoolOf(entry); });

@@ -171,7 +171,7 @@ RulerSettings EditNumberAdapter::RulerDefaults() const {
     RulerSettings settings;
     settings.value1 = fEdit->GetMinValue();
     settings.value2 = fEdit->GetMaxValue();
-    settings.label1 = fRulerLabel1;
+    settings.label1.SetText(fRulerLabel1);
     if (fLogStep) settings.logStep = *fLogStep;
     return settings;
 }

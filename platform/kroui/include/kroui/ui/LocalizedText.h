@@ -24,6 +24,7 @@ public:
 
     const krocore::string16& Text() const { return fText; }
     const krocore::string8& Reference() const { return fReference; }
+    friend bool operator==(const LocalizedText&, const LocalizedText&) = default;
 
 private:
     krocore::string8 fReference;

@@ -2,6 +2,9 @@
 
 #include "uit/controls/UI_RulerSliderContainer.h"
 
+#include "kroui/controls/SliderLook.h"
+#include "kroui/utility/RulerBase.h"
+
 namespace uit::controls {
 
 // A ruler along a slider's track: the room it takes, where values lie by it, and how it is drawn. A view of what a

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "uit/controls/EditNumberLayout.h"
-#include "uit/controls/RulerSettings.h"
-#include "uit/controls/SliderRuler.h"
+#include "uit/controls/SliderRulers.h"
 
 #include "kroui/controls/HotTextLook.h"
 #include "kroui/controls/NumberDrag.h"
 #include "kroui/controls/NumberEntry.h"
+#include "kroui/controls/UI_InteractiveControlView.h"
+#include "kroui/controls/ValueControl.h"
+#include "kroui/ui/LocalizedText.h"
 
 namespace uit::controls {
 
@@ -22,14 +24,6 @@ public:
     using RulerTextPlacement = UI_RulerSliderContainer::RulerTextPlacement;
     using SliderLook = kroui::controls::SliderLook;
     using DragDirection = kroui::controls::NumberDrag::Direction;
-    // The ruler that an archive asks for.
-    enum RulerType : int {
-        kNoRuler = RulerSettings::kNone,
-        kLinearRuler = RulerSettings::kLinear,
-        kLogRuler = RulerSettings::kLogarithmic,
-        kDecibelRuler = RulerSettings::kDecibels,
-        kFaderRuler = RulerSettings::kFader,
-    };
 
     UI_EditNumber();
 
@@ -103,31 +97,16 @@ public:
     // placement is none. After changing it call RecalcLayout.
     const boost::intrusive_ptr<RulerBase>& GetRuler();
 
-    // As archives have them; placements count from 0 for none.
-    void SetRulerType(int type);
-    int GetRulerType() const { return fRulerType; }
-    void SetRulerPlacementIndex(int index);
-    int RulerPlacementIndex() const { return fRulerPlacement; }
-    void SetRulerTextPlacement(int placement);
-    int GetRulerTextPlacement() const { return fRulerTextPlacement; }
-    void SetStepFactor(double pixels);
-    double StepFactor() const { return fStepFactor; }
-    void SetLogSeed(double seed);
-    double LogSeed() const { return fLogSeed; }
-    void SetLogStep(double step);
-    double LogStep() const { return fLogStep; }
-    void SetAbbreviateNumbers(bool abbreviate);
-    bool AbbreviateNumbers() const { return fAbbreviateNumbers; }
+    // What an archive says of the ruler; values and texts of the ends as GetRuler has them. Refused if a number is not
+    // finite.
+    void SetArchiveRuler(const RulerSettings& settings);
+    const RulerSettings& GetArchiveRuler() const { return fRulers.Settings(); }
 
     // For property rows: texts as archives write them.
     void SetLabelReference(std::string_view reference);
     const krocore::string8& LabelReference() const { return fLabel.Reference(); }
     void SetUnitLabelReference(std::string_view reference);
     const krocore::string8& UnitLabelReference() const { return fUnitLabel.Reference(); }
-    void SetRulerLabel1Reference(std::string_view reference);
-    const krocore::string8& RulerLabel1Reference() const { return fRulerLabel1.Reference(); }
-    void SetRulerLabel2Reference(std::string_view reference);
-    const krocore::string8& RulerLabel2Reference() const { return fRulerLabel2.Reference(); }
 
     // --- layout ---
 
@@ -140,7 +119,7 @@ public:
     // Of the number.
     float UI_GetBaseline() const override;
     // Where the parts are, in the control's coordinates.
-    const EditNumberLayout& Layout() const;
+    EditNumberLayout Layout() const { return PlacedParts().layout; }
     // The field while the number is being typed; null otherwise.
     kroui::controls::UI_TextField* EntryField() const { return fEntry.IsOpen() ? fEntry.Field() : nullptr; }
 
@@ -177,13 +156,31 @@ protected:
 private:
     enum class Part : std::uint8_t { kNone, kLabel, kSlider, kNumber };
 
-    bool IsRulerShown() const;
-    SliderRuler Ruler() const;
-    SliderRuler SecondRuler() const;
-    RulerSettings ArchiveRuler() const;
-    void MakeRuler();
-    void RulerPropertyChanged();
+    // What the user holds, and what the pointer is over.
+    struct Pointing {
+        Part pressed = Part::kNone;
+        Part hovered = Part::kNone;
+        kroui::Point last;
+        bool hasMoved = false; // since the press
+    };
+    // Where the parts are at the size and with the texts that the control has.
+    struct Placed {
+        EditNumberLayout layout;
+        bool rulerFits = true; // a control that is too low for it does without
+    };
+    // Values between which a drag of the number is logarithmic; not above 0: the bounds serve.
+    struct HotTextRange {
+        double low = 0;
+        double high = 0;
+    };
+
+    // What the slider shows; none while it is not shown itself.
+    SliderRuler Ruler() const { return fUseSlider ? fRulers.ShownFirst() : SliderRuler(); }
+    SliderRuler SecondRuler() const { return fUseSlider ? fRulers.ShownSecond() : SliderRuler(); }
     void LayoutChanged();
+    Placed PlacedParts() const { return fPlaced ? *fPlaced : Place(); }
+    Placed Place() const;
+    void KeepPlaces();
     EditNumberLayout::Needs Needs() const;
     void TakeNaturalSize();
 
@@ -199,8 +196,7 @@ private:
     kroui::controls::HotTextLook Number(std::u16string_view text) const;
     void DrawLabel(kroui::limner::Limner& context) const;
     void DrawDescription(kroui::limner::Limner& context, std::u16string_view text, const kroui::Rect& place) const;
-    void DrawSlider(kroui::limner::Limner& context) const;
-    void DrawRuler(kroui::limner::Limner& context, const SliderRuler& ruler, const SliderLook& look) const;
+    void DrawSlider(kroui::limner::Limner& context);
     void DrawNumber(kroui::limner::Limner& context) const;
     void SetHoverPart(Part part);
 
@@ -213,40 +209,23 @@ private:
 
     kroui::controls::NumberEntry fEntry{*this, fGesture};
     kroui::controls::NumberDrag fNumberDrag;
-    kroui::Point fLastPoint;
-    Part fPressedPart = Part::kNone;
-    Part fHoverPart = Part::kNone;
-    bool fHasMoved = false;
+    Pointing fPointing;
 
     kroui::ui::LocalizedText fLabel;
     kroui::ui::LocalizedText fUnitLabel;
-    kroui::ui::LocalizedText fRulerLabel1;
-    kroui::ui::LocalizedText fRulerLabel2;
     krocore::string16 fDescription1;
     krocore::string16 fDescription2;
-    boost::intrusive_ptr<RulerBase> fRuler;
-    boost::intrusive_ptr<RulerBase> fSecondRuler;
-    double fStepFactor = 40;
-    double fLogSeed = 1;
-    double fLogStep = 10;
-    double fRulerLow = 0; // bounds that the archive's ruler was last given
-    double fRulerHigh = 0;
-    double fHotTextLow = 0; // not below the other one: the bounds serve
-    double fHotTextHigh = 0;
+    SliderRulers fRulers;
+    HotTextRange fHotTextRange;
     float fFontSize = 12;
     float fLabelWidth = 0;
     float fSliderLength = 0;
     std::uint32_t fDigits = 5;
     std::uint32_t fUnitLabelLength = 0;
-    int fRulerType = kNoRuler;
-    int fRulerPlacement = 2;
-    int fRulerTextPlacement = RulerTextPlacement::kTextRightBottom;
     kroui::limner::TextAlignment fAlignment = kroui::limner::TextAlignment::kRight;
     SliderLook::Knob fKnob = SliderLook::Knob::kByDirection;
     SliderLook::Arrow fArrow = SliderLook::Arrow::kNone;
     bool fVertical = false;
-    bool fRulerIsGiven = false;
-    bool fAbbreviateNumbers = false;
     bool fUseLabel = true;
     bool fUseInline = true;
     bool fUseSlider = true;
@@ -254,9 +233,7 @@ private:
     bool fInvertSlider = false;
     bool fLogarithmic = false;
 
-    mutable EditNumberLayout fLayout;
-    mutable bool fLayoutIsValid = false;
-    mutable bool fRulerFits = true; // a control that is too low for it does without
+    std::optional<Placed> fPlaced; // kept from drawing or a press on until something changes
 };
 
 } // namespace uit::controls

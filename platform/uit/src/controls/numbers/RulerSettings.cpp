@@ -4,6 +4,10 @@
 #include "kroui/utility/LinearRuler.h"
 #include "kroui/utility/LogRuler.h"
 
+#include <algorithm>
+#include <array>
+#include <cmath>
+
 namespace uit::controls {
 
 using kroui::utility::RulerBase;
@@ -13,6 +17,11 @@ namespace {
 constexpr float kRulerFontSize = 9;
 
 } // namespace
+
+bool RulerSettings::IsFinite() const {
+    const auto isFinite = [](double number) { return std::isfinite(number); };
+    return std::ranges::all_of(std::array{stepFactor, logSeed, logStep, value1, value2}, isFinite);
+}
 
 boost::intrusive_ptr<RulerBase> RulerSettings::MakeRuler() const {
     boost::intrusive_ptr<RulerBase> ruler;
@@ -32,8 +41,8 @@ boost::intrusive_ptr<RulerBase> RulerSettings::MakeRuler() const {
 void RulerSettings::Configure(RulerBase& ruler) const {
     ruler.SetStepFactor(stepFactor);
     ruler.SetAbbreviateNumbers(abbreviateNumbers);
-    ruler.SetLabel1(label1);
-    ruler.SetLabel2(label2);
+    ruler.SetLabel1(label1.Text());
+    ruler.SetLabel2(label2.Text());
     if (auto* const logarithmic = dynamic_cast<kroui::utility::LogRuler*>(&ruler)) {
         logarithmic->SetLogSeed(logSeed);
         logarithmic->SetLogStep(logStep);

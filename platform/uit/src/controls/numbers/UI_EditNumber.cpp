@@ -25,6 +25,7 @@ constexpr float kSpareHeight = 3; // below the letters of the ruler's labels
 
 UI_EditNumber::UI_EditNumber() {
     SetWantsKeyboardFocus(true);
+    fRulers.SetBounds(GetMinValue(), GetMaxValue());
 }
 
 void UI_EditNumber::SetLabel(std::u16string_view label) {
@@ -95,8 +96,7 @@ void UI_EditNumber::SetHotTextNumberAlignment(int alignment) {
 
 void UI_EditNumber::SetHotTextScaleRange(double low, double high) {
     const bool isUsable = low > 0 && high > low && std::isfinite(high);
-    fHotTextLow = isUsable ? low : 0;
-    fHotTextHigh = isUsable ? high : 0;
+    fHotTextRange = isUsable ? HotTextRange{low, high} : HotTextRange{};
 }
 
 void UI_EditNumber::SetUseSlider(bool use) {
@@ -142,70 +142,35 @@ void UI_EditNumber::SetLogarithmic(bool logarithmic) {
 
 void UI_EditNumber::SetRuler(boost::intrusive_ptr<RulerBase> ruler, RulerPlacement placement,
                              RulerTextPlacement textPlacement, std::u16string_view label) {
-    fRuler = std::move(ruler);
-    fRulerIsGiven = fRuler != nullptr;
-    fRulerPlacement = placement + 1;
-    fRulerTextPlacement = textPlacement;
-    if (fRuler && !label.empty()) fRuler->SetLabel1(label);
+    if (ruler && !label.empty()) ruler->SetLabel1(label);
+    fRulers.Give(std::move(ruler), placement + 1, textPlacement);
     LayoutChanged();
 }
 
 void UI_EditNumber::SetRulerSettings(const RulerSettings& settings) {
     boost::intrusive_ptr<RulerBase> ruler;
-    if (settings.type != kNoRuler) ruler = settings.MakeRuler();
+    if (settings.type != RulerSettings::kNone) ruler = settings.MakeRuler();
     if (ruler) ruler->SetVertical(IsVertical());
-    const auto texts = static_cast<RulerTextPlacement>(settings.textPlacement);
-    SetRuler(std::move(ruler), RulerPlacement::kRulerRightBottom, texts, {});
+    fRulers.Give(std::move(ruler), settings.placement, settings.textPlacement);
+    LayoutChanged();
 }
 
 void UI_EditNumber::SetSecondRulerSettings(const RulerSettings& settings) {
-    fSecondRuler.reset();
-    if (settings.type != kNoRuler) fSecondRuler = settings.MakeRuler();
+    fRulers.SetSecond(settings.type != RulerSettings::kNone ? settings.MakeRuler() : nullptr);
     LayoutChanged();
 }
 
 const boost::intrusive_ptr<UI_EditNumber::RulerBase>& UI_EditNumber::GetRuler() {
-    if (!fRuler) MakeRuler();
-    return fRuler;
+    return fRulers.First();
 }
 
-void UI_EditNumber::SetRulerType(int type) {
-    fRulerType = type;
-    if (!fRulerIsGiven) fRuler.reset();
+void UI_EditNumber::SetArchiveRuler(const RulerSettings& settings) {
+    if (!settings.IsFinite()) return;
+    RulerSettings bounded = settings;
+    bounded.value1 = GetMinValue();
+    bounded.value2 = GetMaxValue();
+    fRulers.SetSettings(bounded);
     LayoutChanged();
-}
-
-void UI_EditNumber::SetRulerPlacementIndex(int index) {
-    fRulerPlacement = index;
-    LayoutChanged();
-}
-
-void UI_EditNumber::SetRulerTextPlacement(int placement) {
-    fRulerTextPlacement = placement;
-    LayoutChanged();
-}
-
-void UI_EditNumber::SetStepFactor(double pixels) {
-    if (!std::isfinite(pixels)) return;
-    fStepFactor = pixels;
-    RulerPropertyChanged();
-}
-
-void UI_EditNumber::SetLogSeed(double seed) {
-    if (!std::isfinite(seed)) return;
-    fLogSeed = seed;
-    RulerPropertyChanged();
-}
-
-void UI_EditNumber::SetLogStep(double step) {
-    if (!std::isfinite(step)) return;
-    fLogStep = step;
-    RulerPropertyChanged();
-}
-
-void UI_EditNumber::SetAbbreviateNumbers(bool abbreviate) {
-    fAbbreviateNumbers = abbreviate;
-    RulerPropertyChanged();
 }
 
 void UI_EditNumber::SetLabelReference(std::string_view reference) {
@@ -216,16 +181,6 @@ void UI_EditNumber::SetLabelReference(std::string_view reference) {
 void UI_EditNumber::SetUnitLabelReference(std::string_view reference) {
     fUnitLabel.SetReference(reference);
     LayoutChanged();
-}
-
-void UI_EditNumber::SetRulerLabel1Reference(std::string_view reference) {
-    fRulerLabel1.SetReference(reference);
-    RulerPropertyChanged();
-}
-
-void UI_EditNumber::SetRulerLabel2Reference(std::string_view reference) {
-    fRulerLabel2.SetReference(reference);
-    RulerPropertyChanged();
 }
 
 void UI_EditNumber::RecalcLayout() {
@@ -242,82 +197,27 @@ float UI_EditNumber::UI_GetBaseline() const {
            kroui::controls::CentredBaseline(*this, kroui::controls::kRowHeight, {fFontSize});
 }
 
-const EditNumberLayout& UI_EditNumber::Layout() const {
-    if (fLayoutIsValid) return fLayout;
-    const Size size{UI_GetFrame().width, UI_GetFrame().height};
-    EditNumberLayout::Needs needs = Needs();
-    fRulerFits = needs.isVertical || size.height + kSpareHeight >= EditNumberLayout::Natural(needs).height;
-    if (!fRulerFits) needs.rulerBefore = needs.rulerBehind = 0;
-    fLayout = EditNumberLayout::In(size, needs);
-    // Without a supplier widths are only estimates.
-    fLayoutIsValid = UI_GetDrawSupplier() != nullptr;
-    return fLayout;
-}
-
 bool UI_EditNumber::IsVertical() const {
-    return fVertical || (fRulerIsGiven && fRuler->IsVertical());
-}
-
-bool UI_EditNumber::IsRulerShown() const {
-    if (!fUseSlider || fRulerPlacement <= 0) return false;
-    return fRulerIsGiven || (fRulerType > kNoRuler && fRulerType <= kFaderRuler);
-}
-
-// What the slider knows of its ruler; none if it is not shown.
-SliderRuler UI_EditNumber::Ruler() const {
-    SliderRuler ruler;
-    if (!IsRulerShown()) return ruler;
-    if (!fRuler) const_cast<UI_EditNumber*>(this)->MakeRuler();
-    if (IsVertical()) fRuler->SetVertical(true);
-    ruler.ruler = fRuler.get();
-    ruler.textPlacement =
-        fRulerTextPlacement == RulerTextPlacement::kTextLeftTop || fRulerTextPlacement == RulerTextPlacement::kTextBoth
-            ? static_cast<RulerTextPlacement>(fRulerTextPlacement)
-            : RulerTextPlacement::kTextRightBottom;
-    return ruler;
-}
-
-// The second ruler, where the first one has no marks; none if that has them on both sides.
-SliderRuler UI_EditNumber::SecondRuler() const {
-    SliderRuler second;
-    const SliderRuler first = Ruler();
-    if (!fUseSlider || !fSecondRuler) return second;
-    if (first.ruler && first.textPlacement == RulerTextPlacement::kTextBoth) return second;
-    fSecondRuler->SetVertical(IsVertical());
-    second.ruler = fSecondRuler.get();
-    const bool isFirstBehind = !first.ruler || first.textPlacement == RulerTextPlacement::kTextRightBottom;
-    second.textPlacement = isFirstBehind ? RulerTextPlacement::kTextLeftTop : RulerTextPlacement::kTextRightBottom;
-    return second;
-}
-
-RulerSettings UI_EditNumber::ArchiveRuler() const {
-    RulerSettings settings;
-    settings.type = fRulerType;
-    settings.stepFactor = fStepFactor;
-    settings.logSeed = fLogSeed;
-    settings.logStep = fLogStep;
-    settings.value1 = GetMinValue();
-    settings.value2 = GetMaxValue();
-    settings.label1 = fRulerLabel1.Text();
-    settings.label2 = fRulerLabel2.Text();
-    settings.abbreviateNumbers = fAbbreviateNumbers;
-    return settings;
-}
-
-void UI_EditNumber::MakeRuler() {
-    fRuler = ArchiveRuler().MakeRuler();
-    fRulerLow = GetMinValue();
-    fRulerHigh = GetMaxValue();
-}
-
-void UI_EditNumber::RulerPropertyChanged() {
-    if (fRuler && !fRulerIsGiven) ArchiveRuler().Configure(*fRuler);
-    LayoutChanged();
+    return fVertical || fRulers.IsGivenVertical();
 }
 
 void UI_EditNumber::LayoutChanged() {
-    fLayoutIsValid = false;
+    fPlaced.reset();
+    fRulers.SetVertical(IsVertical());
     UI_Invalidate();
+}
+
+UI_EditNumber::Placed UI_EditNumber::Place() const {
+    const Size size{UI_GetFrame().width, UI_GetFrame().height};
+    EditNumberLayout::Needs needs = Needs();
+    const bool rulerFits = needs.isVertical || size.height + kSpareHeight >= EditNumberLayout::Natural(needs).height;
+    if (!rulerFits) needs.rulerBefore = needs.rulerBehind = 0;
+    return {EditNumberLayout::In(size, needs), rulerFits};
+}
+
+// Without a supplier widths are only estimates.
+void UI_EditNumber::KeepPlaces() {
+    if (!fPlaced && UI_GetDrawSupplier()) fPlaced = Place();
 }
 
 EditNumberLayout::Needs UI_EditNumber::Needs() const {

@@ -30,6 +30,7 @@ Font FittingFont(const kroui::ui::UI_Node& node, std::u16string_view text, float
 } // namespace
 
 void UI_EditNumber::UI_Draw(Limner* context) {
+    KeepPlaces();
     DrawLabel(*context);
     DrawDescription(*context, fDescription1, Layout().description1);
     DrawDescription(*context, fDescription2, Layout().description2);
@@ -57,25 +58,14 @@ void UI_EditNumber::DrawDescription(Limner& context, std::u16string_view text, c
     context.DrawText(text, font, GetColor(color), place, placement);
 }
 
-void UI_EditNumber::DrawSlider(Limner& context) const {
+void UI_EditNumber::DrawSlider(Limner& context) {
     const SliderLook look = Slider();
-    if (fRulerFits) {
-        DrawRuler(context, Ruler(), look);
-        DrawRuler(context, SecondRuler(), look);
+    if (PlacedParts().rulerFits) {
+        fRulers.AlignTo(look);
+        Ruler().Draw(context, *this, look, Layout().rulerRoom);
+        SecondRuler().Draw(context, *this, look, Layout().rulerRoom);
     }
     if (context.ClipBounds().Intersects(Layout().slider)) look.Draw(context, *this);
-}
-
-void UI_EditNumber::DrawRuler(Limner& context, const SliderRuler& ruler, const SliderLook& look) const {
-    if (!ruler.ruler) return;
-    kroui::utility::RulerBase& marks = ruler.ruler == fRuler.get() ? *fRuler : *fSecondRuler;
-    marks.SetVertical(look.vertical);
-    double first = ruler.IsAscending() ? 0 : 1;
-    double last = 1 - first;
-    if (&marks == fRuler.get())
-        first = SliderPosition(marks.GetFirstValue()), last = SliderPosition(marks.GetLastValue());
-    marks.SetPixelRange(look.PixelAt(first), look.PixelAt(last));
-    ruler.Draw(context, *this, look, Layout().rulerRoom);
 }
 
 void UI_EditNumber::DrawNumber(Limner& context) const {
@@ -107,8 +97,8 @@ SliderLook UI_EditNumber::Slider() const {
     look.knob = fKnob;
     look.arrow = fArrow;
     look.enabled = IsEnabled();
-    look.hovered = fHoverPart == Part::kSlider;
-    look.pressed = fPressedPart == Part::kSlider;
+    look.hovered = fPointing.hovered == Part::kSlider;
+    look.pressed = fPointing.pressed == Part::kSlider;
     look.focused = ShowsFocus();
     return look;
 }
@@ -138,7 +128,7 @@ HotTextLook UI_EditNumber::Number(std::u16string_view text) const {
     look.font = NumberFont(text);
     look.alignment = NumberAlignment();
     look.enabled = IsEnabled();
-    look.hovered = fHoverPart == Part::kNumber || fPressedPart == Part::kNumber;
+    look.hovered = fPointing.hovered == Part::kNumber || fPointing.pressed == Part::kNumber;
     look.focused = ShowsFocus() && !fUseSlider;
     return look;
 }

@@ -25,14 +25,14 @@ constexpr float kNarrowestEntry = 56; // of the field that a number is typed int
 bool UI_EditNumber::UI_DoMouseEvent(UI_Node* node, const MouseEvent& event) {
     UI_InteractiveControlView::UI_DoMouseEvent(node, event);
     if (node || !IsEnabled()) return false;
-    const boost::intrusive_ptr<UI_EditNumber> keepAlive(this);
+    KeepPlaces();
     switch (event.action) {
     case MouseEvent::Action::kPressed: return Press(event);
     case MouseEvent::Action::kDragged: Drag(event); return true;
     case MouseEvent::Action::kReleased: Release(event); return true;
     case MouseEvent::Action::kCaptureLost:
         fGesture.Abandon();
-        fPressedPart = Part::kNone;
+        fPointing.pressed = Part::kNone;
         UI_Invalidate();
         return true;
     case MouseEvent::Action::kWheel: return fEntry.IsOpen() || HandleWheel(event);
@@ -46,11 +46,11 @@ bool UI_EditNumber::UI_DoMouseEvent(UI_Node* node, const MouseEvent& event) {
 bool UI_EditNumber::Press(const MouseEvent& event) {
     if (event.button != 1) return false;
     UI_TakeFocus();
-    fPressedPart = PartAt(event.position);
-    fLastPoint = event.position;
-    fHasMoved = false;
-    if (fPressedPart == Part::kSlider) PressSlider(event);
-    if (fPressedPart == Part::kNumber) PressNumber(event);
+    fPointing.pressed = PartAt(event.position);
+    fPointing.last = event.position;
+    fPointing.hasMoved = false;
+    if (fPointing.pressed == Part::kSlider) PressSlider(event);
+    if (fPointing.pressed == Part::kNumber) PressNumber(event);
     UI_Invalidate();
     return true;
 }
@@ -76,30 +76,29 @@ void UI_EditNumber::PressNumber(const MouseEvent& event) {
 }
 
 void UI_EditNumber::Drag(const MouseEvent& event) {
-    if (fPressedPart == Part::kNumber) {
+    if (fPointing.pressed == Part::kNumber) {
         fGesture.DragBy(fNumberDrag.MoveTo(event.position) / NumberDrag::Travel(StepCount()), event.modifiers);
-        fHasMoved = fNumberDrag.HasMoved();
+        fPointing.hasMoved = fNumberDrag.HasMoved();
         return;
     }
-    fHasMoved = fHasMoved || event.position != fLastPoint;
-    if (fPressedPart == Part::kSlider)
-        fGesture.DragBy(Slider().Fraction(event.position.x - fLastPoint.x, event.position.y - fLastPoint.y),
+    fPointing.hasMoved = fPointing.hasMoved || event.position != fPointing.last;
+    if (fPointing.pressed == Part::kSlider)
+        fGesture.DragBy(Slider().Fraction(event.position.x - fPointing.last.x, event.position.y - fPointing.last.y),
                         event.modifiers);
-    fLastPoint = event.position;
+    fPointing.last = event.position;
 }
 
 void UI_EditNumber::Release(const MouseEvent& event) {
-    const bool isAbandoned = fPressedPart != Part::kLabel && !fGesture.IsDragging();
+    const bool isAbandoned = fPointing.pressed != Part::kLabel && !fGesture.IsDragging();
     fGesture.EndDrag();
-    fPressedPart = Part::kNone;
-    if (!fHasMoved && !isAbandoned && event.Has(kroui::ui::kCommand)) fGesture.Reset();
+    fPointing.pressed = Part::kNone;
+    if (!fPointing.hasMoved && !isAbandoned && event.Has(kroui::ui::kCommand)) fGesture.Reset();
     SetHoverPart(PartAt(event.position));
     UI_Invalidate();
 }
 
 bool UI_EditNumber::UI_DoKeyEvent(const kroui::ui::KeyEvent& event) {
     if (!IsEnabled() || fEntry.IsOpen()) return false;
-    const boost::intrusive_ptr<UI_EditNumber> keepAlive(this);
     const bool isEntryKey = event.key == Key::kEnter || event.key == Key::kF2;
     if (isEntryKey && event.modifiers == kroui::ui::kNoModifier && !fGesture.IsDragging()) return OpenEntry();
     return fGesture.Key(event);
@@ -113,7 +112,6 @@ bool UI_EditNumber::UI_DoTextEvent(const kroui::ui::TextEvent& event) {
 }
 
 bool UI_EditNumber::UI_DoTimerNotify(long timerID) {
-    const boost::intrusive_ptr<UI_EditNumber> keepAlive(this);
     return HandleTimer(timerID) || UI_InteractiveControlView::UI_DoTimerNotify(timerID);
 }
 
@@ -124,7 +122,7 @@ void UI_EditNumber::UI_FocusChanged(bool hasFocus) {
 
 void UI_EditNumber::UI_NodeChanged(NodeChange change) {
     if (change == kAttached) {
-        fLayoutIsValid = false;
+        fPlaced.reset();
         TakeNaturalSize();
     }
     // A field over the window would stay.
@@ -132,14 +130,14 @@ void UI_EditNumber::UI_NodeChanged(NodeChange change) {
     if (change == kDetaching) {
         fEntry.Close();
         SettleGesture();
-        fHoverPart = fPressedPart = Part::kNone;
+        fPointing.hovered = fPointing.pressed = Part::kNone;
     }
     UI_InteractiveControlView::UI_NodeChanged(change);
 }
 
 void UI_EditNumber::UI_SizeChanged(const kroui::RectT<float>& rect) {
     fEntry.Close();
-    fLayoutIsValid = false;
+    fPlaced.reset();
     UI_InteractiveControlView::UI_SizeChanged(rect);
 }
 
@@ -176,18 +174,13 @@ krocore::string16 UI_EditNumber::ShownName() const {
 
 void UI_EditNumber::ValueChanged(double oldValue) {
     if (!UI_IsAttached()) return;
+    KeepPlaces();
     if (fUseSlider) UI_InvalidateRect(Slider().ChangedArea(SliderPosition(oldValue)));
     UI_InvalidateRect(Layout().number);
 }
 
-// A ruler made from the archive's properties follows the bounds; later words of the ruler's user stand.
 void UI_EditNumber::ValueLookChanged() {
-    const bool isMoved = GetMinValue() != fRulerLow || GetMaxValue() != fRulerHigh;
-    if (fRuler && !fRulerIsGiven && isMoved) {
-        fRulerLow = GetMinValue();
-        fRulerHigh = GetMaxValue();
-        fRuler->SetValueRange(fRulerLow, fRulerHigh);
-    }
+    fRulers.SetBounds(GetMinValue(), GetMaxValue());
     UI_Invalidate();
 }
 
@@ -201,21 +194,23 @@ void UI_EditNumber::ControlStateChanged() {
     if (!IsEnabled()) {
         fEntry.Close();
         SettleGesture();
-        fPressedPart = fHoverPart = Part::kNone;
+        fPointing.pressed = fPointing.hovered = Part::kNone;
     }
     UI_InteractiveControlView::ControlStateChanged();
 }
 
 double UI_EditNumber::GesturePosition(double value) const {
-    if (fPressedPart != Part::kNumber) return SliderPosition(value);
-    if (GetScale() != kLogarithmic || fHotTextLow <= 0) return ScalePosition(value, GetScale());
-    return value > fHotTextLow ? std::log(value / fHotTextLow) / std::log(fHotTextHigh / fHotTextLow) : 0;
+    if (fPointing.pressed != Part::kNumber) return SliderPosition(value);
+    if (GetScale() != kLogarithmic || fHotTextRange.low <= 0) return ScalePosition(value, GetScale());
+    return value > fHotTextRange.low
+               ? std::log(value / fHotTextRange.low) / std::log(fHotTextRange.high / fHotTextRange.low)
+               : 0;
 }
 
 double UI_EditNumber::GestureValueAt(double position) const {
-    if (fPressedPart != Part::kNumber) return SliderValueAt(position);
-    if (GetScale() != kLogarithmic || fHotTextLow <= 0) return ScaleValueAt(position, GetScale());
-    return fHotTextLow * std::pow(fHotTextHigh / fHotTextLow, position);
+    if (fPointing.pressed != Part::kNumber) return SliderValueAt(position);
+    if (GetScale() != kLogarithmic || fHotTextRange.low <= 0) return ScaleValueAt(position, GetScale());
+    return fHotTextRange.low * std::pow(fHotTextRange.high / fHotTextRange.low, position);
 }
 
 UI_EditNumber::Part UI_EditNumber::PartAt(Point point) const {
@@ -247,8 +242,8 @@ bool UI_EditNumber::RunsBackwards() const {
 }
 
 void UI_EditNumber::SetHoverPart(Part part) {
-    if (part == fHoverPart || fPressedPart != Part::kNone) return;
-    fHoverPart = part;
+    if (part == fPointing.hovered || fPointing.pressed != Part::kNone) return;
+    fPointing.hovered = part;
     UI_Invalidate();
 }
 
