@@ -39,8 +39,8 @@ protected:
     std::string Now() const { return Hex(fField->GetColor()); }
     void Open() { fWindow.Click({40, 30}); }
     bool IsOpen() { return fWindow.Window().HasModalOverlay(); }
-    // A place on the panel, which opens at (20, 44) with a margin of 12: the field of shades is 184 by 120.
-    static kroui::Point Shade(float saturation, float value) { return {32 + 184 * saturation, 56 + 120 * (1 - value)}; }
+    // A place on the panel, which opens at (20, 42) with a margin of 12: the field of shades is 184 by 120.
+    static kroui::Point Shade(float saturation, float value) { return {32 + 184 * saturation, 54 + 120 * (1 - value)}; }
 
     kroui::limner::CairoSupplier fSupplier;
     kroui::ui::HeadlessWindow fWindow;

@@ -1,7 +1,7 @@
 #include "workbench/views/EffectList.h"
 
 #include "krocore/Localizer.h"
-#include "workbench/views/PixelSnap.h"
+#include "kroui/ui/PixelGrid.h"
 
 #include <algorithm>
 #include <iterator>
@@ -129,7 +129,8 @@ void EffectList::UI_Draw(kroui::limner::Limner* limner) {
 
 void EffectList::DrawRightLine(const UI_Node& node, kroui::limner::Limner& limner) {
     const kroui::Rect rect = node.UI_GetLocalRect();
-    limner.FillRect(Snapped(node, limner, {rect.width - 1, 0, 1, rect.height}), node.GetColor(kroui::ui::kColorLine));
+    limner.FillRect(kroui::ui::PixelGrid(node, limner).Snap({rect.width - 1, 0, 1, rect.height}),
+                    node.GetColor(kroui::ui::kColorLine));
 }
 
 void EffectList::UI_SizeChanged(const kroui::RectT<float>& rect) {

@@ -1,7 +1,7 @@
 #include "workbench/views/EffectListItem.h"
 
 #include "kroui/controls/TextMeasure.h"
-#include "workbench/views/PixelSnap.h"
+#include "kroui/ui/PixelGrid.h"
 
 #include <cmath>
 
@@ -33,7 +33,7 @@ void EffectListItem::SetFoundBy(std::u16string_view text) {
 }
 
 void EffectListItem::UI_Draw(kroui::limner::Limner* limner) {
-    const kroui::Rect rect = Snapped(*this, *limner, UI_GetLocalRect());
+    const kroui::Rect rect = kroui::ui::PixelGrid(*this, *limner).Snap(UI_GetLocalRect());
     if (IsSelected()) {
         limner->FillRoundRect(rect, kRadius, GetColor(kroui::ui::kColorAccent));
     } else if (IsHovered()) {

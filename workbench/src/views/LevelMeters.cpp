@@ -1,8 +1,8 @@
 #include "workbench/views/LevelMeters.h"
 
 #include "krocore/Localizer.h"
+#include "kroui/ui/PixelGrid.h"
 #include "workbench/commands/TextOfSound.h"
-#include "workbench/views/PixelSnap.h"
 
 #include <algorithm>
 #include <array>
@@ -97,7 +97,7 @@ float LevelMeters::PlaceOf(float decibels, const kroui::Rect& bar) const {
 }
 
 void LevelMeters::UI_Draw(kroui::limner::Limner* limner) {
-    const kroui::Rect rect = Snapped(*this, *limner, UI_GetLocalRect());
+    const kroui::Rect rect = kroui::ui::PixelGrid(*this, *limner).Snap(UI_GetLocalRect());
     limner->FillRoundRect(rect, kRadius, GetColor(kroui::ui::kColorPanel));
     limner->DrawText(krocore::Localize("$$$/Workbench/Levels=Levels"), kTitleFont, GetColor(kroui::ui::kColorDimText),
                      {Margin(), 0, rect.width - 2 * Margin(), kTitleHeight}, {});
@@ -110,16 +110,16 @@ void LevelMeters::UI_Draw(kroui::limner::Limner* limner) {
 void LevelMeters::DrawBar(kroui::limner::Limner& limner, std::size_t row) const {
     const Bar& bar = fBars[row];
     const kroui::Rect whole = RowRect(row);
-    const kroui::Rect track = Snapped(*this, limner, BarRect(row));
+    const kroui::Rect track = kroui::ui::PixelGrid(*this, limner).Snap(BarRect(row));
     const bool isOver = bar.level.Mark() > 0;
     limner.FillRect(track, GetColor(kroui::ui::kColorTrack));
     if (bar.level.Level() > kLowest) {
         const kroui::Rect level = {track.left, track.top, PlaceOf(bar.level.Level(), track) - track.left, track.height};
-        limner.FillRect(Snapped(*this, limner, level), GetColor(kroui::ui::kColorMeter));
+        limner.FillRect(kroui::ui::PixelGrid(*this, limner).Snap(level), GetColor(kroui::ui::kColorMeter));
     }
     if (bar.level.Mark() > kLowest) {
         const float place = std::min(PlaceOf(bar.level.Mark(), track), track.Right() - kMarkWidth);
-        limner.FillRect(Snapped(*this, limner, {place, track.top, kMarkWidth, track.height}),
+        limner.FillRect(kroui::ui::PixelGrid(*this, limner).Snap({place, track.top, kMarkWidth, track.height}),
                         GetColor(kroui::ui::kColorWarning));
     }
     if (whole.height < kSmallFont.size) return; // no room for texts
@@ -142,7 +142,7 @@ void LevelMeters::DrawScale(kroui::limner::Limner& limner) const {
     bool isLabelled = kTicks.size() % 2 == 1;
     for (const float tick : kTicks) {
         const float place = PlaceOf(tick, bar);
-        limner.FillRect(Snapped(*this, limner, {place, last.Bottom(), 1, kTickLength}),
+        limner.FillRect(kroui::ui::PixelGrid(*this, limner).Snap({place, last.Bottom(), 1, kTickLength}),
                         GetColor(kroui::ui::kColorRulerTick));
         const kroui::Rect label = {place - kLabelWidth / 2, labels, kLabelWidth, kScaleHeight - kTickLength};
         if (isLabelled || !isNarrow)

@@ -1,7 +1,7 @@
 #include "workbench/views/PanelCard.h"
 
+#include "kroui/ui/PixelGrid.h"
 #include "qocui/controls/TarnLioAudioComponentEditorView.h"
-#include "workbench/views/PixelSnap.h"
 
 #include <algorithm>
 #include <cmath>
@@ -86,7 +86,7 @@ kroui::Size PanelCard::MessageSize() const {
 }
 
 void PanelCard::UI_Draw(kroui::limner::Limner* limner) {
-    const kroui::Rect rect = Snapped(*this, *limner, UI_GetLocalRect());
+    const kroui::Rect rect = kroui::ui::PixelGrid(*this, *limner).Snap(UI_GetLocalRect());
     limner->FillRoundRect(rect, fIsRounded ? kRadius : 0, GetColor(kroui::ui::kColorPanel));
     if (fPanel) return;
     using kroui::limner::TextAlignment;

@@ -3,7 +3,7 @@
 #include "krocore/Localizer.h"
 #include "krocore/Units.h"
 #include "workbench/commands/TextOfSound.h"
-#include "workbench/views/PixelSnap.h"
+#include "workbench/views/EdgeLines.h"
 
 #include <cmath>
 

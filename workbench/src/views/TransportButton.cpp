@@ -1,6 +1,6 @@
 #include "workbench/views/TransportButton.h"
 
-#include "workbench/views/PixelSnap.h"
+#include "kroui/ui/PixelGrid.h"
 
 #include <algorithm>
 
@@ -70,7 +70,7 @@ void TransportButton::SetSign(Sign sign) {
 
 void TransportButton::UI_Draw(Limner* limner) {
     const Face face = FaceOfState();
-    const kroui::Rect rect = Snapped(*this, *limner, UI_GetLocalRect());
+    const kroui::Rect rect = kroui::ui::PixelGrid(*this, *limner).Snap(UI_GetLocalRect());
     const float size = std::min(rect.width, rect.height);
     const auto ground = GetColor(face.hot ? kroui::ui::kColorRaisedHover : kroui::ui::kColorRaised);
     const auto accent = GetColor(kroui::ui::kColorAccent);

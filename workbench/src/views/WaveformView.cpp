@@ -1,9 +1,10 @@
 #include "workbench/views/WaveformView.h"
 
 #include "krocore/Localizer.h"
+#include "kroui/ui/PixelGrid.h"
 #include "kroui/ui/UI_Window.h"
 #include "workbench/commands/TextOfSound.h"
-#include "workbench/views/PixelSnap.h"
+#include "workbench/views/EdgeLines.h"
 
 #include <algorithm>
 #include <array>
@@ -122,7 +123,7 @@ void WaveformView::UI_Draw(kroui::limner::Limner* limner) {
     fDrawnAt = PlaceOf(fPosition);
     const kroui::Rect playhead = {fDrawnAt - 1, kTopMargin / 2, kPlayheadWidth,
                                   rect.height - kRulerHeight - kTopMargin / 2};
-    limner->FillRect(Snapped(*this, *limner, playhead), GetColor(kroui::ui::kColorText));
+    limner->FillRect(kroui::ui::PixelGrid(*this, *limner).Snap(playhead), GetColor(kroui::ui::kColorText));
     if (UI_HasFocus()) limner->FrameRoundRect(rect, 0, GetColor(kroui::ui::kColorAccent), kFocusWidth);
 }
 
@@ -131,7 +132,8 @@ void WaveformView::DrawSelection(kroui::limner::Limner& limner) const {
     const kroui::Rect wave = WaveRect();
     const float left = PlaceOf(fSelection.begin);
     const kroui::Rect rect = {left, wave.top, PlaceOf(fSelection.end) - left, wave.height};
-    limner.FillRect(Snapped(*this, limner, rect), GetColor(kroui::ui::kColorAccent).WithAlpha(kSelectionOpacity));
+    limner.FillRect(kroui::ui::PixelGrid(*this, limner).Snap(rect),
+                    GetColor(kroui::ui::kColorAccent).WithAlpha(kSelectionOpacity));
 }
 
 // What will be heard: the selection, or else what was heard already stands out.
@@ -141,7 +143,7 @@ bool WaveformView::IsLit(float x) const {
 }
 
 void WaveformView::DrawWave(kroui::limner::Limner& limner) const {
-    const kroui::Rect wave = Snapped(*this, limner, WaveRect());
+    const kroui::Rect wave = kroui::ui::PixelGrid(*this, limner).Snap(WaveRect());
     const kroui::Rect visible = kroui::Intersection(wave, limner.ClipBounds());
     const float pixel = 1 / limner.ScaleFactor();
     const float middle = wave.Centre().y;
@@ -168,7 +170,8 @@ void WaveformView::DrawUnknown(kroui::limner::Limner& limner) const {
     const kroui::Rect wave = WaveRect();
     const float left = PlaceOf(known);
     const kroui::Rect rect = {left, wave.top, wave.Right() - left, wave.height};
-    limner.FillRect(Snapped(*this, limner, rect), GetColor(kroui::ui::kColorTrack).WithAlpha(kUnknownOpacity));
+    limner.FillRect(kroui::ui::PixelGrid(*this, limner).Snap(rect),
+                    GetColor(kroui::ui::kColorTrack).WithAlpha(kUnknownOpacity));
 }
 
 void WaveformView::DrawRuler(kroui::limner::Limner& limner) const {
@@ -179,7 +182,7 @@ void WaveformView::DrawRuler(kroui::limner::Limner& limner) const {
     const double step = LabelStep(fSeconds, wave.width);
     for (int i = 0; i * step <= fSeconds; ++i) {
         const float x = PlaceOf(i * step);
-        limner.FillRect(Snapped(*this, limner, {x, wave.Bottom(), 1, kTickLength}),
+        limner.FillRect(kroui::ui::PixelGrid(*this, limner).Snap({x, wave.Bottom(), 1, kTickLength}),
                         GetColor(kroui::ui::kColorRulerTick));
         const kroui::Rect label = {x + kTickLength, wave.Bottom(), kLabelWidth, kRulerHeight};
         // A label at the very end would be cut off.

@@ -1,7 +1,7 @@
 #include "workbench/window/HeaderBar.h"
 
 #include "krocore/Localizer.h"
-#include "workbench/views/PixelSnap.h"
+#include "workbench/views/EdgeLines.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "kroui/controls/FloatingPanel.h"
 #include "kroui/controls/ImageSlot.h"
 #include "kroui/controls/TypeAhead.h"
 #include "kroui/controls/UI_TextField.h"
-#include "kroui/ui/UI_Window.h"
 
 #include <boost/function.hpp>
 
@@ -16,7 +16,7 @@ namespace kroui::controls {
 // by a program's own menu button. While open it takes all keys: arrows, Page, Home and End go through the items, typed
 // letters find one, Enter and Space choose, Escape and Tab close. It stays inside the window and scrolls when long. A
 // searchable one has a field on top: what is typed goes there and leaves only the items that hold it.
-class UI_Menu : public ui::UI_Node {
+class UI_Menu : public FloatingPanel {
 public:
     struct Item {
         krocore::string16 text;
@@ -82,7 +82,6 @@ private:
     bool DoSearchKey(const ui::KeyEvent& event);
     float ContentHeight() const { return fTops.back(); }
     float MostScroll() const;
-    Rect Panel() const; // without the shadow
     Rect ListArea() const;
     Rect RowRect(int item) const;
     Rect ArrowStrip(int direction) const; // empty if there is nothing more that way
@@ -104,7 +103,6 @@ private:
     void ScrollTo(float scroll);
     void ScrollToItem(int item);
     void SetAutoScroll(int direction);
-    void DrawShadow(limner::Limner& context, const Rect& panel) const;
     void DrawRow(limner::Limner& context, int item) const;
     void DrawNothingFound(limner::Limner& context) const;
     void DrawArrow(limner::Limner& context, int direction) const;

@@ -29,7 +29,7 @@ bool UI_Divider::IsHorizontal(const Rect& area) const {
 }
 
 void UI_Divider::UI_Draw(limner::Limner* context) {
-    const drawing::PixelGrid grid(*this, *context);
+    const ui::PixelGrid grid(*this, *context);
     const Rect area = grid.Snap(UI_GetLocalRect());
     const float line = grid.Line();
     const Rect rect = IsHorizontal(area)

@@ -21,7 +21,7 @@ void UI_OutlineBox::SetCornerRadius(float radius) {
 }
 
 void UI_OutlineBox::UI_Draw(limner::Limner* context) {
-    const drawing::PixelGrid grid(*this, *context);
+    const ui::PixelGrid grid(*this, *context);
     context->FrameRoundRect(grid.Snap(UI_GetLocalRect()), fCornerRadius, GetColor(ui::kColorLine), grid.Line());
 }
 

@@ -27,7 +27,7 @@ void UI_StaticImage::SetImageName(std::string_view name) {
 
 void UI_StaticImage::UI_Draw(limner::Limner* context) {
     const Size size = fImage.PictureSize(IsEnabled(), context->ScaleFactor());
-    const drawing::PixelGrid grid(*this, *context);
+    const ui::PixelGrid grid(*this, *context);
     fImage.Draw(*context, grid.Snap(drawing::FitPicture(size, UI_GetLocalRect())), IsEnabled());
 }
 

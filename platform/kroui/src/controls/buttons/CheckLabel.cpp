@@ -26,7 +26,7 @@ MarkColors ColorsOfMark(const UI_Button& button, bool filledWhenOn) {
     return {shade, shade, button.GetColor(ui::kColorAccentText)};
 }
 
-Rect MarkRect(const UI_Button& button, const PixelGrid& grid, float side) {
+Rect MarkRect(const UI_Button& button, const ui::PixelGrid& grid, float side) {
     const Rect area = button.UI_GetLocalRect().Offset(button.ContentOffsetX(), button.ContentOffsetY());
     return grid.Square({area.left + kHaloWidth + side / 2, area.Centre().y}, side);
 }

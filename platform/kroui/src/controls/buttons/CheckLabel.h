@@ -17,7 +17,7 @@ struct MarkColors {
 MarkColors ColorsOfMark(const UI_Button& button, bool filledWhenOn);
 
 // Where the mark of `side` stands: on the left, in the middle, with room for the halo around it.
-Rect MarkRect(const UI_Button& button, const PixelGrid& grid, float side);
+Rect MarkRect(const UI_Button& button, const ui::PixelGrid& grid, float side);
 
 // The size that mark and text take.
 Size NaturalMarkSize(const UI_Button& button, float side, std::u16string_view text, float fontSize);

@@ -216,7 +216,7 @@ UI_Button::Face UI_Button::FaceOfState() const {
 }
 
 void UI_Button::DrawFace(limner::Limner& context, const Face& face) const {
-    const drawing::PixelGrid grid(*this, context);
+    const ui::PixelGrid grid(*this, context);
     const Rect rect = grid.Snap(UI_GetLocalRect());
     const float corner = face.isRound ? rect.height / 2 : fCornerRadius;
     const limner::Color ground = GetColor(face.hot ? ui::kColorRaisedHover : ui::kColorRaised);

@@ -52,7 +52,7 @@ float UI_Checkbox::UI_GetBaseline() const {
 }
 
 void UI_Checkbox::UI_Draw(limner::Limner* context) {
-    const drawing::PixelGrid grid(*this, *context);
+    const ui::PixelGrid grid(*this, *context);
     const Rect box = drawing::MarkRect(*this, grid, fCheckSize);
     const float radius = fCheckSize * kRoundness;
     const drawing::MarkColors colors = drawing::ColorsOfMark(*this, true);

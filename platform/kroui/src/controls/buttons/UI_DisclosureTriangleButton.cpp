@@ -42,7 +42,7 @@ void UI_DisclosureTriangleButton::DrawPicture(limner::Limner& context, const Rec
 void UI_DisclosureTriangleButton::UI_Draw(limner::Limner* context) {
     DrawContent(*context, GetColor(IsEnabled() ? ui::kColorText : ui::kColorDisabledText));
     if (!ShowsFocus()) return;
-    const drawing::PixelGrid grid(*this, *context);
+    const ui::PixelGrid grid(*this, *context);
     context->FrameRoundRect(grid.Snap(UI_GetLocalRect()), CornerRadius(), GetColor(ui::kColorAccent),
                             grid.Line(StrokeSize2()));
 }

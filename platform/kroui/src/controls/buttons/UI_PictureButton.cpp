@@ -55,7 +55,7 @@ void UI_PictureButton::UI_Draw(limner::Limner* context) {
     face.accent *= drawing::kAccentUnderPicture;
     if (ShowsGround(face)) DrawFace(*context, face);
     const Size size = fImage.PictureSize(IsEnabled(), context->ScaleFactor());
-    const drawing::PixelGrid grid(*this, *context);
+    const ui::PixelGrid grid(*this, *context);
     const Rect room = ContentRect().Inset(kMargin, kMargin);
     fImage.Draw(*context, grid.Snap(drawing::FitPicture(size, room)), IsEnabled());
 }

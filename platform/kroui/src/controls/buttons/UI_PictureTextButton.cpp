@@ -91,7 +91,7 @@ void UI_PictureTextButton::DrawContent(limner::Limner& context, const limner::Co
     const float textLeft = area.left + (isPictureLeft ? taken : fIndent);
     const float textRight = area.Right() - (isPictureLeft ? 0 : taken);
 
-    const drawing::PixelGrid grid(*this, context);
+    const ui::PixelGrid grid(*this, context);
     const float pictureTop = area.Centre().y - size.height / 2 + fPictureVerticalOffset;
     DrawPicture(context, grid.Snap({pictureLeft, pictureTop, size.width, size.height}));
     context.DrawText(fText.Text(), {}, textColor, {textLeft, area.top, textRight - textLeft, area.height},

@@ -106,7 +106,7 @@ float UI_RadioButton::UI_GetBaseline() const {
 }
 
 void UI_RadioButton::UI_Draw(limner::Limner* context) {
-    const drawing::PixelGrid grid(*this, *context);
+    const ui::PixelGrid grid(*this, *context);
     const Rect disc = drawing::MarkRect(*this, grid, kDiscSize);
     const float radius = disc.width / 2;
     const drawing::MarkColors colors = drawing::ColorsOfMark(*this, false);

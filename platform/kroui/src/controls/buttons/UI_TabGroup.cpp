@@ -207,7 +207,7 @@ void UI_TabGroup::ChooseByUser(int tab) {
 
 void UI_TabGroup::UI_Draw(limner::Limner* context) {
     if (!context->ClipBounds().Intersects({0, 0, UI_GetLocalRect().width, kTabHeight})) return;
-    const drawing::PixelGrid grid(*this, *context);
+    const ui::PixelGrid grid(*this, *context);
     const float line = grid.Line();
     const Rect base{0, grid.Y(kTabHeight - line), UI_GetLocalRect().width, line};
     context->FillRect(grid.Snap(base), GetColor(ui::kColorLine));
@@ -216,7 +216,7 @@ void UI_TabGroup::UI_Draw(limner::Limner* context) {
 }
 
 void UI_TabGroup::DrawTab(limner::Limner& context, int tab) const {
-    const drawing::PixelGrid grid(*this, context);
+    const ui::PixelGrid grid(*this, context);
     const Rect rect = grid.Snap(TabRect(tab));
     const bool isShown = tab == fValue;
     const bool isHovered = IsEnabled() && tab == fHoveredTab;

@@ -3,15 +3,11 @@
 // Measures of menus, in view units.
 namespace kroui::controls::menu {
 
-inline constexpr float kShadow = 8;       // around the panel
-inline constexpr float kWindowMargin = 4; // between panel and window edge
-inline constexpr float kAnchorGap = 2;    // between anchor and panel below or above it
-inline constexpr float kPanelRadius = 6;  //
-inline constexpr float kPadding = 4;      // between panel edge and rows
-inline constexpr float kRowRadius = 3;    //
-inline constexpr float kTextLeft = 26;    // text from the panel's edge; the mark stands before it
-inline constexpr float kTextRight = 16;   //
-inline constexpr float kMarkSize = 14;    //
+inline constexpr float kPadding = 4;    // between panel edge and rows
+inline constexpr float kRowRadius = 3;  //
+inline constexpr float kTextLeft = 26;  // text from the panel's edge; the mark stands before it
+inline constexpr float kTextRight = 16; //
+inline constexpr float kMarkSize = 14;  //
 inline constexpr float kSeparatorHeight = 9;
 inline constexpr float kLeastRowHeight = 22;
 inline constexpr float kRowLead = 10; // row height above font size

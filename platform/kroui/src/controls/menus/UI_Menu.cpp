@@ -27,10 +27,6 @@ bool IsNear(Point a, Point b) {
     return std::abs(a.x - b.x) <= kClickDistance && std::abs(a.y - b.y) <= kClickDistance;
 }
 
-float RoundedToPixel(float value, float scale) {
-    return std::round(value * scale) / scale;
-}
-
 } // namespace
 
 void UI_Menu::SetImages(ImageSupplier supplier, Size size) {
@@ -57,16 +53,13 @@ void UI_Menu::OpenOver(ui::UI_Window& window, const Rect& anchor, float textInse
 void UI_Menu::OpenBelow(ui::UI_Window& window, const Rect& anchor, ClosedHandler closed) {
     if (!Prepare(window, std::move(closed))) return;
     fAnchor = anchor;
-    const Size room = window.GetSize();
     const float wanted = PanelHeight();
-    const float below = room.height - kWindowMargin - anchor.Bottom() - kAnchorGap;
-    const float above = anchor.top - kAnchorGap - kWindowMargin;
-    const bool goesUp = below < wanted && above > below;
+    const Side side = SideOf(anchor, wanted, window);
     // Where neither side has room for some rows, the menu may cover its anchor.
-    const float side = goesUp ? above : below;
-    const float height = side >= std::min(wanted, HeaderHeight() + 4 * RowHeight()) ? std::min(wanted, side) : wanted;
-    const float top = goesUp ? anchor.top - kAnchorGap - height : anchor.Bottom() + kAnchorGap;
-    Show(window, {anchor.left, top, std::max(WidthOfItems(window.Supplier()), anchor.width), height});
+    const bool hasRoom = side.room >= std::min(wanted, HeaderHeight() + 4 * RowHeight());
+    const float height = hasRoom ? std::min(wanted, side.room) : wanted;
+    const float width = std::max(WidthOfItems(window.Supplier()), anchor.width);
+    Show(window, {anchor.left, TopOn(side, anchor, height), width, height});
 }
 
 bool UI_Menu::Prepare(ui::UI_Window& window, ClosedHandler closed) {
@@ -88,18 +81,9 @@ bool UI_Menu::Prepare(ui::UI_Window& window, ClosedHandler closed) {
 
 void UI_Menu::Show(ui::UI_Window& window, const Rect& panel) {
     const Size room = window.GetSize();
-    const float scale = window.ScaleFactor();
-    Rect held = panel;
-    held.width = std::min(panel.width, room.width - 2 * kWindowMargin);
-    held.height = std::min(panel.height, room.height - 2 * kWindowMargin);
-    held.left = std::clamp(panel.left, kWindowMargin, room.width - kWindowMargin - held.width);
-    held.top = std::clamp(panel.top, kWindowMargin, room.height - kWindowMargin - held.height);
-    held.left = RoundedToPixel(held.left, scale);
-    held.top = RoundedToPixel(held.top, scale);
-    const Rect frame = held.Inset(-kShadow, -kShadow);
-    const Point pointer = fHeldFrom.value_or(fAnchor.Centre());
-    fLastPoint = {pointer.x - frame.left, pointer.y - frame.top};
-    window.ShowOverlay(this, frame, true);
+    ShowPanel(window, {panel.left, panel.top, std::min(panel.width, room.width - 2 * kWindowMargin),
+                       std::min(panel.height, room.height - 2 * kWindowMargin)});
+    fLastPoint = UI_WindowToLocal(fHeldFrom.value_or(fAnchor.Centre()));
     fScroll = std::clamp(fScroll, 0.0F, MostScroll());
     if (fHighlighted >= 0) ScrollToItem(fHighlighted);
     if (fIsSearchable) ShowSearchField(window);
@@ -160,10 +144,6 @@ float UI_Menu::HeaderHeight() const {
 
 float UI_Menu::PanelHeight() const {
     return HeaderHeight() + ContentHeight() + 2 * kPadding;
-}
-
-Rect UI_Menu::Panel() const {
-    return UI_GetLocalRect().Inset(kShadow, kShadow);
 }
 
 Rect UI_Menu::ListArea() const {

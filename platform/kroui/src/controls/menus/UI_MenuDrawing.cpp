@@ -11,12 +11,7 @@ namespace kroui::controls {
 using namespace menu;
 
 void UI_Menu::UI_Draw(limner::Limner* context) {
-    const Rect panel = Panel();
-    DrawShadow(*context, panel);
-    context->FillRoundRect(panel, kPanelRadius, GetColor(ui::kColorMenu));
-    const drawing::PixelGrid grid(*this, *context);
-    context->FrameRoundRect(panel, kPanelRadius, GetColor(ui::kColorLine), grid.Line());
-
+    DrawPanel(*context);
     context->Save();
     context->ClipRect(ListArea());
     const Rect seen = context->ClipBounds();
@@ -28,22 +23,9 @@ void UI_Menu::UI_Draw(limner::Limner* context) {
     context->Restore();
 }
 
-void UI_Menu::DrawShadow(limner::Limner& context, const Rect& panel) const {
-    // Rounded boxes on top of each other make a soft edge; it falls a little downwards.
-    constexpr int kLayers = 8;
-    constexpr float kStrength = 0.8F;
-    const limner::Color shadow = GetColor(ui::kColorShadow);
-    for (int i = 1; i <= kLayers; ++i) {
-        const float spread = kShadow * static_cast<float>(i) / kLayers;
-        const Rect layer{panel.left - spread, panel.top - spread / 2, panel.width + 2 * spread,
-                         panel.height + spread * 3 / 2};
-        context.FillRoundRect(layer, kPanelRadius + spread, shadow.WithAlpha(shadow.alpha * kStrength / kLayers));
-    }
-}
-
 void UI_Menu::DrawRow(limner::Limner& context, int index) const {
     const Item& item = fItems[index];
-    const drawing::PixelGrid grid(*this, context);
+    const ui::PixelGrid grid(*this, context);
     const Rect row = grid.Snap(RowRect(index));
     if (item.separator) {
         const float line = grid.Line();

@@ -326,7 +326,7 @@ void UI_Popup::UI_Draw(limner::Limner* context) {
     DrawFace(*context, face);
 
     const Rect area = ContentRect();
-    const drawing::PixelGrid grid(*this, *context);
+    const ui::PixelGrid grid(*this, *context);
     const limner::Color color = ContentColor(face);
     const float textRight = area.Right() - kArrowRoom;
     float textLeft = area.left + kTextInset;

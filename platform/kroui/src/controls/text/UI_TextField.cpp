@@ -74,7 +74,7 @@ void UI_TextField::TypeText(std::u16string_view text) {
 }
 
 void UI_TextField::UI_Draw(limner::Limner* context) {
-    const drawing::PixelGrid grid(*this, *context);
+    const ui::PixelGrid grid(*this, *context);
     const Rect box = grid.Snap(UI_GetLocalRect());
     const bool isMarked = HasError() || ShowsFocus();
     const int frame = HasError() ? ui::kColorWarning : isMarked ? ui::kColorAccent : ui::kColorLine;
@@ -87,7 +87,7 @@ void UI_TextField::UI_Draw(limner::Limner* context) {
 }
 
 void UI_TextField::DrawContent(limner::Limner& context, const Rect& area) {
-    const drawing::PixelGrid grid(*this, context);
+    const ui::PixelGrid grid(*this, context);
     const limner::TextPlacement placement{fAlignment, limner::TextTruncation::kNone, false};
     const auto colorOf = [this](int role) { return GetColor(IsEnabled() ? role : ui::kColorDisabledText); };
     if (GetText().empty() && !fPlaceholder.empty())

@@ -14,7 +14,7 @@ constexpr float kFieldWidth = 52;
 constexpr float kUnderlineDrop = 2; // below the descent's middle
 constexpr float kDotPitch = 3;
 
-void DrawDots(limner::Limner& context, const drawing::PixelGrid& grid, const Rect& line, const limner::Color& color) {
+void DrawDots(limner::Limner& context, const ui::PixelGrid& grid, const Rect& line, const limner::Color& color) {
     const float dot = grid.Line();
     const float pitch = grid.Line(kDotPitch); // whole pixels, so that the dots are evenly apart
     for (float x = line.left; x + dot <= line.Right() + 0.5F; x += pitch)
@@ -58,7 +58,7 @@ Rect HotTextLook::FieldFrame(const Rect& rect, const Places& places, limner::Tex
 }
 
 void HotTextLook::Draw(limner::Limner& context, const ui::UI_Node& node, const Places& places) const {
-    const drawing::PixelGrid grid(node, context);
+    const ui::PixelGrid grid(node, context);
     const limner::TextPlacement start{};
     const limner::Color accent = node.GetColor(ui::kColorAccent);
     const int color = enabled ? ui::kColorAccent : ui::kColorDisabledText;

@@ -73,7 +73,7 @@ Point SliderLook::At(double at) const {
 }
 
 void SliderLook::DrawTrack(limner::Limner& context, const ui::UI_Node& node) const {
-    const drawing::PixelGrid grid(node, context);
+    const ui::PixelGrid grid(node, context);
     const auto between = [&](Point a, Point b) {
         const float half = kTrackThickness / 2;
         const float left = std::min(a.x, b.x);
@@ -101,7 +101,7 @@ void SliderLook::DrawTrack(limner::Limner& context, const ui::UI_Node& node) con
 }
 
 void SliderLook::DrawKnob(limner::Limner& context, const ui::UI_Node& node) const {
-    const drawing::PixelGrid grid(node, context);
+    const ui::PixelGrid grid(node, context);
     const bool isDisc = arrow == Arrow::kNone && !HasCap();
     const Rect shape = isDisc ? grid.Square(At(position), kKnobDiameter) : grid.Snap(KnobRect());
     const bool isLit = enabled && (hovered || pressed || focused);
@@ -152,7 +152,7 @@ void SliderLook::DrawArrow(limner::Limner& context, const Rect& knob, const limn
 
 // What tells a cap's middle, and a knob that is held or has the focus.
 void SliderLook::DrawMark(limner::Limner& context, const ui::UI_Node& node, const Rect& shape) const {
-    const drawing::PixelGrid grid(node, context);
+    const ui::PixelGrid grid(node, context);
     const bool isMarked = enabled && (pressed || focused);
     if (arrow == Arrow::kNone && HasCap()) {
         const float line = grid.Line();

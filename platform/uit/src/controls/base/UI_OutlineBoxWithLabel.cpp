@@ -1,9 +1,8 @@
 #include "uit/controls/UI_OutlineBoxWithLabel.h"
 
-#include "controls/curves/PixelSnap.h"
-
 #include "kroui/controls/TextMeasure.h"
 #include "kroui/ui/AdapterRegistry.h"
+#include "kroui/ui/PixelGrid.h"
 
 #include <algorithm>
 
@@ -45,20 +44,20 @@ kroui::Size UI_OutlineBoxWithLabel::UI_GetNaturalSize() const {
 }
 
 void UI_OutlineBoxWithLabel::UI_Draw(kroui::limner::Limner* limner) {
-    const PixelSnap snap(*this, *limner);
-    const auto top = snap.Y(kLabelHeight / 2);
-    const auto bounds = snap.Snapped(UI_GetLocalRect());
+    const kroui::ui::PixelGrid grid(*this, *limner);
+    const auto top = grid.Y(kLabelHeight / 2);
+    const auto bounds = grid.Snap(UI_GetLocalRect());
     const Rect frame{bounds.left, top, bounds.width, bounds.Bottom() - top};
     const auto color = GetColor(kroui::ui::kColorLine);
-    const auto line = snap.Line();
+    const auto line = grid.Line();
     const auto label = LabelRect();
     if (label.IsEmpty()) {
         limner->FrameRoundRect(frame, kRadius, color, line);
         return;
     }
     // The frame is drawn left and right of the gap and below it, so that whatever is behind the box shows in the gap.
-    const auto gapLeft = snap.X(label.left - kLabelMargin);
-    const auto gapRight = std::min(snap.X(label.Right() + kLabelMargin), bounds.Right());
+    const auto gapLeft = grid.X(label.left - kLabelMargin);
+    const auto gapRight = std::min(grid.X(label.Right() + kLabelMargin), bounds.Right());
     const auto below = top + line;
     DrawClipped(*limner, {bounds.left, 0, gapLeft - bounds.left, below}, frame, color, line);
     DrawClipped(*limner, {gapRight, 0, bounds.Right() - gapRight, below}, frame, color, line);

@@ -1,6 +1,6 @@
 #include "uit/controls/UI_PictureToggleButton.h"
 
-#include "controls/curves/PixelSnap.h"
+#include "kroui/ui/PixelGrid.h"
 #include "kroui/ui/UI_Window.h"
 
 #include <algorithm>
@@ -59,8 +59,8 @@ void UI_PictureToggleButton::UI_Draw(kroui::limner::Limner* context) {
     const Size wanted = PictureSize(context->ScaleFactor());
     const Size size{std::min(wanted.width, room.width), std::min(wanted.height, room.height)};
     const Point middle = room.Centre();
-    const PixelSnap snap(*this, *context);
-    const Rect place = snap.Snapped({middle.x - size.width / 2, middle.y - size.height / 2, size.width, size.height});
+    const kroui::ui::PixelGrid grid(*this, *context);
+    const Rect place = grid.Snap({middle.x - size.width / 2, middle.y - size.height / 2, size.width, size.height});
     (IsChecked() || !hasOff ? fOn : fOff).Draw(*context, place, IsEnabled());
 }
 

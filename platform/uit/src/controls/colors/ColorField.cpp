@@ -3,6 +3,7 @@
 #include "controls/colors/ColorPicker.h"
 
 #include "kroui/ui/AdapterRegistry.h"
+#include "kroui/ui/PixelGrid.h"
 
 namespace uit::controls {
 
@@ -53,17 +54,17 @@ void ColorField::SetAllowUserColorChange(bool allow) {
 }
 
 void ColorField::UI_Draw(kroui::limner::Limner* limner) {
-    const PixelSnap snap(*this, *limner);
-    const auto bounds = snap.Snapped(UI_GetLocalRect());
+    const kroui::ui::PixelGrid grid(*this, *limner);
+    const auto bounds = grid.Snap(UI_GetLocalRect());
     const bool isFocused = ShowsFocus() && fAllowUserColorChange;
-    const auto gap = snap.Line(kFocusGap);
+    const auto gap = grid.Line(kFocusGap);
     const auto swatch = isFocused ? bounds.Inset(gap, gap) : bounds;
     limner->FillRoundRect(swatch, kRadius, fColor.WithAlpha(fColor.alpha * (IsEnabled() ? 1 : kDisabledOpacity)));
     const bool isLit = CanOpen() && (IsHovered() || fIsPressed || fPicker);
     limner->FrameRoundRect(swatch, kRadius,
-                           ThemeClient::GetColor(isLit ? kroui::ui::kColorAccent : kroui::ui::kColorLine), snap.Line());
+                           ThemeClient::GetColor(isLit ? kroui::ui::kColorAccent : kroui::ui::kColorLine), grid.Line());
     if (isFocused) {
-        limner->FrameRoundRect(bounds, kRadius + gap, ThemeClient::GetColor(kroui::ui::kColorAccent), snap.Line());
+        limner->FrameRoundRect(bounds, kRadius + gap, ThemeClient::GetColor(kroui::ui::kColorAccent), grid.Line());
     }
 }
 

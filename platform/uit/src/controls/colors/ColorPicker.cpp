@@ -15,7 +15,7 @@ using kroui::ui::MouseEvent;
 namespace {
 
 // Measures in view units.
-constexpr float kShadow = 8; // around the panel
+constexpr float kShadow = kroui::controls::FloatingPanel::kShadow;
 constexpr float kPadding = 12;
 constexpr float kGap = 8;
 constexpr float kContentWidth = 184;
@@ -24,10 +24,7 @@ constexpr float kStripHeight = 12;
 constexpr float kSwatch = 16; // with kGap between them, eight fill the width
 constexpr int kSwatchesPerRow = 8;
 constexpr float kNumberHeight = 20;
-constexpr float kRadius = 6;
 constexpr float kSmallRadius = 3;
-constexpr float kAnchorGap = 4;
-constexpr float kWindowMargin = 4;
 constexpr float kRing = 12; // the mark at the chosen place
 constexpr kroui::limner::Font kFont{12, false};
 
@@ -70,17 +67,6 @@ bool IsHexDigit(char16_t c) {
     return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
 }
 
-void DrawShadow(kroui::limner::Limner& limner, const Color& shadow) {
-    // Boxes on top of each other, each outer one fainter, make a soft edge.
-    constexpr int kLayers = 8;
-    constexpr float kWeights = kLayers * (kLayers + 1) / 2.0F;
-    for (int layer = 1; layer <= kLayers; ++layer) {
-        const float spread = kShadow * static_cast<float>(layer) / kLayers;
-        const float weight = static_cast<float>(kLayers + 1 - layer) / kWeights;
-        limner.FillRoundRect(kPanel.Inset(-spread, -spread), kRadius + spread, shadow.WithAlpha(shadow.alpha * weight));
-    }
-}
-
 // A white ring with a dark one around it is seen on every colour.
 void DrawRing(kroui::limner::Limner& limner, Point centre, const Color& inside) {
     constexpr Color kDark{0, 0, 0, 0.6F};
@@ -115,18 +101,8 @@ void ColorPicker::Open(kroui::ui::UI_Window& window, const Rect& anchor, const C
     fColor = HSVColor::FromColor(color, fColor);
     fChanged = std::move(changed);
     fClosed = std::move(closed);
-    const auto room = window.GetSize();
-    const float height = kPanel.height;
-    const bool isAbove = anchor.Bottom() + kAnchorGap + height > room.height - kWindowMargin &&
-                         anchor.top > room.height - anchor.Bottom();
-    const float top = isAbove ? anchor.top - kAnchorGap - height : anchor.Bottom() + kAnchorGap;
-    const auto held = [](float at, float length, float whole) {
-        return std::max(kWindowMargin, std::min(at, whole - kWindowMargin - length));
-    };
-    window.ShowOverlay(this,
-                       {held(anchor.left, kPanel.width, room.width) - kShadow, held(top, height, room.height) - kShadow,
-                        kPanel.width + 2 * kShadow, height + 2 * kShadow},
-                       true);
+    const float top = TopOn(SideOf(anchor, kPanel.height, window), anchor, kPanel.height);
+    ShowPanel(window, {anchor.left, top, kPanel.width, kPanel.height});
 }
 
 void ColorPicker::Close() {
@@ -140,10 +116,7 @@ void ColorPicker::ShowColor(const Color& color) {
 }
 
 void ColorPicker::UI_Draw(kroui::limner::Limner* limner) {
-    const PixelSnap snap(*this, *limner);
-    DrawShadow(*limner, GetColor(kroui::ui::kColorShadow));
-    limner->FillRoundRect(kPanel, kRadius, GetColor(kroui::ui::kColorMenu));
-    limner->FrameRoundRect(kPanel, kRadius, GetColor(kroui::ui::kColorLine), snap.Line());
+    DrawPanel(*limner);
     DrawShades(*limner);
     DrawPalette(*limner);
     DrawNumber(*limner);

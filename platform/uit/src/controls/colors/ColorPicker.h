@@ -1,10 +1,9 @@
 #pragma once
 
 #include "controls/colors/HSVColor.h"
-#include "controls/curves/PixelSnap.h"
 
+#include "kroui/controls/FloatingPanel.h"
 #include "kroui/controls/Messages.h"
-#include "kroui/ui/UI_Window.h"
 
 #include <boost/function.hpp>
 
@@ -13,7 +12,7 @@ namespace uit::controls {
 // A small panel over the window in which the user chooses a colour: a field of saturation and value, a strip of hues, a
 // palette, and the colour's hexadecimal number, which can be typed. Escape in a drag abandons it; Escape, Enter or a
 // press elsewhere close the panel.
-class ColorPicker : public kroui::ui::UI_Node {
+class ColorPicker : public kroui::controls::FloatingPanel {
 public:
     using ChangeMessage = kroui::controls::UI_InteractiveControlChangedMessage::ChangeMessage;
     // Told of each step of a gesture together with the colour that holds then.

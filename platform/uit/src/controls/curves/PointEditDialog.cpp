@@ -1,7 +1,5 @@
 #include "controls/curves/PointEditDialog.h"
 
-#include "controls/curves/PixelSnap.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -16,15 +14,12 @@ using kroui::ui::MouseEvent;
 namespace {
 
 constexpr kroui::limner::Font kFont{12, false};
-constexpr float kShadow = 6; // around the panel
 constexpr float kPadding = 12;
 constexpr float kGap = 8;
 constexpr float kRowHeight = 24;
 constexpr float kFieldWidth = 84;
 constexpr float kUnitGap = 5;
-constexpr float kRadius = 6;
 constexpr float kPointGap = 14; // from the point to the panel
-constexpr float kWindowMargin = 4;
 
 float WidthOf(const kroui::limner::SupplierInterface& supplier, std::u16string_view text) {
     return text.empty() ? 0 : std::ceil(supplier.MeasureText(text, kFont).width);
@@ -70,20 +65,15 @@ void PointEditDialog::Arrange(kroui::ui::UI_Window& window, Point point) {
     const kroui::limner::SupplierInterface& supplier = window.Supplier();
     fLabelWidth = std::max(WidthOf(supplier, fHorizontal.axis.label), WidthOf(supplier, fVertical.axis.label));
     const float unit = std::max(WidthOf(supplier, fHorizontal.axis.unit), WidthOf(supplier, fVertical.axis.unit));
-    const float left = kShadow + kPadding + fLabelWidth + kGap;
-    const float width = left + kFieldWidth + (unit > 0 ? kUnitGap + unit : 0) + kPadding + kShadow;
-    const float height = 2 * (kShadow + kPadding + kRowHeight) + kGap;
-    const kroui::Size room = window.GetSize();
-    const bool isRight = point.x < room.width / 2;
-    const float x = isRight ? point.x + kPointGap - kShadow : point.x - kPointGap + kShadow - width;
-    const auto held = [](float at, float length, float whole) {
-        return std::round(std::max(kWindowMargin - kShadow, std::min(at, whole - kWindowMargin + kShadow - length)));
-    };
-    window.ShowOverlay(
-        this, {held(x, width, room.width), held(point.y - height / 2, height, room.height), width, height}, true);
+    const float left = kPadding + fLabelWidth + kGap;
+    const float width = left + kFieldWidth + (unit > 0 ? kUnitGap + unit : 0) + kPadding;
+    const float height = 2 * (kPadding + kRowHeight) + kGap;
+    const bool isRight = point.x < window.GetSize().width / 2;
+    ShowPanel(window,
+              {isRight ? point.x + kPointGap : point.x - kPointGap - width, point.y - height / 2, width, height});
     const float top = kShadow + kPadding;
-    fHorizontal.field->UI_SetFrame({left, top, kFieldWidth, kRowHeight});
-    fVertical.field->UI_SetFrame({left, top + kRowHeight + kGap, kFieldWidth, kRowHeight});
+    fHorizontal.field->UI_SetFrame({kShadow + left, top, kFieldWidth, kRowHeight});
+    fVertical.field->UI_SetFrame({kShadow + left, top + kRowHeight + kGap, kFieldWidth, kRowHeight});
 }
 
 void PointEditDialog::Close() {
@@ -92,17 +82,8 @@ void PointEditDialog::Close() {
 }
 
 void PointEditDialog::UI_Draw(Limner* limner) {
-    const PixelSnap snap(*this, *limner);
-    const Rect panel = PanelRect();
-    const kroui::limner::Color shadow = GetColor(kroui::ui::kColorShadow);
-    constexpr int kLayers = 6;
-    for (int layer = 1; layer <= kLayers; ++layer) {
-        const float spread = kShadow * static_cast<float>(layer) / kLayers;
-        limner->FillRoundRect(panel.Inset(-spread, -spread), kRadius + spread,
-                              shadow.WithAlpha(shadow.alpha / static_cast<float>(kLayers)));
-    }
-    limner->FillRoundRect(panel, kRadius, GetColor(kroui::ui::kColorMenu));
-    limner->FrameRoundRect(panel, kRadius, GetColor(kroui::ui::kColorLine), snap.Line());
+    DrawPanel(*limner);
+    const Rect panel = Panel();
     for (const Row* const row : {&fHorizontal, &fVertical}) {
         const Rect field = row->field->UI_GetFrame();
         const int color = row->field->IsEnabled() ? kroui::ui::kColorText : kroui::ui::kColorDisabledText;
@@ -116,7 +97,7 @@ void PointEditDialog::UI_Draw(Limner* limner) {
 }
 
 bool PointEditDialog::UI_DoMouseEvent(UI_Node* /*node*/, const MouseEvent& event) {
-    if (event.IsAction(MouseEvent::Action::kPressed) && !PanelRect().Contains(event.position)) Close();
+    if (event.IsAction(MouseEvent::Action::kPressed) && !Panel().Contains(event.position)) Close();
     return true;
 }
 
@@ -146,10 +127,6 @@ kroui::ui::AccessibleInfo PointEditDialog::UI_GetAccessibleInfo() const {
     info.role = kroui::ui::Role::kGroup;
     info.name = krocore::Localize("$$$/uit/PointEditDialog/Name=Edit Point");
     return info;
-}
-
-Rect PointEditDialog::PanelRect() const {
-    return UI_GetLocalRect().Inset(kShadow, kShadow);
 }
 
 PointEditDialog::TextField* PointEditDialog::FocusField() const {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "kroui/controls/FloatingPanel.h"
 #include "kroui/controls/UI_TextField.h"
-#include "kroui/ui/UI_Window.h"
 #include "uit/controls/AxisText.h"
 
 namespace uit::controls {
@@ -9,7 +9,7 @@ namespace uit::controls {
 // A small panel over the window in which the two values of a point are typed. Enter accepts both, Tab goes from one to
 // the other; Escape or a press elsewhere leave the point as it is. A text that is no number stays in its field, which
 // says so.
-class PointEditDialog : public kroui::ui::UI_Node {
+class PointEditDialog : public kroui::controls::FloatingPanel {
 public:
     // One of the two values: what is shown at first, and whether it can be changed.
     struct Value {
@@ -48,7 +48,6 @@ private:
 
     void SetRow(Row& row, const Value& value);
     void Arrange(kroui::ui::UI_Window& window, kroui::Point point);
-    kroui::Rect PanelRect() const;
     TextField* FocusField() const;
     void OnFinish(TextField::Finish finish);
     void MoveFocus();

@@ -1,9 +1,9 @@
 #include "uit/controls/UI_CompExpList.h"
 
-#include "controls/curves/PixelSnap.h"
 #include "krocore/Localizer.h"
 #include "kroui/controls/TextMeasure.h"
 #include "kroui/controls/UI_HotTextNumber.h"
+#include "kroui/ui/PixelGrid.h"
 
 #include <algorithm>
 #include <cmath>
@@ -290,27 +290,27 @@ void UI_CompExpList::ControlStateChanged() {
 }
 
 void UI_CompExpList::UI_Draw(Limner* context) {
-    const PixelSnap snap(*this, *context);
-    const Rect box = snap.Snapped(UI_GetLocalRect());
+    const kroui::ui::PixelGrid grid(*this, *context);
+    const Rect box = grid.Snap(UI_GetLocalRect());
     context->FillRoundRect(box, kRadius, GetColor(kroui::ui::kColorField));
-    context->FrameRoundRect(box, kRadius, GetColor(kroui::ui::kColorLine), snap.Line());
+    context->FrameRoundRect(box, kRadius, GetColor(kroui::ui::kColorLine), grid.Line());
     context->Save();
     context->ClipRect(ListRect());
     for (int segment = 0; segment < SegmentCount(); ++segment)
         if (RowRect(segment).Intersects(context->ClipBounds())) DrawRow(*context, segment);
     context->Restore();
-    const Rect thumb = snap.Snapped(ThumbRect());
+    const Rect thumb = grid.Snap(ThumbRect());
     const int color = fThumbGrip >= 0 ? kroui::ui::kColorAccent : kroui::ui::kColorKnobLine;
     if (!thumb.IsEmpty()) context->FillRoundRect(thumb, thumb.width / 2, GetColor(color).WithAlpha(0.7F));
 }
 
 void UI_CompExpList::DrawRow(Limner& context, int index) const {
-    const PixelSnap snap(*this, context);
-    const Rect row = snap.Snapped(RowRect(index));
+    const kroui::ui::PixelGrid grid(*this, context);
+    const Rect row = grid.Snap(RowRect(index));
     const kroui::limner::Color accent = GetColor(kroui::ui::kColorAccent);
     if (index == fSelected) {
         context.FillRoundRect(row, kRowRadius, accent.WithAlpha(kSelectedTint));
-        context.FillRoundRect(snap.Snapped({row.left, row.top, kMarkWidth, row.height}), kMarkWidth / 2, accent);
+        context.FillRoundRect(grid.Snap({row.left, row.top, kMarkWidth, row.height}), kMarkWidth / 2, accent);
     } else if (index == fHovered) {
         context.FillRoundRect(row, kRowRadius, GetColor(kroui::ui::kColorRaisedHover).WithAlpha(kHoveredTint));
     }
