@@ -32,6 +32,10 @@ public:
     void SetPoints(Points points);
     // A new point before the one at `index`, visible and free; the flags of those behind it move along. Selects it.
     void Insert(int index, const CurvePoint& point);
+    // The index behind all points that lie left of or at a place.
+    int IndexFor(double horizontal) const;
+    // One that no point has.
+    std::uint32_t NewIdentifier() const;
     // Takes out the selected points that can be deleted; whether there were any. Nothing is selected then.
     bool EraseSelected();
 

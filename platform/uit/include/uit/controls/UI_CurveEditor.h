@@ -13,10 +13,12 @@
 
 namespace uit::controls {
 
+class CurveGesture;
 class CurveMove;
-class PointDrag;
+class CurveReadout;
 class PointEditDialog;
 class ResponseCurve;
+struct CurvePress;
 
 // A curve that is drawn with points: up to 128 handles over a ruler grid, with the effect's response behind them. The
 // user adds, drags, selects, deletes and types points; every change is a gesture (messages 0, 1, 2, 3 of
@@ -124,26 +126,15 @@ protected:
     void ControlStateChanged() override;
 
 private:
-    enum class Gesture : unsigned char { kNone, kDrag, kRun, kOnce };
-    using ChangeMessage = kroui::controls::UI_InteractiveControlChangedMessage::ChangeMessage;
-    // A text over the graph that tells a position.
-    struct Readout {
-        krocore::string16 text;
-        kroui::Rect rect;
-        friend bool operator==(const Readout&, const Readout&) = default;
-    };
-
     // Points (UI_CurveEditor.cpp).
     kroui::Point PixelOf(int index) const { return GetPixelForCoordinatePair(fPoints.At(index).coordinates); }
     bool IsInSight(int index) const;
     CoordinatePair HeldWithinBounds(const CoordinatePair& place) const;
     CurvePoints Usable(const CurvePoints& points) const;
     CurveMove Mover(bool withinShown) const;
-    bool IsDraggingPoints() const { return fDrag && fPoints.Has(fPressed); }
     bool CanAddAt(const CoordinatePair& place) const;
-    int InsertPoint(const CoordinatePair& place);
     int IndexFor(const CoordinatePair& place) const;
-    std::uint32_t NewIdentifier() const;
+    int InsertPoint(const CoordinatePair& place);
     CoordinatePair MiddleOfWidestGap() const;
     double HeightOnCurve(double horizontal) const;
     void SetFlags(CurvePointSet::Permission permission, const Flags& flags);
@@ -155,33 +146,26 @@ private:
     void PointsChanged();
     void InvalidateContent();
 
-    // Gestures (UI_CurveEditorGestures.cpp).
-    void Send(ChangeMessage change);
-    void BeginGesture(Gesture gesture);
-    bool StartChanges();
-    void ChangePoints(const boost::function<CurvePoints()>& changed);
-    void EndGesture();
-    void AbandonGesture();
-    void FlushRun();
-    bool Publish(const boost::function<bool(CurvePointSet&)>& change);
-    void RememberBases();
-
     // Events (UI_CurveEditorEvents.cpp).
     int PointAt(kroui::Point pixel) const;
     bool Press(const kroui::ui::MouseEvent& event);
     void PressPoint(int index, const kroui::ui::MouseEvent& event);
     void PressField(const kroui::ui::MouseEvent& event);
     CoordinatePair PlaceForNewPoint(kroui::Point pixel) const;
+    void BeginDrag();
     bool Drag(const kroui::ui::MouseEvent& event);
     void DragPoints();
     void DragMarquee();
     bool Release(const kroui::ui::MouseEvent& event);
     bool CancelDrag();
+    int PressedPoint() const;
+    void RememberBases();
     void HoverAt(kroui::Point pixel, bool isInside);
     void UpdateReadout();
-    Readout MakeReadout() const;
+    int PointOfReadout() const;
     bool WalkKey(const kroui::ui::KeyEvent& event);
     bool NudgeKey(const kroui::ui::KeyEvent& event);
+    void FlushRun();
     bool EditKey(const kroui::ui::KeyEvent& event);
     bool OpenDialog(int index);
     void PlacePoint(int index, std::optional<double> horizontal, std::optional<double> vertical);
@@ -197,7 +181,6 @@ private:
     void DrawResponses(kroui::limner::Limner& limner);
     void DrawLabels(kroui::limner::Limner& limner) const;
     void DrawHandle(kroui::limner::Limner& limner, int index) const;
-    void DrawReadout(kroui::limner::Limner& limner) const;
     kroui::Rect HandleArea(int index) const;
     kroui::Rect MarqueeRect() const;
     kroui::limner::Color Dimmed(const kroui::limner::Color& color) const;
@@ -219,21 +202,14 @@ private:
     bool fUseSplines = false;
 
     // What the user is doing.
-    std::unique_ptr<PointDrag> fDrag;              // from the press to the release
+    std::unique_ptr<CurveGesture> fGesture;
+    std::unique_ptr<CurvePress> fPress;
     boost::intrusive_ptr<PointEditDialog> fDialog; // made when first needed
-    CurvePointSet fBefore;                         // when the gesture began
-    std::vector<CoordinatePair> fBases;            // where the selected points were when the drag counted nothing
-    std::vector<int> fSelectionBefore;             // when the marquee began
-    Readout fReadout;
+    std::unique_ptr<CurveReadout> fReadout;
     kroui::Point fPointer;
-    unsigned fDragAxes = 0;    // the version of the axes that the bases belong to
-    unsigned fReadoutAxes = 0; // and the readout
+    unsigned fReadoutAxes = 0; // the version of the axes that the read-out belongs to
     int fHovered = -1;
-    int fPressed = -1; // the point under the press, -1 for a marquee
-    Gesture fGesture = Gesture::kNone;
-    bool fHasSent = false;
     bool fPointerIsInside = false;
-    bool fTogglesOnRelease = false;
     bool fWasEnabled = true; // when it was drawn last
     bool fShowedFocus = false;
 

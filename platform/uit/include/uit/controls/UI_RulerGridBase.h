@@ -66,6 +66,8 @@ public:
     // The size at which the content has this one.
     kroui::Size SizeForContent(kroui::Size content) const;
     kroui::Point GetPixelForCoordinatePair(const CoordinatePair& pair) const;
+    // The graph stays black in both themes, so what is drawn on it takes its colours from the dark one.
+    static kroui::limner::Color ContentColor(int role) { return kroui::ui::Theme::Dark().GetColor(role); }
     CoordinatePair GetCoordinatePairForPixel(kroui::Point pixel) const;
 
     void UI_Draw(kroui::limner::Limner* limner) override;
@@ -91,8 +93,6 @@ protected:
     unsigned GetAxesVersion() const { return fAxesVersion; }
     // Ends the drag of a ruler where it began; whether there was one.
     bool CancelPan();
-    // The graph stays black in both themes, so what is drawn on it takes its colours from the dark one.
-    static kroui::limner::Color ContentColor(int role) { return kroui::ui::Theme::Dark().GetColor(role); }
 
 private:
     enum Axis : int { kNoAxis = -1, kHorizontalAxis = 0, kVerticalAxis = 1 };

@@ -18,6 +18,18 @@ void CurvePointSet::Insert(int index, const CurvePoint& point) {
     Select(at);
 }
 
+int CurvePointSet::IndexFor(double horizontal) const {
+    const auto isBehind = [&](const CurvePoint& point) { return point.coordinates.horizontal > horizontal; };
+    return static_cast<int>(std::ranges::find_if(fPoints, isBehind) - fPoints.begin());
+}
+
+std::uint32_t CurvePointSet::NewIdentifier() const {
+    std::uint32_t identifier = 0;
+    for (const CurvePoint& point : fPoints)
+        identifier = std::max(identifier, point.identifier + 1);
+    return identifier;
+}
+
 bool CurvePointSet::EraseSelected() {
     bool isErased = false;
     for (auto index = fSelection.rbegin(); index != fSelection.rend(); ++index) {

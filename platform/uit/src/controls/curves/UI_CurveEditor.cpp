@@ -1,7 +1,9 @@
 #include "uit/controls/UI_CurveEditor.h"
 
+#include "controls/curves/CurveGesture.h"
 #include "controls/curves/CurveMove.h"
-#include "controls/curves/PointDrag.h"
+#include "controls/curves/CurvePress.h"
+#include "controls/curves/CurveReadout.h"
 #include "controls/curves/PointEditDialog.h"
 #include "controls/curves/ResponseCurve.h"
 #include "uit/controls/CurveLine.h"
@@ -23,7 +25,13 @@ constexpr float kHandleReach = 9; // how far what belongs to a point reaches out
 } // namespace
 
 UI_CurveEditor::UI_CurveEditor(RulerPtr horizontal, RulerPtr vertical)
-    : UI_RulerGridBase(std::move(horizontal), std::move(vertical)) {
+    : UI_RulerGridBase(std::move(horizontal), std::move(vertical)), fReadout(std::make_unique<CurveReadout>(*this)) {
+    const auto send = [this](CurveGesture::ChangeMessage message) {
+        SendInteractive(message);
+        if (message == CurveGesture::ChangeMessage::kEnded) SendChanged();
+    };
+    fGesture = std::make_unique<CurveGesture>(
+        fPoints, [this] { PointsChanged(); }, send);
     SetWantsKeyboardFocus(true);
 }
 
@@ -160,6 +168,12 @@ bool UI_CurveEditor::Invert() {
     return true;
 }
 
+void UI_CurveEditor::NotifyChanged() {
+    const kroui::ui::MessageScope scope;
+    FlushRun();
+    fGesture->Announce();
+}
+
 kroui::limner::Color UI_CurveEditor::GetCurveColor() const {
     return Dimmed(GetColor(kroui::ui::kColorCurve));
 }
@@ -253,26 +267,14 @@ bool UI_CurveEditor::CanAddAt(const CoordinatePair& place) const {
 
 // On a curve of unique positions at its place in the order, otherwise behind the others.
 int UI_CurveEditor::IndexFor(const CoordinatePair& place) const {
-    const auto& points = fPoints.All();
-    if (!fUniquePositions) return static_cast<int>(points.size());
-    const auto behind = std::find_if(points.begin(), points.end(), [&](const CurvePoint& point) {
-        return point.coordinates.horizontal > place.horizontal;
-    });
-    return static_cast<int>(behind - points.begin());
+    return fUniquePositions ? fPoints.IndexFor(place.horizontal) : static_cast<int>(fPoints.Count());
 }
 
 int UI_CurveEditor::InsertPoint(const CoordinatePair& place) {
     const int index = IndexFor(place);
-    fPoints.Insert(index, {NewIdentifier(), place});
+    fPoints.Insert(index, {fPoints.NewIdentifier(), place});
     PointsChanged();
     return index;
-}
-
-std::uint32_t UI_CurveEditor::NewIdentifier() const {
-    std::uint32_t identifier = 0;
-    for (const CurvePoint& point : fPoints.All())
-        identifier = std::max(identifier, point.identifier + 1);
-    return identifier;
 }
 
 UI_CurveEditor::CoordinatePair UI_CurveEditor::MiddleOfWidestGap() const {
@@ -329,7 +331,7 @@ UI_CurveEditor::CoordinatePair UI_CurveEditor::PixelLength(const CoordinatePair&
 
 void UI_CurveEditor::PointsChanged() {
     fCurveLineIsValid = false;
-    if (fPointerIsInside || fGesture != Gesture::kNone) {
+    if (fPointerIsInside || fGesture->IsActive()) {
         fHovered = fPointerIsInside ? PointAt(fPointer) : -1;
         UpdateReadout();
     }

@@ -2,10 +2,8 @@
 
 #include "uit/controls/UI_CurveEditor.h"
 
-#include "controls/curves/CurveMove.h"
-#include "controls/curves/PointDrag.h"
-#include "controls/curves/PointEditDialog.h"
-#include "controls/curves/ResponseCurve.h"
+#include "controls/curves/CurveGesture.h"
+#include "controls/curves/CurvePress.h"
 
 #include "krocore/Localizer.h"
 
@@ -120,8 +118,7 @@ AccessiblePart UI_CurveEditor::UI_GetAccessiblePart(int part) const {
 }
 
 bool UI_CurveEditor::UI_DoAccessibleAction(const AccessibleRequest& request) {
-    if (!IsEnabled() || fDrag) return false;
-    const boost::intrusive_ptr<UI_CurveEditor> keepAlive(this);
+    if (!IsEnabled() || fPress) return false;
     if (request.part < 0) return request.action == AccessibleAction::kAdd && AddByAction();
     const int index = IndexOfPart(request.part);
     if (!fPoints.Has(index)) return false;
@@ -137,11 +134,9 @@ bool UI_CurveEditor::MoveByAction(int index, const AccessibleRequest& request) {
     case AccessibleAction::kSelect: return true;
     case AccessibleAction::kRemove: return EditKey({.key = Key::kDelete});
     case AccessibleAction::kSetPosition:
-        FlushRun();
         PlacePoint(index, OnAxis(HorizontalText(), request.value), std::nullopt);
         return true;
     case AccessibleAction::kSetValue:
-        FlushRun();
         PlacePoint(index, std::nullopt, OnAxis(VerticalText(), request.value));
         return true;
     default: return NudgeKey({.key = KeyFor(request.action)});
@@ -152,8 +147,8 @@ bool UI_CurveEditor::AddByAction() {
     FlushRun();
     const CoordinatePair place = MiddleOfWidestGap();
     if (!CanAddAt(place)) return false;
-    const CurvePoint point{NewIdentifier(), place};
-    const bool isAdded = Publish([&](CurvePointSet& points) {
+    const CurvePoint point{fPoints.NewIdentifier(), place};
+    const bool isAdded = fGesture->Publish([&](CurvePointSet& points) {
         points.Insert(IndexFor(place), point);
         return true;
     });

@@ -2,10 +2,13 @@
 
 #include "uit/controls/UI_CurveEditor.h"
 
-#include "controls/curves/PixelSnap.h"
-#include "controls/curves/PointDrag.h"
+#include "controls/curves/CurveGesture.h"
+#include "controls/curves/CurvePress.h"
+#include "controls/curves/CurveReadout.h"
 #include "controls/curves/PointEditDialog.h"
 #include "controls/curves/ResponseCurve.h"
+
+#include "kroui/ui/PixelGrid.h"
 
 #include <algorithm>
 #include <array>
@@ -31,12 +34,6 @@ constexpr float kLabelHeight = 13;
 constexpr float kLabelDistance = 6; // from a handle's middle
 constexpr float kLabelMargin = 2;
 constexpr float kEstimatedAdvance = 7;
-constexpr kroui::limner::Font kReadoutFont{11, false};
-constexpr float kReadoutHeight = 20;
-constexpr float kReadoutPadding = 8;
-constexpr float kReadoutDistance = 12; // from the point
-constexpr float kReadoutMargin = 4;    // from the content's edges
-constexpr float kReadoutRadius = 3;
 constexpr float kResponseThickness = 1.25F;
 
 // Behind the points' own line responses are cool, each its own.
@@ -86,12 +83,12 @@ void UI_CurveEditor::DrawOverContent(Limner& limner) {
     if (const Rect marquee = MarqueeRect(); !marquee.IsEmpty()) {
         constexpr float kGroundOpacity = 0.15F;
         const Color accent = ContentColor(kroui::ui::kColorAccent);
-        const PixelSnap snap(*this, limner);
-        limner.FillRect(snap.Snapped(marquee), accent.WithAlpha(kGroundOpacity));
-        limner.FrameRoundRect(snap.Snapped(marquee), 0, accent, snap.Line());
+        const kroui::ui::PixelGrid grid(*this, limner);
+        limner.FillRect(grid.Snap(marquee), accent.WithAlpha(kGroundOpacity));
+        limner.FrameRoundRect(grid.Snap(marquee), 0, accent, grid.Line());
     }
     if (fReadoutAxes != GetAxesVersion()) UpdateReadout();
-    DrawReadout(limner);
+    fReadout->Draw(limner);
 }
 
 void UI_CurveEditor::DrawCurvePoints(Limner& limner) {
@@ -153,7 +150,7 @@ void UI_CurveEditor::DrawLabels(Limner& limner) const {
 // A ring with the ground in it; selected ones are filled with the accent.
 void UI_CurveEditor::DrawHandle(Limner& limner, int index) const {
     const Point centre = PixelOf(index);
-    const bool isLarge = index == fHovered || (fDrag && index == fPressed);
+    const bool isLarge = index == fHovered || index == PressedPoint();
     const float radius = isLarge ? kLargeHandleRadius : kHandleRadius;
     if (!limner.ClipBounds().Intersects({centre.x - radius, centre.y - radius, 2 * radius, 2 * radius})) return;
     const HandleGrid grid(*this, limner);
@@ -167,68 +164,9 @@ void UI_CurveEditor::DrawHandle(Limner& limner, int index) const {
     FillDisc(limner, grid.Disc(centre, outer - kHandleRing), isSelected ? ContentColor(fill) : kHandleGround);
 }
 
-void UI_CurveEditor::DrawReadout(Limner& limner) const {
-    if (fReadout.text.empty()) return;
-    constexpr float kGroundOpacity = 0.9F;
-    const PixelSnap snap(*this, limner);
-    const Rect box = snap.Snapped(fReadout.rect);
-    limner.FillRoundRect(box, kReadoutRadius, ContentColor(kroui::ui::kColorRaised).WithAlpha(kGroundOpacity));
-    limner.FrameRoundRect(box, kReadoutRadius, ContentColor(kroui::ui::kColorLine), snap.Line());
-    limner.DrawText(fReadout.text, kReadoutFont, ContentColor(kroui::ui::kColorText), box,
-                    {kroui::limner::TextAlignment::kCentre, kroui::limner::TextTruncation::kNone, false});
-}
-
-void UI_CurveEditor::UpdateReadout() {
-    Readout readout = MakeReadout();
-    fReadoutAxes = GetAxesVersion();
-    if (readout == fReadout) return;
-    UI_InvalidateRect(fReadout.rect);
-    fReadout = std::move(readout);
-    UI_InvalidateRect(fReadout.rect);
-}
-
-// At the point that is being moved or is under the pointer; otherwise the pointer's own place, in a corner where the
-// pointer is not.
-UI_CurveEditor::Readout UI_CurveEditor::MakeReadout() const {
-    const Rect content = GetContentRect();
-    const kroui::limner::SupplierInterface* const supplier = UI_GetDrawSupplier();
-    const bool isMarquee = fDrag && fPressed < 0;
-    if (!supplier || !IsEnabled() || isMarquee || content.IsEmpty()) return {};
-    int index = fDrag ? fPressed : fHovered;
-    if (fGesture == Gesture::kRun) index = GetSelectedNode();
-    if (!IsInSight(index)) index = -1;
-    if (index < 0 && !(fPointerIsInside && content.Contains(fPointer))) return {};
-
-    Readout readout;
-    readout.text = PositionText(index >= 0 ? fPoints.At(index).coordinates : GetCoordinatePairForPixel(fPointer));
-    const float width = std::ceil(supplier->MeasureText(readout.text, kReadoutFont).width) + 2 * kReadoutPadding;
-    readout.rect = {content.Right() - kReadoutMargin - width, content.top + kReadoutMargin, width, kReadoutHeight};
-    if (index < 0) {
-        if (readout.rect.Inset(-kReadoutDistance, -kReadoutDistance).Contains(fPointer))
-            readout.rect.left = content.left + kReadoutMargin;
-        return readout;
-    }
-    const Point at = PixelOf(index);
-    readout.rect.left = at.x + kReadoutDistance;
-    if (readout.rect.Right() > content.Right() - kReadoutMargin) readout.rect.left = at.x - kReadoutDistance - width;
-    readout.rect.left = std::max(readout.rect.left, content.left + kReadoutMargin);
-    readout.rect.top =
-        std::clamp(at.y - kReadoutHeight - kReadoutMargin, content.top + kReadoutMargin,
-                   std::max(content.top + kReadoutMargin, content.Bottom() - kReadoutMargin - kReadoutHeight));
-    return readout;
-}
-
 Rect UI_CurveEditor::HandleArea(int index) const {
     const Point centre = PixelOf(index);
     return {centre.x - kHandleReach - 1, centre.y - kHandleReach - 1, 2 * kHandleReach + 2, 2 * kHandleReach + 2};
-}
-
-Rect UI_CurveEditor::MarqueeRect() const {
-    if (!fDrag || fPressed >= 0 || !fDrag->HasMoved()) return {};
-    const Point a = fDrag->Press();
-    const Point b = fDrag->Last();
-    const Rect rect{std::min(a.x, b.x), std::min(a.y, b.y), std::abs(a.x - b.x) + 1, std::abs(a.y - b.y) + 1};
-    return Intersection(rect, GetContentRect());
 }
 
 Color UI_CurveEditor::Dimmed(const Color& color) const {

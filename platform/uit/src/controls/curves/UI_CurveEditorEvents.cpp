@@ -2,8 +2,10 @@
 
 #include "uit/controls/UI_CurveEditor.h"
 
+#include "controls/curves/CurveGesture.h"
 #include "controls/curves/CurveMove.h"
-#include "controls/curves/PointDrag.h"
+#include "controls/curves/CurvePress.h"
+#include "controls/curves/CurveReadout.h"
 #include "controls/curves/PointEditDialog.h"
 #include "controls/curves/ResponseCurve.h"
 #include "uit/controls/CurveLine.h"
@@ -16,7 +18,6 @@ namespace uit::controls {
 using kroui::Point;
 using kroui::Rect;
 using kroui::ui::MouseEvent;
-using Message = kroui::controls::UI_InteractiveControlChangedMessage;
 
 namespace {
 
@@ -26,7 +27,6 @@ constexpr float kCurveRadius = 5; // a press this near to the curve adds a point
 } // namespace
 
 bool UI_CurveEditor::UI_DoMouseEvent(UI_Node* node, const MouseEvent& event) {
-    const boost::intrusive_ptr<UI_CurveEditor> keepAlive(this);
     if (event.IsAction(MouseEvent::Action::kCaptureLost) && CancelDrag()) return true;
     bool isHandled = false;
     if (!node && IsEnabled()) {
@@ -44,7 +44,6 @@ bool UI_CurveEditor::UI_DoMouseEvent(UI_Node* node, const MouseEvent& event) {
 }
 
 void UI_CurveEditor::UI_FocusChanged(bool hasFocus) {
-    const boost::intrusive_ptr<UI_CurveEditor> keepAlive(this);
     if (!hasFocus) FlushRun();
     UI_RulerGridBase::UI_FocusChanged(hasFocus);
 }
@@ -92,7 +91,7 @@ int UI_CurveEditor::PointAt(Point pixel) const {
 
 bool UI_CurveEditor::Press(const MouseEvent& event) {
     const int index = PointAt(event.position);
-    if (event.button != 1 || fDrag || (index < 0 && !GetContentRect().Contains(event.position))) return false;
+    if (event.button != 1 || fPress || (index < 0 && !GetContentRect().Contains(event.position))) return false;
     UI_TakeFocus();
     FlushRun();
     HoverAt(event.position, true);
@@ -109,10 +108,9 @@ bool UI_CurveEditor::Press(const MouseEvent& event) {
 }
 
 void UI_CurveEditor::PressPoint(int index, const MouseEvent& event) {
-    fDrag = std::make_unique<PointDrag>(event.position);
-    fPressed = index;
-    fTogglesOnRelease = event.Has(kroui::ui::kCommand);
-    if (fTogglesOnRelease) return;
+    const bool toggles = event.Has(kroui::ui::kCommand);
+    fPress = std::make_unique<CurvePress>(CurvePress{PointDrag(event.position), index, toggles});
+    if (toggles) return;
     SelectByUser([&] {
         if (!fPoints.IsSelected(index)) fPoints.Select(index);
         fPoints.SetLastSelected(index);
@@ -120,21 +118,18 @@ void UI_CurveEditor::PressPoint(int index, const MouseEvent& event) {
 }
 
 void UI_CurveEditor::PressField(const MouseEvent& event) {
-    fPressed = -1;
-    fTogglesOnRelease = event.Has(kroui::ui::kCommand);
-    fDrag = std::make_unique<PointDrag>(event.position);
+    const bool toggles = event.Has(kroui::ui::kCommand);
+    fPress = std::make_unique<CurvePress>(CurvePress{PointDrag(event.position), -1, toggles});
     const CoordinatePair place = PlaceForNewPoint(event.position);
-    if (fTogglesOnRelease || !CanAddAt(place)) {
-        fSelectionBefore = fTogglesOnRelease ? fPoints.Selection() : std::vector<int>();
-        return;
-    }
+    if (toggles) fPress->selectionBefore = fPoints.Selection();
+    if (toggles || !CanAddAt(place)) return;
     SelectByUser([&] { fPoints.Select(-1); });
-    BeginGesture(Gesture::kDrag);
-    if (!StartChanges() || !fDrag || !CanAddAt(place)) return;
-    fPressed = InsertPoint(place);
+    fGesture->Begin(CurveGesture::Kind::kDrag);
+    if (!fGesture->Start() || !fPress || !CanAddAt(place)) return;
+    fPress->point = InsertPoint(place);
     RememberBases();
     fSelectionChanged();
-    Send(Message::kChanged);
+    fGesture->TellOfChange();
 }
 
 // Where the pointer is; on the curve if that is near.
@@ -148,41 +143,67 @@ UI_CurveEditor::CoordinatePair UI_CurveEditor::PlaceForNewPoint(Point pixel) con
 }
 
 bool UI_CurveEditor::Drag(const MouseEvent& event) {
-    if (!fDrag) return false;
+    if (!fPress) return false;
     fPointer = event.position;
-    const bool hadMoved = fDrag->HasMoved();
+    PointDrag& drag = fPress->drag;
+    const bool hadMoved = drag.HasMoved();
     const Rect before = MarqueeRect();
-    fDrag->MoveTo(event.position, event.modifiers);
-    if (!fDrag->HasMoved()) return true;
-    if (fPressed < 0) {
+    drag.MoveTo(event.position, event.modifiers);
+    if (!drag.HasMoved()) return true;
+    if (fPress->IsMarquee()) {
         UI_InvalidateRect(Union(before, MarqueeRect()));
         DragMarquee();
         return true;
     }
-    if (!hadMoved && fGesture == Gesture::kNone) {
-        const bool joins = fPoints.IsSelected(fPressed);
-        SelectByUser([&] { joins ? fPoints.SetLastSelected(fPressed) : fPoints.Select(fPressed); });
-        const auto moved = fDrag->Moved();
-        RememberBases();
-        fDrag->Add(moved);
-        BeginGesture(Gesture::kDrag);
-    }
-    fTogglesOnRelease = false;
+    if (!hadMoved && !fGesture->IsActive()) BeginDrag();
+    if (fPress) fPress->togglesOnRelease = false;
     DragPoints();
     UpdateReadout();
     return true;
 }
 
+// A press on a point has become a drag.
+void UI_CurveEditor::BeginDrag() {
+    const int pressed = fPress->point;
+    const bool joins = fPoints.IsSelected(pressed);
+    SelectByUser([&] { joins ? fPoints.SetLastSelected(pressed) : fPoints.Select(pressed); });
+    if (!fPress) return;
+    const auto moved = fPress->drag.Moved();
+    RememberBases();
+    fPress->drag.Add(moved);
+    fGesture->Begin(CurveGesture::Kind::kDrag);
+}
+
 void UI_CurveEditor::DragPoints() {
-    if (!IsDraggingPoints()) return;
-    if (fDragAxes != GetAxesVersion()) RememberBases();
-    const auto moved = fDrag->Moved();
-    ChangePoints([&] { return Mover(true).Moved(fPoints, fBases, moved.x, moved.y); });
+    if (!fPoints.Has(PressedPoint())) return;
+    if (fPress->axes != GetAxesVersion()) RememberBases();
+    const auto moved = fPress->drag.Moved();
+    // A listener may end the press, and begin something else, before the points move.
+    fGesture->Change(
+        [&] { return fPress ? Mover(true).Moved(fPoints, fPress->bases, moved.x, moved.y) : fPoints.All(); });
+}
+
+// The drag counts from here on.
+void UI_CurveEditor::RememberBases() {
+    if (!fPress) return;
+    fPress->bases.clear();
+    for (const int index : fPoints.Selection())
+        fPress->bases.push_back(fPoints.At(index).coordinates);
+    fPress->axes = GetAxesVersion();
+    fPress->drag.Restart();
+}
+
+int UI_CurveEditor::PressedPoint() const {
+    return fPress ? fPress->point : -1;
+}
+
+Rect UI_CurveEditor::MarqueeRect() const {
+    return fPress ? Intersection(fPress->Marquee(), GetContentRect()) : Rect{};
 }
 
 void UI_CurveEditor::DragMarquee() {
     const Rect marquee = MarqueeRect();
-    std::vector<int> inside = fSelectionBefore;
+    std::vector<int> inside = fPress->selectionBefore;
     for (int index = 0; index < static_cast<int>(fPoints.Count()); ++index)
         if (IsInSight(index) && marquee.Contains(PixelOf(index))) inside.push_back(index);
     std::sort(inside.begin(), inside.end());
@@ -191,16 +212,15 @@ void UI_CurveEditor::DragMarquee() {
 }
 
 bool UI_CurveEditor::Release(const MouseEvent& event) {
-    if (!fDrag) return false;
+    if (!fPress) return false;
     const Rect marquee = MarqueeRect();
-    const bool hasMoved = fDrag->HasMoved();
-    const int pressed = std::exchange(fPressed, -1);
-    const bool toggles = std::exchange(fTogglesOnRelease, false);
-    fDrag.reset();
-    if (pressed < 0 && !hasMoved && !toggles) SelectByUser([&] { fPoints.Select(-1); });
-    if (pressed >= 0 && !hasMoved && fGesture == Gesture::kNone)
-        SelectByUser([&] { toggles ? fPoints.Toggle(pressed) : fPoints.Select(pressed); });
-    if (fGesture == Gesture::kDrag) EndGesture();
+    const std::unique_ptr<CurvePress> press = std::move(fPress);
+    const bool hasMoved = press->drag.HasMoved();
+    const bool toggles = press->togglesOnRelease;
+    if (press->IsMarquee() && !hasMoved && !toggles) SelectByUser([&] { fPoints.Select(-1); });
+    if (!press->IsMarquee() && !hasMoved && !fGesture->IsActive())
+        SelectByUser([&] { toggles ? fPoints.Toggle(press->point) : fPoints.Select(press->point); });
+    if (fGesture->Is(CurveGesture::Kind::kDrag)) fGesture->End();
     UI_InvalidateRect(marquee);
     HoverAt(event.position, UI_GetLocalRect().Contains(event.position));
     return true;
@@ -208,15 +228,12 @@ bool UI_CurveEditor::Release(const MouseEvent& event) {
 
 // Brings everything back to how it was at the press; whether anything was being dragged.
 bool UI_CurveEditor::CancelDrag() {
-    if (!fDrag) return false;
-    const boost::intrusive_ptr<UI_CurveEditor> keepAlive(this);
-    const bool isMarquee = fPressed < 0 && fDrag->HasMoved();
+    if (!fPress) return false;
     UI_InvalidateRect(MarqueeRect());
-    fDrag.reset();
-    fPressed = -1;
-    fTogglesOnRelease = false;
-    if (isMarquee) SelectByUser([&] { fPoints.SelectOnly(std::exchange(fSelectionBefore, {})); });
-    if (fGesture == Gesture::kDrag) AbandonGesture();
+    const std::unique_ptr<CurvePress> press = std::move(fPress);
+    if (press->IsMarquee() && press->drag.HasMoved())
+        SelectByUser([&] { fPoints.SelectOnly(std::move(press->selectionBefore)); });
+    if (fGesture->Is(CurveGesture::Kind::kDrag)) fGesture->Abandon();
     UpdateReadout();
     return true;
 }
@@ -243,6 +260,27 @@ void UI_CurveEditor::HoverAt(Point pixel, bool isInside) {
             if (fPoints.Has(index)) UI_InvalidateRect(HandleArea(index));
     }
     UpdateReadout();
+}
+
+void UI_CurveEditor::UpdateReadout() {
+    fReadoutAxes = GetAxesVersion();
+    const Rect content = GetContentRect();
+    const int index = PointOfReadout();
+    const bool isMarquee = fPress && fPress->IsMarquee();
+    const bool hasPlace = index >= 0 || (fPointerIsInside && content.Contains(fPointer));
+    if (!IsEnabled() || isMarquee || content.IsEmpty() || !hasPlace) return fReadout->Hide();
+    if (index >= 0) {
+        fReadout->ShowBeside(PixelOf(index), PositionText(fPoints.At(index).coordinates));
+    } else {
+        fReadout->ShowForPointer(fPointer, PositionText(GetCoordinatePairForPixel(fPointer)));
+    }
+}
+
+// The point that is being moved or is under the pointer, if it can be seen.
+int UI_CurveEditor::PointOfReadout() const {
+    int index = fPress ? fPress->point : fHovered;
+    if (fGesture->Is(CurveGesture::Kind::kRun)) index = GetSelectedNode();
+    return IsInSight(index) ? index : -1;
 }
 
 } // namespace uit::controls

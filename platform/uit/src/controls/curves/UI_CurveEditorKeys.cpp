@@ -2,8 +2,10 @@
 
 #include "uit/controls/UI_CurveEditor.h"
 
+#include "controls/curves/CurveGesture.h"
 #include "controls/curves/CurveMove.h"
-#include "controls/curves/PointDrag.h"
+#include "controls/curves/CurvePress.h"
+#include "controls/curves/CurveReadout.h"
 #include "controls/curves/PointEditDialog.h"
 #include "controls/curves/ResponseCurve.h"
 
@@ -34,9 +36,8 @@ long RunTimerID() {
 
 bool UI_CurveEditor::UI_DoKeyEvent(const KeyEvent& event) {
     if (!IsEnabled() || event.Has(kroui::ui::kAlt)) return false;
-    const boost::intrusive_ptr<UI_CurveEditor> keepAlive(this);
     if (event.key == Key::kEscape) return CancelDrag() || CancelPan();
-    if (fDrag) return true;
+    if (fPress) return true;
     return NudgeKey(event) || EditKey(event) || WalkKey(event);
 }
 
@@ -77,20 +78,21 @@ bool UI_CurveEditor::NudgeKey(const KeyEvent& event) {
     default: return false;
     }
     if (fPoints.Selection().empty()) return false;
-    if (fGesture != Gesture::kRun) BeginGesture(Gesture::kRun);
+    if (!fGesture->Is(CurveGesture::Kind::kRun)) fGesture->Begin(CurveGesture::Kind::kRun);
     std::vector<CoordinatePair> places;
     for (const int index : fPoints.Selection())
         places.push_back(fPoints.At(index).coordinates);
-    ChangePoints([&] { return Mover(true).Moved(fPoints, places, dx, dy); });
-    if (fGesture == Gesture::kRun) UI_InstallTimer(kRunSeconds, RunTimerID());
+    fGesture->Change([&] { return Mover(true).Moved(fPoints, places, dx, dy); });
+    if (fGesture->Is(CurveGesture::Kind::kRun)) UI_InstallTimer(kRunSeconds, RunTimerID());
     UpdateReadout();
     return true;
 }
 
 void UI_CurveEditor::FlushRun() {
-    if (fGesture != Gesture::kRun) return;
+    if (!fGesture->Is(CurveGesture::Kind::kRun)) return;
+    const kroui::ui::MessageScope scope;
     UI_RemoveTimer(RunTimerID(), false);
-    EndGesture();
+    fGesture->End();
     UpdateReadout();
 }
 
@@ -99,7 +101,8 @@ bool UI_CurveEditor::EditKey(const KeyEvent& event) {
     case Key::kDelete:
     case Key::kBackspace:
         FlushRun();
-        if (!fDeleteEnabled || !Publish([](CurvePointSet& points) { return points.EraseSelected(); })) return false;
+        if (!fDeleteEnabled || !fGesture->Publish([](CurvePointSet& points) { return points.EraseSelected(); }))
+            return false;
         fSelectionChanged();
         return true;
     case Key::kEnter:
@@ -136,12 +139,12 @@ bool UI_CurveEditor::OpenDialog(int index) {
 
 // Where the user wants it, as near as the bounds and the neighbours let it.
 void UI_CurveEditor::PlacePoint(int index, std::optional<double> horizontal, std::optional<double> vertical) {
+    FlushRun();
     if (!fPoints.Has(index)) return;
-    const boost::intrusive_ptr<UI_CurveEditor> keepAlive(this);
     CoordinatePair place = fPoints.At(index).coordinates;
     place = {horizontal.value_or(place.horizontal), vertical.value_or(place.vertical)};
     SelectByUser([&] { fPoints.Select(index); });
-    Publish([&](CurvePointSet& points) {
+    fGesture->Publish([&](CurvePointSet& points) {
         CurvePoints placed = points.Has(index) ? Mover(false).Placed(points, index, place) : points.All();
         if (placed == points.All()) return false;
         points.SetPoints(std::move(placed));
