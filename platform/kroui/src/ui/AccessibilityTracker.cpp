@@ -35,7 +35,7 @@ const krocore::string16& TextOfLabel(const AccessibleInfo& info) {
 } // namespace
 
 // Calls the tracker once, soon, from the loop.
-class UI_Window::AccessibilityTracker::Alarm : public UI_Node {
+class AccessibilityTracker::Alarm : public UI_Node {
 public:
     explicit Alarm(AccessibilityTracker& tracker) : fTracker(tracker) {}
 
@@ -49,14 +49,15 @@ private:
     AccessibilityTracker& fTracker;
 };
 
-UI_Window::AccessibilityTracker::AccessibilityTracker(UI_Window& window) : fWindow(window), fAlarm(new Alarm(*this)) {
+AccessibilityTracker::AccessibilityTracker(Focus focus, Roots roots)
+    : fFocus(std::move(focus)), fRoots(std::move(roots)), fAlarm(new Alarm(*this)) {
 }
 
-UI_Window::AccessibilityTracker::~AccessibilityTracker() {
+AccessibilityTracker::~AccessibilityTracker() {
     fAlarm->UI_RemoveTimer(kTimerID, false);
 }
 
-void UI_Window::AccessibilityTracker::SetObserver(AccessibilityObserver* observer) {
+void AccessibilityTracker::SetObserver(AccessibilityObserver* observer) {
     if (observer == fObserver) return;
     fAlarm->UI_RemoveTimer(kTimerID, false);
     fIsScheduled = fRootsChanged = fFocusHasGone = false;
@@ -66,38 +67,38 @@ void UI_Window::AccessibilityTracker::SetObserver(AccessibilityObserver* observe
     fObserver = observer;
     if (!observer) return;
     // What is there now is what the observer has to ask for; only changes are told.
-    fToldFocus = fWindow.FocusNode();
-    for (UI_Node* const root : fWindow.Roots())
+    fToldFocus = fFocus();
+    for (UI_Node* const root : fRoots())
         NoteTree(*root);
     for (UI_Node* const node : std::exchange(fPending, {}))
         if (node->UI_IsVisibleInWindow()) fKnown[node] = Take(*node);
 }
 
-void UI_Window::AccessibilityTracker::Schedule() {
+void AccessibilityTracker::Schedule() {
     if (!fObserver || std::exchange(fIsScheduled, true)) return;
     fAlarm->UI_InstallTimer(kSoon, kTimerID);
 }
 
 // A node is noted once: most are the last one that was.
-void UI_Window::AccessibilityTracker::Changed(UI_Node& node) {
+void AccessibilityTracker::Changed(UI_Node& node) {
     if (!fObserver || std::find(fPending.rbegin(), fPending.rend(), &node) != fPending.rend()) return;
     fPending.push_back(&node);
     Schedule();
 }
 
-void UI_Window::AccessibilityTracker::NoteTree(UI_Node& node) {
+void AccessibilityTracker::NoteTree(UI_Node& node) {
     Changed(node);
     for (const auto& child : node.Children())
         NoteTree(*child);
 }
 
-void UI_Window::AccessibilityTracker::ForgetTree(const UI_Node& node) {
+void AccessibilityTracker::ForgetTree(const UI_Node& node) {
     fKnown.erase(&node);
     for (const auto& child : node.Children())
         ForgetTree(*child);
 }
 
-void UI_Window::AccessibilityTracker::ChildrenOf(UI_Node* parent) {
+void AccessibilityTracker::ChildrenOf(UI_Node* parent) {
     if (parent) {
         Changed(*parent);
     } else {
@@ -106,13 +107,13 @@ void UI_Window::AccessibilityTracker::ChildrenOf(UI_Node* parent) {
     }
 }
 
-void UI_Window::AccessibilityTracker::Shown(UI_Node& node) {
+void AccessibilityTracker::Shown(UI_Node& node) {
     if (!fObserver) return;
     NoteTree(node);
     ChildrenOf(node.UI_GetParent());
 }
 
-void UI_Window::AccessibilityTracker::Gone(UI_Node& node) {
+void AccessibilityTracker::Gone(UI_Node& node) {
     if (!fObserver) return;
     std::replace(fPending.begin(), fPending.end(), &node, static_cast<UI_Node*>(nullptr));
     for (Notice& notice : fNotices)
@@ -127,7 +128,7 @@ void UI_Window::AccessibilityTracker::Gone(UI_Node& node) {
     fObserver->AccessibleGone(node);
 }
 
-UI_Window::AccessibilityTracker::Snapshot UI_Window::AccessibilityTracker::Take(const UI_Node& node) {
+AccessibilityTracker::Snapshot AccessibilityTracker::Take(const UI_Node& node) {
     Snapshot snapshot;
     snapshot.info = node.UI_GetAccessibleInfo();
     const int count = node.UI_GetAccessiblePartCount();
@@ -138,7 +139,7 @@ UI_Window::AccessibilityTracker::Snapshot UI_Window::AccessibilityTracker::Take(
     return snapshot;
 }
 
-void UI_Window::AccessibilityTracker::Flush() {
+void AccessibilityTracker::Flush() {
     fIsScheduled = false;
     // Labels add those that they name.
     for (std::size_t i = 0; i < fPending.size(); ++i)
@@ -149,7 +150,7 @@ void UI_Window::AccessibilityTracker::Flush() {
     TellFocus();
 }
 
-void UI_Window::AccessibilityTracker::Compare(UI_Node& node) {
+void AccessibilityTracker::Compare(UI_Node& node) {
     if (!node.UI_IsVisibleInWindow()) {
         ForgetTree(node);
         return;
@@ -174,17 +175,17 @@ void UI_Window::AccessibilityTracker::Compare(UI_Node& node) {
 }
 
 // Those that were called what a label said are called otherwise now; where it said nothing, it may be anybody.
-void UI_Window::AccessibilityTracker::CompareNamesAfter(const krocore::string16& oldText) {
+void AccessibilityTracker::CompareNamesAfter(const krocore::string16& oldText) {
     for (const auto& [node, snapshot] : fKnown)
         if (oldText.empty() || snapshot.info.name == oldText) Changed(const_cast<UI_Node&>(*node));
 }
 
-void UI_Window::AccessibilityTracker::AddNotice(UI_Node& node, int part, std::uint8_t changes) {
+void AccessibilityTracker::AddNotice(UI_Node& node, int part, std::uint8_t changes) {
     if (changes != 0) fNotices.push_back({&node, part, changes});
 }
 
 // The observer may let nodes go, and stop observing.
-void UI_Window::AccessibilityTracker::TellNotices() {
+void AccessibilityTracker::TellNotices() {
     for (std::size_t i = 0; i < fNotices.size(); ++i) {
         const Notice notice = fNotices[i];
         if (notice.node && fObserver) fObserver->AccessibleChanged(*notice.node, notice.part, notice.changes);
@@ -192,8 +193,8 @@ void UI_Window::AccessibilityTracker::TellNotices() {
     fNotices.clear();
 }
 
-void UI_Window::AccessibilityTracker::TellFocus() {
-    UI_Node* const focus = fWindow.FocusNode();
+void AccessibilityTracker::TellFocus() {
+    UI_Node* const focus = fFocus();
     const bool isMoved = focus != fToldFocus || fFocusHasGone;
     fFocusHasGone = false;
     fToldFocus = focus;

@@ -1,6 +1,9 @@
 #pragma once
 
-#include "kroui/ui/UI_Window.h"
+#include "kroui/ui/AccessibilityObserver.h"
+#include "kroui/ui/UI_Node.h"
+
+#include <boost/function.hpp>
 
 #include <unordered_map>
 #include <vector>
@@ -10,9 +13,13 @@ namespace kroui::ui {
 // Finds out what the nodes of a window say that they did not say at the last notices, and tells the window's observer.
 // Whoever may have changed is noted; what a node says is compared when the event loop runs the timers, so that nothing
 // is told twice and no control has to tell what about it has changed. Owned by its window.
-class UI_Window::AccessibilityTracker {
+class AccessibilityTracker {
 public:
-    explicit AccessibilityTracker(UI_Window& window);
+    // What it needs of the window: the node with the focus (null: none), and the trees that can be reached.
+    using Focus = boost::function<UI_Node*()>;
+    using Roots = boost::function<std::vector<UI_Node*>()>;
+
+    AccessibilityTracker(Focus focus, Roots roots);
     ~AccessibilityTracker();
 
     // Null: nothing is followed any more.
@@ -52,7 +59,8 @@ private:
     void TellFocus();
     void TellNotices();
 
-    UI_Window& fWindow;
+    Focus fFocus;
+    Roots fRoots;
     AccessibilityObserver* fObserver = nullptr;
     boost::intrusive_ptr<Alarm> fAlarm;
     std::unordered_map<const UI_Node*, Snapshot> fKnown;

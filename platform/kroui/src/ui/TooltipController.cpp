@@ -24,7 +24,7 @@ UI_Node* NodeWithTip(UI_Node* node) {
 } // namespace
 
 // The box with the text; no event ever hits it.
-class UI_Window::TooltipController::Tip : public UI_Node {
+class TooltipController::Tip : public UI_Node {
 public:
     explicit Tip(TooltipController& controller) : fController(controller) {}
 
@@ -58,15 +58,15 @@ private:
     krocore::string16 fText;
 };
 
-UI_Window::TooltipController::TooltipController(UI_Window& window) : fWindow(window), fTip(new Tip(*this)) {
+TooltipController::TooltipController(Place& place) : fPlace(place), fTip(new Tip(*this)) {
 }
 
-UI_Window::TooltipController::~TooltipController() {
+TooltipController::~TooltipController() {
     Hide();
     fTip->UI_RemoveTimer(kTimerID, false);
 }
 
-void UI_Window::TooltipController::HoverChanged(UI_Node* node, Point position) {
+void TooltipController::HoverChanged(UI_Node* node, Point position) {
     UI_Node* const owner = NodeWithTip(node);
     fPosition = position;
     if (owner != fNode) {
@@ -81,44 +81,43 @@ void UI_Window::TooltipController::HoverChanged(UI_Node* node, Point position) {
     }
 }
 
-void UI_Window::TooltipController::Dismiss() {
+void TooltipController::Dismiss() {
     Hide();
     fIsDismissed = true;
     fTip->UI_RemoveTimer(kTimerID, false);
 }
 
-void UI_Window::TooltipController::ShowUnder(UI_Node& node) {
+void TooltipController::ShowUnder(UI_Node& node) {
     fTip->UI_RemoveTimer(kTimerID, false);
     const Point corner = node.UI_LocalToWindow({});
     ShowAt(node, {corner.x, corner.y + node.UI_GetFrame().height + kGap}, corner.y - kGap);
 }
 
-void UI_Window::TooltipController::Show() {
-    if (fNode && !fWindow.CaptureNode() && !fWindow.HasModalOverlay())
-        ShowAt(*fNode, {fPosition.x, fPosition.y + kBelowPointer}, fPosition.y - kGap);
+void TooltipController::Show() {
+    if (fNode && !fPlace.IsBusy()) ShowAt(*fNode, {fPosition.x, fPosition.y + kBelowPointer}, fPosition.y - kGap);
 }
 
 // With its top left corner at `below`, or where the window ends with its bottom at `above`.
-void UI_Window::TooltipController::ShowAt(UI_Node& node, Point below, float above) {
+void TooltipController::ShowAt(UI_Node& node, Point below, float above) {
     Hide();
     if (node.UI_GetTooltip().empty() || !node.UI_IsVisibleInWindow()) return;
     fTip->SetText(node.UI_GetTooltip());
-    const Size size = fTip->Measure(fWindow.Supplier());
-    const Size window = fWindow.GetSize();
-    const float scale = fWindow.ScaleFactor();
+    const Size size = fTip->Measure(fPlace.Supplier());
+    const Size window = fPlace.GetSize();
+    const float scale = fPlace.ScaleFactor();
     const auto onPixel = [scale](float place) { return std::floor(std::max(0.0F, place) * scale) / scale; };
     const float left = onPixel(std::min(below.x, window.width - size.width));
     const float top = onPixel(below.y + size.height > window.height ? above - size.height : below.y);
     fShownNode = &node;
     fIsShown = true;
-    fWindow.ShowOverlay(fTip, {left, top, size.width, size.height}, false);
+    fPlace.ShowTip(*fTip, {left, top, size.width, size.height});
 }
 
-void UI_Window::TooltipController::Hide() {
+void TooltipController::Hide() {
     if (!fIsShown) return;
     fIsShown = false;
     fShownNode.reset();
-    fWindow.HideOverlay(fTip.get());
+    fPlace.HideTip(*fTip);
 }
 
 } // namespace kroui::ui

@@ -1,14 +1,32 @@
 #pragma once
 
-#include "kroui/ui/UI_Window.h"
+#include "kroui/ui/UI_Node.h"
 
 namespace kroui::ui {
 
 // Shows the tool tip of the node under the pointer after half a second of rest. Owned by its window.
-class UI_Window::TooltipController {
+class TooltipController {
 public:
-    explicit TooltipController(UI_Window& window);
+    // What it needs of the window.
+    class Place {
+    public:
+        virtual const limner::SupplierInterface& Supplier() const = 0;
+        virtual Size GetSize() const = 0;
+        virtual float ScaleFactor() const = 0;
+        // Whether something is dragged, or a menu or dialog stands over everything.
+        virtual bool IsBusy() const = 0;
+        virtual void ShowTip(UI_Node& tip, const Rect& frame) = 0;
+        virtual void HideTip(UI_Node& tip) = 0;
+
+    protected:
+        ~Place() = default;
+    };
+
+    // The place lives longer.
+    explicit TooltipController(Place& place);
     ~TooltipController();
+    TooltipController(const TooltipController&) = delete;
+    TooltipController& operator=(const TooltipController&) = delete;
 
     // The pointer is over another node now (null: none), or has moved over the same one.
     void HoverChanged(UI_Node* node, Point position);
@@ -26,7 +44,7 @@ private:
     void Show();
     void ShowAt(UI_Node& node, Point below, float above);
 
-    UI_Window& fWindow;
+    Place& fPlace;
     boost::intrusive_ptr<Tip> fTip;
     boost::intrusive_ptr<UI_Node> fNode; // has the tip of what the pointer is over
     boost::intrusive_ptr<UI_Node> fShownNode;

@@ -33,9 +33,24 @@ Rect Scaled(const Rect& r, float factor) {
 
 } // namespace
 
+class UI_Window::TipPlace : public TooltipController::Place {
+public:
+    explicit TipPlace(UI_Window& window) : fWindow(window) {}
+
+    const limner::SupplierInterface& Supplier() const override { return fWindow.Supplier(); }
+    Size GetSize() const override { return fWindow.GetSize(); }
+    float ScaleFactor() const override { return fWindow.ScaleFactor(); }
+    bool IsBusy() const override { return fWindow.CaptureNode() || fWindow.HasModalOverlay(); }
+    void ShowTip(UI_Node& tip, const Rect& frame) override { fWindow.ShowOverlay(&tip, frame, false); }
+    void HideTip(UI_Node& tip) override { fWindow.HideOverlay(&tip); }
+
+private:
+    UI_Window& fWindow;
+};
+
 UI_Window::UI_Window(const limner::SupplierInterface& supplier, WindowBackend& backend)
     : fSupplier(supplier), fBackend(backend), fSurface(backend.GetSurface()), fTheme(&Theme::Dark()),
-      fTooltips(std::make_unique<TooltipController>(*this)) {
+      fTipPlace(std::make_unique<TipPlace>(*this)), fTooltips(std::make_unique<TooltipController>(*fTipPlace)) {
 }
 
 UI_Window::~UI_Window() {
@@ -359,7 +374,9 @@ bool UI_Window::DoAccessibleAction(UI_Node& node, const AccessibleRequest& reque
 }
 
 void UI_Window::SetAccessibilityObserver(AccessibilityObserver* observer) {
-    if (!fAccessibility && observer) fAccessibility = std::make_unique<AccessibilityTracker>(*this);
+    if (!fAccessibility && observer)
+        fAccessibility =
+            std::make_unique<AccessibilityTracker>([this] { return FocusNode(); }, [this] { return Roots(); });
     if (fAccessibility) fAccessibility->SetObserver(observer);
 }
 

@@ -12,6 +12,9 @@
 
 namespace kroui::ui {
 
+class AccessibilityTracker;
+class TooltipController;
+
 // The place where a tree is attached: paints what is damaged, routes events, holds focus, pointer capture, overlays
 // (menus, tips) and scale. The system is behind WindowBackend. Coordinates are view units of the content unless a name
 // says pixels. User-interface thread only.
@@ -111,9 +114,8 @@ public:
     void AccessibleNodeGone(UI_Node& node);
 
 private:
-    class TooltipController;
-    class AccessibilityTracker;
     class InputScope;
+    class TipPlace;
     struct Overlay {
         boost::intrusive_ptr<UI_Node> node;
         bool modal;
@@ -142,6 +144,7 @@ private:
     boost::function<bool(const KeyEvent&)> fUnhandledKey;
     boost::function<void(bool)> fInputObserver;
     bool fInputIsOpen = false; // the observer has been told of a beginning
+    std::unique_ptr<TipPlace> fTipPlace;
     std::unique_ptr<TooltipController> fTooltips;
     std::unique_ptr<AccessibilityTracker> fAccessibility; // none before the first observer
     DamageRegion fDamage;
