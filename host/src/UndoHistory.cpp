@@ -61,13 +61,6 @@ krocore::string16 UndoHistory::RedoName() const {
     return fPosition < fSteps.size() ? NameOf(fSteps[fPosition]) : krocore::string16();
 }
 
-void UndoHistory::Clear() noexcept {
-    fSteps.clear();
-    fOpenStep.clear();
-    fPosition = 0;
-    fLastIsLoose = false;
-}
-
 void UndoHistory::ParameterChanged(AudioFilter& /*filter*/, const AudioFilterParameterChange& change) {
     if (fRestoring || (change.quiet && !fInInput)) return;
     const auto known = std::ranges::find(fOpenStep, change.index, &Change::index);

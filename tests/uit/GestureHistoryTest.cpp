@@ -1,7 +1,6 @@
 // What the user did to a control before has no say in what a gesture does now.
 
 #include "kroui/controls/UI_HotTextNumber.h"
-#include "kroui/controls/UI_Slider.h"
 #include "kroui/limner/CairoSupplier.h"
 #include "kroui/limner/Image.h"
 #include "kroui/ui/HeadlessWindow.h"
@@ -15,7 +14,6 @@ namespace {
 using kroui::Point;
 using kroui::controls::UI_HotTextNumber;
 using kroui::controls::UI_InteractiveControlView;
-using kroui::controls::UI_Slider;
 using kroui::controls::ValueControl;
 using kroui::ui::HeadlessWindow;
 using kroui::ui::kCommand;
@@ -97,7 +95,6 @@ TEST(GestureHistoryTest, AGestureDoesWhatItDoesToANewControl) {
         bool atSlider;
     };
     const Kind kinds[] = {
-        {[]() -> boost::intrusive_ptr<UI_InteractiveControlView> { return new UI_Slider; }, true},
         {[]() -> boost::intrusive_ptr<UI_InteractiveControlView> { return new UI_HotTextNumber; }, false},
         {[]() -> boost::intrusive_ptr<UI_InteractiveControlView> { return new UI_EditNumber; }, true},
         {[]() -> boost::intrusive_ptr<UI_InteractiveControlView> { return new UI_EditNumber; }, false},

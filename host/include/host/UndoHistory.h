@@ -51,9 +51,6 @@ public:
     krocore::string16 UndoName() const;
     krocore::string16 RedoName() const;
 
-    // Forgets all steps.
-    void Clear() noexcept;
-
     void ParameterChanged(kroaudiofilterhost::AudioFilter& filter,
                           const kroaudiofilterhost::AudioFilterParameterChange& change) override;
     void ParameterEditBegun(kroaudiofilterhost::AudioFilter& filter, int index) override;

@@ -6,7 +6,6 @@
 #include "kroui/controls/UI_HotTextNumber.h"
 #include "kroui/controls/UI_Popup.h"
 #include "kroui/controls/UI_RadioButton.h"
-#include "kroui/controls/UI_Slider.h"
 #include "kroui/controls/UI_StaticText.h"
 #include "kroui/controls/UI_TabGroup.h"
 #include "kroui/controls/UI_TextButton.h"
@@ -102,13 +101,13 @@ TEST_F(AccessibilityTest, NumbersTellTheirRangeAndTakeValuesAsIfTheyWereTyped) {
 }
 
 TEST_F(AccessibilityTest, StepsRunAsThoseOfTheArrowKeys) {
-    const auto slider = Add<UI_Slider>({0, 0, 100, 24});
-    slider->SetIncrement(2);
-    Listen(*slider);
-    EXPECT_TRUE(Do(*slider, AccessibleAction::kIncrease));
-    EXPECT_TRUE(Do(*slider, AccessibleAction::kIncrease));
-    EXPECT_TRUE(Do(*slider, AccessibleAction::kDecrease));
-    EXPECT_EQ(slider->GetValue(), 2);
+    const auto number = Add<UI_HotTextNumber>({0, 0, 100, 24});
+    number->SetIncrement(2);
+    Listen(*number);
+    EXPECT_TRUE(Do(*number, AccessibleAction::kIncrease));
+    EXPECT_TRUE(Do(*number, AccessibleAction::kIncrease));
+    EXPECT_TRUE(Do(*number, AccessibleAction::kDecrease));
+    EXPECT_EQ(number->GetValue(), 2);
     EXPECT_EQ(Heard(), "0111");
     fWindow.Advance(0.6);
     EXPECT_EQ(Heard(), "2c");

@@ -75,11 +75,10 @@ TEST_F(NaturalSizeTest, HotTextNumber_HasRoomForItsBounds) {
     EXPECT_GE(number->UI_GetNaturalSize().width, width + fSupplier.MeasureText(u"dB", {}).width);
 }
 
-TEST_F(NaturalSizeTest, StaticText_TakesSoManyCharactersOrSoManyLines) {
+TEST_F(NaturalSizeTest, StaticText_TakesItsWidthOrSoManyLines) {
     const auto text = Add<UI_StaticText>({});
-    text->SetText(u"1");
-    text->SetCharacters(10);
-    EXPECT_EQ(text->UI_GetNaturalSize().width, std::ceil(fSupplier.MeasureText(u"0000000000", {}).width));
+    text->SetText(u"Threshold");
+    EXPECT_EQ(text->UI_GetNaturalSize().width, std::ceil(fSupplier.MeasureText(u"Threshold", {}).width));
     text->SetText(u"A paragraph that has more words than a narrow column has room for in a single line");
     text->SetMultiLine(true);
     text->UI_SetFrame({0, 0, 100, 10});

@@ -9,7 +9,15 @@ namespace {
 constexpr limner::Color kUnknown{1, 0, 1, 1};
 
 // Graphs (125 apart, which frames them) keep their dark ground and bright curve in both themes.
-constexpr Theme::Row kRows[] = {
+struct Row {
+    int index;
+    std::string_view role;
+    std::uint32_t dark;  // 0xAARRGGBB
+    std::uint32_t light; // 0xAARRGGBB
+};
+
+// Every role, ascending by index.
+constexpr Row kRows[] = {
     {kColorWindow, "window", 0xFF1E1F22, 0xFFE4E6EA},
     {kColorPanel, "panel", 0xFF2A2B2F, 0xFFF6F7F9},
     {kColorRaised, "raised", 0xFF36383D, 0xFFFFFFFF},
@@ -62,10 +70,6 @@ const Theme& Theme::Light() {
 
 limner::Color Theme::GetColor(int index) const {
     return index >= 0 && index < kIndexCount ? fColors[index] : kUnknown;
-}
-
-std::span<const Theme::Row> Theme::Rows() {
-    return kRows;
 }
 
 } // namespace kroui::ui

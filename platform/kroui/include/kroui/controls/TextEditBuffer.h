@@ -22,7 +22,6 @@ public:
 
     // The end of the selection that moves, and the one that stays.
     std::size_t Caret() const { return fState.caret; }
-    std::size_t Anchor() const { return fState.anchor; }
     std::size_t SelectionStart() const;
     std::size_t SelectionEnd() const;
     bool HasSelection() const { return fState.caret != fState.anchor; }

@@ -10,7 +10,6 @@ class UI_Divider : public UI_ControlView {
 public:
     enum class Orientation : unsigned char { kByShape, kHorizontal, kVertical };
     void SetOrientation(Orientation orientation);
-    Orientation GetOrientation() const { return fOrientation; }
 
     // Short along the line: what arranges it stretches it.
     Size UI_GetNaturalSize() const override;

@@ -20,9 +20,6 @@ public:
     const krocore::string8& TextLabelReference() const { return fTextLabel.Reference(); }
     void SetFontSize(float size);
     float FontSize() const { return fFont.size; }
-    // Where text and label stand in the node: 0 left, 1 centre, 2 right (at first); others count as left.
-    void SetNumberAlignment(int alignment);
-    int GetNumberAlignment() const { return static_cast<int>(fAlignment); }
 
     Size UI_GetNaturalSize() const override;
     float UI_GetBaseline() const override;
@@ -50,13 +47,11 @@ protected:
     virtual float NaturalTextWidth() const;
     const limner::Font& GetFont() const { return fFont; }
     HotTextLook Look(std::u16string_view text) const;
-    limner::TextAlignment Alignment() const { return fAlignment; }
 
 private:
     krocore::string16 fText;
     ui::LocalizedText fTextLabel;
     limner::Font fFont;
-    limner::TextAlignment fAlignment = limner::TextAlignment::kRight;
 };
 
 } // namespace kroui::controls

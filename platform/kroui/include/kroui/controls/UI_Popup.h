@@ -26,7 +26,6 @@ public:
     const krocore::string16& GetItemText(int item) const;
     // A disabled item is shown, but the user can't choose it. No effect on an item that does not exist.
     void SetItemEnabled(int item, bool enabled);
-    bool IsItemEnabled(int item) const;
     // As archives write them; "-" is a separator. Nothing is chosen afterwards.
     void SetItemReferences(const std::vector<krocore::string8>& references);
     std::vector<krocore::string8> ItemReferences() const;
@@ -38,13 +37,10 @@ public:
     // An item before the others that stands for values that no item has: it is shown while none of the others is, and
     // can't be chosen. It is not counted.
     void SetIncludesCustomItem(bool include);
-    bool IncludesCustomItem() const { return fIncludesCustomItem; }
     // A field on top of the open menu leaves only the items that hold what is typed.
     void SetSearchable(bool searchable) { fIsSearchable = searchable; }
-    bool IsSearchable() const { return fIsSearchable; }
     // The natural size has room for no more than so many characters of text, 0: for every item.
     void SetMaximumWidthCharacters(std::uint32_t characters) { fMaximumWidthCharacters = characters; }
-    std::uint32_t MaximumWidthCharacters() const { return fMaximumWidthCharacters; }
 
     // The number of the item that is shown, -1 for none. Setting one that does not exist shows none.
     void SetValue(int item) override;

@@ -18,9 +18,6 @@ public:
     // What becomes of a text that is wider than the view: cut off, or shortened with an ellipsis (the start value).
     void SetTextTruncation(limner::TextTruncation truncation);
     limner::TextTruncation TextTruncation() const { return fTruncation; }
-    // A width for so many digits that the natural size has whatever the text; 0: as the text needs.
-    void SetCharacters(std::uint32_t characters) { fCharacters = characters; }
-    std::uint32_t Characters() const { return fCharacters; }
     // Breaks the text into lines as wide as the view, from its top on.
     void SetMultiLine(bool on);
     bool MultiLine() const { return fMultiLine; }
@@ -28,10 +25,8 @@ public:
     void SetFontSize(float size);
     float FontSize() const { return fFontSize; }
     void SetBold(bool bold);
-    bool Bold() const { return fBold; }
     // The theme role of the text while enabled; kColorText at first.
     void SetColorRole(int role);
-    int ColorRole() const { return fColorRole; }
 
     Size UI_GetNaturalSize() const override;
     float UI_GetBaseline() const override;
@@ -49,7 +44,6 @@ private:
     ui::LocalizedText fText;
     float fFontSize = 12;
     int fColorRole = ui::kColorText;
-    std::uint32_t fCharacters = 0;
     limner::TextAlignment fAlignment = limner::TextAlignment::kLeft;
     limner::TextTruncation fTruncation = limner::TextTruncation::kEnd;
     bool fMultiLine = false;

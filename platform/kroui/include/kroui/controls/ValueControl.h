@@ -50,15 +50,9 @@ public:
     int GetDecimalPlaces() const { return fDecimalPlaces; }
     // Digits altogether: a greater number shows fewer places. 0: as many as it takes.
     void SetMaxDigits(int digits);
-    int GetMaxDigits() const { return fMaxDigits; }
     // krocore::NumberFormatFlags.
     void SetFormatFlags(std::uint32_t flags);
     std::uint32_t GetFormatFlags() const { return fFormatFlags; }
-    // Characters that kFormatLeadingSpaces fills up to.
-    void SetFormatWidth(int characters) { fFormatWidth = characters; }
-    // Writes 12000 as 12k.
-    void SetAbbreviate(bool abbreviate);
-    bool GetAbbreviate() const { return fAbbreviates; }
 
     // A logarithmic scale needs an upper bound above 0; a lower one of 0 or less then stands a ten-thousandth of it
     // away from the end.
@@ -129,9 +123,7 @@ private:
     std::uint32_t fFormatFlags = krocore::kFormatNormal;
     int fDecimalPlaces = 0;
     int fMaxDigits = 0;
-    int fFormatWidth = 0;
     int fScale = kLinear;
-    bool fAbbreviates = false;
     bool fTimerRuns = false;
 };
 

@@ -47,15 +47,6 @@ public:
     limner::Color GetColor(int index) const;
     std::string_view Name() const { return fName; } // "dark", "light"
 
-    struct Row {
-        int index;
-        std::string_view role;
-        std::uint32_t dark;  // 0xAARRGGBB
-        std::uint32_t light; // 0xAARRGGBB
-    };
-    // Every role with both colours, ascending by index.
-    static std::span<const Row> Rows();
-
 private:
     Theme(std::string_view name, bool isDark);
 

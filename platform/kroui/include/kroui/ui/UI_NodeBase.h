@@ -25,7 +25,6 @@ public:
     static constexpr std::uint32_t kStateWantsKeyboardFocus = 1;
     static constexpr std::uint32_t kStateTellBackgroundPresses = 16;
     void UI_SetStateFlags(std::uint32_t flags) { fStateFlags |= flags; }
-    void UI_ClearStateFlags(std::uint32_t flags) { fStateFlags &= ~flags; }
     std::uint32_t UI_GetStateFlags() const { return fStateFlags; }
 
 private:

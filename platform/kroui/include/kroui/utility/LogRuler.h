@@ -13,8 +13,6 @@ public:
     // Others are refused.
     void SetLogStep(double step);
     void SetLogSeed(double seed);
-    double GetLogStep() const { return fLogStep; }
-    double GetLogSeed() const { return fLogSeed; }
 
 protected:
     ~LogRuler() override = default;

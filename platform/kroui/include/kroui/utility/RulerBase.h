@@ -55,8 +55,6 @@ public:
     double GetFirstValue() const { return fFirstValue; }
     double GetLastValue() const { return fLastValue; }
     void SetPixelRange(float first, float last);
-    float GetFirstPixel() const { return fFirstPixel; }
-    float GetLastPixel() const { return fLastPixel; }
 
     // Style 2 only: whether texts stand before the start of the major span (left of it, above it) or behind its end.
     void SetTextNearTickStart(bool near) { Assign(fTextNearTickStart, near); }
@@ -132,7 +130,6 @@ protected:
     double LowValue() const { return fFirstValue < fLastValue ? fFirstValue : fLastValue; }
     double HighValue() const { return fFirstValue < fLastValue ? fLastValue : fFirstValue; }
     float PixelLength() const { return std::abs(fLastPixel - fFirstPixel); }
-    bool Abbreviates() const { return fAbbreviates; }
     // What a label takes along the ruler, with the distance to the next.
     float NeededLength(std::u16string_view text) const;
     // A number as a label, its places as `step` needs them.

@@ -81,10 +81,6 @@ void UI_Popup::SetItemEnabled(int item, bool enabled) {
     UI_AccessibleInfoChanged();
 }
 
-bool UI_Popup::IsItemEnabled(int item) const {
-    return item >= 0 && item < GetItemCount() && fItems[item].enabled;
-}
-
 void UI_Popup::SetItemReferences(const std::vector<krocore::string8>& references) {
     DeleteAllItems();
     fItems.resize(references.size());

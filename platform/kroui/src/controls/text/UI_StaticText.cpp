@@ -59,8 +59,7 @@ Size UI_StaticText::UI_GetNaturalSize() const {
     const float width = UI_GetFrame().width;
     if (fMultiLine && supplier && width > 0)
         return {width, std::ceil(supplier->MeasureParagraph(fText.Text(), font, width).height)};
-    const float needed = fCharacters > 0 ? DigitsWidth(*this, fCharacters, font) : TextWidth(*this, fText.Text(), font);
-    return {needed, kRowHeight};
+    return {TextWidth(*this, fText.Text(), font), kRowHeight};
 }
 
 float UI_StaticText::UI_GetBaseline() const {

@@ -44,12 +44,6 @@ void UI_HotText::SetFontSize(float size) {
     if (drawing::Assign(fFont.size, held)) UI_Invalidate();
 }
 
-void UI_HotText::SetNumberAlignment(int alignment) {
-    const bool isKnown = alignment >= 0 && alignment <= static_cast<int>(limner::TextAlignment::kRight);
-    const auto wanted = isKnown ? static_cast<limner::TextAlignment>(alignment) : limner::TextAlignment::kLeft;
-    if (drawing::Assign(fAlignment, wanted)) UI_Invalidate();
-}
-
 Size UI_HotText::UI_GetNaturalSize() const {
     const krocore::string8& unit = fTextLabel.Reference();
     const float unitWidth = unit.empty() ? 0 : HotTextLook::kUnitGap + TextWidth(*this, fTextLabel.Text(), fFont);
@@ -134,7 +128,6 @@ HotTextLook UI_HotText::Look(std::u16string_view text) const {
     look.text = text;
     look.unit = fTextLabel.Text();
     look.font = fFont;
-    look.alignment = fAlignment;
     look.enabled = IsEnabled();
     look.hovered = IsHovered() || DownState();
     look.focused = ShowsFocus();

@@ -196,8 +196,9 @@ bool UI_HotTextNumber::OpenEntry() {
     SettleGesture();
     const krocore::string16 shown = ShownText();
     const HotTextLook::Places places = Look(shown).PlaceIn(UI_GetLocalRect(), *supplier);
-    const Rect frame = HotTextLook::FieldFrame(UI_GetLocalRect(), places, Alignment());
-    fEntry.Open(frame, EntryText(), GetTextLabel(), GetFont(), Alignment());
+    constexpr auto kAlignment = limner::TextAlignment::kRight;
+    const Rect frame = HotTextLook::FieldFrame(UI_GetLocalRect(), places, kAlignment);
+    fEntry.Open(frame, EntryText(), GetTextLabel(), GetFont(), kAlignment);
     return true;
 }
 

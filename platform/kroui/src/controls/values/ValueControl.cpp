@@ -95,12 +95,6 @@ void ValueControl::SetFormatFlags(std::uint32_t flags) {
     ValueLookChanged();
 }
 
-void ValueControl::SetAbbreviate(bool abbreviate) {
-    if (abbreviate == fAbbreviates) return;
-    fAbbreviates = abbreviate;
-    ValueLookChanged();
-}
-
 void ValueControl::SetScale(int scale) {
     if (scale == fScale) return;
     fScale = scale;
@@ -140,14 +134,7 @@ bool ValueControl::HandleAccessible(const ui::AccessibleRequest& request) {
 }
 
 krocore::string16 ValueControl::FormatOf(double value) const {
-    constexpr double kThousand = 1000;
-    constexpr int kAbbreviatedPlaces = 2;
-    if (!fAbbreviates || std::abs(value) < kThousand)
-        return krocore::FormatNumber(value, PlacesFor(value), fFormatFlags, fFormatWidth);
-    krocore::string16 text = krocore::FormatNumber(value / kThousand, kAbbreviatedPlaces,
-                                                   fFormatFlags | krocore::kFormatNoTrailingZeros, fFormatWidth - 1);
-    text += u'k';
-    return text;
+    return krocore::FormatNumber(value, PlacesFor(value), fFormatFlags);
 }
 
 int ValueControl::PlacesFor(double value) const {

@@ -18,17 +18,11 @@ public:
     // From code: no messages. Ordered by input level here; points that hold NaN or infinity are left out.
     void SetPoints(std::vector<TransferPoint> points);
     const std::vector<TransferPoint>& GetPoints() const { return fPoints; }
-    // Bounds of the output levels that a ratio can lead to, in dB; -100 and 0 at first.
-    void SetOutputRange(double low, double high);
 
     // The segment from point i to point i + 1 is number i; -1 for none. Setting sends nothing.
     void SetSelectedSegment(int segment);
     int GetSelectedSegment() const { return fSelected; }
-    // Calls the slot when the user has selected another segment; life time as for NotifyWhenChanged.
-    void NotifyWhenSelected(const ChangedSignal::slot_type& slot) { fSelectedSignal.connect(slot); }
 
-    // The rows that the natural height has room for; 6 at first.
-    void SetVisibleRows(int rows) { fVisibleRows = rows; }
     void SetWidth(float width) { fWidth = width; }
 
     // A segment's row, in the list's coordinates; it may be scrolled out of sight.
@@ -66,20 +60,15 @@ private:
     void ScrollTo(float scroll);
     void ScrollToSegment(int segment);
     void SetHovered(int segment);
-    void SelectByUser(int segment);
     void RatioChanged(int segment, ChangeMessage change);
     bool PressAt(kroui::Point point);
     void DrawRow(kroui::limner::Limner& context, int segment) const;
 
     std::vector<TransferPoint> fPoints;
     std::vector<TransferPoint> fPointsBefore; // when the gesture began
-    kroui::ui::Signal<kroui::controls::UI_ControlChangedMessage*> fSelectedSignal;
-    double fLowestOutput = -100;
-    double fHighestOutput = 0;
     float fWidth = 270;
     float fScroll = 0;
     float fThumbGrip = -1; // where the scroll bar's thumb is held; below 0: it is not
-    int fVisibleRows = 6;
     int fSelected = -1;
     int fHovered = -1;
 };

@@ -36,7 +36,7 @@ public:
 
     UI_CurveEditor(RulerPtr horizontal, RulerPtr vertical);
 
-    // The points, in the order of the vector; at most GetMaxPointCount(), what is beyond is left out, as are points
+    // The points, in the order of the vector; at most the maximum count, what is beyond is left out, as are points
     // that hold NaN or infinity. The selection stays with the indices that are still there. A point that is being
     // dragged goes on being dragged from its new place.
     void SetCurvePoints(const CurvePoints& points);
@@ -55,7 +55,6 @@ public:
     void SetMoveablePoints(const Flags& moveable, bool horizontally);
     void SetDeletablePoints(const Flags& deletable);
     void SetMaxPointCount(std::size_t count); // points are added by the user while there are fewer
-    std::size_t GetMaxPointCount() const { return fMaxPointCount; }
     // Points keep their order along the axis: a drag stops just short of the neighbours, and none can be added where
     // one stands already.
     void SetUniqueHorizontalPositions(bool unique) { fUniquePositions = unique; }
@@ -152,21 +151,21 @@ private:
     void PressPoint(int index, const kroui::ui::MouseEvent& event);
     void PressField(const kroui::ui::MouseEvent& event);
     CoordinatePair PlaceForNewPoint(kroui::Point pixel) const;
-    void BeginDrag();
     bool Drag(const kroui::ui::MouseEvent& event);
+    void BeginDrag();
     void DragPoints();
     void DragMarquee();
     bool Release(const kroui::ui::MouseEvent& event);
     bool CancelDrag();
+    void HoverAt(kroui::Point pixel, bool isInside);
     int PressedPoint() const;
     void RememberBases();
-    void HoverAt(kroui::Point pixel, bool isInside);
     void UpdateReadout();
     int PointOfReadout() const;
     bool WalkKey(const kroui::ui::KeyEvent& event);
     bool NudgeKey(const kroui::ui::KeyEvent& event);
-    void FlushRun();
     bool EditKey(const kroui::ui::KeyEvent& event);
+    void FlushRun();
     bool OpenDialog(int index);
     void PlacePoint(int index, std::optional<double> horizontal, std::optional<double> vertical);
 

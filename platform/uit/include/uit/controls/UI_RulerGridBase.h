@@ -46,7 +46,6 @@ public:
     double GetBound(int which) const { return fBounds[which]; }
 
     void SetRulersSupportZooming(bool supports) { fRulersSupportZooming = supports; }
-    bool RulersSupportZooming() const { return fRulersSupportZooming; }
 
     void SetBackgroundColor(const kroui::limner::Color& color);
     // Without one the theme's ruler background (kColorRulerBackground), which follows a change of theme.
@@ -66,9 +65,9 @@ public:
     // The size at which the content has this one.
     kroui::Size SizeForContent(kroui::Size content) const;
     kroui::Point GetPixelForCoordinatePair(const CoordinatePair& pair) const;
+    CoordinatePair GetCoordinatePairForPixel(kroui::Point pixel) const;
     // The graph stays black in both themes, so what is drawn on it takes its colours from the dark one.
     static kroui::limner::Color ContentColor(int role) { return kroui::ui::Theme::Dark().GetColor(role); }
-    CoordinatePair GetCoordinatePairForPixel(kroui::Point pixel) const;
 
     void UI_Draw(kroui::limner::Limner* limner) override;
     // Wheel and drag on the rulers, Ctrl and wheel over the content.

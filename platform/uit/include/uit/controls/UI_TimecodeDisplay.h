@@ -13,8 +13,6 @@ public:
     double GetValue() const { return fValue; }
     void SetTimecodeFormat(const TimecodeSettings& settings);
     const TimecodeSettings& GetTimecodeFormat() const { return fFormat.Settings(); }
-    // Right at first.
-    void SetAlignment(kroui::limner::TextAlignment alignment);
     krocore::string16 ShownText() const { return fFormat.Format(fValue); }
 
     // Room for a day, or for the time shown if that is longer.
@@ -29,7 +27,6 @@ protected:
 private:
     TimecodeFormat fFormat;
     double fValue = 0;
-    kroui::limner::TextAlignment fAlignment = kroui::limner::TextAlignment::kRight;
 };
 
 } // namespace uit::controls

@@ -30,6 +30,7 @@ constexpr float kBarWidth = 6; // of the scroll bar
 constexpr float kBarGap = 3;
 constexpr float kShortestThumb = 16;
 constexpr float kRowsPerNotch = 2;
+constexpr float kVisibleRows = 6; // that the natural height has room for
 
 // Grounds of rows, so faint that dim and accent texts still stand out from them by 4.5 to 1 in both themes.
 constexpr float kSelectedTint = 0.14F;
@@ -37,6 +38,9 @@ constexpr float kHoveredTint = 0.6F;
 constexpr float kMarkWidth = 3; // of the bar before the selected row
 
 constexpr double kRatioStep = 0.1;
+// Bounds of the output levels that a ratio can lead to, in dB.
+constexpr double kLowestOutput = -100;
+constexpr double kHighestOutput = 0;
 
 bool IsFinite(const TransferPoint& point) {
     return std::isfinite(point.input) && std::isfinite(point.output);
@@ -69,7 +73,7 @@ public:
     }
     void UI_FocusChanged(bool hasFocus) override {
         UI_HotTextNumber::UI_FocusChanged(hasFocus);
-        if (hasFocus) fList.SelectByUser(fNumber);
+        if (hasFocus) fList.SetSelectedSegment(fNumber);
     }
 
 protected:
@@ -91,11 +95,6 @@ void UI_CompExpList::SetPoints(std::vector<TransferPoint> points) {
     if (points == fPoints) return;
     fPoints = std::move(points);
     UpdateRows();
-}
-
-void UI_CompExpList::SetOutputRange(double low, double high) {
-    fLowestOutput = std::min(low, high);
-    fHighestOutput = std::max(low, high);
 }
 
 void UI_CompExpList::SetSelectedSegment(int segment) {
@@ -194,16 +193,7 @@ void UI_CompExpList::SetHovered(int segment) {
         UI_InvalidateRect(Intersection(RowRect(changed), ListRect()));
 }
 
-void UI_CompExpList::SelectByUser(int segment) {
-    if (segment == fSelected) return;
-    const boost::intrusive_ptr<UI_CompExpList> keepAlive(this);
-    SetSelectedSegment(segment);
-    kroui::controls::UI_ControlChangedMessage message(*this);
-    fSelectedSignal(&message);
-}
-
 void UI_CompExpList::RatioChanged(int segment, ChangeMessage change) {
-    const boost::intrusive_ptr<UI_CompExpList> keepAlive(this);
     using Message = kroui::controls::UI_InteractiveControlChangedMessage;
     if (change == Message::kStarted) fPointsBefore = fPoints;
     if (change == Message::kAbandoned) fPoints = fPointsBefore;
@@ -215,7 +205,7 @@ void UI_CompExpList::RatioChanged(int segment, ChangeMessage change) {
         const double rise = TransferSegment::SlopeOf(RatioOf(segment).GetValue()) * (upper.input - lower.input);
         const bool movesLower = segment == 0 && SegmentCount() > 1;
         double& moved = movesLower ? lower.output : upper.output;
-        moved = std::clamp(movesLower ? upper.output - rise : lower.output + rise, fLowestOutput, fHighestOutput);
+        moved = std::clamp(movesLower ? upper.output - rise : lower.output + rise, kLowestOutput, kHighestOutput);
     }
     if (change == Message::kChanged || change == Message::kAbandoned) UpdateRows();
     SendInteractive(change);
@@ -226,7 +216,7 @@ void UI_CompExpList::RatioChanged(int segment, ChangeMessage change) {
 }
 
 Size UI_CompExpList::UI_GetNaturalSize() const {
-    return {fWidth, static_cast<float>(std::max(1, fVisibleRows)) * kRowHeight + 2 * kPadding};
+    return {fWidth, kVisibleRows * kRowHeight + 2 * kPadding};
 }
 
 bool UI_CompExpList::UI_DoMouseEvent(UI_Node* node, const MouseEvent& event) {
@@ -270,7 +260,7 @@ bool UI_CompExpList::PressAt(kroui::Point point) {
     }
     const int segment = SegmentAt(point);
     if (segment < 0) return false;
-    SelectByUser(segment);
+    SetSelectedSegment(segment);
     // The keys go to the ratio of the row.
     if (segment < SegmentCount()) RatioOf(segment).UI_TakeFocus();
     return true;

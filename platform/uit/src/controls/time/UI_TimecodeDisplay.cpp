@@ -29,12 +29,6 @@ void UI_TimecodeDisplay::SetTimecodeFormat(const TimecodeSettings& settings) {
     UI_Invalidate();
 }
 
-void UI_TimecodeDisplay::SetAlignment(kroui::limner::TextAlignment alignment) {
-    if (alignment == fAlignment) return;
-    fAlignment = alignment;
-    UI_Invalidate();
-}
-
 Size UI_TimecodeDisplay::UI_GetNaturalSize() const {
     const float width = std::max(TextWidth(*this, fFormat.Format(kSecondsOfADay)), TextWidth(*this, ShownText()));
     return {width + 2 * HotTextLook::kPadding, kroui::controls::kRowHeight};
@@ -47,7 +41,7 @@ float UI_TimecodeDisplay::UI_GetBaseline() const {
 void UI_TimecodeDisplay::UI_Draw(kroui::limner::Limner* context) {
     const int color = IsEnabled() ? kroui::ui::kColorText : kroui::ui::kColorDisabledText;
     context->DrawText(ShownText(), {}, GetColor(color), UI_GetLocalRect().Inset(HotTextLook::kPadding, 0),
-                      {fAlignment, kroui::limner::TextTruncation::kStart, false});
+                      {kroui::limner::TextAlignment::kRight, kroui::limner::TextTruncation::kStart, false});
 }
 
 kroui::ui::AccessibleInfo UI_TimecodeDisplay::UI_GetAccessibleInfo() const {
