@@ -242,6 +242,20 @@ TEST_F(EditNumberTest, ListenerThatRemovesTheControl_IsSafe) {
     EXPECT_EQ(std::count(all.begin(), all.end(), '2') + std::count(all.begin(), all.end(), '3'), 1);
 }
 
+TEST_F(EditNumberTest, ListenerThatRemovesTheControlWhenCodeDisablesIt_IsSafe) {
+    window.Wheel(At(0), 1);
+    edit->NotifyWhenChangedInteractively([this](UI_InteractiveControlChangedMessage* message) {
+        if (message->GetChangeMessage() != UI_InteractiveControlChangedMessage::kEnded) return;
+        root->ChildRemove(edit.get());
+        edit.reset();
+    });
+    heard.clear();
+    Edit* const control = edit.get();
+    control->SetEnabled(false);
+    EXPECT_EQ(Heard(), "2c");
+    EXPECT_FALSE(edit);
+}
+
 TEST_F(EditNumberTest, LabelWidth_AlignsColons) {
     boost::intrusive_ptr<Edit> other(new Edit);
     other->SetLabel(u"A much longer label:");

@@ -369,7 +369,6 @@ bool UI_Window::DoAccessibleAction(UI_Node& node, const AccessibleRequest& reque
     if (!info.enabled || !info.actions.Has(request.action)) return false;
     const InputScope input(*this);
     fTooltips->Dismiss();
-    const boost::intrusive_ptr<UI_Node> keepAlive(&node);
     return node.UI_DoAccessibleAction(request);
 }
 

@@ -13,6 +13,8 @@ UI_ControlView::UI_ControlView() = default;
 
 void UI_ControlView::SetEnabled(bool enabled) {
     if (enabled == fEnabled) return;
+    // What it ends may be told in several messages.
+    const ui::MessageScope scope;
     fEnabled = enabled;
     if (!enabled && UI_GetWindow()) UI_GetWindow()->Forget(*this);
     ControlStateChanged();
@@ -90,7 +92,6 @@ const ui::PropertyTable& UI_ControlView::PropertiesOfControlView() {
 
 void UI_ControlView::SendChanged() {
     if (fChanged.empty()) return;
-    const boost::intrusive_ptr<UI_ControlView> keepAlive(this);
     UI_ControlChangedMessage message(*this);
     fChanged(&message);
 }

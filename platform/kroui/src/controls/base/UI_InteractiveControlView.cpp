@@ -17,7 +17,6 @@ const ui::PropertyTable& UI_InteractiveControlView::PropertiesOfInteractiveContr
 
 void UI_InteractiveControlView::SendInteractive(UI_InteractiveControlChangedMessage::ChangeMessage change) {
     if (fInteractive.empty()) return;
-    const boost::intrusive_ptr<UI_InteractiveControlView> keepAlive(this);
     UI_InteractiveControlChangedMessage message(*this, change);
     fInteractive(&message);
 }

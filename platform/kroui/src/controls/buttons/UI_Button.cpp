@@ -101,7 +101,6 @@ bool UI_Button::UI_DoMouseEvent(UI_Node* node, const MouseEvent& event) {
 }
 
 bool UI_Button::Press() {
-    const boost::intrusive_ptr<UI_Button> keepAlive(this);
     TakeFocusByClick();
     fHeld = true;
     fTracking = true;
@@ -117,7 +116,6 @@ bool UI_Button::Press() {
 
 bool UI_Button::Release(bool inside) {
     if (!fHeld) return false;
-    const boost::intrusive_ptr<UI_Button> keepAlive(this);
     if (fTracking && inside) {
         fTracking = false;
         EndTracking();
@@ -151,7 +149,6 @@ bool UI_Button::ChangeByClick() {
 }
 
 void UI_Button::FinishClick() {
-    const boost::intrusive_ptr<UI_Button> keepAlive(this);
     const bool isChanged = ChangeByClick();
     if (isChanged) SendInteractive(ChangeMessage::kChanged);
     SendInteractive(ChangeMessage::kEnded);
@@ -159,7 +156,6 @@ void UI_Button::FinishClick() {
 }
 
 void UI_Button::ClickByKey() {
-    const boost::intrusive_ptr<UI_Button> keepAlive(this);
     SendInteractive(ChangeMessage::kStarted);
     if (!IsToggle()) {
         if (fFlashTimer == 0) fFlashTimer = ui::UI_NodeManager::Get().GetUniqueTimerID();

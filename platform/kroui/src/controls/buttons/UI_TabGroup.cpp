@@ -176,7 +176,6 @@ bool UI_TabGroup::UI_DoMouseEvent(UI_Node* node, const MouseEvent& event) {
 bool UI_TabGroup::UI_DoKeyEvent(const ui::KeyEvent& event) {
     const int count = GetTabCount();
     if (!IsEnabled() || count == 0) return false;
-    const boost::intrusive_ptr<UI_TabGroup> keepAlive(this);
     if (event.key == Key::kTab && event.Has(ui::kCommand)) {
         const int step = event.Has(ui::kShift) ? -1 : 1;
         ChooseByUser((std::max(fValue, 0) + step + count) % count);
@@ -197,7 +196,6 @@ bool UI_TabGroup::UI_DoKeyEvent(const ui::KeyEvent& event) {
 
 void UI_TabGroup::ChooseByUser(int tab) {
     if (tab == fValue) return;
-    const boost::intrusive_ptr<UI_TabGroup> keepAlive(this);
     SendInteractive(ChangeMessage::kStarted);
     SetValue(tab);
     SendInteractive(ChangeMessage::kChanged);

@@ -106,7 +106,7 @@ void UI_Menu::Choose(int item) {
 }
 
 void UI_Menu::Finish(int item) {
-    const boost::intrusive_ptr<UI_Menu> keepAlive(this);
+    const ui::MessageScope scope;
     const ClosedHandler closed = std::move(fClosed);
     fClosed.clear();
     fHeldFrom.reset();
@@ -247,7 +247,6 @@ bool UI_Menu::UI_DoTimerNotify(long timerID) {
 }
 
 bool UI_Menu::UI_DoMouseEvent(UI_Node* /*node*/, const MouseEvent& event) {
-    const boost::intrusive_ptr<UI_Menu> keepAlive(this);
     switch (event.action) {
     case MouseEvent::Action::kMoved:
     case MouseEvent::Action::kDragged:
@@ -305,7 +304,6 @@ void UI_Menu::Wheel(float notches) {
 }
 
 bool UI_Menu::UI_DoKeyEvent(const ui::KeyEvent& event) {
-    const boost::intrusive_ptr<UI_Menu> keepAlive(this);
     if (fIsSearchable && DoSearchKey(event)) return true;
     if (event.Has(ui::kCommand)) return true;
     const double now = ui::UI_NodeManager::Get().Now();

@@ -199,7 +199,6 @@ void UI_Popup::MenuClosed(int item) {
 
 void UI_Popup::ChooseByUser(int item) {
     if (!CanChoose(item) || (item == fValue && !fAlwaysNotify)) return;
-    const boost::intrusive_ptr<UI_Popup> keepAlive(this);
     SendInteractive(ChangeMessage::kStarted);
     SetValue(item);
     SendInteractive(ChangeMessage::kChanged);

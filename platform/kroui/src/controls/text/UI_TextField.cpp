@@ -243,7 +243,6 @@ bool UI_TextField::UI_DoAccessibleAction(const ui::AccessibleRequest& request) {
     if (request.action == ui::AccessibleAction::kPress) return FinishBy(Finish::kEnter);
     if (request.action != ui::AccessibleAction::kSetText) return false;
     if (!UI_HasFocus()) fTextBefore = GetText();
-    const boost::intrusive_ptr<UI_TextField> keepAlive(this);
     fBuffer.SelectAll();
     Edited(request.text.empty() ? fBuffer.DeleteSelection() : fBuffer.Insert(request.text));
     if (!fFinishHandler) Commit();
@@ -288,7 +287,6 @@ std::size_t UI_TextField::PositionAt(float x) const {
 
 void UI_TextField::Edited(bool changed) {
     if (!changed) return;
-    const boost::intrusive_ptr<UI_TextField> keepAlive(this);
     fError.clear();
     fCaretPositions.clear();
     ShowCaret();
@@ -319,7 +317,6 @@ void UI_TextField::ScrollToCaret() {
 
 void UI_TextField::Commit() {
     using Message = UI_InteractiveControlChangedMessage;
-    const boost::intrusive_ptr<UI_TextField> keepAlive(this);
     const bool isChanged = GetText() != fTextBefore;
     fTextBefore = GetText();
     if (!std::exchange(fHasSent, false)) return;
@@ -338,7 +335,6 @@ void UI_TextField::Cancel() {
 // The handler may take the focus away, which ends the entry a second time; that is passed over.
 bool UI_TextField::FinishBy(Finish finish) {
     if (fIsFinishing) return true;
-    const boost::intrusive_ptr<UI_TextField> keepAlive(this);
     if (fFinishHandler) {
         fIsFinishing = true;
         fFinishHandler(finish);

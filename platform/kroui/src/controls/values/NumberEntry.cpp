@@ -36,7 +36,6 @@ void NumberEntry::Open(const Rect& frame, std::u16string_view text, std::u16stri
 
 void NumberEntry::Close() {
     if (!IsOpen()) return;
-    const boost::intrusive_ptr<ui::UI_Node> keepAlive(&fNode);
     fField->SetError({});
     fIsOpen = false;
     if (fField->UI_HasFocus()) fNode.UI_TakeFocus();
@@ -83,7 +82,6 @@ void NumberEntry::RemoveField() {
 
 void NumberEntry::OnFinish(Finish finish) {
     if (!IsOpen()) return;
-    const boost::intrusive_ptr<ui::UI_Node> keepAlive(&fNode);
     const std::optional<double> value = Read();
     const bool isNumber = value.has_value();
     const bool isChanged = fField->GetText() != fTextBefore;

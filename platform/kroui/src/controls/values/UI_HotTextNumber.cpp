@@ -63,7 +63,6 @@ void UI_HotTextNumber::UI_Draw(limner::Limner* context) {
 bool UI_HotTextNumber::UI_DoMouseEvent(UI_Node* node, const MouseEvent& event) {
     TrackHover(node, event);
     if (node || !IsEnabled()) return false;
-    const boost::intrusive_ptr<UI_HotTextNumber> keepAlive(this);
     switch (event.action) {
     case MouseEvent::Action::kPressed: return Press(event);
     case MouseEvent::Action::kDragged:
@@ -98,7 +97,6 @@ void UI_HotTextNumber::Release(const MouseEvent& event) {
 
 bool UI_HotTextNumber::UI_DoKeyEvent(const ui::KeyEvent& event) {
     if (!IsEnabled() || fEntry.IsOpen()) return false;
-    const boost::intrusive_ptr<UI_HotTextNumber> keepAlive(this);
     const bool isEntryKey = event.key == Key::kEnter || event.key == Key::kF2;
     if (isEntryKey && event.modifiers == ui::kNoModifier && !fGesture.IsDragging()) return OpenEntry();
     return fGesture.Key(event);
@@ -112,7 +110,6 @@ bool UI_HotTextNumber::UI_DoTextEvent(const ui::TextEvent& event) {
 }
 
 bool UI_HotTextNumber::UI_DoTimerNotify(long timerID) {
-    const boost::intrusive_ptr<UI_HotTextNumber> keepAlive(this);
     return HandleTimer(timerID) || UI_HotText::UI_DoTimerNotify(timerID);
 }
 

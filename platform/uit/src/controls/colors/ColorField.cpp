@@ -173,7 +173,6 @@ void ColorField::ClosePicker() {
 
 // The message goes out after the colour is set; the committed change follows the end of a gesture that changed it.
 void ColorField::Choose(const kroui::limner::Color& color, ChangeMessage change) {
-    const boost::intrusive_ptr<ColorField> keepAlive(this);
     if (change == ChangeMessage::kStarted) fCommitted = fColor;
     if (change == ChangeMessage::kChanged && color == fColor) return;
     fIsChanging = change == ChangeMessage::kStarted || change == ChangeMessage::kChanged;

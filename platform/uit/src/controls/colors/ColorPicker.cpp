@@ -106,7 +106,6 @@ void ColorPicker::Open(kroui::ui::UI_Window& window, const Rect& anchor, const C
 }
 
 void ColorPicker::Close() {
-    const boost::intrusive_ptr<ColorPicker> keepAlive(this);
     if (auto* window = UI_GetWindow()) window->HideOverlay(this);
 }
 
@@ -232,7 +231,6 @@ void ColorPicker::AbandonDrag() {
 }
 
 void ColorPicker::ChooseOnce(const Color& color) {
-    const boost::intrusive_ptr<ColorPicker> keepAlive(this);
     SetColor(fColor, ChangeMessage::kStarted);
     SetColor(HSVColor::FromColor(color, fColor), ChangeMessage::kChanged);
     SetColor(fColor, ChangeMessage::kEnded);
@@ -241,7 +239,6 @@ void ColorPicker::ChooseOnce(const Color& color) {
 void ColorPicker::Step(float saturation, float value, float hue) {
     const auto moved = [](float from, float by) { return std::clamp(from + by, 0.0F, 1.0F); };
     const HSVColor color{moved(fColor.hue, hue), moved(fColor.saturation, saturation), moved(fColor.value, value)};
-    const boost::intrusive_ptr<ColorPicker> keepAlive(this);
     SetColor(fColor, ChangeMessage::kStarted);
     SetColor(color, ChangeMessage::kChanged);
     SetColor(fColor, ChangeMessage::kEnded);
@@ -302,7 +299,6 @@ bool ColorPicker::UI_DoTextEvent(const kroui::ui::TextEvent& event) {
 void ColorPicker::UI_NodeChanged(NodeChange change) {
     UI_Node::UI_NodeChanged(change);
     if (change != kDetaching) return;
-    const boost::intrusive_ptr<ColorPicker> keepAlive(this);
     AbandonDrag();
     fTyped.clear();
     fChanged.clear();

@@ -77,7 +77,6 @@ void PointEditDialog::Arrange(kroui::ui::UI_Window& window, Point point) {
 }
 
 void PointEditDialog::Close() {
-    const boost::intrusive_ptr<PointEditDialog> keepAlive(this);
     if (auto* const window = UI_GetWindow()) window->HideOverlay(this);
 }
 
@@ -102,7 +101,6 @@ bool PointEditDialog::UI_DoMouseEvent(UI_Node* /*node*/, const MouseEvent& event
 }
 
 bool PointEditDialog::UI_DoKeyEvent(const kroui::ui::KeyEvent& event) {
-    const boost::intrusive_ptr<PointEditDialog> keepAlive(this);
     if (TextField* const field = FocusField()) return field->UI_DoKeyEvent(event);
     if (event.key == Key::kEscape) Close();
     if (event.key == Key::kEnter) AcceptAll();
@@ -117,7 +115,6 @@ bool PointEditDialog::UI_DoTextEvent(const kroui::ui::TextEvent& event) {
 void PointEditDialog::UI_NodeChanged(NodeChange change) {
     UI_Node::UI_NodeChanged(change);
     if (change != kDetaching) return;
-    const boost::intrusive_ptr<PointEditDialog> keepAlive(this);
     fAccept.clear();
     if (const auto closed = std::exchange(fClosed, {})) closed();
 }
@@ -156,7 +153,6 @@ void PointEditDialog::AcceptAll() {
     std::optional<double> horizontal;
     std::optional<double> vertical;
     if (!Check(fHorizontal, horizontal) || !Check(fVertical, vertical)) return;
-    const boost::intrusive_ptr<PointEditDialog> keepAlive(this);
     const Accept accept = fAccept;
     if (accept && (horizontal || vertical)) accept(horizontal, vertical);
     Close();

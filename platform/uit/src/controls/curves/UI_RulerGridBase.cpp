@@ -135,7 +135,6 @@ bool UI_RulerGridBase::UI_DoMouseEvent(UI_Node* node, const MouseEvent& event) {
     const bool isHandled = UI_InteractiveControlView::UI_DoMouseEvent(node, event);
     if (event.IsAction(MouseEvent::Action::kCaptureLost)) return CancelPan() || isHandled;
     if (node || !IsEnabled()) return isHandled;
-    const boost::intrusive_ptr<UI_RulerGridBase> keepAlive(this);
     switch (event.action) {
     case MouseEvent::Action::kPressed: return PressRuler(event) || isHandled;
     case MouseEvent::Action::kDragged:
