@@ -1,10 +1,7 @@
 #include "FakeFilter.h"
+#include "PanelHost.h"
 #include "kroui/controls/UI_Checkbox.h"
-#include "kroui/limner/CairoSupplier.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "qoc/components/ComponentIDs.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 #include "uit/controls/UI_EditNumber.h"
 
 #include <gmock/gmock.h>
@@ -27,15 +24,9 @@ float Normalised(double decibels) {
     return static_cast<float>((decibels + 96) / 144);
 }
 
-// The panel as a host has it: from the factory, in a window, driven by the pointer.
-class AmplifyEditorTest : public testing::Test {
+class AmplifyEditorTest : public test::PanelHost<> {
 protected:
-    AmplifyEditorTest() { qocui::module::Initialize(&fSupplier); }
-    ~AmplifyEditorTest() override {
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-        qocui::module::Terminate();
-    }
+    AmplifyEditorTest() : PanelHost({600, 1700}) {}
 
     void Open(const kromediatypes::AudioChannelLayout& layout, bool linked, double decibels = 0) {
         fFilter.reset(new test::FakeFilter(34, qoc::components::kAmplifyComponentID));
@@ -44,10 +35,7 @@ protected:
         fFilter->Store(kLink, linked ? 1 : 0);
         for (int i = kFirstGain; i < 34; ++i)
             fFilter->Store(i, Normalised(decibels));
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        ASSERT_NE(fView, nullptr);
-        fWindow.Window().SetContent(fView);
-        fWindow.Advance(0.1);
+        ShowPanelOf(fFilter);
         fFilter->TakeLog();
     }
     UI_Node* Container() { return fView->UI_FindNode("GainControlsContainer"); }
@@ -66,10 +54,7 @@ protected:
     }
     static Point Moved(Point p, float dx) { return {p.x + dx, p.y}; }
 
-    limner::CairoSupplier fSupplier;
-    ui::HeadlessWindow fWindow{fSupplier, {600, 1700}};
     boost::intrusive_ptr<test::FakeFilter> fFilter;
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
 };
 
 TEST_F(AmplifyEditorTest, ThereIsANamedSliderForEveryChannelShowingItsGain) {
@@ -198,7 +183,7 @@ TEST_F(AmplifyEditorTest, OneChangedValueRepaintsThatControlOnly) {
 
 TEST_F(AmplifyEditorTest, TwoViewsOnOneFilterFollowEachOther) {
     Open(kromediatypes::AudioChannelLayout::Stereo(), true);
-    const auto second = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
+    const auto second = MakeView(fFilter);
     ui::HeadlessWindow other(fSupplier, {600, 300});
     other.Window().SetContent(second);
     fWindow.Drag(Knob(0), Moved(Knob(0), -30));

@@ -1,15 +1,12 @@
 #include "FakeFilter.h"
+#include "PanelHost.h"
 #include "kroui/controls/UI_HotTextNumber.h"
 #include "kroui/controls/UI_Popup.h"
 #include "kroui/controls/UI_StaticText.h"
-#include "kroui/limner/CairoSupplier.h"
 #include "kroui/limner/RecordingLimner.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/GenericParameterInfo.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 #include "qocui/ui/CorrectionMeterView.h"
 #include "uit/controls/UI_EditNumber.h"
 
@@ -74,37 +71,23 @@ private:
     std::array<GenericParameterInfo, 5> fInfos;
 };
 
-class AutoPitchCorrectViewTest : public testing::Test {
+class AutoPitchCorrectViewTest : public test::PanelHost<> {
 protected:
-    AutoPitchCorrectViewTest() { qocui::module::Initialize(&fSupplier); }
-    ~AutoPitchCorrectViewTest() override {
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-        qocui::module::Terminate();
-    }
+    AutoPitchCorrectViewTest() : PanelHost({600, 400}) {}
 
     void Open(const std::vector<std::pair<int, float>>& stored = {},
               const kromediatypes::AudioChannelLayout& layout = kromediatypes::AudioChannelLayout::Stereo()) {
-        fWindow.Window().SetContent(nullptr);
         fFilter.reset(new PitchFilter);
         fFilter->SetLayout(layout);
         fFilter->Store(kCorrection, 1.0F / 3); // a ratio of 1
         for (const auto& [index, value] : stored)
             fFilter->Store(index, value);
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        ASSERT_NE(fView, nullptr);
-        fWindow.Window().SetContent(fView);
-        Poll();
+        ShowPanelOf(fFilter);
         fFilter->TakeLog();
     }
-    void Poll() { fWindow.Advance(0.011); }
     void Change(int index, float value) {
         fFilter->Store(index, value);
         Poll();
-    }
-    template <class Control>
-    Control& Find(const char* id) {
-        return dynamic_cast<Control&>(*fView->UI_FindNode(id));
     }
     int Shown(const char* id) { return Find<UI_Popup>(id).GetValue(); }
     bool IsEnabled(const char* id) { return Find<kroui::controls::UI_ControlView>(id).IsEnabled(); }
@@ -130,10 +113,7 @@ protected:
     }
     std::string Correction() { return krocore::ToStdString(Find<UI_StaticText>("CorrectionID").Text()); }
 
-    limner::CairoSupplier fSupplier;
-    ui::HeadlessWindow fWindow{fSupplier, {600, 400}};
     boost::intrusive_ptr<PitchFilter> fFilter;
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
 };
 
 TEST_F(AutoPitchCorrectViewTest, PopupsHoldTheirItemsInTheOrderOfTheStoredValues) {
@@ -272,33 +252,24 @@ TEST_F(AutoPitchCorrectViewTest, TheAttackRulerSaysSlowAndFastAtItsEnds) {
 }
 
 // With the effect itself, whose stored attack grows from slow, 500 ms, to fast, 0.5 ms.
-TEST(AutoPitchCorrectViewOfTheEffectTest, TheAttackSliderRunsFromSlowAtTheLeftToFastAsTheStoredValueDoes) {
-    limner::CairoSupplier supplier;
-    qocui::module::Initialize(&supplier);
-    const auto filter = qoc::components::CreateEffect(qoc::components::kPitchCorrectComponentID);
-    {
-        const auto view = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(filter);
-        ui::HeadlessWindow window(supplier, {800, 600});
-        window.Window().SetContent(view);
-        window.Paint();
-        auto& attack = dynamic_cast<UI_EditNumber&>(*view->UI_FindNode("AttackID"));
-        const Rect track = attack.Layout().track;
-        for (const float part : {0.0F, 0.25F, 0.6F, 0.95F, 1.0F}) {
-            window.Click(attack.UI_LocalToWindow({track.left + part * track.width, track.Centre().y}));
-            EXPECT_NEAR(filter->GetParameterValue(kAttack), part, 1e-3);
-            EXPECT_NEAR(attack.GetValue(), 500 - part * 499.5, 0.3) << "milliseconds";
-        }
-        const auto placeOf = [&](std::u16string_view text) {
-            const auto& ticks = attack.GetRuler()->GetTicks(&supplier);
-            const auto at =
-                std::ranges::find(ticks, text, [](const auto& tick) -> std::u16string_view { return tick.text; });
-            return at != ticks.end() ? at->pixel : -1;
-        };
-        EXPECT_FLOAT_EQ(placeOf(u"Slow"), track.left);
-        EXPECT_FLOAT_EQ(placeOf(u"Fast"), track.Right());
-        window.Window().SetContent(nullptr);
+TEST_F(AutoPitchCorrectViewTest, TheAttackSliderRunsFromSlowAtTheLeftToFastAsTheStoredValueDoes) {
+    const auto effect = qoc::components::CreateEffect(qoc::components::kPitchCorrectComponentID);
+    ShowPanelOf(effect);
+    auto& attack = Find<UI_EditNumber>("AttackID");
+    const Rect track = attack.Layout().track;
+    for (const float part : {0.0F, 0.25F, 0.6F, 0.95F, 1.0F}) {
+        fWindow.Click(attack.UI_LocalToWindow({track.left + part * track.width, track.Centre().y}));
+        EXPECT_NEAR(effect->GetParameterValue(kAttack), part, 1e-3);
+        EXPECT_NEAR(attack.GetValue(), 500 - part * 499.5, 0.3) << "milliseconds";
     }
-    qocui::module::Terminate();
+    const auto placeOf = [&](std::u16string_view text) {
+        const auto& ticks = attack.GetRuler()->GetTicks(&fSupplier);
+        const auto at =
+            std::ranges::find(ticks, text, [](const auto& tick) -> std::u16string_view { return tick.text; });
+        return at != ticks.end() ? at->pixel : -1;
+    };
+    EXPECT_FLOAT_EQ(placeOf(u"Slow"), track.left);
+    EXPECT_FLOAT_EQ(placeOf(u"Fast"), track.Right());
 }
 
 TEST_F(AutoPitchCorrectViewTest, TheCalibrationWritesWhileItChangesAndAtItsEndButNotAtItsStart) {
@@ -370,9 +341,7 @@ TEST_F(AutoPitchCorrectViewTest, WhatCannotBeAutomatedIsDisabledWhileTheFilterSa
 TEST_F(AutoPitchCorrectViewTest, AFilterThatDescribesNothingLeavesAWorkingPanel) {
     const boost::intrusive_ptr<test::FakeFilter> plain(
         new test::FakeFilter(9, qoc::components::kPitchCorrectComponentID));
-    fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(plain);
-    fWindow.Window().SetContent(fView);
-    Poll();
+    ShowPanelOf(plain);
     EXPECT_EQ(Find<UI_Popup>("ChannelID").GetItemCount(), 0);
     EXPECT_EQ(Shown("ChannelID"), -1);
     fWindow.Drag(Knob("SensitivityID"), {Knob("SensitivityID").x + 30, Knob("SensitivityID").y});

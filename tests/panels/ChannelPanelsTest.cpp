@@ -2,18 +2,15 @@
 // which has no effect behind it.
 
 #include "FakeFilter.h"
+#include "PanelHost.h"
 #include "SourcePaths.h"
 #include "kroui/controls/UI_Checkbox.h"
 #include "kroui/controls/UI_Popup.h"
-#include "kroui/limner/CairoSupplier.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "orrin/sheet.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/ParameterIndices.h"
 #include "qocui/controls/TarnLioAudioComponentEditorView.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 #include "uit/controls/UI_EditNumber.h"
 #include "uit/controls/UI_TimecodeEdit.h"
 
@@ -129,29 +126,13 @@ TEST(ChannelPanelSheets, CarryEveryParameterInAndOut) {
     }
 }
 
-class ChannelPanelTest : public testing::Test {
+class ChannelPanelTest : public test::PanelHost<> {
 protected:
-    ChannelPanelTest() { qocui::module::Initialize(&fSupplier); }
-    ~ChannelPanelTest() override {
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-        qocui::module::Terminate();
-    }
+    ChannelPanelTest() : PanelHost({1000, 700}) {}
 
     void Open(const char16_t* component, std::size_t channels = 2) {
         fFilter = Prepared(component, channels);
-        Show(qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter));
-    }
-    void Show(boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> view) {
-        fView = std::move(view);
-        ASSERT_NE(fView, nullptr);
-        fWindow.Window().SetContent(fView);
-        Poll();
-    }
-    void Poll() { fWindow.Advance(0.011); }
-    template <class Node>
-    Node& Find(std::string_view id) {
-        return dynamic_cast<Node&>(*fView->UI_FindNode(id));
+        ShowPanelOf(fFilter);
     }
     // Stands in a field with its label.
     controls::UI_Popup& Popup(std::string_view id) {
@@ -188,10 +169,7 @@ protected:
         Poll();
     }
 
-    limner::CairoSupplier fSupplier;
-    ui::HeadlessWindow fWindow{fSupplier, {1000, 700}};
     Filter fFilter;
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
 };
 
 TEST_F(ChannelPanelTest, MixerShowsAnInvertedAmountAsOneAndTurnsItOver) {

@@ -1,14 +1,11 @@
 // What the panels of the delay effects show beside their parameters: other units, and sides that are not there.
 
+#include "PanelHost.h"
 #include "kroui/controls/UI_Checkbox.h"
 #include "kroui/controls/UI_Popup.h"
-#include "kroui/limner/CairoSupplier.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/ParameterIndices.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 #include "uit/controls/UI_EditNumber.h"
 
 #include <gmock/gmock.h>
@@ -24,26 +21,17 @@ struct Host : kroaudiofilterhost::AudioFilterHost {
     kroaudiofilterhost::AudioFilterTempo GetTempo() const override { return {.beatsPerMinute = 90}; }
 };
 
-class DelayPanelsTest : public testing::Test {
+class DelayPanelsTest : public test::PanelHost<> {
 protected:
-    DelayPanelsTest() { qocui::module::Initialize(&fSupplier); }
-    ~DelayPanelsTest() override {
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-        fFilter->SetAudioFilterHost(nullptr);
-        qocui::module::Terminate();
-    }
+    DelayPanelsTest() : PanelHost({1100, 600}) {}
+    ~DelayPanelsTest() override { fFilter->SetAudioFilterHost(nullptr); }
 
     void Open(const char16_t* component, std::size_t channels = 2) {
         fFilter = CreateEffect(component);
         fFilter->SetAudioFilterHost(&fHost);
         fFilter->Prepare(48000, 64, kromediatypes::AudioChannelLayout::ForChannelCount(channels));
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        ASSERT_NE(fView, nullptr);
-        fWindow.Window().SetContent(fView);
-        Poll();
+        ShowPanelOf(fFilter);
     }
-    void Poll() { fWindow.Advance(0.011); }
     UI_EditNumber& Number(const char* identifier) {
         return dynamic_cast<UI_EditNumber&>(*fView->UI_FindNode(identifier));
     }
@@ -67,11 +55,8 @@ protected:
         Poll();
     }
 
-    limner::CairoSupplier fSupplier;
-    ui::HeadlessWindow fWindow{fSupplier, {1100, 600}};
     Host fHost;
     boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter;
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
 };
 
 // 250 ms are 12000 samples at 48 kHz and three eighths of a beat at 90 beats a minute.

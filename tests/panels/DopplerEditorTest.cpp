@@ -1,17 +1,14 @@
 #include "FakeFilter.h"
+#include "PanelHost.h"
 #include "kroui/controls/UI_Checkbox.h"
 #include "kroui/controls/UI_HotTextNumber.h"
 #include "kroui/controls/UI_Menu.h"
 #include "kroui/controls/UI_Popup.h"
 #include "kroui/controls/UI_RadioButton.h"
 #include "kroui/controls/UI_StaticText.h"
-#include "kroui/limner/CairoSupplier.h"
 #include "kroui/limner/RecordingLimner.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/GenericParameterInfo.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 #include "uit/controls/UI_OptionalView.h"
 
 #include <gmock/gmock.h>
@@ -67,11 +64,9 @@ std::string SetEntry(Index index, float value) {
     return "set " + std::to_string(index) + " " + test::FakeFilter::Number(value);
 }
 
-// The panel as a host has it: from the factory, in a window, driven by the pointer.
-class DopplerEditorTest : public testing::Test {
+class DopplerEditorTest : public test::PanelHost<> {
 protected:
-    DopplerEditorTest() {
-        qocui::module::Initialize(&fSupplier);
+    DopplerEditorTest() : PanelHost({800, 500}) {
         fFilter.reset(new DopplerFake);
         fFilter->Prepare(48000, 64, kromediatypes::AudioChannelLayout::Stereo());
         fFilter->SetDuration(5 * 48000.0);
@@ -81,24 +76,10 @@ protected:
         fFilter->StoreNatural(kFront, 10);
         fFilter->StoreNatural(kRight, -20);
     }
-    ~DopplerEditorTest() override {
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-        qocui::module::Terminate();
-    }
 
     void Open() {
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        ASSERT_NE(fView, nullptr);
-        fWindow.Window().SetContent(fView);
-        fWindow.Advance(0.1);
+        ShowPanelOf(fFilter);
         fFilter->TakeLog();
-    }
-    // The next poll sees what has been stored.
-    void Poll() { fWindow.Advance(0.011); }
-    template <class Node>
-    Node& Find(std::string_view id) {
-        return dynamic_cast<Node&>(*fView->UI_FindNode(id));
     }
     controls::UI_HotTextNumber& Field(std::string_view id) { return Find<controls::UI_HotTextNumber>(id); }
     controls::UI_Popup& Quality() { return Find<controls::UI_Popup>("Quality"); }
@@ -111,10 +92,7 @@ protected:
         return limner.Operations();
     }
 
-    limner::CairoSupplier fSupplier;
-    ui::HeadlessWindow fWindow{fSupplier, {800, 500}};
     boost::intrusive_ptr<DopplerFake> fFilter;
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
 };
 
 TEST_F(DopplerEditorTest, EveryControlShowsItsParameterWhenThePanelOpens) {

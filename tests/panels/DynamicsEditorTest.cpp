@@ -1,14 +1,11 @@
+#include "PanelHost.h"
 #include "SourcePaths.h"
 #include "kroui/controls/UI_Button.h"
-#include "kroui/limner/CairoSupplier.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "orrin/sheet.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/ParameterIndices.h"
 #include "qocui/controls/TarnLioAudioComponentEditorView.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 #include "uit/controls/UI_CompExpList.h"
 #include "uit/controls/UI_CurveEditor.h"
 #include "uit/controls/UI_EditNumber.h"
@@ -30,30 +27,17 @@ namespace {
 using Levels = std::vector<std::pair<float, float>>; // in and out, in decibels
 
 // The panel of a real effect, from the factory, in a window.
-class DynamicsEditorTest : public testing::Test {
+class DynamicsEditorTest : public test::PanelHost<> {
 protected:
     static constexpr int kWidth = 1000;
 
-    DynamicsEditorTest() {
-        qocui::module::Initialize(&fSupplier);
+    DynamicsEditorTest() : PanelHost({kWidth, 700}) {
         fFilter = CreateEffect(kDynamicsComponentID);
         fFilter->Prepare(44100, 64, kromediatypes::AudioChannelLayout::Stereo());
         SetPoints({{-100, -100}, {-40, -40}, {0, -20}});
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        fWindow.Window().SetContent(fView);
-        Poll();
-    }
-    ~DynamicsEditorTest() override {
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-        qocui::module::Terminate();
+        ShowPanelOf(fFilter);
     }
 
-    void Poll() { fWindow.Advance(0.011); }
-    template <class Node>
-    Node& Find(std::string_view id) {
-        return dynamic_cast<Node&>(*fView->UI_FindNode(id));
-    }
     UI_CurveEditor& Curve() { return Find<UI_CurveEditor>("CurveEditor"); }
     void Press(std::string_view button) {
         fWindow.Click(ui::HeadlessWindow::CentreOf(Find<controls::UI_Button>(button)));
@@ -95,10 +79,7 @@ protected:
     }
     static auto At(float input, float output) { return Pair(FloatNear(input, 1e-3F), FloatNear(output, 1e-3F)); }
 
-    limner::CairoSupplier fSupplier;
-    ui::HeadlessWindow fWindow{fSupplier, {kWidth, 700}};
     boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter;
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
 };
 
 // In the middle of the widest gap, -100...-40.
@@ -172,11 +153,9 @@ TEST_F(DynamicsEditorTest, ChangesFromElsewhereAreShownAndNotWrittenBack) {
 // The minus is a bar in the middle of its button, dark on the light panel, and the other way round.
 TEST_F(DynamicsEditorTest, ButtonsHaveThePicturesOfTheThemeTheyAreOpenedIn) {
     for (const ui::Theme* theme : {&ui::Theme::Light(), &ui::Theme::Dark()}) {
-        fWindow.Window().SetContent(nullptr);
+        Close();
         fWindow.Window().SetTheme(*theme);
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        fWindow.Window().SetContent(fView);
-        Poll();
+        ShowPanelOf(fFilter);
         const Point centre = ui::HeadlessWindow::CentreOf(Find<controls::UI_Button>("DeletePointButton"));
         EXPECT_EQ(Brightness(centre) > 128, theme == &ui::Theme::Dark());
     }

@@ -1,13 +1,9 @@
 // What holds for the panel of every effect, each driven with the effect itself.
 
 #include "AllocationCounter.h"
-#include "kroui/limner/CairoSupplier.h"
+#include "PanelHost.h"
 #include "kroui/limner/Image.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "qoc/components/EffectCatalogue.h"
-#include "qocui/controls/AudioComponentEditorViewBase.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 
 #include <gmock/gmock.h>
 
@@ -36,24 +32,13 @@ private:
     AudioFilter& fFilter;
 };
 
-class EveryPanelTest : public testing::TestWithParam<qoc::components::EffectDescription> {
+class EveryPanelTest : public test::PanelHost<testing::TestWithParam<qoc::components::EffectDescription>> {
 protected:
-    EveryPanelTest() {
-        qocui::module::Initialize(&fSupplier);
+    EveryPanelTest() : PanelHost({1200, 800}) {
         fFilter->Prepare(48000, 64, kromediatypes::AudioChannelLayout::Stereo());
     }
-    ~EveryPanelTest() override {
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-        qocui::module::Terminate();
-    }
 
-    void Open() {
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        ASSERT_NE(fView, nullptr);
-        fWindow.Window().SetContent(fView);
-        Poll();
-    }
+    void Open() { ShowPanelOf(fFilter); }
     void Poll() { fWindow.Advance(0.1); }
 
     // As a preset or automation does it: most parameters, some of them to outside their range.
@@ -92,10 +77,7 @@ protected:
         return {picture->Pixels().begin(), picture->Pixels().end()};
     }
 
-    kroui::limner::CairoSupplier fSupplier;
-    kroui::ui::HeadlessWindow fWindow{fSupplier, {1200, 800}};
     boost::intrusive_ptr<AudioFilter> fFilter = GetParam().create();
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
     std::mt19937 fRandom{1};
 };
 

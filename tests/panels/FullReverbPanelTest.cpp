@@ -1,12 +1,9 @@
+#include "PanelHost.h"
 #include "kroui/controls/UI_Checkbox.h"
 #include "kroui/controls/UI_TabGroup.h"
-#include "kroui/limner/CairoSupplier.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/ParameterIndices.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 #include "uit/controls/UI_CurveEditor.h"
 #include "uit/controls/UI_EditNumber.h"
 
@@ -23,23 +20,14 @@ constexpr int kRoomPage = 1;
 constexpr int kEqualizerPage = 2;
 
 // The panel of a real effect, from the factory, in a window.
-class FullReverbPanelTest : public testing::Test {
+class FullReverbPanelTest : public test::PanelHost<> {
 protected:
-    FullReverbPanelTest() {
-        qocui::module::Initialize(&fSupplier);
+    FullReverbPanelTest() : PanelHost({1000, 700}) {
         fFilter = CreateEffect(kFullReverbComponentID);
         fFilter->Prepare(44100, 64, kromediatypes::AudioChannelLayout::Stereo());
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        fWindow.Window().SetContent(fView);
-        Poll();
-    }
-    ~FullReverbPanelTest() override {
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-        qocui::module::Terminate();
+        ShowPanelOf(fFilter);
     }
 
-    void Poll() { fWindow.Advance(0.011); }
     // The control of that kind that is shown, and called so.
     template <class Control>
     Control& Find(const std::string& name) {
@@ -78,10 +66,7 @@ protected:
         return values;
     }
 
-    limner::CairoSupplier fSupplier;
-    ui::HeadlessWindow fWindow{fSupplier, {1000, 700}};
     boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter;
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
 };
 
 TEST_F(FullReverbPanelTest, APointOfTheGraphMovesFrequencyAndGainOfItsBandAndNothingElse) {

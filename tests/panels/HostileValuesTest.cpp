@@ -1,14 +1,10 @@
 // Panels on a filter that answers with what is no number, or none that a panel can show: they open, paint, are driven
 // as by a user, and leave nothing in the filter that is no number either.
 
+#include "PanelHost.h"
 #include "kroui/controls/UI_ControlView.h"
-#include "kroui/limner/CairoSupplier.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/MultiChannelComponentBase.h"
-#include "qocui/controls/AudioComponentEditorViewBase.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 #include "uit/controls/UI_RulerGridBase.h"
 
 #include <gmock/gmock.h>
@@ -74,24 +70,11 @@ private:
     float fTouched = 0;
 };
 
-class HostileValuesTest : public testing::TestWithParam<qoc::components::EffectDescription> {
+class HostileValuesTest : public test::PanelHost<testing::TestWithParam<qoc::components::EffectDescription>> {
 protected:
-    HostileValuesTest() { qocui::module::Initialize(&fSupplier); }
-    ~HostileValuesTest() override {
-        Close();
-        qocui::module::Terminate();
-    }
+    HostileValuesTest() : PanelHost({1000, 800}) {}
 
-    void Open() {
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        ASSERT_NE(fView, nullptr);
-        fWindow.Window().SetContent(fView);
-        Poll();
-    }
-    void Close() {
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-    }
+    void Open() { ShowPanelOf(fFilter); }
     void Poll() {
         fFilter->Touch();
         fWindow.Advance(0.02);
@@ -115,10 +98,7 @@ protected:
             fWindow.PressKey(key);
     }
 
-    kroui::limner::CairoSupplier fSupplier;
-    HeadlessWindow fWindow{fSupplier, {1000, 800}};
     boost::intrusive_ptr<HostileFilter> fFilter{new HostileFilter(GetParam())};
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
 };
 
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();

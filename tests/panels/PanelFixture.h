@@ -1,12 +1,9 @@
 #pragma once
 
 #include "FakeFilter.h"
+#include "PanelHost.h"
 #include "kroui/controls/UI_Button.h"
 #include "kroui/controls/UI_Popup.h"
-#include "kroui/limner/CairoSupplier.h"
-#include "kroui/ui/HeadlessWindow.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 
 #include <gmock/gmock.h>
 
@@ -14,31 +11,16 @@ namespace test {
 
 // A panel as a host has it: from the factory, in a window, driven by pointer and keys; its filter writes down what is
 // done to it.
-class PanelTest : public testing::Test {
+class PanelTest : public PanelHost<> {
 protected:
-    PanelTest(std::size_t parameters, const char16_t* component) {
-        qocui::module::Initialize(&fSupplier);
+    PanelTest(std::size_t parameters, const char16_t* component) : PanelHost({800, 600}) {
         fFilter.reset(new FakeFilter(parameters, component));
         fFilter->Prepare(44100, 64, kromediatypes::AudioChannelLayout::Stereo());
     }
-    ~PanelTest() override {
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-        qocui::module::Terminate();
-    }
 
     void Open() {
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        ASSERT_NE(fView, nullptr);
-        fWindow.Window().SetContent(fView);
-        fWindow.Advance(0.1);
+        ShowPanelOf(fFilter);
         fFilter->TakeLog();
-    }
-    // The next poll sees what has been stored.
-    void Poll() { fWindow.Advance(0.011); }
-    template <class Node>
-    Node& Find(std::string_view id) {
-        return dynamic_cast<Node&>(*fView->UI_FindNode(id));
     }
     kroui::controls::UI_Popup& Popup(std::string_view id) { return Find<kroui::controls::UI_Popup>(id); }
     std::string Shown(std::string_view id) { return krocore::ToStdString(Popup(id).GetItemText(Popup(id).GetValue())); }
@@ -80,10 +62,7 @@ protected:
         return "set " + std::to_string(index) + " " + FakeFilter::Number(value);
     }
 
-    kroui::limner::CairoSupplier fSupplier;
-    kroui::ui::HeadlessWindow fWindow{fSupplier, {800, 600}};
     boost::intrusive_ptr<FakeFilter> fFilter;
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
 };
 
 } // namespace test

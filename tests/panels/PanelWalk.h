@@ -1,39 +1,20 @@
 #pragma once
 
+#include "PanelHost.h"
 #include "kroui/controls/UI_ControlView.h"
-#include "kroui/limner/CairoSupplier.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "qoc/components/EffectCatalogue.h"
-#include "qocui/controls/AudioComponentEditorViewBase.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 
 #include <gmock/gmock.h>
 
 namespace test {
 
 // The panel of an effect with the effect itself, for tests that walk all its controls.
-class PanelWalk : public testing::TestWithParam<qoc::components::EffectDescription> {
+class PanelWalk : public PanelHost<testing::TestWithParam<qoc::components::EffectDescription>> {
 protected:
-    PanelWalk() {
-        qocui::module::Initialize(&fSupplier);
-        fFilter->Prepare(48000, 64, kromediatypes::AudioChannelLayout::Stereo());
-    }
-    ~PanelWalk() override {
-        Close();
-        qocui::module::Terminate();
-    }
+    PanelWalk() : PanelHost({1200, 900}) { fFilter->Prepare(48000, 64, kromediatypes::AudioChannelLayout::Stereo()); }
 
     // A new panel of the effect as it is.
-    void Open() {
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        fWindow.Window().SetContent(fView);
-        fWindow.Advance(0.02);
-    }
-    void Close() {
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-    }
+    void Open() { ShowPanelOf(fFilter); }
     void StoreDefaults() {
         for (int i = 0; i < fFilter->GetParameterCount(); ++i)
             if (const auto* const info = fFilter->GetParameterInfo(i))
@@ -54,10 +35,7 @@ protected:
         return controls;
     }
 
-    kroui::limner::CairoSupplier fSupplier;
-    kroui::ui::HeadlessWindow fWindow{fSupplier, {1200, 900}};
     boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter = GetParam().create();
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
 
 private:
     template <class Control>

@@ -1,13 +1,10 @@
+#include "PanelHost.h"
 #include "SourcePaths.h"
-#include "kroui/limner/CairoSupplier.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "orrin/sheet.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/ParameterIndices.h"
 #include "qocui/controls/TarnLioAudioComponentEditorView.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 #include "uit/controls/UI_CurveEditor.h"
 #include "uit/controls/UI_EditNumber.h"
 
@@ -52,23 +49,14 @@ std::vector<std::string> Cells() {
 }
 
 // The panel of a real effect, from the factory, in a window.
-class ParametricEQPanelTest : public testing::Test {
+class ParametricEQPanelTest : public test::PanelHost<> {
 protected:
-    ParametricEQPanelTest() {
-        qocui::module::Initialize(&fSupplier);
+    ParametricEQPanelTest() : PanelHost({1000, 700}) {
         fFilter = CreateEffect(kParametricEQComponentID);
         fFilter->Prepare(44100, 64, kromediatypes::AudioChannelLayout::Stereo());
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        fWindow.Window().SetContent(fView);
-        Poll();
-    }
-    ~ParametricEQPanelTest() override {
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-        qocui::module::Terminate();
+        ShowPanelOf(fFilter);
     }
 
-    void Poll() { fWindow.Advance(0.011); }
     UI_CurveEditor& Graph() { return *FindGraph(*fView); }
     static std::vector<UI_EditNumber*> VisibleNumbers(ui::UI_Node& node) {
         std::vector<UI_EditNumber*> numbers;
@@ -115,10 +103,7 @@ protected:
             fBefore.push_back(fFilter->GetParameterValue(i));
     }
 
-    limner::CairoSupplier fSupplier;
-    ui::HeadlessWindow fWindow{fSupplier, {1000, 700}};
     boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter;
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
     std::vector<float> fBefore;
 };
 

@@ -1,16 +1,13 @@
+#include "PanelHost.h"
 #include "qocui/ui/PitchShiftEditorView.h"
 
 #include "FakeFilter.h"
 #include "kroui/controls/UI_Checkbox.h"
 #include "kroui/controls/UI_HotTextNumber.h"
 #include "kroui/controls/UI_RadioButton.h"
-#include "kroui/limner/CairoSupplier.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/GenericParameterInfo.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 #include "uit/controls/UI_EditNumber.h"
 #include "uit/controls/UI_OutlineBoxWithLabel.h"
 
@@ -58,23 +55,15 @@ double Ratio(double semitones) {
 }
 
 // The panel of the real effect.
-class PitchShiftEditorTest : public testing::Test, public kroaudiofilterhost::AudioFilterListener {
+class PitchShiftEditorTest : public test::PanelHost<>, public kroaudiofilterhost::AudioFilterListener {
 protected:
-    PitchShiftEditorTest() {
-        qocui::module::Initialize(&fSupplier);
+    PitchShiftEditorTest() : PanelHost({600, 400}) {
         fFilter = qoc::components::CreateEffect(qoc::components::kPitchShiftComponentID);
     }
-    ~PitchShiftEditorTest() override {
-        fFilter->RemoveListener(*this);
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-        qocui::module::Terminate();
-    }
+    ~PitchShiftEditorTest() override { fFilter->RemoveListener(*this); }
 
     void Open() {
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        fWindow.Window().SetContent(fView);
-        fWindow.Advance(0.1);
+        ShowPanelOf(fFilter);
         fFilter->AddListener(*this);
     }
     void ParameterChanged(AudioFilter& /*filter*/,
@@ -89,9 +78,9 @@ protected:
     Control& Get(std::string_view id) {
         return dynamic_cast<Control&>(*fView->UI_FindNode(id));
     }
-    UI_EditNumber& Semitones() { return Get<UI_EditNumber>("PS_SemiTones"); }
-    UI_EditNumber& Cents() { return Get<UI_EditNumber>("PS_Cents"); }
-    UI_HotTextNumber& Field(std::string_view id) { return Get<UI_HotTextNumber>(id); }
+    UI_EditNumber& Semitones() { return Find<UI_EditNumber>("PS_SemiTones"); }
+    UI_EditNumber& Cents() { return Find<UI_EditNumber>("PS_Cents"); }
+    UI_HotTextNumber& Field(std::string_view id) { return Find<UI_HotTextNumber>(id); }
     Point CentreOf(std::string_view id) { return kroui::ui::HeadlessWindow::CentreOf(*fView->UI_FindNode(id)); }
     Point Knob(const UI_EditNumber& slider) {
         const Rect track = slider.Layout().track;
@@ -112,7 +101,7 @@ protected:
     std::string Checked() {
         std::string checked;
         for (const char* id : {"PS_PrecisionLow", "PS_PrecisionMedium", "PS_PrecisionHigh"})
-            checked += Get<UI_RadioButton>(id).GetValue() != 0 ? '1' : '0';
+            checked += Find<UI_RadioButton>(id).GetValue() != 0 ? '1' : '0';
         return checked;
     }
     bool AreSettingsEnabled() {
@@ -121,10 +110,7 @@ protected:
         return enabled;
     }
 
-    limner::CairoSupplier fSupplier;
-    kroui::ui::HeadlessWindow fWindow{fSupplier, {600, 400}};
     boost::intrusive_ptr<AudioFilter> fFilter;
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
     std::vector<int> fChanged;
 };
 
@@ -190,9 +176,9 @@ TEST_F(PitchShiftEditorTest, OpensWithWhatTheFilterHolds) {
     EXPECT_NEAR(Field("PS_SplicingFrequency").GetValue(), 80, 1e-3);
     EXPECT_EQ(Field("PS_SplicingFrequency").FormatValue(), u"80") << "without trailing zeros";
     EXPECT_EQ(Field("PS_Overlapping").FormatValue(), u"33.3");
-    EXPECT_FALSE(Get<UI_Checkbox>("PS_UseDefaultSetting").IsChecked());
+    EXPECT_FALSE(Find<UI_Checkbox>("PS_UseDefaultSetting").IsChecked());
     EXPECT_TRUE(AreSettingsEnabled());
-    EXPECT_EQ(Get<uit::controls::UI_OutlineBoxWithLabel>("PS_OutlineBox_Settings").Label(), u"Pitch Settings");
+    EXPECT_EQ(Find<uit::controls::UI_OutlineBoxWithLabel>("PS_OutlineBox_Settings").Label(), u"Pitch Settings");
     EXPECT_THAT(TakeChanged(), IsEmpty());
 }
 
@@ -288,7 +274,7 @@ TEST_F(PitchShiftEditorTest, DefaultSettingsTakeBothExpertFieldsOutOfUse) {
     SetNatural(kDefaults, 0.49);
     fWindow.Advance(0.011);
     EXPECT_TRUE(AreSettingsEnabled());
-    EXPECT_FALSE(Get<UI_Checkbox>("PS_UseDefaultSetting").IsChecked());
+    EXPECT_FALSE(Find<UI_Checkbox>("PS_UseDefaultSetting").IsChecked());
 }
 
 TEST_F(PitchShiftEditorTest, ExpertFieldsStepByTheirIncrementsAndWriteTheirOwnParameter) {

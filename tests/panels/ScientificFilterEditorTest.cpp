@@ -1,15 +1,12 @@
+#include "PanelHost.h"
 #include "qocui/ui/ScientificFilterEditorView.h"
 
 #include "kroui/controls/UI_HotTextNumber.h"
 #include "kroui/controls/UI_Popup.h"
 #include "kroui/controls/UI_RadioButton.h"
-#include "kroui/limner/CairoSupplier.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/ParameterIndices.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 #include "uit/controls/ColorField.h"
 #include "uit/controls/UI_EditNumber.h"
 
@@ -53,28 +50,16 @@ private:
 };
 
 // The panel over the real effect, from the factory, in a window.
-class ScientificFilterEditorTest : public testing::Test {
+class ScientificFilterEditorTest : public test::PanelHost<> {
 protected:
-    ScientificFilterEditorTest() {
-        qocui::module::Initialize(&fSupplier);
+    ScientificFilterEditorTest() : PanelHost({740, 560}) {
         fFilter = CreateEffect(kScientificFilterComponentID);
         fFilter->Prepare(44100, 64, kromediatypes::AudioChannelLayout::Stereo());
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        fWindow.Window().SetContent(fView);
-        fWindow.Advance(0.05);
+        ShowPanelOf(fFilter);
         fFilter->AddListener(fRecorder);
     }
-    ~ScientificFilterEditorTest() override {
-        fWindow.Window().SetContent(nullptr);
-        fFilter->RemoveListener(fRecorder);
-        fView.reset();
-        qocui::module::Terminate();
-    }
+    ~ScientificFilterEditorTest() override { fFilter->RemoveListener(fRecorder); }
 
-    template <class Node>
-    Node& Find(std::string_view id) {
-        return dynamic_cast<Node&>(*fView->UI_FindNode(id));
-    }
     UI_HotTextNumber& Number(std::string_view id) { return Find<UI_HotTextNumber>(id); }
     bool IsEnabled(const std::string& id) {
         const bool isEnabled = Find<UI_ControlView>(id).IsEnabled();
@@ -101,11 +86,8 @@ protected:
         return place;
     }
 
-    limner::CairoSupplier fSupplier;
-    ui::HeadlessWindow fWindow{fSupplier, {740, 560}};
     Recorder fRecorder;
     boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter;
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
 };
 
 TEST_F(ScientificFilterEditorTest, WhatATypeOrModeDoesNotUseIsDisabled) {

@@ -1,14 +1,11 @@
 // What relations do while a control is dragged and the panel polls the effect in between.
 
 #include "FakeFilter.h"
+#include "PanelHost.h"
 #include "SourcePaths.h"
 #include "krocore/ModuleResources.h"
-#include "kroui/limner/CairoSupplier.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qocui/controls/TarnLioAudioComponentEditorView.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 #include "uit/controls/UI_CurveEditor.h"
 #include "uit/controls/UI_EditNumber.h"
 #include "uit/controls/UI_TimecodeEdit.h"
@@ -46,25 +43,15 @@ boost::intrusive_ptr<AudioFilter> NewFilter(const char* effect) {
     return filter;
 }
 
-class ScriptGesture : public testing::TestWithParam<std::string> {
+class ScriptGesture : public test::PanelHost<testing::TestWithParam<std::string>> {
 protected:
-    ScriptGesture() {
-        qocui::module::Initialize(&fSupplier);
+    ScriptGesture() : PanelHost({1600, 1200}) {
         fFilter = NewFilter(EffectsWithRelations().at(GetParam()));
         fFilter->Prepare(44100, 64, kromediatypes::AudioChannelLayout::ForChannelCount(2));
-        fView = TarnLioAudioComponentEditorView::Create(
+        Show(TarnLioAudioComponentEditorView::Create(
             fFilter, &fSupplier, krocore::ToUTF16(GetParam()),
-            krocore::ModuleFromAddress(&qocui::module::ComponentUIFactory::GetInstance()));
-        fWindow.Window().SetContent(fView);
-        Poll();
+            krocore::ModuleFromAddress(&qocui::module::ComponentUIFactory::GetInstance())));
     }
-    ~ScriptGesture() override {
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-        qocui::module::Terminate();
-    }
-
-    void Poll() { fWindow.Advance(0.011); }
 
     // Those that can be dragged.
     std::vector<kroui::ui::UI_Node*> Controls() const {
@@ -121,10 +108,7 @@ protected:
 
     static constexpr int kSteps = 6;
 
-    kroui::limner::CairoSupplier fSupplier;
-    kroui::ui::HeadlessWindow fWindow{fSupplier, {1600, 1200}};
     boost::intrusive_ptr<AudioFilter> fFilter;
-    boost::intrusive_ptr<TarnLioAudioComponentEditorView> fView;
 };
 
 // Before each drag another control has been dragged, so that every order of strength comes up.

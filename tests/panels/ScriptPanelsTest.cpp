@@ -1,3 +1,4 @@
+#include "PanelHost.h"
 #include "SourcePaths.h"
 #include "kroui/controls/UI_Checkbox.h"
 #include "kroui/controls/UI_DisclosureTriangleButton.h"
@@ -5,15 +6,11 @@
 #include "kroui/controls/UI_Popup.h"
 #include "kroui/controls/UI_RadioButton.h"
 #include "kroui/controls/UI_TabGroup.h"
-#include "kroui/limner/CairoSupplier.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "orrin/functions.h"
 #include "orrin/sheet.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
 #include "qoc/components/GraphicEQ.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 #include "uit/controls/UI_EditNumber.h"
 
 #include <gmock/gmock.h>
@@ -370,29 +367,16 @@ TEST(ScriptPanelSheets, StandBesideALayoutOfTheirNameBothInPlainTextWithWindowsL
     EXPECT_GT(count, 0);
 }
 
-class ScriptPanelsTest : public testing::Test {
+class ScriptPanelsTest : public test::PanelHost<> {
 protected:
-    ScriptPanelsTest() { qocui::module::Initialize(&fSupplier); }
-    ~ScriptPanelsTest() override {
-        Close();
-        qocui::module::Terminate();
-    }
+    ScriptPanelsTest() : PanelHost({1100, 600}) {}
 
     void Open(const Panel& panel) {
-        Close();
         fFilter = PreparedEffect(panel.component);
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        ASSERT_NE(fView, nullptr);
-        fWindow.Window().SetContent(fView);
-        Poll();
+        ShowPanelOf(fFilter);
         if (auto* const reveal = Find<controls::UI_DisclosureTriangleButton>("Advanced"))
             fWindow.Click(ui::HeadlessWindow::CentreOf(*reveal));
     }
-    void Close() {
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-    }
-    void Poll() { fWindow.Advance(0.011); }
     // Turns the panel's tabs until the control is to be seen.
     void ShowPageOf(const ui::UI_Node& control) {
         for (int tab = 0; !control.UI_IsVisibleInWindow(); ++tab) {
@@ -439,10 +423,7 @@ protected:
     void ExpectChooses(const Parameter& parameter, controls::UI_Popup& control);
     void ExpectTurnsOn(const Parameter& parameter, controls::UI_RadioButton& control);
 
-    limner::CairoSupplier fSupplier;
-    ui::HeadlessWindow fWindow{fSupplier, {1100, 600}};
     boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter;
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
 };
 
 // As after automation: shown, and not written back.

@@ -1,11 +1,8 @@
 #include "FakeFilter.h"
-#include "kroui/limner/CairoSupplier.h"
-#include "kroui/ui/HeadlessWindow.h"
+#include "PanelHost.h"
 #include "kroui/utility/RulerBase.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 #include "uit/controls/UI_EditNumber.h"
 
 #include <gmock/gmock.h>
@@ -36,23 +33,15 @@ public:
 };
 
 // The panel of the real effect, which says its own ranges.
-class StereoExpanderEditorTest : public testing::Test {
+class StereoExpanderEditorTest : public test::PanelHost<> {
 protected:
-    StereoExpanderEditorTest() {
-        qocui::module::Initialize(&fSupplier);
+    StereoExpanderEditorTest() : PanelHost({600, 200}) {
         fFilter = qoc::components::CreateEffect(qoc::components::kStereoExpanderComponentID);
         fFilter->Prepare(44100, 64, kromediatypes::AudioChannelLayout::Stereo());
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        fWindow.Window().SetContent(fView);
-        fWindow.Advance(0.1);
+        ShowPanelOf(fFilter);
         fFilter->AddListener(fListener);
     }
-    ~StereoExpanderEditorTest() override {
-        fFilter->RemoveListener(fListener);
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-        qocui::module::Terminate();
-    }
+    ~StereoExpanderEditorTest() override { fFilter->RemoveListener(fListener); }
 
     UI_EditNumber& Slider(int index) {
         return dynamic_cast<UI_EditNumber&>(*fView->UI_FindNode(index == kPan ? "SE_Slider_Pan" : "SE_Slider_Expand"));
@@ -64,10 +53,7 @@ protected:
         return slider.UI_LocalToWindow({track.left + static_cast<float>(part) * track.width, track.top});
     }
 
-    limner::CairoSupplier fSupplier;
-    ui::HeadlessWindow fWindow{fSupplier, {600, 200}};
     boost::intrusive_ptr<AudioFilter> fFilter;
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
     Listener fListener;
 };
 
@@ -131,10 +117,8 @@ TEST_F(StereoExpanderEditorTest, ChangesFromElsewhereMoveTheSliderAtTheNextPoll)
 TEST_F(StereoExpanderEditorTest, AFilterWithoutDescriptionsIsShownAndLeftAlone) {
     const boost::intrusive_ptr<test::FakeFilter> plain(
         new test::FakeFilter(2, qoc::components::kStereoExpanderComponentID));
-    const auto view = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(plain);
-    ASSERT_NE(view, nullptr);
-    fWindow.Window().SetContent(view);
-    fWindow.Click(ui::HeadlessWindow::CentreOf(*view->UI_FindNode("SE_Slider_Pan")));
+    ShowPanelOf(plain);
+    fWindow.Click(ui::HeadlessWindow::CentreOf(*fView->UI_FindNode("SE_Slider_Pan")));
     plain->Store(0, 0.7F);
     fWindow.Advance(0.1);
     EXPECT_THAT(plain->TakeLog(), Each(testing::StartsWith("quiet ")));

@@ -1,10 +1,7 @@
+#include "PanelHost.h"
 #include "kroui/controls/UI_HotTextNumber.h"
-#include "kroui/limner/CairoSupplier.h"
-#include "kroui/ui/HeadlessWindow.h"
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/EffectCatalogue.h"
-#include "qocui/module/ComponentUIFactory.h"
-#include "qocui/module/Module.h"
 #include "uit/controls/UI_EditNumber.h"
 
 #include <gmock/gmock.h>
@@ -43,21 +40,13 @@ constexpr Control kControls[] = {
     {qoc::components::kScientificFilterComponentID, "LevelRange", 11},
 };
 
-class SweepTest : public testing::TestWithParam<Control> {
+class SweepTest : public test::PanelHost<testing::TestWithParam<Control>> {
 protected:
-    SweepTest() {
-        qocui::module::Initialize(&fSupplier);
+    SweepTest() : PanelHost({900, 500}) {
         fFilter = qoc::components::CreateEffect(GetParam().component);
         fFilter->Prepare(44100, 64, kromediatypes::AudioChannelLayout::Stereo());
-        fView = qocui::module::ComponentUIFactory::GetInstance().CreateViewForComponent(fFilter);
-        fWindow.Window().SetContent(fView);
-        fWindow.Advance(0.05);
+        ShowPanelOf(fFilter);
         fNode = fView->UI_FindNode(GetParam().id);
-    }
-    ~SweepTest() override {
-        fWindow.Window().SetContent(nullptr);
-        fView.reset();
-        qocui::module::Terminate();
     }
 
     double Shown() const {
@@ -77,10 +66,7 @@ protected:
         EXPECT_NEAR(fFilter->GetParameterValue(index), expected, 1e-6) << GetParam().id << " " << how;
     }
 
-    limner::CairoSupplier fSupplier;
-    ui::HeadlessWindow fWindow{fSupplier, {900, 500}};
     boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> fFilter;
-    boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
     ui::UI_Node* fNode = nullptr;
 };
 
