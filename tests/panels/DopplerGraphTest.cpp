@@ -105,6 +105,29 @@ std::vector<std::string> WithGround(std::vector<std::string> path) {
     return path;
 }
 
+// From 10 m to the right of a centre 5 m ahead, at 2 m/s to the left past it: after 8 s 6 m left of the centre.
+TEST_F(DopplerGraphTest, ThePlacesOfAPathAreTold) {
+    const auto told = [this] {
+        std::vector<std::string> texts;
+        for (int part = 0; part < fGraph->UI_GetAccessiblePartCount(); ++part) {
+            const ui::AccessibleInfo info = fGraph->UI_GetAccessiblePart(part).info;
+            texts.push_back(krocore::ToStdString(info.name + u": " + info.value));
+        }
+        return texts;
+    };
+    Set(10, 2, 90, 5);
+    EXPECT_THAT(told(), testing::ElementsAre("Centre of the path: 5.0 m ahead, 0.0 m to the right",
+                                             "Start: 5.0 m ahead, 10.0 m to the right"));
+    SetSeconds(8);
+    EXPECT_EQ(told().back(), "End: 5.0 m ahead, 6.0 m to the left");
+    // Half of the circle, clockwise from the right.
+    fGraph->SetCircular(true);
+    fGraph->SetVelocity(3.14159F * 10 / 8);
+    EXPECT_EQ(told().back(), "End: 5.0 m ahead, 10.0 m to the left");
+    const Rect end = fGraph->UI_GetAccessiblePart(2).bounds;
+    EXPECT_NEAR(end.Centre().x, 110 - 10 * 210 / 2.1 / 15, 0.01) << "15 m and a little air from the middle to a margin";
+}
+
 TEST_F(DopplerGraphTest, WithoutAPathThereAreOnlyTheGroundAndTheListener) {
     Set(10, 2, 0);
     SetSeconds(0);

@@ -193,6 +193,28 @@ TEST_F(SFGraphTest, AZoomedLevelAxisIsWholeAgainInAnotherView) {
     EXPECT_EQ(fGraph->GetVerticalStart(), 180);
 }
 
+// A response that falls from 0 dB at 20 Hz, evenly along the logarithmic axis, by 10 dB at 24 kHz.
+TEST_F(SFGraphTest, TheResponseIsToldAtEveryFrequencyThatIsWritten) {
+    fFilter->curve = [](double place) { return static_cast<float>(-10 * place); };
+    fGraph->UpdateGraph();
+    const int count = fGraph->UI_GetAccessiblePartCount();
+    ASSERT_GT(count, 3);
+    double previous = 0;
+    for (int part = 0; part < count; ++part) {
+        const ui::AccessiblePart told = fGraph->UI_GetAccessiblePart(part);
+        const double hertz = told.info.position->value;
+        EXPECT_GT(hertz, previous) << "from left to right";
+        previous = hertz;
+        EXPECT_NEAR(told.info.range->value, -10 * std::log(hertz / 20) / std::log(1200.0), 0.02) << hertz;
+        EXPECT_TRUE(told.bounds.Contains({told.bounds.Centre().x, HeightOf(told.info.range->value)}));
+        if (hertz != 1000) continue;
+        EXPECT_EQ(told.info.name, u"1.00 kHz");
+        EXPECT_THAT(krocore::ToStdString(told.info.value), testing::MatchesRegex("-5\\.5[0-9]* dB"));
+    }
+    Show(SFGraph::View::kPhase);
+    EXPECT_THAT(krocore::ToStdString(fGraph->UI_GetAccessiblePart(0).info.value), testing::EndsWith("\u00B0"));
+}
+
 TEST_F(SFGraphTest, EachViewHasItsColour) {
     fGraph->SetCurveColor(SFGraph::View::kPhase, limner::Color::FromRGB(0x123456));
     EXPECT_EQ(Drawn("StrokeFunction")[1], "#FFC94D");

@@ -146,6 +146,12 @@ TEST_F(WorkbenchFixture, MetersShowThePeakBeforeAndBehindTheEffect) {
     ASSERT_EQ(std::sscanf(levels.c_str() + levels.find("out L"), "out L %f", &outputLeft), 1) << levels;
     EXPECT_NEAR(outputLeft - inputLeft, 6, 0.11) << levels;
     EXPECT_LE(inputLeft, -5.9F);
+    ASSERT_EQ(Node("levels").UI_GetAccessiblePartCount(), 4);
+    const kroui::ui::AccessiblePart outputBar = Node("levels").UI_GetAccessiblePart(2);
+    EXPECT_EQ(outputBar.info.name, u"out L");
+    EXPECT_NEAR(outputBar.info.range->value, outputLeft, 0.051);
+    EXPECT_LE(outputBar.info.range->value, outputBar.info.range->maximum);
+    EXPECT_EQ(outputBar.bounds.top - Node("levels").UI_GetAccessiblePart(1).bounds.Bottom(), 0);
 }
 
 TEST_F(WorkbenchFixture, ShortcutsSwitchLoopBypassThemeAndZoom) {

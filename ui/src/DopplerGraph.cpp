@@ -1,5 +1,8 @@
 #include "qocui/ui/DopplerGraph.h"
 
+#include "krocore/Localizer.h"
+#include "krocore/NumberFormat.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -48,6 +51,22 @@ float Distance(Point a, Point b) {
 // `length` into a direction: 0 points up, angles (radians) grow clockwise.
 Point Towards(float angle, float length) {
     return {std::sin(angle) * length, -std::cos(angle) * length};
+}
+
+enum Place : int { kCentre, kStart, kEnd, kPlaceCount };
+
+// In metres to the right and ahead.
+krocore::string16 PlaceText(Point place) {
+    const auto text = [](float metres, const char* key) {
+        return krocore::ReplacePlaceholders(krocore::Localize(key), {krocore::FormatNumber(std::abs(metres), 1)});
+    };
+    const bool isBehind = place.y < 0;
+    const bool isLeft = place.x < 0;
+    return krocore::ReplacePlaceholders(
+        krocore::Localize("$$$/DopplerGraph/Place=@0, @1"),
+        {text(place.y, isBehind ? "$$$/DopplerGraph/Behind=@0 m behind" : "$$$/DopplerGraph/Ahead=@0 m ahead"),
+         text(place.x,
+              isLeft ? "$$$/DopplerGraph/Left=@0 m to the left" : "$$$/DopplerGraph/Right=@0 m to the right")});
 }
 
 int SegmentsFor(float velocity) {
@@ -179,8 +198,7 @@ void DopplerGraph::UI_Draw(Limner* context) {
     context->FillRect(bounds, GetColor(kroui::ui::kColorPathBackground));
     DrawListener(*context);
 
-    // A circle of no radius has no path.
-    const float seconds = fCircular && fStartingDistance == 0 ? 0 : Seconds();
+    const float seconds = PathSeconds();
     if (seconds > 0 && IsLong(seconds)) {
         if (seconds != std::exchange(fLongSeconds, seconds)) fLongPath.Invalidate();
         fLongPath.Draw(*context, bounds, UI_GetDrawSupplier(), GetTheme(),
@@ -198,8 +216,7 @@ bool DopplerGraph::IsLong(float seconds) const {
 
 void DopplerGraph::DrawPath(Limner& context, float seconds) const {
     const Rect bounds = UI_GetLocalRect();
-    const float room = std::min(bounds.width, bounds.height) - 2 * kMargin;
-    const float scale = room / Extent() / kExtentShare;
+    const float scale = PixelsPerMetre();
     const Point centre{bounds.left + bounds.width / 2 + fPassesRight * scale,
                        bounds.top + bounds.height / 2 - fPassesFront * scale};
     Picture picture(context, bounds, scale, centre);
@@ -215,6 +232,44 @@ kroui::ui::AccessibleInfo DopplerGraph::UI_GetAccessibleInfo() const {
     info.role = kroui::ui::Role::kGraph;
     info.name = UI_GetTooltip();
     return info;
+}
+
+int DopplerGraph::UI_GetAccessiblePartCount() const {
+    return PathSeconds() > 0 ? kPlaceCount : kEnd;
+}
+
+kroui::ui::AccessiblePart DopplerGraph::UI_GetAccessiblePart(int part) const {
+    static constexpr const char* kNames[kPlaceCount] = {"$$$/DopplerGraph/Centre=Centre of the path",
+                                                        "$$$/DopplerGraph/Start=Start", "$$$/DopplerGraph/End=End"};
+    constexpr float kReach = 4; // pixels
+    const float seconds = part == kEnd ? PathSeconds() : 0;
+    const Point place = part == kCentre ? Point{fPassesRight, fPassesFront} : SourceAfter(seconds);
+    const Rect bounds = UI_GetLocalRect();
+    const Point pixel = bounds.Centre() + Point{place.x * PixelsPerMetre(), -place.y * PixelsPerMetre()};
+    kroui::ui::AccessiblePart told;
+    if (bounds.Contains(pixel)) told.bounds = {pixel.x - kReach, pixel.y - kReach, 2 * kReach, 2 * kReach};
+    told.info.role = kroui::ui::Role::kGraphPoint;
+    told.info.name = krocore::Localize(kNames[part]);
+    told.info.value = PlaceText(place);
+    return told;
+}
+
+Point DopplerGraph::SourceAfter(float seconds) const {
+    const float way = fVelocity * seconds;
+    const float angle =
+        fDirection * kRadiansPerDegree + (fCircular && fStartingDistance != 0 ? way / fStartingDistance : 0);
+    const Point fromCentre = Towards(angle, fCircular ? fStartingDistance : fStartingDistance - way);
+    return {fPassesRight + fromCentre.x, fPassesFront - fromCentre.y};
+}
+
+float DopplerGraph::PixelsPerMetre() const {
+    const Rect bounds = UI_GetLocalRect();
+    const float room = std::min(bounds.width, bounds.height) - 2 * kMargin;
+    return room / Extent() / kExtentShare;
+}
+
+float DopplerGraph::PathSeconds() const {
+    return fCircular && fStartingDistance == 0 ? 0 : Seconds();
 }
 
 void DopplerGraph::DrawListener(Limner& context) const {

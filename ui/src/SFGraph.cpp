@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 namespace qocui::ui {
@@ -130,6 +131,28 @@ kroui::ui::AccessibleInfo SFGraph::UI_GetAccessibleInfo() const {
     info.name = krocore::Localize("$$$/ScientificFilter/SFGraph/Name=Frequency Response");
     info.value = krocore::Localize(kNames[static_cast<std::size_t>(fView)]);
     return info;
+}
+
+int SFGraph::UI_GetAccessiblePartCount() const {
+    return static_cast<int>(LabelledTicks().size());
+}
+
+kroui::ui::AccessiblePart SFGraph::UI_GetAccessiblePart(int part) const {
+    constexpr float kReach = 4; // pixels
+    const kroui::utility::RulerTick tick = LabelledTicks()[static_cast<std::size_t>(part)];
+    const float response = ResponseAt(tick.pixel);
+    const float y = VerticalRuler().GetPixel(response);
+    const Readout readout = ReadoutAt({tick.pixel, y});
+    const auto [bottom, top] = std::minmax({GetVerticalStart(), GetVerticalEnd()});
+    kroui::ui::AccessiblePart told;
+    if (GetContentRect().Contains({tick.pixel, y}))
+        told.bounds = {tick.pixel - kReach, y - kReach, 2 * kReach, 2 * kReach};
+    told.info.role = kroui::ui::Role::kGraphPoint;
+    told.info.name = readout.frequency;
+    told.info.value = readout.value;
+    told.info.position = {.value = tick.value, .minimum = GetHorizontalStart(), .maximum = GetHorizontalEnd()};
+    told.info.range = {.value = std::clamp<double>(response, bottom, top), .minimum = bottom, .maximum = top};
+    return told;
 }
 
 void SFGraph::DrawContent(Limner& limner) {
@@ -260,19 +283,36 @@ Rect SFGraph::ReadoutRect() const {
 }
 
 krocore::string16 SFGraph::ReadoutText() const {
+    const Readout readout = ReadoutAt(*fPointer);
+    return krocore::ReplacePlaceholders(krocore::Localize("$$$/ScientificFilter/SFGraph/Readout=@0, @1"),
+                                        {readout.frequency, readout.value});
+}
+
+float SFGraph::ResponseAt(float x) const {
     const Rect content = GetContentRect();
     const std::size_t last = fResponse.size() - 1;
-    const double place = (fPointer->x - content.left) / content.width;
-    const auto index = krocore::TruncatedWithin<std::size_t>(std::round(place * static_cast<double>(last)), 0, last);
-    const CoordinatePair here = GetCoordinatePairForPixel(*fPointer);
-    const CoordinatePair next = GetCoordinatePairForPixel({fPointer->x + 1, fPointer->y + 1});
+    const double place = (x - content.left) / content.width;
+    return fResponse[krocore::TruncatedWithin<std::size_t>(std::round(place * static_cast<double>(last)), 0, last)];
+}
+
+SFGraph::Readout SFGraph::ReadoutAt(Point pixel) const {
+    const CoordinatePair here = GetCoordinatePairForPixel(pixel);
+    const CoordinatePair next = GetCoordinatePairForPixel({pixel.x + 1, pixel.y + 1});
     uit::controls::AxisText frequency;
     uit::controls::AxisText value;
     frequency.unit = GetHorizontalLabel1();
     value.unit = Unit();
-    return krocore::ReplacePlaceholders(krocore::Localize("$$$/ScientificFilter/SFGraph/Readout=@0, @1"),
-                                        {frequency.Write(here.horizontal, next.horizontal - here.horizontal),
-                                         value.Write(fResponse[index], next.vertical - here.vertical)});
+    return {frequency.Write(here.horizontal, next.horizontal - here.horizontal),
+            value.Write(ResponseAt(pixel.x), next.vertical - here.vertical)};
+}
+
+std::vector<kroui::utility::RulerTick> SFGraph::LabelledTicks() const {
+    const auto* const supplier = UI_GetDrawSupplier();
+    std::vector<kroui::utility::RulerTick> labelled;
+    if (!supplier || fResponse.empty() || GetContentRect().IsEmpty()) return labelled;
+    std::ranges::copy_if(HorizontalRuler().GetTicks(supplier), std::back_inserter(labelled),
+                         [](const auto& tick) { return !tick.text.empty(); });
+    return labelled;
 }
 
 krocore::string16 SFGraph::Unit() const {

@@ -12,9 +12,9 @@ using kroui::ui::UI_Node;
 namespace {
 
 const char* NameOf(kroui::ui::Role role) {
-    static constexpr std::array kNames = {"none",  "group", "text",      "image",  "button",   "checkbox",
-                                          "radio", "popup", "slider",    "number", "field",    "graph",
-                                          "meter", "menu",  "menu-item", "list",   "list-item"};
+    static constexpr std::array kNames = {
+        "none",  "group", "text",  "image", "button",    "checkbox", "radio",     "popup",     "slider", "number",
+        "field", "graph", "meter", "menu",  "menu-item", "list",     "list-item", "tab-group", "tab",    "point"};
     const auto index = static_cast<std::size_t>(role);
     return index < kNames.size() ? kNames[index] : "unknown";
 }

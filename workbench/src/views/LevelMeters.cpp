@@ -162,4 +162,18 @@ kroui::ui::AccessibleInfo LevelMeters::UI_GetAccessibleInfo() const {
     return info;
 }
 
+// The highest of late, as it is written beside the bar.
+kroui::ui::AccessiblePart LevelMeters::UI_GetAccessiblePart(int part) const {
+    const auto row = static_cast<std::size_t>(part);
+    const Bar& bar = fBars[row];
+    const double mark = bar.level.Mark();
+    kroui::ui::AccessiblePart told;
+    told.bounds = RowRect(row);
+    told.info.role = kroui::ui::Role::kMeter;
+    told.info.name = bar.name;
+    told.info.value = bar.text + u" dB";
+    told.info.range = {.value = std::max<double>(mark, kLowest), .minimum = kLowest, .maximum = std::max(mark, 0.0)};
+    return told;
+}
+
 } // namespace workbench

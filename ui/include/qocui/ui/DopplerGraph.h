@@ -29,6 +29,9 @@ public:
     void UI_SizeChanged(const kroui::RectT<float>& rect) override;
     void UI_Draw(kroui::limner::Limner* context) override;
     kroui::ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    // The path's centre, its start and, of a sound whose length is known, its end.
+    int UI_GetAccessiblePartCount() const override;
+    kroui::ui::AccessiblePart UI_GetAccessiblePart(int part) const override;
 
 protected:
     ~DopplerGraph() override;
@@ -42,6 +45,11 @@ private:
     bool IsLong(float seconds) const;
     void DrawStraightPath(Picture& picture, float seconds) const;
     void DrawCircularPath(Picture& picture, float seconds) const;
+    // Where the source is then, in metres to the right and ahead of the listener.
+    kroui::Point SourceAfter(float seconds) const;
+    float PixelsPerMetre() const;
+    // How long there is something to be drawn; a circle of no radius has no path.
+    float PathSeconds() const;
     // The largest distance from the listener, along one axis, that has to fit into half the view.
     float Extent() const;
     // How long the sound is; 0 when that is not known.

@@ -38,6 +38,9 @@ public:
     bool UI_DoMouseEvent(UI_Node* node, const kroui::ui::MouseEvent& event) override;
     void UI_SizeChanged(const kroui::RectT<float>& rect) override;
     kroui::ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    // The response at each frequency that is written along the axis.
+    int UI_GetAccessiblePartCount() const override;
+    kroui::ui::AccessiblePart UI_GetAccessiblePart(int part) const override;
 
 protected:
     ~SFGraph() override;
@@ -64,6 +67,14 @@ private:
     void SetPointer(std::optional<kroui::Point> pointer);
     kroui::Rect ReadoutRect() const;
     krocore::string16 ReadoutText() const;
+    // The response at a horizontal pixel, and as text with its frequency; there must be one.
+    float ResponseAt(float x) const;
+    struct Readout {
+        krocore::string16 frequency;
+        krocore::string16 value;
+    };
+    Readout ReadoutAt(kroui::Point pixel) const;
+    std::vector<kroui::utility::RulerTick> LabelledTicks() const;
     krocore::string16 Unit() const;
 
     float Parameter(int index) const { return fFilter->GetParameterValue(index); }

@@ -22,6 +22,9 @@ public:
 
     void UI_Draw(kroui::limner::Limner* limner) override;
     kroui::ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    // A bar each.
+    int UI_GetAccessiblePartCount() const override { return static_cast<int>(fBars.size()); }
+    kroui::ui::AccessiblePart UI_GetAccessiblePart(int part) const override;
 
 private:
     struct Bar {
