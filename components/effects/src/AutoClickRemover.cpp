@@ -70,7 +70,7 @@ void AutoClickRemover::PrepareProcessing(std::size_t /*maximumBlock*/) {
     fStream.Prepare(GetNumberOfInputChannels(), fLayout);
     fModel.Prepare(frame, kLargestOrder);
     fDetector.Prepare(frame, frame / kNeighbourhoodsPerFrame);
-    fRestorer.Prepare(frame, kLargestOrder);
+    fInterpolator.Prepare(frame, kLargestOrder);
     fSound.assign(frame, 0.0);
     fRestored.assign(frame, 0.0);
     fUnknown.reserve(frame);
@@ -103,10 +103,10 @@ void AutoClickRemover::Repair(std::size_t /*channel*/, std::span<const float> /*
     fModel.Fit(fSound, fOrder);
     if (FindClicks() == 0) return;
     fRestored = fSound;
-    fRestorer.Restore(fModel.Coefficients(), fUnknown, fRestored);
+    fInterpolator.Restore(fModel.Coefficients(), fUnknown, fRestored);
     fModel.Fit(fRestored, fOrder);
     fRepairs += FindClicks();
-    fRestorer.Restore(fModel.Coefficients(), fUnknown, fSound);
+    fInterpolator.Restore(fModel.Coefficients(), fUnknown, fSound);
     for (const std::size_t place : fUnknown)
         repaired[place] = static_cast<float>(fSound[place]);
 }

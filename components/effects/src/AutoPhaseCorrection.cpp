@@ -165,7 +165,7 @@ void AutoPhaseCorrection::PrepareProcessing(std::size_t maximumBlock) {
     fChannels.resize(channels);
     fMoved.clear();
     for (Channel& channel : fChannels) {
-        channel.finder.Prepare(fSize);
+        channel.delay.Prepare(fSize);
         channel.aligner.Prepare(fSize / 2 + 1);
         channel.level.Prepare(GetSampleRate());
         channel.spectrum.resize(fSize / 2 + 1);
@@ -180,7 +180,7 @@ void AutoPhaseCorrection::ResetProcessing() noexcept {
     fOverlapAdd.Reset();
     fAnalyses.Reset();
     for (Channel& channel : fChannels) {
-        channel.finder.Reset();
+        channel.delay.Reset();
         channel.aligner.Reset();
         channel.found = 0;
         channel.level.Settle(1);
@@ -270,10 +270,10 @@ void AutoPhaseCorrection::Analyse() noexcept {
     for (std::size_t index = 0; index < fChannels.size(); ++index) {
         Channel& channel = fChannels[index];
         const bool isReference = index == fReference;
-        channel.finder.Add(reference.spectrum, channel.spectrum, fKept);
+        channel.delay.Add(reference.spectrum, channel.spectrum, fKept);
         if (isReference)
             channel.found = 0;
-        else if (const auto found = channel.finder.Find(fLongestShift))
+        else if (const auto found = channel.delay.Find(fLongestShift))
             channel.found = *found;
         FollowSettings(channel, isReference);
     }
@@ -296,7 +296,7 @@ void AutoPhaseCorrection::FollowSettings(Channel& channel, bool isReference) noe
     else
         channel.target = -fTimeShift;
     const bool balances = fBalances && !isReference;
-    const float level = balances ? std::clamp(channel.finder.LevelRatio(), 1 / kMostBalance, kMostBalance) : 1.0F;
+    const float level = balances ? std::clamp(channel.delay.LevelRatio(), 1 / kMostBalance, kMostBalance) : 1.0F;
     if (level != channel.level.Target()) channel.level.SetTarget(level);
 }
 

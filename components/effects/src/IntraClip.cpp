@@ -86,7 +86,7 @@ void IntraClip::PrepareProcessing(std::size_t /*maximumBlock*/) {
     fDetector.Prepare(frame);
     fLevels.assign(GetNumberOfInputChannels(), {});
     fModel.Prepare(frame, kLargestOrder);
-    fRestorer.Prepare(frame, kLargestOrder);
+    fInterpolator.Prepare(frame, kLargestOrder);
     fGain.Prepare(GetSampleRate());
     fSound.assign(frame, 0.0);
     fClipped.reserve(frame);
@@ -168,8 +168,8 @@ void IntraClip::FitToSpectrum(std::span<const float> original) noexcept {
     for (int round = 0; round < kRounds; ++round) {
         fModel.Fit(fSound, fOrder);
         fUnknown = fClipped;
-        fRestorer.Restore(fModel.Coefficients(), fUnknown, fSound);
-        if (KeepAboveClipping(original)) fRestorer.Restore(fModel.Coefficients(), fUnknown, fSound);
+        fInterpolator.Restore(fModel.Coefficients(), fUnknown, fSound);
+        if (KeepAboveClipping(original)) fInterpolator.Restore(fModel.Coefficients(), fUnknown, fSound);
     }
 }
 

@@ -135,7 +135,7 @@ void PitchCorrect::PrepareProcessing(std::size_t /*maximumBlock*/) {
 void PitchCorrect::ResetProcessing() noexcept {
     fHistory.Reset();
     fTrack.Reset();
-    fFollower.Reset();
+    fCorrector.Reset();
     fShifter.Reset();
     fCorrection = 0;
     StoreCorrection();
@@ -146,9 +146,9 @@ void PitchCorrect::ReadParameters(bool /*settle*/) noexcept {
     fSize = Part(kPitchCorrectFFTSize, kSizeCount);
     fCalibration = Natural(kPitchCorrectCalibration);
     const int key = kFirstKey - static_cast<int>(Part(kPitchCorrectKey, kNotesPerOctave));
-    fFollower.SetScale(static_cast<MusicalScale>(Part(kPitchCorrectScale, kScaleCount)), key);
-    fFollower.SetSensitivity(Natural(kPitchCorrectSensitivity));
-    fFollower.SetAttack(SecondsOfMilliseconds(Natural(kPitchCorrectAttack)) * GetSampleRate());
+    fCorrector.SetScale(static_cast<MusicalScale>(Part(kPitchCorrectScale, kScaleCount)), key);
+    fCorrector.SetSensitivity(Natural(kPitchCorrectSensitivity));
+    fCorrector.SetAttack(SecondsOfMilliseconds(Natural(kPitchCorrectAttack)) * GetSampleRate());
 }
 
 void PitchCorrect::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
@@ -197,13 +197,13 @@ void PitchCorrect::StartGrain() noexcept {
     // The grain's mark lies a period ahead: the middle of the way there counts.
     if (period) period = fTrack.PeriodAt(sounding + *period / 2);
     if (!period) {
-        fCorrection = fFollower.Advance(std::nullopt, elapsed);
+        fCorrection = fCorrector.Advance(std::nullopt, elapsed);
         fShifter.StartPlainGrain(kPlainGrain * rate);
         return;
     }
     const double pitch =
         kNoteOfCalibration + static_cast<double>(kNotesPerOctave) * std::log2(rate / *period / fCalibration);
-    fCorrection = fFollower.Advance(pitch, elapsed);
+    fCorrection = fCorrector.Advance(pitch, elapsed);
     fShifter.StartGrain(fHistory, fChannel, *period, std::exp2(fCorrection / kCentsPerOctave));
 }
 

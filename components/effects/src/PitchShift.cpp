@@ -19,8 +19,8 @@ constexpr const char* kPrecisions[] = {"$$$/PitchShift/Low=Low", "$$$/PitchShift
 constexpr ParameterRow kRows[] = {
     {.id = "ratio",
      .name = "$$$/PitchShift/Ratio=Ratio",
-     .lo = Splicer::kLowestRatio,
-     .hi = Splicer::kHighestRatio,
+     .lo = WsolaStretcher::kLowestRatio,
+     .hi = WsolaStretcher::kHighestRatio,
      .defaultValue = 1,
      .decimals = 4,
      .scale = ParameterScale::kLogarithmic},
@@ -63,26 +63,26 @@ PitchShift::~PitchShift() = default;
 
 std::size_t PitchShift::Tail() const noexcept {
     if (Natural(kPitchShiftRatio) == 1.0F) return 0;
-    const double late = Splicer::FarthestOff(ReadLengths(), GetSampleRate());
+    const double late = WsolaStretcher::FarthestOff(ReadLengths(), GetSampleRate());
     return static_cast<std::size_t>(std::ceil(late)) + BandLimitedInterpolator::kReach;
 }
 
 void PitchShift::PrepareProcessing(std::size_t maximumBlock) {
     const double sampleRate = GetSampleRate();
-    fSplicer.Prepare(GetNumberOfInputChannels(), sampleRate, sampleRate / kLowestSplicingFrequency);
-    const std::size_t reach = fSplicer.Reach() + kReach;
+    fStretcher.Prepare(GetNumberOfInputChannels(), sampleRate, sampleRate / kLowestSplicingFrequency);
+    const std::size_t reach = fStretcher.Reach() + kReach;
     fLatency = reach;
     const std::size_t kept = std::bit_ceil(fLatency + reach + maximumBlock);
-    fClock.Prepare(kept);
+    fTimeMap.Prepare(kept);
     fHistory.Prepare(GetNumberOfInputChannels(), kept);
     for (SmoothedValue* value : {&fRatio, &fWet})
         value->Prepare(sampleRate);
 }
 
 void PitchShift::ResetProcessing() noexcept {
-    fClock.Reset();
+    fTimeMap.Reset();
     fHistory.Reset();
-    fSplicer.Reset();
+    fStretcher.Reset();
 }
 
 void PitchShift::ReadParameters(bool settle) noexcept {
@@ -90,20 +90,20 @@ void PitchShift::ReadParameters(bool settle) noexcept {
     fRatio.Set(ratio, settle);
     if (settle) fWet.Settle(ratio == 1.0F ? 0.0F : 1.0F);
     fPrecision = static_cast<BandLimitedInterpolator::Precision>(Item(kPitchShiftPrecision));
-    fSplicer.SetLengths(ReadLengths());
+    fStretcher.SetLengths(ReadLengths());
 }
 
-Splicer::Lengths PitchShift::ReadLengths() const noexcept {
+WsolaStretcher::Lengths PitchShift::ReadLengths() const noexcept {
     if (IsOn(kPitchShiftUseDefaultSettings)) return {};
     const double sequence = GetSampleRate() / double{Natural(kPitchShiftSplicingFrequency)};
     return {sequence, FractionOfPercent(sequence * Natural(kPitchShiftOverlapping))};
 }
 
 void PitchShift::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
-    const std::int64_t start = fClock.Now() - static_cast<std::int64_t>(fLatency);
+    const std::int64_t start = fTimeMap.Now() - static_cast<std::int64_t>(fLatency);
     fHistory.Write(block.inputs, 0, block.frames);
     for (std::size_t i = 0; i < block.frames; ++i)
-        fClock.Push(fRatio.Next());
+        fTimeMap.Push(fRatio.Next());
     for (std::size_t i = 0; i < block.frames; ++i)
         Write(block, i, start + static_cast<std::int64_t>(i));
 }
@@ -115,25 +115,25 @@ void PitchShift::Write(const kroaudiofilterhost::AudioFilterBlock& block, std::s
             output[frame] = 0;
         return;
     }
-    fWet.SetTarget(fClock.RatioAt(source) == 1.0F ? 0.0F : 1.0F);
+    fWet.SetTarget(fTimeMap.RatioAt(source) == 1.0F ? 0.0F : 1.0F);
     const float wet = fWet.Next();
     if (wet > 0) {
         WriteShifted(block, frame, source, wet);
         return;
     }
-    fSplicer.Follow(source, fClock);
+    fStretcher.Follow(source, fTimeMap);
     for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
         block.outputs[channel][frame] = *fHistory.At(channel, source);
 }
 
 void PitchShift::WriteShifted(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::int64_t source,
                               float wet) noexcept {
-    const float ratio = fClock.RatioAt(source);
-    fSplicer.Advance(source, fClock, fHistory);
-    const float share = fSplicer.Share();
+    const float ratio = fTimeMap.RatioAt(source);
+    fStretcher.Advance(source, fTimeMap, fHistory);
+    const float share = fStretcher.Share();
     fInterpolator.Set(fPrecision, ratio);
-    PlaceReading(fSplicer.Place(), fPresent);
-    if (share < 1) PlaceReading(fSplicer.FormerPlace(), fFormer);
+    PlaceReading(fStretcher.Place(), fPresent);
+    if (share < 1) PlaceReading(fStretcher.FormerPlace(), fFormer);
     for (std::size_t channel = 0; channel < block.outputs.size(); ++channel) {
         float shifted = Read(fPresent, channel);
         if (share < 1) {

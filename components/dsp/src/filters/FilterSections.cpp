@@ -72,7 +72,7 @@ double FilterSection::LogarithmOfPoleRadius() const noexcept {
     return std::max(logarithm(slow), fast > 1 ? std::log1p(-2 / (1 + fast)) : logarithm(fast));
 }
 
-StateVariableStep FilterSection::Step() const noexcept {
+StateVariableFilter FilterSection::Step() const noexcept {
     // What is high is the input less the damped band and the low.
     return {tuning, damping, high, band - damping * high, low - high};
 }

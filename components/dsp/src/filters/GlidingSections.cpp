@@ -26,7 +26,7 @@ void GlidingSections::Prepare(double sampleRate, std::size_t channels, std::size
 }
 
 void GlidingSections::Reset() noexcept {
-    std::ranges::fill(fMemories, StateVariableStep::Memory());
+    std::ranges::fill(fMemories, StateVariableFilter::Memory());
 }
 
 void GlidingSections::Set(std::span<const BiquadCoefficients> sections, bool settle) noexcept {
@@ -64,7 +64,7 @@ bool GlidingSections::Section::IsNeutral() const noexcept {
     });
 }
 
-StateVariableStep GlidingSections::StepOf(const Values& values) noexcept {
+StateVariableFilter GlidingSections::StepOf(const Values& values) noexcept {
     return {std::exp(values[kPitch]), values[kDamping], values[kInput], values[kBand], values[kLow]};
 }
 

@@ -15,14 +15,14 @@ void SectionCascade::Prepare(std::size_t channels, std::size_t mostSections) {
 void SectionCascade::SetSections(std::span<const FilterSection> sections) noexcept {
     fSections.clear();
     std::ranges::transform(sections, std::back_inserter(fSections), &FilterSection::Step);
-    std::ranges::fill(fMemories, StateVariableStep::Memory());
+    std::ranges::fill(fMemories, StateVariableFilter::Memory());
 }
 
 void SectionCascade::Process(std::size_t channel, std::span<double> sound) noexcept {
     auto memory = fMemories.begin() + static_cast<std::ptrdiff_t>(channel * fMostSections);
-    for (const StateVariableStep& section : fSections) {
-        const StateVariableStep step = section; // copies that live in registers
-        StateVariableStep::Memory working = *memory;
+    for (const StateVariableFilter& section : fSections) {
+        const StateVariableFilter step = section; // copies that live in registers
+        StateVariableFilter::Memory working = *memory;
         for (double& sample : sound)
             sample = step.Next(working, sample);
         *memory++ = working;

@@ -39,7 +39,7 @@ std::size_t PsolaShifter::FramesUntilMark() const noexcept {
     return segment > fDone ? segment - fDone : 0;
 }
 
-void PsolaShifter::StartGrain(const SoundHistory& history, std::size_t guide, double period, double ratio) noexcept {
+void PsolaShifter::StartGrain(const HistoryBuffer& history, std::size_t guide, double period, double ratio) noexcept {
     if (!fVoiced) {
         fVoiced = true;
         StartNext(DistanceToPeak(history, guide, period), 0);
@@ -55,7 +55,7 @@ void PsolaShifter::StartPlainGrain(double frames) noexcept {
     StartNext(frames, 0);
 }
 
-void PsolaShifter::Render(const SoundHistory& history, std::span<float* const> outputs, std::size_t offset,
+void PsolaShifter::Render(const HistoryBuffer& history, std::span<float* const> outputs, std::size_t offset,
                           std::size_t frames) noexcept {
     const bool isOne = fFading.shift == fRising.shift;
     for (std::size_t i = 0; i < frames && !isOne; ++i)
@@ -96,7 +96,7 @@ void PsolaShifter::StartNext(double length, double shift) noexcept {
     SetShift(fRising, shift);
 }
 
-double PsolaShifter::DistanceToPeak(const SoundHistory& history, std::size_t guide, double period) const noexcept {
+double PsolaShifter::DistanceToPeak(const HistoryBuffer& history, std::size_t guide, double period) const noexcept {
     const auto count = static_cast<std::int64_t>(std::min(std::ceil(period), static_cast<double>(fLatency)));
     const float* sound = history.At(guide, history.Now() - fLatency);
     const float* peak =
@@ -111,7 +111,7 @@ double PsolaShifter::Wrap(double shift, double period) const noexcept {
     return shift - period * std::ceil((shift - highest) / period);
 }
 
-void PsolaShifter::Read(const SoundHistory& history, std::size_t channel, const Grain& grain, std::size_t frames,
+void PsolaShifter::Read(const HistoryBuffer& history, std::size_t channel, const Grain& grain, std::size_t frames,
                         float* target) const noexcept {
     const std::int64_t first = history.Now() - static_cast<std::int64_t>(frames) - fLatency + grain.whole;
     if (grain.isWhole) {

@@ -1,6 +1,6 @@
 #include "qoc/dsp/pitch/SpliceSearch.h"
 
-#include "qoc/dsp/math/SumInTurns.h"
+#include "qoc/dsp/math/UnrolledSum.h"
 
 #include <algorithm>
 #include <bit>
@@ -23,7 +23,7 @@ constexpr double kSilence = 1e-6;
 constexpr double kLeast = 1e-20;
 
 double Product(const float* one, const float* other, std::size_t count) noexcept {
-    return SumInTurns<double>(0, count, [=](std::size_t i) { return double{one[i]} * other[i]; });
+    return UnrolledSum<double>(0, count, [=](std::size_t i) { return double{one[i]} * other[i]; });
 }
 
 // Written out: the operator takes care of infinite values, which costs time.
@@ -61,7 +61,7 @@ void SpliceSearch::Prepare(std::size_t channels, double sampleRate, std::size_t 
     fEnergy.assign(most + 1, 0.0);
 }
 
-double SpliceSearch::Find(const SoundHistory& history, std::int64_t present, std::int64_t wanted,
+double SpliceSearch::Find(const HistoryBuffer& history, std::int64_t present, std::int64_t wanted,
                           std::size_t length) noexcept {
     const auto step = static_cast<std::int64_t>(fStep);
     const std::int64_t first = wanted - static_cast<std::int64_t>(fRoom) / 2 * step;
@@ -79,7 +79,7 @@ void SpliceSearch::Gather(const float* sound, std::size_t count, std::span<std::
 }
 
 // Leaves the likeness of each coarse place in fSound.
-void SpliceSearch::Correlate(const SoundHistory& history, std::int64_t present, std::int64_t first,
+void SpliceSearch::Correlate(const HistoryBuffer& history, std::int64_t present, std::int64_t first,
                              std::size_t length) noexcept {
     const std::size_t nearby = length + fRoom;
     fTransform = &*std::ranges::find_if(fTransforms, [nearby](const RealFFT& each) { return each.Size() >= nearby; });
@@ -119,7 +119,7 @@ std::size_t SpliceSearch::BestCoarse() const noexcept {
     return best;
 }
 
-double SpliceSearch::Refine(const SoundHistory& history, std::int64_t present, std::int64_t time,
+double SpliceSearch::Refine(const HistoryBuffer& history, std::int64_t present, std::int64_t time,
                             std::size_t length) const noexcept {
     const auto likenessAt = [&](std::int64_t at) { return LikenessAt(history, present, at, length); };
     const std::int64_t reach = fStep == 1 ? 0 : static_cast<std::int64_t>(fStep);
@@ -137,7 +137,7 @@ double SpliceSearch::Refine(const SoundHistory& history, std::int64_t present, s
     return found;
 }
 
-double SpliceSearch::LikenessAt(const SoundHistory& history, std::int64_t present, std::int64_t time,
+double SpliceSearch::LikenessAt(const HistoryBuffer& history, std::int64_t present, std::int64_t time,
                                 std::size_t length) const noexcept {
     double product = 0;
     double energy = 0;

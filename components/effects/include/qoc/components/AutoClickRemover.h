@@ -1,10 +1,10 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
+#include "qoc/dsp/restoration/AutoregressiveInterpolator.h"
 #include "qoc/dsp/restoration/ClickDetector.h"
 #include "qoc/dsp/restoration/LinearPrediction.h"
 #include "qoc/dsp/restoration/RepairStream.h"
-#include "qoc/dsp/restoration/SampleRestorer.h"
 
 #include <vector>
 
@@ -39,7 +39,7 @@ private:
     RepairStream::Layout fLayout;
     LinearPrediction fModel;
     ClickDetector fDetector;
-    SampleRestorer fRestorer;
+    AutoregressiveInterpolator fInterpolator;
     ClickDetector::Settings fSettings;
     std::size_t fOrder = 0;
     std::vector<double> fSound;    // the frame

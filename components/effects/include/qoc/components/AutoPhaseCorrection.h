@@ -1,10 +1,10 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
+#include "qoc/dsp/delay/HistoryBuffer.h"
 #include "qoc/dsp/delay/SampleInterpolator.h"
-#include "qoc/dsp/delay/SoundHistory.h"
-#include "qoc/dsp/restoration/DelayFinder.h"
 #include "qoc/dsp/restoration/PhaseAligner.h"
+#include "qoc/dsp/restoration/TimeDelayEstimator.h"
 #include "qoc/dsp/spectrum/OverlapAdd.h"
 #include "qoc/dsp/stream/HopGrid.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
@@ -35,7 +35,7 @@ protected:
 
 private:
     struct Channel {
-        DelayFinder finder;
+        TimeDelayEstimator delay;
         PhaseAligner aligner;
         double found = 0;    // samples that the channel is late by
         double target = 0;   // what of it is to be taken out
@@ -60,7 +60,7 @@ private:
     void FollowSettings(Channel& channel, bool isReference) noexcept;
     void StoreFoundShift() noexcept;
 
-    SoundHistory fHistory;
+    HistoryBuffer fHistory;
     SampleInterpolator fInterpolator;
     OverlapAdd fOverlapAdd;
     std::unique_ptr<RealFFT> fTransform;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
+#include "qoc/dsp/delay/CrossfadedTap.h"
 #include "qoc/dsp/delay/DelayLine.h"
-#include "qoc/dsp/delay/FadingTap.h"
 #include "qoc/dsp/stream/ChannelSide.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
 
@@ -33,7 +33,7 @@ protected:
 private:
     struct Channel {
         DelayLine line;
-        FadingTap tap;
+        CrossfadedTap tap;
         SmoothedValue original; // gains
         SmoothedValue delayed;
         int firstParameter = 0; // of its side

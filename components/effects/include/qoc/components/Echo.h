@@ -1,8 +1,8 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
+#include "qoc/dsp/delay/CrossfadedTap.h"
 #include "qoc/dsp/delay/DelayLine.h"
-#include "qoc/dsp/delay/FadingTap.h"
 #include "qoc/dsp/filters/GlidingSections.h"
 #include "qoc/dsp/filters/GraphicEQDesign.h"
 #include "qoc/dsp/stream/HandOver.h"
@@ -49,7 +49,7 @@ private:
     };
     struct Channel {
         DelayLine line;
-        FadingTap tap;
+        CrossfadedTap tap;
         SmoothedValue feedback;
         SmoothedValue level;
         std::size_t mirror = 0; // the channel on the other side

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "qoc/components/RoomReverb.h"
-#include "qoc/dsp/delay/FadedDelay.h"
+#include "qoc/dsp/delay/CrossfadedDelay.h"
 #include "qoc/dsp/filters/GlidingSections.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
 
@@ -54,7 +54,7 @@ private:
     void ReadLevels(bool settle) noexcept;
     void ReadRoom(bool settle) noexcept;
 
-    FadedDelay fPredelay;
+    CrossfadedDelay fPredelay;
     GlidingSections fHighPass;
     GlidingSections fEqualiser;
     SmoothedValue fReverberation;

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
+#include "qoc/dsp/restoration/AutoregressiveInterpolator.h"
 #include "qoc/dsp/restoration/ClipDetector.h"
 #include "qoc/dsp/restoration/LinearPrediction.h"
 #include "qoc/dsp/restoration/RepairStream.h"
-#include "qoc/dsp/restoration/SampleRestorer.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <vector>
@@ -43,7 +43,7 @@ private:
     ClipDetector fDetector;
     std::vector<ClipDetector::Levels> fLevels; // by channel
     LinearPrediction fModel;
-    SampleRestorer fRestorer;
+    AutoregressiveInterpolator fInterpolator;
     ClipDetector::Settings fSettings;
     bool fUsesSpectrum = true;
     std::size_t fOrder = 1;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/dsp/delay/SoundHistory.h"
-#include "qoc/dsp/pitch/CorrectionFollower.h"
+#include "qoc/dsp/delay/HistoryBuffer.h"
+#include "qoc/dsp/pitch/PitchCorrector.h"
 #include "qoc/dsp/pitch/PitchDetector.h"
 #include "qoc/dsp/pitch/PitchTrack.h"
 #include "qoc/dsp/pitch/PsolaShifter.h"
@@ -12,7 +12,7 @@
 namespace qoc::components {
 
 // Automatic pitch correction: finds the pitch of one voice in one channel and pulls it, in all channels alike, to the
-// notes of a scale. What sensitivity and attack mean is said at CorrectionFollower. Sound without a clear pitch comes
+// notes of a scale. What sensitivity and attack mean is said at PitchCorrector. Sound without a clear pitch comes
 // out as it went in.
 //
 // The FFT size is the length of the analysed frame in samples: a larger one finds lower pitches (down to twice the
@@ -46,10 +46,10 @@ private:
     void StartGrain() noexcept;
     void StoreCorrection() noexcept;
 
-    SoundHistory fHistory;
+    HistoryBuffer fHistory;
     std::array<PitchDetector, 3> fDetectors;
     PitchTrack fTrack;
-    CorrectionFollower fFollower;
+    PitchCorrector fCorrector;
     PsolaShifter fShifter;
     std::size_t fLatency;
     std::size_t fChannel = 0;

@@ -2,9 +2,9 @@
 
 #include "qoc/components/ComponentBase.h"
 #include "qoc/dsp/delay/BandLimitedInterpolator.h"
-#include "qoc/dsp/delay/SoundHistory.h"
-#include "qoc/dsp/pitch/PitchClock.h"
-#include "qoc/dsp/pitch/Splicer.h"
+#include "qoc/dsp/delay/HistoryBuffer.h"
+#include "qoc/dsp/pitch/TimeMap.h"
+#include "qoc/dsp/pitch/WsolaStretcher.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
 
 namespace qoc::components {
@@ -36,7 +36,7 @@ private:
         BandLimitedInterpolator::Weights weights;
     };
 
-    Splicer::Lengths ReadLengths() const noexcept;
+    WsolaStretcher::Lengths ReadLengths() const noexcept;
     void Write(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::int64_t source) noexcept;
     void WriteShifted(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::int64_t source,
                       float wet) noexcept;
@@ -47,9 +47,9 @@ private:
     BandLimitedInterpolator::Precision fPrecision = BandLimitedInterpolator::Precision::kHigh;
     Reading fPresent;
     Reading fFormer; // of the piece that fades out
-    PitchClock fClock;
-    SoundHistory fHistory;
-    Splicer fSplicer;
+    TimeMap fTimeMap;
+    HistoryBuffer fHistory;
+    WsolaStretcher fStretcher;
     SmoothedValue fRatio;
     SmoothedValue fWet; // 0: the ratio is 1 and the sound passes as it is
     std::size_t fLatency = 0;

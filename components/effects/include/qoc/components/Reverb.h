@@ -1,7 +1,7 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/dsp/delay/FadedDelay.h"
+#include "qoc/dsp/delay/CrossfadedDelay.h"
 #include "qoc/dsp/reverb/ReverbTank.h"
 #include "qoc/dsp/reverb/RoomChannels.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
@@ -34,7 +34,7 @@ private:
     void Tell() noexcept;
 
     RoomChannels fRoom;
-    FadedDelay fPredelay;
+    CrossfadedDelay fPredelay;
     ReverbTank fTank;
     SmoothedValue fDry;
     SmoothedValue fWet;

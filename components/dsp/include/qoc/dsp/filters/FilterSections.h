@@ -1,7 +1,7 @@
 #pragma once
 
 #include "qoc/components/ScientificFilterSettings.h"
-#include "qoc/dsp/filters/StateVariableStep.h"
+#include "qoc/dsp/filters/StateVariableFilter.h"
 
 #include <array>
 #include <complex>
@@ -30,7 +30,7 @@ struct FilterSection {
     double Zero() const noexcept;
     // The natural logarithm of the distance of the outer pole from the middle of the unit circle.
     double LogarithmOfPoleRadius() const noexcept;
-    StateVariableStep Step() const noexcept;
+    StateVariableFilter Step() const noexcept;
 };
 
 // A scientific filter as a cascade of second-order sections, ready to run and to be asked for its response. A value;

@@ -2,7 +2,7 @@
 
 #include "kromediatypes/AudioBlock.h"
 #include "qoc/dsp/filters/Biquad.h"
-#include "qoc/dsp/filters/StateVariableStep.h"
+#include "qoc/dsp/filters/StateVariableFilter.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <array>
@@ -34,7 +34,7 @@ public:
         if (fRemaining > 0) Glide();
     }
     double Process(std::size_t channel, double sample) noexcept {
-        StateVariableStep::Memory* const memories = fMemories.data() + channel * fSections.size();
+        StateVariableFilter::Memory* const memories = fMemories.data() + channel * fSections.size();
         for (const std::size_t i : fHeard)
             sample = fSections[i].step.Next(memories[i], sample);
         return sample;
@@ -54,10 +54,10 @@ private:
         Values to = {0, 2, 1, 0, 0};
         Values now = to;
         Values between = to; // of the two low-passes that values glide through, behind the first
-        StateVariableStep step;
+        StateVariableFilter step;
     };
 
-    static StateVariableStep StepOf(const Values& values) noexcept;
+    static StateVariableFilter StepOf(const Values& values) noexcept;
     static Values ValuesOf(const BiquadCoefficients& coefficients) noexcept;
     bool Aim(std::size_t index, Values to) noexcept;
     void Glide() noexcept;
@@ -65,9 +65,9 @@ private:
     void FindHeard() noexcept;
 
     std::vector<Section> fSections;
-    std::vector<StateVariableStep::Memory> fMemories; // of the first channel, of the second, ...
-    std::vector<std::size_t> fHeard;                  // the sections that are not neutral
-    double fCoefficient = 1;                          // of the glide, as of a SmoothedValue
+    std::vector<StateVariableFilter::Memory> fMemories; // of the first channel, of the second, ...
+    std::vector<std::size_t> fHeard;                    // the sections that are not neutral
+    double fCoefficient = 1;                            // of the glide, as of a SmoothedValue
     std::size_t fSettlingSamples = 1;
     std::size_t fRemaining = 0;
 };

@@ -20,8 +20,8 @@ public:
     void Process(std::size_t channel, std::span<double> sound) noexcept;
 
 private:
-    std::vector<StateVariableStep> fSections;
-    std::vector<StateVariableStep::Memory> fMemories; // of the first channel, of the second, ...
+    std::vector<StateVariableFilter> fSections;
+    std::vector<StateVariableFilter::Memory> fMemories; // of the first channel, of the second, ...
     std::size_t fMostSections = 0;
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "qoc/dsp/delay/SoundHistory.h"
+#include "qoc/dsp/delay/HistoryBuffer.h"
 
 #include <array>
 #include <cstddef>
@@ -38,14 +38,14 @@ public:
     // The next grain of a voice: `period` of the input in samples, `ratio` of the output's frequency to the input's.
     // The first one after sound without pitch is set on the loudest place within a period of the channel `guide`, so
     // that its grains keep the strongest part of each period whole.
-    void StartGrain(const SoundHistory& history, std::size_t guide, double period, double ratio) noexcept;
+    void StartGrain(const HistoryBuffer& history, std::size_t guide, double period, double ratio) noexcept;
     // A grain of the sound as it is, over `frames` samples.
     void StartPlainGrain(double frames) noexcept;
 
     // Writes `frames` output samples a channel, from `offset` on; the history ends with the input that belongs to the
     // last of them. At most kLargestRender at once and not beyond the mark.
     static constexpr std::size_t kLargestRender = 256;
-    void Render(const SoundHistory& history, std::span<float* const> outputs, std::size_t offset,
+    void Render(const HistoryBuffer& history, std::span<float* const> outputs, std::size_t offset,
                 std::size_t frames) noexcept;
 
 private:
@@ -59,9 +59,9 @@ private:
 
     static void SetShift(Grain& grain, double shift) noexcept;
     void StartNext(double length, double shift) noexcept;
-    double DistanceToPeak(const SoundHistory& history, std::size_t guide, double period) const noexcept;
+    double DistanceToPeak(const HistoryBuffer& history, std::size_t guide, double period) const noexcept;
     double Wrap(double shift, double period) const noexcept;
-    void Read(const SoundHistory& history, std::size_t channel, const Grain& grain, std::size_t frames,
+    void Read(const HistoryBuffer& history, std::size_t channel, const Grain& grain, std::size_t frames,
               float* target) const noexcept;
 
     std::int64_t fLatency = 0;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "qoc/dsp/delay/SoundHistory.h"
+#include "qoc/dsp/delay/HistoryBuffer.h"
 #include "qoc/dsp/spectrum/RealFFT.h"
 
 #include <complex>
@@ -13,8 +13,8 @@ namespace qoc::dsp {
 
 // Finds where a sound goes on as it does at another time, to a small part of a sample, by the normalised
 // cross-correlation of all channels together. Splices that are out by half a sample put a steady tone off by as much
-// every time: at 8 kHz and 200 splices a second by 20 cents. Owned by the splicer. Everything but Prepare is real time
-// safe.
+// every time: at 8 kHz and 200 splices a second by 20 cents. Owned by the stretcher. Everything but Prepare is real
+// time safe.
 class SpliceSearch {
 public:
     // The room that is searched: half of it to either side of the wanted time. The period of the lowest tone that is
@@ -26,16 +26,16 @@ public:
 
     // The time near `wanted` from which on `length` samples resemble those from `present` on most, rather close to
     // `wanted` than far. The history has all samples from room and length before to as much behind both times.
-    double Find(const SoundHistory& history, std::int64_t present, std::int64_t wanted, std::size_t length) noexcept;
+    double Find(const HistoryBuffer& history, std::int64_t present, std::int64_t wanted, std::size_t length) noexcept;
 
 private:
     // Leaves `count` coarse samples, sums of fStep each, in fSound, and their spectrum.
     void Gather(const float* sound, std::size_t count, std::span<std::complex<float>> spectrum) noexcept;
-    void Correlate(const SoundHistory& history, std::int64_t present, std::int64_t first, std::size_t length) noexcept;
+    void Correlate(const HistoryBuffer& history, std::int64_t present, std::int64_t first, std::size_t length) noexcept;
     std::size_t BestCoarse() const noexcept;
-    double Refine(const SoundHistory& history, std::int64_t present, std::int64_t time,
+    double Refine(const HistoryBuffer& history, std::int64_t present, std::int64_t time,
                   std::size_t length) const noexcept;
-    double LikenessAt(const SoundHistory& history, std::int64_t present, std::int64_t time,
+    double LikenessAt(const HistoryBuffer& history, std::int64_t present, std::int64_t time,
                       std::size_t length) const noexcept;
 
     std::size_t fChannels = 0;

@@ -1,21 +1,21 @@
-#include "qoc/dsp/delay/FadingTap.h"
+#include "qoc/dsp/delay/CrossfadedTap.h"
 
 #include <cmath>
 
 namespace qoc::dsp {
 
-void FadingTap::Prepare(double sampleRate) noexcept {
+void CrossfadedTap::Prepare(double sampleRate) noexcept {
     constexpr double kFadeSeconds = 0.03;
     fLength = static_cast<std::size_t>(std::ceil(kFadeSeconds * sampleRate));
     Settle(fTarget);
 }
 
-void FadingTap::Settle(std::size_t delay) noexcept {
+void CrossfadedTap::Settle(std::size_t delay) noexcept {
     fDelay = fNextDelay = fTarget = delay;
     fRemaining = 0;
 }
 
-FadingTap::Place FadingTap::NextFading() noexcept {
+CrossfadedTap::Place CrossfadedTap::NextFading() noexcept {
     if (fRemaining == 0) {
         fNextDelay = fTarget;
         fRemaining = fLength;

@@ -10,7 +10,7 @@ namespace qoc::dsp {
 // The last samples of several channels, readable in one piece from any of them on. Times count samples from 0, the
 // first after Reset; before it there was silence. Samples that are no numbers or infinite are kept as 0, so that
 // nothing that reads the history has to expect them. Owned by the effect that reads it.
-class SoundHistory {
+class HistoryBuffer {
 public:
     // `capacity` is a power of two. Allocates, and resets.
     void Prepare(std::size_t channels, std::size_t capacity);

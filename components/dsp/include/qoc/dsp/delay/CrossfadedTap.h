@@ -9,7 +9,7 @@ namespace qoc::dsp {
 // A place of whole samples at which lines are read. A change of it is a crossfade from the old place to the new one, so
 // that the pitch stays; it takes 30 ms, and one that comes in the middle waits until the last one is over. Places are
 // delays in samples. Counts samples, never blocks. Owned by an effect; real time safe.
-class FadingTap {
+class CrossfadedTap {
 public:
     // Where to read for one sample.
     struct Place {

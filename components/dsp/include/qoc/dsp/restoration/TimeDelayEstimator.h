@@ -14,7 +14,7 @@ namespace qoc::dsp {
 // frames: the peak of the generalised cross-correlation with phase transform (Knapp and Carter, "The generalized
 // correlation method for estimation of time delay", 1976), weighted by the coherence over the frames so far. A sound of
 // opposite polarity is found as well. Owned by its effect; all but Prepare is real time safe.
-class DelayFinder {
+class TimeDelayEstimator {
 public:
     // For spectra of transforms of `size` samples. Allocates, and resets.
     void Prepare(std::size_t size);

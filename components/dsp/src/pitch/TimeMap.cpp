@@ -1,28 +1,28 @@
-#include "qoc/dsp/pitch/PitchClock.h"
+#include "qoc/dsp/pitch/TimeMap.h"
 
 #include <algorithm>
 
 namespace qoc::dsp {
 
-void PitchClock::Prepare(std::size_t capacity) {
+void TimeMap::Prepare(std::size_t capacity) {
     fRatios.assign(capacity, 1.0F);
     fPositions.assign(capacity, 0.0);
     Reset();
 }
 
-void PitchClock::Reset() noexcept {
+void TimeMap::Reset() noexcept {
     fNow = 0;
     fLastRatio = 1;
     fPositions[0] = 0;
 }
 
-void PitchClock::Push(float ratio) noexcept {
+void TimeMap::Push(float ratio) noexcept {
     const double position = PositionAt(fNow);
     fRatios[Slot(fNow)] = fLastRatio = ratio;
     fPositions[Slot(++fNow)] = position + ratio;
 }
 
-double PitchClock::FrameAt(double position) const noexcept {
+double TimeMap::FrameAt(double position) const noexcept {
     const double newest = PositionAt(fNow);
     if (position >= newest) return static_cast<double>(fNow) + (position - newest) / fLastRatio;
     std::int64_t low = std::max<std::int64_t>(0, fNow - static_cast<std::int64_t>(fRatios.size()) + 1);

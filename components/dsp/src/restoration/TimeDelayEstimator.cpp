@@ -1,4 +1,4 @@
-#include "qoc/dsp/restoration/DelayFinder.h"
+#include "qoc/dsp/restoration/TimeDelayEstimator.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,7 +7,7 @@
 
 namespace qoc::dsp {
 
-void DelayFinder::Prepare(std::size_t size) {
+void TimeDelayEstimator::Prepare(std::size_t size) {
     fTransform.emplace(size);
     const std::size_t bins = fTransform->Bins();
     fCross.resize(bins);
@@ -18,14 +18,14 @@ void DelayFinder::Prepare(std::size_t size) {
     Reset();
 }
 
-void DelayFinder::Reset() noexcept {
+void TimeDelayEstimator::Reset() noexcept {
     std::ranges::fill(fCross, std::complex<float>());
     std::ranges::fill(fReferencePower, 0.0F);
     std::ranges::fill(fOtherPower, 0.0F);
 }
 
-void DelayFinder::Add(std::span<const std::complex<float>> reference, std::span<const std::complex<float>> other,
-                      float kept) noexcept {
+void TimeDelayEstimator::Add(std::span<const std::complex<float>> reference, std::span<const std::complex<float>> other,
+                             float kept) noexcept {
     for (std::size_t bin = 0; bin < fCross.size(); ++bin) {
         fCross[bin] = fCross[bin] * kept + other[bin] * std::conj(reference[bin]);
         fReferencePower[bin] = fReferencePower[bin] * kept + std::norm(reference[bin]);
@@ -33,7 +33,7 @@ void DelayFinder::Add(std::span<const std::complex<float>> reference, std::span<
     }
 }
 
-std::optional<double> DelayFinder::Find(double longest) noexcept {
+std::optional<double> TimeDelayEstimator::Find(double longest) noexcept {
     // Of sounds that have nothing in common the peak is a few times 1 / sqrt(bins).
     constexpr double kLeastPeak = 0.2;
     constexpr int kSteps = 4; // of Newton's method; each doubles the digits
@@ -52,7 +52,7 @@ std::optional<double> DelayFinder::Find(double longest) noexcept {
     return std::clamp(delay, -reach, reach);
 }
 
-float DelayFinder::LevelRatio() const noexcept {
+float TimeDelayEstimator::LevelRatio() const noexcept {
     const double reference = std::accumulate(fReferencePower.begin(), fReferencePower.end(), 0.0);
     const double other = std::accumulate(fOtherPower.begin(), fOtherPower.end(), 0.0);
     return reference > 0 && other > 0 ? static_cast<float>(std::sqrt(reference / other)) : 1.0F;
@@ -60,7 +60,7 @@ float DelayFinder::LevelRatio() const noexcept {
 
 // Leaves the phase difference, as far as it has been the same over the frames. What is 70 dB below the strongest bin
 // is mostly what the window lets through of others.
-void DelayFinder::Whiten() noexcept {
+void TimeDelayEstimator::Whiten() noexcept {
     constexpr double kLeastPower = 1e-14; // of powers times powers
     const auto powerOf = [this](std::size_t bin) { return double{fReferencePower[bin]} * fOtherPower[bin]; };
     double strongest = 0;
@@ -76,7 +76,7 @@ void DelayFinder::Whiten() noexcept {
     }
 }
 
-std::ptrdiff_t DelayFinder::PeakLag(std::ptrdiff_t reach) noexcept {
+std::ptrdiff_t TimeDelayEstimator::PeakLag(std::ptrdiff_t reach) noexcept {
     fTransform->Inverse(fWhite, fCorrelation);
     const auto size = static_cast<std::ptrdiff_t>(fCorrelation.size());
     const auto magnitudeAt = [&](std::ptrdiff_t lag) {
@@ -89,7 +89,7 @@ std::ptrdiff_t DelayFinder::PeakLag(std::ptrdiff_t reach) noexcept {
     return best;
 }
 
-DelayFinder::Slope DelayFinder::SlopeAt(double delay) const noexcept {
+TimeDelayEstimator::Slope TimeDelayEstimator::SlopeAt(double delay) const noexcept {
     const double step = 2 * std::numbers::pi / static_cast<double>(fCorrelation.size());
     const std::complex<double> turn = std::polar(1.0, step * delay);
     std::complex<double> phase = 1;

@@ -1,10 +1,10 @@
-#include "qoc/dsp/delay/FadedDelay.h"
+#include "qoc/dsp/delay/CrossfadedDelay.h"
 
 #include <algorithm>
 
 namespace qoc::dsp {
 
-void FadedDelay::Prepare(double sampleRate, std::size_t channels, std::size_t longest) {
+void CrossfadedDelay::Prepare(double sampleRate, std::size_t channels, std::size_t longest) {
     fLongest = longest;
     fLines.assign(channels, {});
     for (DelayLine& line : fLines)
@@ -12,17 +12,17 @@ void FadedDelay::Prepare(double sampleRate, std::size_t channels, std::size_t lo
     fTap.Prepare(sampleRate);
 }
 
-void FadedDelay::Reset() noexcept {
+void CrossfadedDelay::Reset() noexcept {
     for (DelayLine& line : fLines)
         line.Reset();
 }
 
-void FadedDelay::Set(std::size_t delay, bool settle) noexcept {
+void CrossfadedDelay::Set(std::size_t delay, bool settle) noexcept {
     fTap.Set(std::min(delay, fLongest), settle);
 }
 
-void FadedDelay::Process(float* frame) noexcept {
-    const FadingTap::Place place = fTap.Next();
+void CrossfadedDelay::Process(float* frame) noexcept {
+    const CrossfadedTap::Place place = fTap.Next();
     for (std::size_t channel = 0; channel < fLines.size(); ++channel) {
         fLines[channel].Write(frame[channel]);
         frame[channel] = place.In(fLines[channel]);

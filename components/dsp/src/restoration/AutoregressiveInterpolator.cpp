@@ -1,6 +1,6 @@
-#include "qoc/dsp/restoration/SampleRestorer.h"
+#include "qoc/dsp/restoration/AutoregressiveInterpolator.h"
 
-#include "qoc/dsp/math/SumInTurns.h"
+#include "qoc/dsp/math/UnrolledSum.h"
 
 #include <algorithm>
 #include <array>
@@ -27,15 +27,15 @@ void Store(double* to, Lanes lanes) noexcept {
 
 } // namespace
 
-void SampleRestorer::Prepare(std::size_t mostUnknown, std::size_t largestOrder) {
+void AutoregressiveInterpolator::Prepare(std::size_t mostUnknown, std::size_t largestOrder) {
     fProducts.assign(largestOrder + 1, 0.0);
     fBand.assign(mostUnknown * (largestOrder + 1), 0.0);
     fValues.assign(mostUnknown, 0.0);
     fBefore.assign(mostUnknown, 0.0);
 }
 
-void SampleRestorer::Restore(std::span<const double> coefficients, std::span<const std::size_t> unknown,
-                             std::span<double> sound) noexcept {
+void AutoregressiveInterpolator::Restore(std::span<const double> coefficients, std::span<const std::size_t> unknown,
+                                         std::span<double> sound) noexcept {
     if (unknown.empty()) return;
     for (std::size_t i = 0; i < unknown.size(); ++i)
         fBefore[i] = sound[unknown[i]];
@@ -46,8 +46,8 @@ void SampleRestorer::Restore(std::span<const double> coefficients, std::span<con
         sound[unknown[i]] = isSolvable ? fValues[i] : fBefore[i];
 }
 
-void SampleRestorer::SetUp(std::span<const double> coefficients, std::span<const std::size_t> unknown,
-                           std::span<double> sound) noexcept {
+void AutoregressiveInterpolator::SetUp(std::span<const double> coefficients, std::span<const std::size_t> unknown,
+                                       std::span<double> sound) noexcept {
     fWidth = coefficients.size();
     for (std::size_t lag = 0; lag < fWidth; ++lag) {
         double sum = 0;
@@ -64,13 +64,13 @@ void SampleRestorer::SetUp(std::span<const double> coefficients, std::span<const
             column[j - i] = fProducts[unknown[j] - unknown[i]];
         const double* const middle = sound.data() + unknown[i];
         const auto around = [&](std::size_t lag) { return fProducts[lag] * (*(middle - lag) + middle[lag]); };
-        fValues[i] = -SumInTurns<double>(1, fWidth, around);
+        fValues[i] = -UnrolledSum<double>(1, fWidth, around);
     }
 }
 
 // Cholesky's factorisation, column by column. False when the matrix is not positive, which only numbers out of all
 // proportion can cause.
-bool SampleRestorer::Factorise(std::size_t count) noexcept {
+bool AutoregressiveInterpolator::Factorise(std::size_t count) noexcept {
     for (std::size_t i = 0; i < count; ++i) {
         SubtractEarlier(i);
         double* const column = Column(i);
@@ -83,7 +83,7 @@ bool SampleRestorer::Factorise(std::size_t count) noexcept {
 }
 
 // What the columns before it leave of a column: kTogether of them at a time, so that it is read and written less often.
-void SampleRestorer::SubtractEarlier(std::size_t index) noexcept {
+void AutoregressiveInterpolator::SubtractEarlier(std::size_t index) noexcept {
     constexpr std::size_t kTogether = 4;
     double* const column = Column(index);
     std::size_t first = index >= fWidth ? index - fWidth + 1 : 0;
@@ -112,7 +112,7 @@ void SampleRestorer::SubtractEarlier(std::size_t index) noexcept {
     }
 }
 
-void SampleRestorer::Solve(std::size_t count) noexcept {
+void AutoregressiveInterpolator::Solve(std::size_t count) noexcept {
     for (std::size_t i = 0; i < count; ++i) {
         const double* const column = Column(i);
         fValues[i] /= column[0];
@@ -123,8 +123,9 @@ void SampleRestorer::Solve(std::size_t count) noexcept {
         const double* const column = Column(i);
         const double* const later = fValues.data() + i;
         const std::size_t length = std::min(fWidth, count - i);
-        fValues[i] = (fValues[i] - SumInTurns<double>(1, length, [&](std::size_t k) { return column[k] * later[k]; })) /
-                     column[0];
+        fValues[i] =
+            (fValues[i] - UnrolledSum<double>(1, length, [&](std::size_t k) { return column[k] * later[k]; })) /
+            column[0];
     }
 }
 

@@ -1,4 +1,4 @@
-#include "qoc/dsp/pitch/CorrectionFollower.h"
+#include "qoc/dsp/pitch/PitchCorrector.h"
 
 #include <cmath>
 
@@ -19,13 +19,13 @@ double Distance(double pitch, int note) {
 
 } // namespace
 
-void CorrectionFollower::Reset() noexcept {
+void PitchCorrector::Reset() noexcept {
     fCorrection = 0;
     fNote.reset();
     fPulling = false;
 }
 
-double CorrectionFollower::Advance(std::optional<double> pitch, double samples) noexcept {
+double PitchCorrector::Advance(std::optional<double> pitch, double samples) noexcept {
     const double wanted = Wanted(pitch);
     const double tenfolds = samples / fAttack;
     fCorrection = wanted + (fCorrection - wanted) * std::pow(10.0, -tenfolds);
@@ -33,7 +33,7 @@ double CorrectionFollower::Advance(std::optional<double> pitch, double samples) 
     return fCorrection;
 }
 
-double CorrectionFollower::Wanted(std::optional<double> pitch) noexcept {
+double PitchCorrector::Wanted(std::optional<double> pitch) noexcept {
     if (!pitch) {
         fNote.reset();
         fPulling = false;

@@ -16,7 +16,7 @@ namespace qoc::dsp {
 // Attack is the time that it takes to pull a pitch nine tenths of its way. What is left goes on shrinking at that rate,
 // so a held tone ends on its note; a vibrato faster than the attack stays in the voice. A voice that has fallen silent
 // is let go at the same rate.
-class CorrectionFollower {
+class PitchCorrector {
 public:
     void SetScale(MusicalScale scale, int key) noexcept { fScale.SetScale(scale, key); }
     // Percent, 0...100.

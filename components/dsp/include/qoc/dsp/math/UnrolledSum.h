@@ -7,7 +7,7 @@ namespace qoc::dsp {
 
 // The sum of term(first), ..., term(end - 1): four sums by turns, because none has to wait for another. Real time safe.
 template <class Number, class Term>
-Number SumInTurns(std::size_t first, std::size_t end, const Term& term) noexcept {
+Number UnrolledSum(std::size_t first, std::size_t end, const Term& term) noexcept {
     std::array<Number, 4> sums{};
     std::size_t i = first;
     for (; i + sums.size() <= end; i += sums.size()) {

@@ -1,4 +1,4 @@
-#include "qoc/dsp/pitch/CorrectionFollower.h"
+#include "qoc/dsp/pitch/PitchCorrector.h"
 
 #include <gtest/gtest.h>
 
@@ -31,20 +31,20 @@ TEST(ScaleQuantizer, FindsTheNearestNoteOfTheScale) {
     }
 }
 
-TEST(CorrectionFollower, AttackIsTheTimeToNineTenths) {
-    CorrectionFollower follower;
-    follower.SetAttack(1000);
-    EXPECT_NEAR(follower.Advance(69.4, 1000), -36, 1e-9);
-    EXPECT_NEAR(follower.Advance(69.4, 1000), -39.6, 1e-9);
-    EXPECT_NEAR(follower.Advance(std::nullopt, 1000), -3.96, 1e-9); // let go at the same rate
+TEST(PitchCorrector, AttackIsTheTimeToNineTenths) {
+    PitchCorrector corrector;
+    corrector.SetAttack(1000);
+    EXPECT_NEAR(corrector.Advance(69.4, 1000), -36, 1e-9);
+    EXPECT_NEAR(corrector.Advance(69.4, 1000), -39.6, 1e-9);
+    EXPECT_NEAR(corrector.Advance(std::nullopt, 1000), -3.96, 1e-9); // let go at the same rate
     // In many small steps it goes as far as in one.
-    follower.Reset();
+    corrector.Reset();
     for (int i = 0; i < 99; ++i)
-        follower.Advance(69.4, 10);
-    EXPECT_NEAR(follower.Advance(69.4, 10), -36, 1e-9);
+        corrector.Advance(69.4, 10);
+    EXPECT_NEAR(corrector.Advance(69.4, 10), -36, 1e-9);
 }
 
-TEST(CorrectionFollower, LeavesPitchesBeyondItsReachAlone) {
+TEST(PitchCorrector, LeavesPitchesBeyondItsReachAlone) {
     struct Case {
         double sensitivity;
         double pitch;
@@ -52,20 +52,20 @@ TEST(CorrectionFollower, LeavesPitchesBeyondItsReachAlone) {
     };
     constexpr Case kCases[] = {{0, 69.05, 0}, {20, 69.15, -15}, {20, 69.25, 0}, {100, 69.5, -50}, {50, 68.6, 40}};
     for (const Case& each : kCases) {
-        CorrectionFollower follower;
-        follower.SetAttack(1);
-        follower.SetSensitivity(each.sensitivity);
-        EXPECT_NEAR(follower.Advance(each.pitch, 1000), each.expected, 1e-6) << each.pitch;
+        PitchCorrector corrector;
+        corrector.SetAttack(1);
+        corrector.SetSensitivity(each.sensitivity);
+        EXPECT_NEAR(corrector.Advance(each.pitch, 1000), each.expected, 1e-6) << each.pitch;
     }
 }
 
-TEST(CorrectionFollower, WaveringAtABorderDoesNotJumpBetweenNotes) {
-    CorrectionFollower follower;
-    follower.SetAttack(1);
-    EXPECT_NEAR(follower.Advance(69.48, 1000), -48, 1e-6);
-    EXPECT_NEAR(follower.Advance(69.53, 1000), -53, 1e-6); // still the A, and still within its reach
-    EXPECT_NEAR(follower.Advance(69.57, 1000), 43, 1e-6);
-    EXPECT_NEAR(follower.Advance(69.47, 1000), 53, 1e-6);
+TEST(PitchCorrector, WaveringAtABorderDoesNotJumpBetweenNotes) {
+    PitchCorrector corrector;
+    corrector.SetAttack(1);
+    EXPECT_NEAR(corrector.Advance(69.48, 1000), -48, 1e-6);
+    EXPECT_NEAR(corrector.Advance(69.53, 1000), -53, 1e-6); // still the A, and still within its reach
+    EXPECT_NEAR(corrector.Advance(69.57, 1000), 43, 1e-6);
+    EXPECT_NEAR(corrector.Advance(69.47, 1000), 53, 1e-6);
 }
 
 } // namespace

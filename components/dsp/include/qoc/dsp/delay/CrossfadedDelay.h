@@ -1,16 +1,16 @@
 #pragma once
 
+#include "qoc/dsp/delay/CrossfadedTap.h"
 #include "qoc/dsp/delay/DelayLine.h"
-#include "qoc/dsp/delay/FadingTap.h"
 
 #include <cstddef>
 #include <vector>
 
 namespace qoc::dsp {
 
-// Delays the sound of several channels by the same time, which fades to another as FadingTap does. It adds no latency
-// of its own. Owned by its effect; everything but Prepare is real time safe.
-class FadedDelay {
+// Delays the sound of several channels by the same time, which fades to another as CrossfadedTap does. It adds no
+// latency of its own. Owned by its effect; everything but Prepare is real time safe.
+class CrossfadedDelay {
 public:
     // `longest` in samples.
     void Prepare(double sampleRate, std::size_t channels, std::size_t longest);
@@ -23,7 +23,7 @@ public:
 
 private:
     std::vector<DelayLine> fLines; // by channel
-    FadingTap fTap;
+    CrossfadedTap fTap;
     std::size_t fLongest = 0;
 };
 

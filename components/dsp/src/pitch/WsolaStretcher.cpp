@@ -1,4 +1,4 @@
-#include "qoc/dsp/pitch/Splicer.h"
+#include "qoc/dsp/pitch/WsolaStretcher.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,7 +17,7 @@ constexpr double kComparedSeconds = 0.012;
 
 } // namespace
 
-void Splicer::Prepare(std::size_t channels, double sampleRate, double longest) {
+void WsolaStretcher::Prepare(std::size_t channels, double sampleRate, double longest) {
     fSampleRate = sampleRate;
     const double sequence = std::max({longest, kLongSequence * sampleRate, 2 * kShortestFade});
     const double compared = std::max(sequence / 2, kComparedSeconds * sampleRate);
@@ -30,19 +30,19 @@ void Splicer::Prepare(std::size_t channels, double sampleRate, double longest) {
 }
 
 // By half the length of a piece, at its ends, and by half the room.
-double Splicer::FarthestOff(const Lengths& lengths, double sampleRate) noexcept {
+double WsolaStretcher::FarthestOff(const Lengths& lengths, double sampleRate) noexcept {
     const double sequence = lengths.sequence > 0 ? lengths.sequence : kLongSequence * sampleRate;
     return (sequence + SpliceSearch::kRoomSeconds * sampleRate) / 2;
 }
 
-void Splicer::Reset() noexcept {
+void WsolaStretcher::Reset() noexcept {
     fPosition = fOffset = fFormerOffset = fBegin = fEnd = 0;
     fFade = fShare = 1;
 }
 
-void Splicer::Follow(std::int64_t frame, const PitchClock& clock) noexcept {
-    const Lengths lengths = LengthsAt(clock.RatioAt(frame));
-    fPosition = clock.PositionAt(frame);
+void WsolaStretcher::Follow(std::int64_t frame, const TimeMap& map) noexcept {
+    const Lengths lengths = LengthsAt(map.RatioAt(frame));
+    fPosition = map.PositionAt(frame);
     fOffset = fFormerOffset = static_cast<double>(frame) - fPosition;
     fShare = 1;
     fFade = 1;
@@ -50,13 +50,13 @@ void Splicer::Follow(std::int64_t frame, const PitchClock& clock) noexcept {
     fEnd = fPosition + (lengths.sequence - lengths.overlap) / 2;
 }
 
-void Splicer::Advance(std::int64_t frame, const PitchClock& clock, const SoundHistory& history) noexcept {
-    fPosition = clock.PositionAt(frame);
-    if (fPosition >= fEnd) Splice(clock.RatioAt(frame), clock, history);
+void WsolaStretcher::Advance(std::int64_t frame, const TimeMap& map, const HistoryBuffer& history) noexcept {
+    fPosition = map.PositionAt(frame);
+    if (fPosition >= fEnd) Splice(map.RatioAt(frame), map, history);
     fShare = static_cast<float>(std::min(1.0, (fPosition - fBegin) / fFade));
 }
 
-Splicer::Lengths Splicer::LengthsAt(float ratio) const noexcept {
+WsolaStretcher::Lengths WsolaStretcher::LengthsAt(float ratio) const noexcept {
     Lengths lengths = fLengths;
     if (lengths.sequence == 0) {
         const double share = (1 / kLowestRatio - 1 / double{ratio}) / (1 / kLowestRatio - 1 / kHighestRatio);
@@ -67,10 +67,10 @@ Splicer::Lengths Splicer::LengthsAt(float ratio) const noexcept {
     return lengths;
 }
 
-void Splicer::Splice(float ratio, const PitchClock& clock, const SoundHistory& history) noexcept {
+void WsolaStretcher::Splice(float ratio, const TimeMap& map, const HistoryBuffer& history) noexcept {
     const Lengths lengths = LengthsAt(ratio);
     const double middle = fEnd + lengths.sequence / 2;
-    const double wantedOffset = clock.FrameAt(middle) - middle;
+    const double wantedOffset = map.FrameAt(middle) - middle;
     const double compared = std::max(lengths.overlap, kComparedSeconds * fSampleRate);
     const double first = fEnd - (compared - lengths.overlap) / 2;
     const double present = std::floor(first + fOffset);

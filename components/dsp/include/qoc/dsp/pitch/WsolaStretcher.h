@@ -1,22 +1,22 @@
 #pragma once
 
-#include "qoc/dsp/delay/SoundHistory.h"
-#include "qoc/dsp/pitch/PitchClock.h"
+#include "qoc/dsp/delay/HistoryBuffer.h"
 #include "qoc/dsp/pitch/SpliceSearch.h"
+#include "qoc/dsp/pitch/TimeMap.h"
 
 #include <cstddef>
 #include <cstdint>
 
 namespace qoc::dsp {
 
-// Makes a sound longer or shorter without changing its pitch, following a PitchClock: tells where in the sound to read
+// Makes a sound longer or shorter without changing its pitch, following a TimeMap: tells where in the sound to read
 // for the frame that is due. The sound is read in pieces, each at its own pace and in its middle at the frame that the
-// clock has for it, or a little beside it: a piece begins where the sound goes on like the one before (Verhelst and
+// map has for it, or a little beside it: a piece begins where the sound goes on like the one before (Verhelst and
 // Roelands, "An overlap-add technique based on waveform similarity", 1993), and they overlap for a fade. Lengths are
 // in samples of the stretched sound. Owned by the pitch shifter. Everything but Prepare is real time safe.
-class Splicer {
+class WsolaStretcher {
 public:
-    // Of the ratios of the clock.
+    // Of the ratios of the map.
     static constexpr double kLowestRatio = 0.5;
     static constexpr double kHighestRatio = 2;
 
@@ -33,13 +33,13 @@ public:
 
     // How far from the frame that is due the sound may be read that is heard at it, in samples.
     static double FarthestOff(const Lengths& lengths, double sampleRate) noexcept;
-    // How far ahead of the frame that is due the clock and the history have to be, and the history behind it.
+    // How far ahead of the frame that is due the map and the history have to be, and the history behind it.
     std::size_t Reach() const noexcept { return fReach; }
 
     // Leaves the sound as it is: from `frame` on, a piece that is due now.
-    void Follow(std::int64_t frame, const PitchClock& clock) noexcept;
+    void Follow(std::int64_t frame, const TimeMap& map) noexcept;
     // Goes to the next frame, `frame`.
-    void Advance(std::int64_t frame, const PitchClock& clock, const SoundHistory& history) noexcept;
+    void Advance(std::int64_t frame, const TimeMap& map, const HistoryBuffer& history) noexcept;
 
     // Where to read at the frame: in its piece and, while that has a share below 1, in the one before, which goes out.
     double Place() const noexcept { return fPosition + fOffset; }
@@ -48,7 +48,7 @@ public:
 
 private:
     Lengths LengthsAt(float ratio) const noexcept;
-    void Splice(float ratio, const PitchClock& clock, const SoundHistory& history) noexcept;
+    void Splice(float ratio, const TimeMap& map, const HistoryBuffer& history) noexcept;
 
     double fSampleRate = 44100;
     std::size_t fReach = 0;

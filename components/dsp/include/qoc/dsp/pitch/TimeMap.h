@@ -9,7 +9,7 @@ namespace qoc::dsp {
 // Keeps the ratio that each of the last frames is to be shifted by and, summed up, the position that the frame has in
 // a sound stretched by those ratios. Stretching and reading back both follow it, so that they never drift apart.
 // Sound thread, apart from Prepare.
-class PitchClock {
+class TimeMap {
 public:
     // `capacity`, a power of two, is how many frames are kept. Allocates, and resets.
     void Prepare(std::size_t capacity);

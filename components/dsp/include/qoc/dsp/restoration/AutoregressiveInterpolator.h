@@ -10,7 +10,7 @@ namespace qoc::dsp {
 // interpolation of Janssen, Veldhuis and Vries, "Adaptive interpolation of discrete-time signals that can be modeled as
 // autoregressive processes" (1986). Its equations are banded; the band is as wide as the order of the prediction. Owned
 // by the effect that uses it; nothing but Prepare allocates.
-class SampleRestorer {
+class AutoregressiveInterpolator {
 public:
     // For frames with up to so many lost samples, and predictions of up to that order. Allocates.
     void Prepare(std::size_t mostUnknown, std::size_t largestOrder);

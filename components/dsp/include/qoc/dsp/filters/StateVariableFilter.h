@@ -9,7 +9,7 @@ namespace qoc::dsp {
 // value; real time safe.
 //
 // Its response is that of input + (band g s + low g^2) / (s^2 + damping g s + g^2) at s = (1 - 1/z) / (1 + 1/z).
-class StateVariableStep {
+class StateVariableFilter {
 public:
     struct Memory {
         double band = 0;
@@ -17,10 +17,10 @@ public:
     };
 
     // Lets the sound through.
-    StateVariableStep() = default;
+    StateVariableFilter() = default;
     // `tuning`, the g above: tan(w / 2). `damping`: 1 / Q; both are above 0. Then how much of the input, of the band
     // pass and of the low pass is heard.
-    StateVariableStep(double tuning, double damping, double input, double band, double low) noexcept {
+    StateVariableFilter(double tuning, double damping, double input, double band, double low) noexcept {
         const double bandFromBand = 1 / (1 + tuning * (tuning + damping));
         const double bandFromInput = tuning * bandFromBand;
         const double lowFromInput = tuning * bandFromInput;
