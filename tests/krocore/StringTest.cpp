@@ -15,7 +15,7 @@ struct Utf8Case {
     std::u16string_view utf16;
 };
 
-TEST(String, ToUTF16_ReplacesEachMaximalIllFormedPart) {
+TEST(String, ToUTF16ReplacesEachMaximalIllFormedPart) {
     const std::array cases{
         Utf8Case{"", u""},
         Utf8Case{"plain ASCII, longer than a short string", u"plain ASCII, longer than a short string"},
@@ -39,7 +39,7 @@ TEST(String, ToUTF16_ReplacesEachMaximalIllFormedPart) {
         EXPECT_TRUE(ToUTF16(c.utf8) == c.utf16) << testing::PrintToString(c.utf8);
 }
 
-TEST(String, ToUTF8_ReplacesLoneSurrogates) {
+TEST(String, ToUTF8ReplacesLoneSurrogates) {
     const std::array cases{Utf8Case{"", u""},
                            Utf8Case{"Hz\x7F", u"Hz\x7F"},
                            Utf8Case{"\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF", u"\u0080\u07FF\u0800\uFFFF"},
@@ -56,11 +56,11 @@ TEST(String, ToUTF8_ReplacesLoneSurrogates) {
     }
 }
 
-TEST(String, FromASCII_ReplacesBytesThatAreNotASCII) {
+TEST(String, FromASCIIReplacesBytesThatAreNotASCII) {
     EXPECT_TRUE(FromASCII("q\xC2\xB0") == u"q\uFFFD\uFFFD");
 }
 
-TEST(String, EqualsIgnoringCase_FoldsOnlyASCIILetters) {
+TEST(String, EqualsIgnoringCaseFoldsOnlyASCIILetters) {
     EXPECT_TRUE(EqualsIgnoringCase("fftFilter_9", "FFTFILTER_9"));
     EXPECT_FALSE(EqualsIgnoringCase("XML", "XM"));
     EXPECT_FALSE(EqualsIgnoringCase("[", "{")); // a bit apart, as letters' cases are

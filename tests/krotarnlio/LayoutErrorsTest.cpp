@@ -11,7 +11,7 @@ using LayoutErrorsTest = LioTest;
 
 constexpr const char* kCells = "interface: gain: 3; on: true; text: 'a'; output: out0 <== gain;";
 
-TEST_F(LayoutErrorsTest, BrokenLayout_IsRefusedWithItsPlaceAndNothingIsLeft) {
+TEST_F(LayoutErrorsTest, BrokenLayoutIsRefusedWithItsPlaceAndNothingIsLeft) {
     struct Case {
         const char* widgets; // on the second line
         const char* message;
@@ -56,7 +56,7 @@ TEST_F(LayoutErrorsTest, BrokenLayout_IsRefusedWithItsPlaceAndNothingIsLeft) {
     }
 }
 
-TEST_F(LayoutErrorsTest, EmptyScript_GivesARootWithoutWidgets) {
+TEST_F(LayoutErrorsTest, EmptyScriptGivesARootWithoutWidgets) {
     Load("", "// nothing\n");
     EXPECT_EQ(WholeSize(), kroui::Size());
     EXPECT_EQ(fRoot->GetTopNode()->ChildCount(), 0U);
@@ -65,7 +65,7 @@ TEST_F(LayoutErrorsTest, EmptyScript_GivesARootWithoutWidgets) {
 }
 
 // What a cell holds later on is no mistake of the layout's.
-TEST_F(LayoutErrorsTest, ValueThatAWidgetCannotShow_LeavesItAsItWas) {
+TEST_F(LayoutErrorsTest, ValueThatAWidgetCannotShowLeavesItAsItWas) {
     LoadWidgets("interface: width: 10;", "box(identifier: 'box', value: @width, height: 5);");
     Set("width", -1);
     EXPECT_EQ(FrameInWindow("box").width, 10);

@@ -11,7 +11,7 @@ namespace {
 
 using RootTest = LioTest;
 
-TEST_F(RootTest, UsersChange_IsWrittenAndFollowedByAllWidgetsOfTheCell) {
+TEST_F(RootTest, UsersChangeIsWrittenAndFollowedByAllWidgetsOfTheCell) {
     LoadWidgets("interface: on: false; output: out0 <== on ? 1 : 0;",
                 "checkbox(identifier: 'one', bind: @on); checkbox(identifier: 'two', bind: @on);");
     Click("one");
@@ -19,7 +19,7 @@ TEST_F(RootTest, UsersChange_IsWrittenAndFollowedByAllWidgetsOfTheCell) {
     EXPECT_TRUE(The<UI_Checkbox>("two").IsChecked());
 }
 
-TEST_F(RootTest, CellThatTakesAnotherValue_PutsTheWidgetBack) {
+TEST_F(RootTest, CellThatTakesAnotherValuePutsTheWidgetBack) {
     LoadWidgets("input: locked: true; interface: unlink on: false <== locked ? false : on;",
                 "checkbox(identifier: 'box', bind: @on);");
     Click("box");
@@ -27,7 +27,7 @@ TEST_F(RootTest, CellThatTakesAnotherValue_PutsTheWidgetBack) {
     EXPECT_FALSE(The<UI_Checkbox>("box").IsChecked());
 }
 
-TEST_F(RootTest, ComputedCell_DisablesItsWidget) {
+TEST_F(RootTest, ComputedCellDisablesItsWidget) {
     LoadWidgets("interface: gain: 3; output: loud <== gain > 2;", "checkbox(identifier: 'box', bind: @loud);");
     EXPECT_TRUE(The<UI_Checkbox>("box").IsChecked());
     EXPECT_FALSE(The<UI_Checkbox>("box").IsEnabled());
@@ -35,7 +35,7 @@ TEST_F(RootTest, ComputedCell_DisablesItsWidget) {
     EXPECT_FALSE(The<UI_Checkbox>("box").IsChecked());
 }
 
-TEST_F(RootTest, FalseInvariant_FramesTheWidgetsAtFaultUntilItHolds) {
+TEST_F(RootTest, FalseInvariantFramesTheWidgetsAtFaultUntilItHolds) {
     LoadWidgets("interface: low: false; high: true; other: false; invariant: ordered <== !low || high;",
                 "checkbox(identifier: 'low', name: 'Low', bind: @low);"
                 "checkbox(identifier: 'high', name: 'High', bind: @high);"
@@ -55,7 +55,7 @@ TEST_F(RootTest, FalseInvariant_FramesTheWidgetsAtFaultUntilItHolds) {
     EXPECT_EQ(framed(), 0);
 }
 
-TEST_F(RootTest, SeveralPartsThatCome_ChangeTheSizeOnce) {
+TEST_F(RootTest, SeveralPartsThatComeChangeTheSizeOnce) {
     LoadWidgets("interface: more: false; wide: 10;", "checkbox(identifier: 'more', bind: @more);"
                                                      "optional(bind: @more) { box(width: 100, height: 20); }"
                                                      "optional(bind: @more) { box(value: @wide, height: 30); }");
@@ -74,7 +74,7 @@ TEST_F(RootTest, SeveralPartsThatCome_ChangeTheSizeOnce) {
     EXPECT_EQ(WholeSize().height, before);
 }
 
-TEST_F(RootTest, NodesThatOutliveTheRoot_DoNothingAnyMore) {
+TEST_F(RootTest, NodesThatOutliveTheRootDoNothingAnyMore) {
     LoadWidgets("interface: on: false; open: false;",
                 "checkbox(identifier: 'box', bind: @on); reveal(identifier: 'more', bind: @open);"
                 "popup(identifier: 'popup', name: 'A:', bind: @on, items: ['a', 'b']);");
@@ -88,7 +88,7 @@ TEST_F(RootTest, NodesThatOutliveTheRoot_DoNothingAnyMore) {
     EXPECT_EQ(Get("open"), false);
 }
 
-TEST_F(RootTest, ListenerThatReleasesThePanelDuringAClick_IsSafe) {
+TEST_F(RootTest, ListenerThatReleasesThePanelDuringAClickIsSafe) {
     LoadWidgets("interface: on: false;", "checkbox(identifier: 'box', bind: @on);");
     fSheet->subscribe(orrin::name_t("on"), [this](const orrin::any_regular_t& value) {
         if (value != orrin::any_regular_t(true)) return;
@@ -99,7 +99,7 @@ TEST_F(RootTest, ListenerThatReleasesThePanelDuringAClick_IsSafe) {
     EXPECT_EQ(fRoot, nullptr);
 }
 
-TEST_F(RootTest, ListenerThatThrows_LeavesTheLayoutAlive) {
+TEST_F(RootTest, ListenerThatThrowsLeavesTheLayoutAlive) {
     LoadWidgets("interface: on: false;",
                 "checkbox(identifier: 'box', bind: @on); optional(bind: @on) { box(width: 5, height: 50); }");
     const float before = WholeSize().height;
@@ -114,7 +114,7 @@ TEST_F(RootTest, ListenerThatThrows_LeavesTheLayoutAlive) {
     EXPECT_EQ(WholeSize().height, before + 58);
 }
 
-TEST_F(RootTest, Localize_GivesTheTextBehindAKeyInsideExpressions) {
+TEST_F(RootTest, LocalizeGivesTheTextBehindAKeyInsideExpressions) {
     LoadWidgets("interface: on: false;",
                 "checkbox(identifier: 'one', name: localize('$$$/Lio/One=One') + '!', bind: @on);"
                 "checkbox(identifier: 'two', name: '$$$/Lio/Two=Two', alt: '$$$/Lio/Tip=Tip', bind: @on);");

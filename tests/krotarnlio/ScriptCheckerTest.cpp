@@ -44,7 +44,7 @@ protected:
     const ScriptChecker fChecker{{&ScriptCheckerTest::SetUpMachine, {name_t("trace")}, {}, nullptr}};
 };
 
-TEST_F(ScriptCheckerTest, Sheet_TellsEveryFunctionThatIsNotThereAlsoWhereItIsNotCalled) {
+TEST_F(ScriptCheckerTest, SheetTellsEveryFunctionThatIsNotThereAlsoWhereItIsNotCalled) {
     EXPECT_THAT(CheckSheet("sheet a {\n"
                            "input: in0: 0.5; in1: 0;\n"
                            "interface: unlink a: in0 > 2 ? nothing(in0) : trace(in0);\n"
@@ -54,7 +54,7 @@ TEST_F(ScriptCheckerTest, Sheet_TellsEveryFunctionThatIsNotThereAlsoWhereItIsNot
                 ElementsAre("a.trn:3:32: there is no function 'nothing'", "a.trn:4:18: there is no function 'none'"));
 }
 
-TEST_F(ScriptCheckerTest, Sheet_IsRunAtBothEndsOfItsInputs) {
+TEST_F(ScriptCheckerTest, SheetIsRunAtBothEndsOfItsInputs) {
     const std::string sheet = "sheet a {\n"
                               "constant: names: ['a', 'b'];\n"
                               "input: in0: 0;\n"
@@ -66,7 +66,7 @@ TEST_F(ScriptCheckerTest, Sheet_IsRunAtBothEndsOfItsInputs) {
                 ElementsAre("a.trn:5:23: cell 'out0': the index 2 is outside the array, which has 2 elements"));
 }
 
-TEST_F(ScriptCheckerTest, Sheet_TellsOutputsThatCannotBeParameters) {
+TEST_F(ScriptCheckerTest, SheetTellsOutputsThatCannotBeParameters) {
     EXPECT_THAT(CheckSheet("sheet a {\ninput: in0: 0; in1: 0; in2: 0;\n"
                            "interface: unlink on: in0 >= 0.5; unlink b: in1; unlink c: in2;\n"
                            "output:\nout0 <== on;\nout1 <== b > 0.75 ? b * 2 : 0;\nout2 <== c - 0.25;\n"
@@ -82,7 +82,7 @@ TEST_F(ScriptCheckerTest, Sheet_TellsOutputsThatCannotBeParameters) {
                 ElementsAre("a.trn:4:9: cell 'out0' is 3 with in0 at 0.5, expected a number from 0 to 1"));
 }
 
-TEST_F(ScriptCheckerTest, Sheet_TellsClausesThatContradictEachOther) {
+TEST_F(ScriptCheckerTest, SheetTellsClausesThatContradictEachOther) {
     const auto sheet = [](const std::string& clause) {
         return "sheet a {\ninput: in0: 0.75;\ninterface: unlink a: in0; unlink b;\nlogic: relate { b <== a * 2;\na "
                "<== " +
@@ -95,7 +95,7 @@ TEST_F(ScriptCheckerTest, Sheet_TellsClausesThatContradictEachOther) {
     EXPECT_THAT(CheckSheet(sheet("min(b / 2, 0.9)")), IsEmpty()) << "a bound is no contradiction";
 }
 
-TEST_F(ScriptCheckerTest, Sheet_IsComparedWithTheRangesOfItsEffect) {
+TEST_F(ScriptCheckerTest, SheetIsComparedWithTheRangesOfItsEffect) {
     const auto check = [&](const std::string& range) {
         const ScriptEffect effect{44100, {{0, "Gain", -96, 0}}};
         return Texts(fChecker.CheckSheet(
@@ -108,18 +108,18 @@ TEST_F(ScriptCheckerTest, Sheet_IsComparedWithTheRangesOfItsEffect) {
     EXPECT_THAT(check("96"), IsEmpty());
 }
 
-TEST_F(ScriptCheckerTest, Sheet_ThatCannotBeReadTellsWhereReadingEnds) {
+TEST_F(ScriptCheckerTest, SheetThatCannotBeReadTellsWhereReadingEnds) {
     EXPECT_THAT(CheckSheet("sheet a {\ninput: in0 0.5;\n}"), ElementsAre(testing::StartsWith("a.trn:2:12: expected ")));
     EXPECT_THAT(CheckSheet("sheet a {\noutput: out0 <== gain;\n}"), ElementsAre(testing::StartsWith("a.trn:2:18: ")));
 }
 
-TEST_F(ScriptCheckerTest, Sheet_WarnsOfCellsThatNothingSets) {
+TEST_F(ScriptCheckerTest, SheetWarnsOfCellsThatNothingSets) {
     EXPECT_THAT(CheckSheet("sheet a {\ninput: in0: 0; interface:\n  gain;\noutput: out0 <== in0;\n}"),
                 ElementsAre(testing::StartsWith("a.trn:3:3: warning: ")));
     EXPECT_THAT(CheckSheet(kSheet), IsEmpty());
 }
 
-TEST_F(ScriptCheckerTest, Layout_TellsEveryFaultOnceInOrder) {
+TEST_F(ScriptCheckerTest, LayoutTellsEveryFaultOnceInOrder) {
     EXPECT_THAT(
         CheckLayout("knob(bind: @nothing) { checkbox(nane: 'a'); }\n"
                     "checkbox(bind: @nothing, name: 3);\n"
@@ -144,7 +144,7 @@ TEST_F(ScriptCheckerTest, Layout_TellsEveryFaultOnceInOrder) {
                     "@gain"));
 }
 
-TEST_F(ScriptCheckerTest, Layout_TellsPartsThatNeverComeUp) {
+TEST_F(ScriptCheckerTest, LayoutTellsPartsThatNeverComeUp) {
     EXPECT_THAT(
         CheckLayout("popup(items: ['A', 'B'], bind: @mode);\n"
                     "optional(bind: @mode, value: 2) { row(); }\n" // the sheet itself
@@ -162,12 +162,12 @@ TEST_F(ScriptCheckerTest, Layout_TellsPartsThatNeverComeUp) {
                 ElementsAre("a.lio:1:8: warning: the layout is named 'a', its sheet 'b'"));
 }
 
-TEST_F(ScriptCheckerTest, Layout_OfABrokenSheetIsNotBlamedForTheCells) {
+TEST_F(ScriptCheckerTest, LayoutOfABrokenSheetIsNotBlamedForTheCells) {
     EXPECT_THAT(CheckLayout("checkbox(bind: @nothing, name: 3);", "sheet a {"),
                 ElementsAre("a.lio:2:26: 'name' needs a string, not a number"));
 }
 
-TEST_F(ScriptCheckerTest, Layout_ThatCannotBeReadTellsWhereReadingEnds) {
+TEST_F(ScriptCheckerTest, LayoutThatCannotBeReadTellsWhereReadingEnds) {
     EXPECT_THAT(CheckLayout("checkbox(name 3);"), ElementsAre(testing::StartsWith("a.lio:2:15: expected ")));
     EXPECT_THAT(Texts(fChecker.CheckLayout({"a.lio", ""}, {"a.trn", ""})), IsEmpty());
 }

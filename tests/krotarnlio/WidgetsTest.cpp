@@ -53,7 +53,7 @@ protected:
     float TextWidth(std::u16string_view text) const { return std::ceil(fSupplier.MeasureText(text, {}).width); }
 };
 
-TEST_F(WidgetsTest, Checkbox_WritesABoolAndFollowsItsCells) {
+TEST_F(WidgetsTest, CheckboxWritesABoolAndFollowsItsCells) {
     LoadWidgets("interface: on: false; label: 'Off';", "checkbox(identifier: 'box', bind: @on, name: @label);");
     Click("box");
     EXPECT_EQ(Get("on"), true);
@@ -66,7 +66,7 @@ TEST_F(WidgetsTest, Checkbox_WritesABoolAndFollowsItsCells) {
     EXPECT_GT(FrameInWindow("box").width, TextWidth(u"A longer label")) << "laid out again";
 }
 
-TEST_F(WidgetsTest, RadioButtons_OfOneCellAreAGroupWhateverStandsBesideThem) {
+TEST_F(WidgetsTest, RadioButtonsOfOneCellAreAGroupWhateverStandsBesideThem) {
     LoadWidgets(
         "interface: a: 1; b: @x;",
         "radio_button(identifier: 'a1', bind: @a, value: 1); radio_button(identifier: 'bx', bind: @b, value: @x);"
@@ -82,7 +82,7 @@ TEST_F(WidgetsTest, RadioButtons_OfOneCellAreAGroupWhateverStandsBesideThem) {
     EXPECT_FALSE(The<UI_RadioButton>("a1").IsChecked() || The<UI_RadioButton>("a2").IsChecked());
 }
 
-TEST_F(WidgetsTest, ToggleButton_IsAChoiceWithAValueAndASwitchWithout) {
+TEST_F(WidgetsTest, ToggleButtonIsAChoiceWithAValueAndASwitchWithout) {
     LoadWidgets("interface: mode: 'low'; on: false;",
                 "toggle_button(identifier: 'low', name: 'Low', bind: @mode, value: 'low', button_style: @flat);"
                 "toggle_button(identifier: 'high', name: 'High', bind: @mode, value: 'high', button_style: 2);"
@@ -101,7 +101,7 @@ TEST_F(WidgetsTest, ToggleButton_IsAChoiceWithAValueAndASwitchWithout) {
     EXPECT_EQ(Get("on"), false);
 }
 
-TEST_F(WidgetsTest, Button_SetsItsValueOrTurnsABoolOver) {
+TEST_F(WidgetsTest, ButtonSetsItsValueOrTurnsABoolOver) {
     LoadWidgets("interface: gain: 5; start: 3; on: true;",
                 "button(identifier: 'reset', name: 'Reset', bind: @gain, value: @start);"
                 "button(identifier: 'link', name: 'Link', bind: @on); button(identifier: 'idle', name: 'Idle');");
@@ -118,7 +118,7 @@ TEST_F(WidgetsTest, Button_SetsItsValueOrTurnsABoolOver) {
     EXPECT_FALSE(The<UI_TextButton>("idle").DownState());
 }
 
-TEST_F(WidgetsTest, ButtonWithAPicture_GetsItFromTheResources) {
+TEST_F(WidgetsTest, ButtonWithAPictureGetsItFromTheResources) {
     fResources["RESET"] = PNG({40, 30});
     fResources["RESET_2X"] = PNG({80, 60});
     LoadWidgets("interface: on: false;", "button(identifier: 'both', image: 'RESET', name: 'Reset', bind: @on);"
@@ -136,7 +136,7 @@ TEST_F(WidgetsTest, ButtonWithAPicture_GetsItFromTheResources) {
     EXPECT_EQ(Get("on"), true);
 }
 
-TEST_F(WidgetsTest, Popup_ChoosesTheValuesOfItsItems) {
+TEST_F(WidgetsTest, PopupChoosesTheValuesOfItsItems) {
     LoadWidgets("interface: mode: 'fast'; at: 1;",
                 "popup(identifier: 'mode', bind: @mode, items: [{ name: 'Slow', value: 'slow' }, '-',"
                 "      { name: 'Fast', value: 'fast' }, { name: 'Never', value: 'never', enabled: false }]);"
@@ -156,7 +156,7 @@ TEST_F(WidgetsTest, Popup_ChoosesTheValuesOfItsItems) {
     EXPECT_EQ(Shown("mode"), u"");
 }
 
-TEST_F(WidgetsTest, Popup_FollowsACellWithItsItems) {
+TEST_F(WidgetsTest, PopupFollowsACellWithItsItems) {
     LoadWidgets("interface: channels: [{ name: 'L', value: 0 }, { name: 'R', value: 1 }]; channel: 1;",
                 "popup(identifier: 'channel', bind: @channel, items: @channels);");
     orrin::array_t items;
@@ -168,7 +168,7 @@ TEST_F(WidgetsTest, Popup_FollowsACellWithItsItems) {
     EXPECT_EQ(Shown("channel"), u"");
 }
 
-TEST_F(WidgetsTest, PopupExtras_CustomItemSearchAndWidth) {
+TEST_F(WidgetsTest, PopupExtrasCustomItemSearchAndWidth) {
     LoadWidgets("interface: preset: 7;",
                 "popup(identifier: 'preset', bind: @preset, items: ['A first long item of many letters', 'B', 'C'],"
                 "      include_custom_item: true, is_searchable: true, popup_maximum_width_chars: 10);");
@@ -182,7 +182,7 @@ TEST_F(WidgetsTest, PopupExtras_CustomItemSearchAndWidth) {
     EXPECT_EQ(Shown("preset"), u"B");
 }
 
-TEST_F(WidgetsTest, TabGroup_ChangesByKeysFromAControlOfItsPage) {
+TEST_F(WidgetsTest, TabGroupChangesByKeysFromAControlOfItsPage) {
     LoadWidgets("interface: page: 0; on: false;",
                 "tab_group(bind: @page, items: ['A', 'B']) { panel() { checkbox(identifier: 'box', bind: @on); }"
                 "                                            panel() { checkbox(identifier: 'other', bind: @on); } }");
@@ -194,12 +194,12 @@ TEST_F(WidgetsTest, TabGroup_ChangesByKeysFromAControlOfItsPage) {
     EXPECT_EQ(Get("on"), false) << "turned on and off again";
 }
 
-TEST_F(WidgetsTest, TabGroupWithoutTabs_ShowsNoPage) {
+TEST_F(WidgetsTest, TabGroupWithoutTabsShowsNoPage) {
     LoadWidgets("interface: on: false;", "tab_group() { panel(value: 1) { checkbox(identifier: 'box', bind: @on); } }");
     EXPECT_FALSE(IsShown("box"));
 }
 
-TEST_F(WidgetsTest, LabelsWithColons_EndAtTheSamePlace) {
+TEST_F(WidgetsTest, LabelsWithColonsEndAtTheSamePlace) {
     LoadWidgets("interface: n: 1;",
                 "popup(identifier: 'popup', name: 'Window:', bind: @n, items: ['a', 'b']);"
                 "display_text(identifier: 'text', name: 'A long label:', value: 'x');"
@@ -214,7 +214,7 @@ TEST_F(WidgetsTest, LabelsWithColons_EndAtTheSamePlace) {
     EXPECT_EQ(Popup("popup").UI_LocalToWindow({}).x, guide + 12);
 }
 
-TEST_F(WidgetsTest, LabelledPopup_IsDisabledAsAWhole) {
+TEST_F(WidgetsTest, LabelledPopupIsDisabledAsAWhole) {
     LoadWidgets("interface: n: 1;", "popup(identifier: 'Popup_Size', name: 'Size:', bind: @n, items: ['a', 'b']);");
     The<UI_ControlView>("Popup_Size").SetDisabled(true);
     EXPECT_TRUE(Popup("Popup_Size").IsDisabled());
@@ -225,7 +225,7 @@ TEST_F(WidgetsTest, LabelledPopup_IsDisabledAsAWhole) {
     EXPECT_EQ(Get("n"), 0);
 }
 
-TEST_F(WidgetsTest, Displays_ShowValuesAsTheyAreRead) {
+TEST_F(WidgetsTest, DisplaysShowValuesAsTheyAreRead) {
     struct Case {
         const char* widget;
         std::u16string shown;
@@ -251,7 +251,7 @@ TEST_F(WidgetsTest, Displays_ShowValuesAsTheyAreRead) {
         EXPECT_EQ(ValueOf("d" + std::to_string(i)), cases[i].shown) << cases[i].widget;
 }
 
-TEST_F(WidgetsTest, DisplayText_FollowsItsCellInTheRoomThatItHas) {
+TEST_F(WidgetsTest, DisplayTextFollowsItsCellInTheRoomThatItHas) {
     LoadWidgets("interface: state: ''; ", "display_text(identifier: 'free', value: @state);"
                                           "display_text(identifier: 'fixed', value: @state, characters: 10);");
     const float fixed = FrameInWindow("fixed").width;
@@ -261,7 +261,7 @@ TEST_F(WidgetsTest, DisplayText_FollowsItsCellInTheRoomThatItHas) {
     EXPECT_GE(fixed, TextWidth(u"0000000000"));
 }
 
-TEST_F(WidgetsTest, StaticText_LongerThanItsCharactersGoesOnInFurtherLines) {
+TEST_F(WidgetsTest, StaticTextLongerThanItsCharactersGoesOnInFurtherLines) {
     LoadWidgets("", "static_text(identifier: 'one', name: 'Short', characters: 20);"
                     "static_text(identifier: 'more', name: 'A text of many words that no line of that width can hold',"
                     "            characters: 20);"

@@ -38,7 +38,7 @@ index_t AddLeaf(layout_t& layout, index_t parent, const layout_extents_t& extent
     return leaf;
 }
 
-TEST(Layout, Row_ChildrenStandSideBySideWithSpacingInsideTheMargins) {
+TEST(Layout, RowChildrenStandSideBySideWithSpacingInsideTheMargins) {
     layout_t layout;
     const index_t root = layout.add(layout_t::kNone, Box(placement_t::row, 8, 16));
     const index_t a = AddLeaf(layout, root, {30, 24});
@@ -49,7 +49,7 @@ TEST(Layout, Row_ChildrenStandSideBySideWithSpacingInsideTheMargins) {
     EXPECT_EQ(layout.frame(b), (layout_rect_t{54, 16, 50, 10}));
 }
 
-TEST(Layout, Column_IndentShiftsAndWidens) {
+TEST(Layout, ColumnIndentShiftsAndWidens) {
     layout_t layout;
     const index_t root = layout.add(layout_t::kNone, Box(placement_t::column, 8));
     layout_attributes_t indented;
@@ -62,7 +62,7 @@ TEST(Layout, Column_IndentShiftsAndWidens) {
     EXPECT_EQ(layout.frame(b), (layout_rect_t{20, 32, 40, 24}));
 }
 
-TEST(Layout, Overlay_ChildrenShareTheRoom) {
+TEST(Layout, OverlayChildrenShareTheRoom) {
     layout_t layout;
     layout_attributes_t attributes = Box(placement_t::overlay, 99, 5);
     attributes.childHorizontal = alignment_t::center;
@@ -82,7 +82,7 @@ struct AcrossCase {
     int width;
 };
 
-TEST(Layout, AcrossAColumn_EachAlignmentHasItsPlace) {
+TEST(Layout, AcrossAColumnEachAlignmentHasItsPlace) {
     const AcrossCase cases[] = {
         {alignment_t::inherit, 160, 40}, // what the column says: end
         {alignment_t::start, 0, 40},         {alignment_t::end, 160, 40}, {alignment_t::center, 80, 40},
@@ -107,7 +107,7 @@ struct AlongCase {
     std::vector<int> widths;
 };
 
-TEST(Layout, AlongARow_RoomLeftOverGoesWhereTheChildrenWantIt) {
+TEST(Layout, AlongARowRoomLeftOverGoesWhereTheChildrenWantIt) {
     using enum alignment_t;
     // Three children of 20 with a spacing of 10 need 80; the row has 111, so 31 are left over.
     const AlongCase cases[] = {
@@ -133,7 +133,7 @@ TEST(Layout, AlongARow_RoomLeftOverGoesWhereTheChildrenWantIt) {
     }
 }
 
-TEST(Layout, Fill_ReachesThroughNestedBoxes) {
+TEST(Layout, FillReachesThroughNestedBoxes) {
     layout_t layout;
     const index_t root = layout.add(layout_t::kNone, Box(placement_t::column, 8, 16));
     AddLeaf(layout, root, {300, 24});
@@ -147,7 +147,7 @@ TEST(Layout, Fill_ReachesThroughNestedBoxes) {
     EXPECT_EQ(layout.needed_width(root), 332);
 }
 
-TEST(Layout, Place_NeverGivesLessThanIsNeeded) {
+TEST(Layout, PlaceNeverGivesLessThanIsNeeded) {
     layout_t layout;
     const index_t root = layout.add(layout_t::kNone, Box(placement_t::row));
     const index_t leaf = AddLeaf(layout, root, {50, 20});
@@ -158,7 +158,7 @@ TEST(Layout, Place_NeverGivesLessThanIsNeeded) {
     EXPECT_EQ(layout.frame(leaf), (layout_rect_t{0, 0, 50, 20}));
 }
 
-TEST(Layout, Column_LabelColonsStandInOneLine) {
+TEST(Layout, ColumnLabelColonsStandInOneLine) {
     layout_t layout;
     const index_t root = layout.add(layout_t::kNone, Box(placement_t::column, 8));
     const index_t gain = AddLeaf(layout, root, {100, 24, 40});
@@ -175,7 +175,7 @@ TEST(Layout, Column_LabelColonsStandInOneLine) {
     EXPECT_EQ(layout.frame(plain), (layout_rect_t{0, 128, 10, 24}));
 }
 
-TEST(Layout, Row_BaselinesStandInOneLine) {
+TEST(Layout, RowBaselinesStandInOneLine) {
     layout_t layout;
     const index_t root = layout.add(layout_t::kNone, Box(placement_t::row, 8));
     const index_t text = AddLeaf(layout, root, {30, 14, -1, 11});
@@ -188,7 +188,7 @@ TEST(Layout, Row_BaselinesStandInOneLine) {
     EXPECT_EQ(layout.frame(root).height, 24);
 }
 
-TEST(Layout, Groups_ColonsAlignAcrossThemWhileTheirEdgesStay) {
+TEST(Layout, GroupsColonsAlignAcrossThemWhileTheirEdgesStay) {
     layout_t layout;
     const index_t root = layout.add(layout_t::kNone, Box(placement_t::column, 8));
     const index_t first = layout.add(root, Box(placement_t::column, 8, 10));
@@ -207,7 +207,7 @@ TEST(Layout, Groups_ColonsAlignAcrossThemWhileTheirEdgesStay) {
     EXPECT_EQ(layout.frame(c), (layout_rect_t{70, 104, 60, 24}));
 }
 
-TEST(Layout, Row_MovesWhatStandsBehindAShiftedLabel) {
+TEST(Layout, RowMovesWhatStandsBehindAShiftedLabel) {
     layout_t layout;
     const index_t root = layout.add(layout_t::kNone, Box(placement_t::column));
     AddLeaf(layout, root, {200, 24, 100});
@@ -235,7 +235,7 @@ TEST(Layout, MaskedGuidesDoNotLeaveTheirBox) {
     EXPECT_EQ(layout.frame(outside).left, 0);
 }
 
-TEST(Layout, AbsentBoxes_TakeNoRoomAndAlignNothing) {
+TEST(Layout, AbsentBoxesTakeNoRoomAndAlignNothing) {
     layout_t layout;
     const index_t root = layout.add(layout_t::kNone, Box(placement_t::column, 8));
     const index_t first = layout.add(root, Box(placement_t::row));
@@ -253,7 +253,7 @@ TEST(Layout, AbsentBoxes_TakeNoRoomAndAlignNothing) {
     EXPECT_EQ(layout.frame(gain), (layout_rect_t{160, 32, 100, 24}));
 }
 
-TEST(Layout, WrappedText_TakesItsHeightFromTheWidthThatItGot) {
+TEST(Layout, WrappedTextTakesItsHeightFromTheWidthThatItGot) {
     layout_t layout;
     const index_t root = layout.add(layout_t::kNone, Box(placement_t::column));
     AddLeaf(layout, root, {100, 24});

@@ -42,7 +42,7 @@ std::vector<index_t> Sources(const planner_t& planner, std::size_t cells) {
     return sources;
 }
 
-TEST(Planner, Sum_TheCellThatWasTouchedLongestAgoIsComputed) {
+TEST(Planner, SumTheCellThatWasTouchedLongestAgoIsComputed) {
     std::vector<index_t> order{0, 1, 2};
     do {
         planner_t planner = PlannerOf(3);
@@ -56,7 +56,7 @@ TEST(Planner, Sum_TheCellThatWasTouchedLongestAgoIsComputed) {
     } while (std::ranges::next_permutation(order).found);
 }
 
-TEST(Planner, UntouchedCells_TheOnesAddedLastAreComputed) {
+TEST(Planner, UntouchedCellsTheOnesAddedLastAreComputed) {
     planner_t planner = PlannerOf(4);
     planner.add_relation(AnyFromTheOthers({0, 1, 2, 3}));
     EXPECT_TRUE(planner.plan());
@@ -64,7 +64,7 @@ TEST(Planner, UntouchedCells_TheOnesAddedLastAreComputed) {
     EXPECT_FALSE(planner.plan());
 }
 
-TEST(Planner, Chain_ClausesRunAwayFromTheTouchedCell) {
+TEST(Planner, ChainClausesRunAwayFromTheTouchedCell) {
     planner_t planner = PlannerOf(4);
     for (index_t i = 0; i < 3; ++i)
         planner.add_relation(AnyFromTheOthers({i, i + 1}));
@@ -255,7 +255,7 @@ std::vector<index_t> BestSources(const EveryPlan& plans, const std::vector<index
     return {kept.begin(), kept.end()};
 }
 
-TEST(Planner, RandomRelations_ThePlanIsTheBestOfAll) {
+TEST(Planner, RandomRelationsThePlanIsTheBestOfAll) {
     std::mt19937 random(20240611);
     const auto below = [&](std::size_t bound) { return static_cast<index_t>(random() % bound); };
     int planned = 0;
@@ -440,7 +440,7 @@ std::vector<clauses_t> RandomRelations(std::mt19937& random, std::size_t cells, 
     return relations;
 }
 
-TEST(Planner, RandomEdits_ThePlansAreThoseOfTheRulesSpelledOut) {
+TEST(Planner, RandomEditsThePlansAreThoseOfTheRulesSpelledOut) {
     std::mt19937 random(20261123);
     int plans = 0;
     for (int round = 0; round < 1000; ++round) {
@@ -503,7 +503,7 @@ planner_t TotalsOfATable(index_t side) {
     return planner;
 }
 
-TEST(Planner, SettingAllCells_CostsAFewChoicesForEveryRelation) {
+TEST(Planner, SettingAllCellsCostsAFewChoicesForEveryRelation) {
     std::mt19937 random(1);
     const auto choicesOf = [&](planner_t planner, index_t cells, int order) {
         std::vector<index_t> touched(cells);

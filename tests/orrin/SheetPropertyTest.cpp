@@ -120,7 +120,7 @@ TEST(SheetProperty, RandomSumsHoldAfterEveryEdit) {
 }
 
 // Relations that form a tree never stand against a single edit.
-TEST(SheetProperty, EditOfATreeOfSums_AlwaysHolds) {
+TEST(SheetProperty, EditOfATreeOfSumsAlwaysHolds) {
     std::mt19937 random(20240613);
     std::string cells, sums;
     constexpr int kLeaves = 16;

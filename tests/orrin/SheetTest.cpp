@@ -113,7 +113,7 @@ TEST_F(Sheet, ConnectionsEndWhenCutOrWhenTheirObjectDies) {
     EXPECT_THAT(fLog.Take(), ElementsAre("dropped 4"));
 }
 
-TEST_F(Sheet, SubscriberThatSetsCells_WaitsForTheNextUpdate) {
+TEST_F(Sheet, SubscriberThatSetsCellsWaitsForTheNextUpdate) {
     fSheet.load("sheet x { interface: a: 1; b: 1; output: out0 <== a; out1 <== b; }", "test");
     fSheet.subscribe(kOut0, [&](const any_regular_t& value) { fSheet.set(kB, value); });
     fSheet.subscribe(kOut1, fLog.For("out1"));
@@ -125,7 +125,7 @@ TEST_F(Sheet, SubscriberThatSetsCells_WaitsForTheNextUpdate) {
     EXPECT_THAT(fLog.Take(), ElementsAre("out1 7"));
 }
 
-TEST_F(Sheet, SubscriberThatUpdates_MakesAnotherRoundBehindTheRunningOne) {
+TEST_F(Sheet, SubscriberThatUpdatesMakesAnotherRoundBehindTheRunningOne) {
     fSheet.load("sheet x { interface: a: 1; b: 1; output: out0 <== a; out1 <== a + b; }", "test");
     fSheet.subscribe(kOut0, [&](const any_regular_t& value) {
         fSheet.set(kB, value);
@@ -138,7 +138,7 @@ TEST_F(Sheet, SubscriberThatUpdates_MakesAnotherRoundBehindTheRunningOne) {
     EXPECT_THAT(fLog.Take(), ElementsAre("out1 8", "out1 14"));
 }
 
-TEST_F(Sheet, SubscribersThatNeverStop_AreReported) {
+TEST_F(Sheet, SubscribersThatNeverStopAreReported) {
     fSheet.load("sheet x { interface: a: 1; output: out0 <== a; }", "test");
     std::vector<std::string> told;
     fSheet.set_error_handler([&](const error_t& error) { told.push_back(error.message()); });
@@ -158,7 +158,7 @@ TEST_F(Sheet, SubscribersThatNeverStop_AreReported) {
     EXPECT_THAT(fSheet.errors(), IsEmpty());
 }
 
-TEST_F(Sheet, SubscriberThatThrows_KeepsNobodyFromHearing) {
+TEST_F(Sheet, SubscriberThatThrowsKeepsNobodyFromHearing) {
     fSheet.load(kTwoOutputs, "test");
     bool throws = false;
     fSheet.subscribe(kOut0, [&](const any_regular_t&) {
@@ -193,7 +193,7 @@ TEST(SheetLife, SubscriberMayDestroyTheSheet) {
     EXPECT_EQ(calls, 2);
 }
 
-TEST_F(Sheet, CellThatThePlanOverrules_TellsItsWidget) {
+TEST_F(Sheet, CellThatThePlanOverrulesTellsItsWidget) {
     fSheet.load("sheet x { input: in0: 1; interface: a: 1 <== in0 * 2; }", "test");
     fSheet.subscribe(kA, fLog.For("a"));
     fLog.Take();
@@ -202,7 +202,7 @@ TEST_F(Sheet, CellThatThePlanOverrules_TellsItsWidget) {
     EXPECT_THAT(fLog.Take(), ElementsAre("a 2"));
 }
 
-TEST_F(Sheet, ScriptThatFailsToLoad_LeavesEverythingAsItWas) {
+TEST_F(Sheet, ScriptThatFailsToLoadLeavesEverythingAsItWas) {
     fSheet.load(kTwoOutputs, "test");
     fSheet.subscribe(kOut0, fLog.For("out0"));
     const char* const broken[] = {"sheet", "sheet x { output: out0 <== nothing; }", "sheet x { constant: a: 1 + @b; }",
@@ -215,7 +215,7 @@ TEST_F(Sheet, ScriptThatFailsToLoad_LeavesEverythingAsItWas) {
     EXPECT_THAT(fLog.Take(), ElementsAre("out0 10"));
 }
 
-TEST_F(Sheet, LoadingAgain_ReplacesCellsAndEndsConnections) {
+TEST_F(Sheet, LoadingAgainReplacesCellsAndEndsConnections) {
     fSheet.load(kTwoOutputs, "test");
     const boost::signals2::connection connection = fSheet.subscribe(kOut0, fLog.For("out0"));
     fSheet.load("sheet other { interface: b: 1; }", "test");
@@ -224,7 +224,7 @@ TEST_F(Sheet, LoadingAgain_ReplacesCellsAndEndsConnections) {
     EXPECT_EQ(fSheet.name(), name_t("other"));
 }
 
-TEST_F(Sheet, LoadingFromWithinAnUpdate_IsRefused) {
+TEST_F(Sheet, LoadingFromWithinAnUpdateIsRefused) {
     fSheet.load(kTwoOutputs, "test");
     int refused = 0;
     bool tries = false;
@@ -240,7 +240,7 @@ TEST_F(Sheet, LoadingFromWithinAnUpdate_IsRefused) {
     EXPECT_TRUE(fSheet.has_cell(kA));
 }
 
-TEST_F(Sheet, Misuse_IsRefusedByName) {
+TEST_F(Sheet, MisuseIsRefusedByName) {
     fSheet.load("sheet x { constant: c: 1; input: in0: 1; output: out0 <== in0; }", "test");
     EXPECT_THROW(fSheet.get(kA), std::out_of_range);
     EXPECT_THROW(fSheet.set(kA, 1), std::out_of_range);
@@ -253,7 +253,7 @@ TEST_F(Sheet, Misuse_IsRefusedByName) {
     EXPECT_FALSE(fSheet.has_output(kA));
 }
 
-TEST_F(Sheet, Cells_AreListedAsDeclared) {
+TEST_F(Sheet, CellsAreListedAsDeclared) {
     fSheet.load("sheet x {\ninput: in0;\ninterface: unlink a: 1;\n  b <== 1;\noutput: out0 <== a; }", "test");
     const std::vector<cell_info_t> cells = fSheet.cells();
     ASSERT_EQ(cells.size(), 4u);
@@ -392,7 +392,7 @@ TEST_F(Sheet, AMisspeltKeywordIsToldAsOne) {
     EXPECT_NO_THROW(fSheet.load("sheet x { input: inputs: 1; interface: outputs: 2 <== inputs; }", "test"));
 }
 
-TEST_F(Sheet, Poll_ComputesOnlyWhatTheInputReaches) {
+TEST_F(Sheet, PollComputesOnlyWhatTheInputReaches) {
     fSheet.load(EqualizerScript(30), "eq");
     const std::uint64_t before = fSheet.evaluation_count();
     fSheet.set(name_t("in7"), 0.75);
@@ -410,7 +410,7 @@ std::string Repeated(const std::string& text, int count) {
     return all;
 }
 
-TEST_F(Sheet, NestingWithoutEnd_IsAMessage) {
+TEST_F(Sheet, NestingWithoutEndIsAMessage) {
     constexpr int kDeep = 100'000;
     const std::string scripts[] = {
         "sheet x { output: out0 <== " + Repeated("(", kDeep) + "1" + Repeated(")", kDeep) + "; }",
@@ -426,7 +426,7 @@ TEST_F(Sheet, NestingWithoutEnd_IsAMessage) {
         EXPECT_THROW(fSheet.load(script, "deep"), error_t) << script.substr(0, 60);
 }
 
-TEST_F(Sheet, HundredThousandCellsInARow_AreComputedInOrder) {
+TEST_F(Sheet, HundredThousandCellsInARowAreComputedInOrder) {
     constexpr int kCells = 100'000;
     std::string script = "sheet x { input: in0: 1; logic: c0 <== in0; ";
     for (int i = kCells - 1; i > 0; --i) // declared backwards
@@ -438,7 +438,7 @@ TEST_F(Sheet, HundredThousandCellsInARow_AreComputedInOrder) {
     EXPECT_THAT(fSheet.contributing(name_t("c99999")), ElementsAre(kIn0));
 }
 
-TEST_F(Sheet, CircleOfManyCells_IsNamedInShort) {
+TEST_F(Sheet, CircleOfManyCellsIsNamedInShort) {
     std::string script = "sheet x { logic: c0 <== c9999; ";
     for (int i = 1; i < 10'000; ++i)
         script += "c" + std::to_string(i) + " <== c" + std::to_string(i - 1) + "; ";
@@ -462,7 +462,7 @@ std::string ChainScript(int cells) {
     return "sheet x { interface: " + interface + "logic: " + relations + "}";
 }
 
-TEST_F(Sheet, LongChainOfRelations_FollowsEitherEnd) {
+TEST_F(Sheet, LongChainOfRelationsFollowsEitherEnd) {
     fSheet.load(ChainScript(2000), "chain");
     EXPECT_EQ(Number(fSheet[name_t("c1999")]), 1999);
     fSheet.set(name_t("c1999"), 0);

@@ -12,7 +12,7 @@ namespace {
 using kroui::Point;
 using Line = std::vector<Point>;
 
-TEST(CurveLine, Straight_SortsPointsAndIsLevelBesideThem) {
+TEST(CurveLine, StraightSortsPointsAndIsLevelBesideThem) {
     const Line points = {{50, 5}, {20, 10}, {50, 30}};
     EXPECT_EQ(CurveLine::Straight(points, 0, 100), (Line{{0, 10}, {20, 10}, {50, 5}, {50, 30}, {100, 30}}));
     EXPECT_TRUE(CurveLine::Straight({}, 0, 100).empty());
@@ -22,7 +22,7 @@ TEST(CurveLine, Straight_SortsPointsAndIsLevelBesideThem) {
 
 // On two intervals of slope 0 and 1 and an end slope of the secant the Fritsch-Carlson tangents are 0, 0, 1: the cubic
 // of the second is y = 10 (2 t^2 - t^3 + ...) worked out below.
-TEST(CurveLine, Spline_FollowsTheCubicWorkedOutByHand) {
+TEST(CurveLine, SplineFollowsTheCubicWorkedOutByHand) {
     const Line line = CurveLine::Spline(Line{{0, 0}, {10, 0}, {20, 10}}, 0, 20, 1, 20);
     for (const Point& p : line) {
         // Hermite with p0 = 0, p1 = 10, slopes 0 and 1, width 10: (3t^2 - 2t^3) * 10 + (t^3 - t^2) * 10.
@@ -32,7 +32,7 @@ TEST(CurveLine, Spline_FollowsTheCubicWorkedOutByHand) {
     EXPECT_EQ(line.size(), 21U);
 }
 
-TEST(CurveLine, Spline_NeverLeavesTheHeightsOfItsNeighbours) {
+TEST(CurveLine, SplineNeverLeavesTheHeightsOfItsNeighbours) {
     const Line cases[] = {{{0, 0}, {1, 100}, {2, 100}, {90, 101}, {100, 0}},
                           {{0, 50}, {10, 50}, {10, 0}, {10, 80}, {30, 20}, {31, 90}},
                           {{-1e6F, 0}, {1e6F, 100}},

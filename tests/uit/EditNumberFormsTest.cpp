@@ -62,7 +62,7 @@ protected:
     boost::intrusive_ptr<kroui::ui::UI_SubView> root{new kroui::ui::UI_SubView};
 };
 
-TEST_F(EditNumberFormsTest, NarrowBand_CutsNothingOff) {
+TEST_F(EditNumberFormsTest, NarrowBandCutsNothingOff) {
     const auto band = AddBand(100);
     for (const double value : {-12.0, -4.5, 0.0, 9.9, 12.0}) {
         band->SetValue(value);
@@ -86,7 +86,7 @@ TEST_F(EditNumberFormsTest, NarrowBand_CutsNothingOff) {
     EXPECT_EQ(layout.track.left, 11) << "in the middle";
 }
 
-TEST_F(EditNumberFormsTest, MaxDigits_GreaterNumbersShowFewerPlaces) {
+TEST_F(EditNumberFormsTest, MaxDigitsGreaterNumbersShowFewerPlaces) {
     const auto edit = AddBand(0);
     const std::pair<double, const char16_t*> rows[] = {{4.5, u"+4.5"}, {9.94, u"+9.9"}, {9.96, u"+10"},
                                                        {-12, u"-12"},  {0, u"+0"},      {-0.04, u"+0"}};
@@ -96,7 +96,7 @@ TEST_F(EditNumberFormsTest, MaxDigits_GreaterNumbersShowFewerPlaces) {
     }
 }
 
-TEST_F(EditNumberFormsTest, NarrowBand_IsTypedInAFieldOverItsNeighbours) {
+TEST_F(EditNumberFormsTest, NarrowBandIsTypedInAFieldOverItsNeighbours) {
     const auto band = AddBand(100);
     const auto neighbour = AddBand(122);
     window.DoubleClick(InWindow(*band, band->Layout().number.Centre()));
@@ -123,7 +123,7 @@ TEST_F(EditNumberFormsTest, NarrowBand_IsTypedInAFieldOverItsNeighbours) {
     EXPECT_EQ(band->GetValue(), 7);
 }
 
-TEST_F(EditNumberFormsTest, NaturalSize_OfEveryFormHoldsAllParts) {
+TEST_F(EditNumberFormsTest, NaturalSizeOfEveryFormHoldsAllParts) {
     RulerSettings ruler;
     ruler.type = RulerSettings::kLinear;
     ruler.value1 = -60;
@@ -166,7 +166,7 @@ TEST_F(EditNumberFormsTest, NaturalSize_OfEveryFormHoldsAllParts) {
     }
 }
 
-TEST_F(EditNumberFormsTest, SecondRuler_StandsOnTheFreeSideAndDecidesNothing) {
+TEST_F(EditNumberFormsTest, SecondRulerStandsOnTheFreeSideAndDecidesNothing) {
     const auto edit = Add({0, 0, 400, 80});
     edit->SetMinMaxValue(0, 1000, 0);
     RulerSettings first;
@@ -202,7 +202,7 @@ TEST_F(EditNumberFormsTest, SecondRuler_StandsOnTheFreeSideAndDecidesNothing) {
     EXPECT_THAT(Drawn(*edit), Not(Contains(StartsWith("Text \"Slow\" 9"))));
 }
 
-TEST_F(EditNumberFormsTest, HotTextScaleRange_MakesALogarithmicDragFromZeroUseful) {
+TEST_F(EditNumberFormsTest, HotTextScaleRangeMakesALogarithmicDragFromZeroUseful) {
     const auto edit = Add({0, 0, 200, 24});
     edit->SetUseSlider(false);
     edit->SetMinMaxValue(0, 20000, 0);
@@ -222,7 +222,7 @@ TEST_F(EditNumberFormsTest, HotTextScaleRange_MakesALogarithmicDragFromZeroUsefu
     EXPECT_NEAR(edit->GetValue(), 20, 0.5);
 }
 
-TEST_F(EditNumberFormsTest, DragDirection_CountsOnlyThatWay) {
+TEST_F(EditNumberFormsTest, DragDirectionCountsOnlyThatWay) {
     const auto edit = Add({0, 0, 200, 24});
     edit->SetUseSlider(false);
     edit->SetIncrement(1); // a step every two pixels
@@ -237,7 +237,7 @@ TEST_F(EditNumberFormsTest, DragDirection_CountsOnlyThatWay) {
     EXPECT_EQ(edit->GetValue(), 30);
 }
 
-TEST_F(EditNumberFormsTest, FewSteps_AreTakenOneByOne) {
+TEST_F(EditNumberFormsTest, FewStepsAreTakenOneByOne) {
     const auto edit = Add({0, 0, 400, 24});
     edit->SetMinMaxValue(-12, 12, 0);
     edit->SetIncrement(1);
@@ -248,7 +248,7 @@ TEST_F(EditNumberFormsTest, FewSteps_AreTakenOneByOne) {
     EXPECT_EQ(edit->GetValue(), 3);
 }
 
-TEST_F(EditNumberFormsTest, Fill_BeginsAtZeroWhereTheRangeHasBothSigns) {
+TEST_F(EditNumberFormsTest, FillBeginsAtZeroWhereTheRangeHasBothSigns) {
     const auto edit = Add({0, 0, 400, 24});
     edit->SetMinMaxValue(-100, 100, 0);
     edit->SetValue(-50);
@@ -266,7 +266,7 @@ TEST_F(EditNumberFormsTest, Fill_BeginsAtZeroWhereTheRangeHasBothSigns) {
     EXPECT_FALSE(isLit(0.7F));
 }
 
-TEST_F(EditNumberFormsTest, Knobs_HaveTheirShapes) {
+TEST_F(EditNumberFormsTest, KnobsHaveTheirShapes) {
     for (const bool isVertical : {false, true}) {
         const auto edit = Add({0, 0, isVertical ? 60.0F : 300.0F, isVertical ? 200.0F : 24.0F});
         edit->SetVertical(isVertical);

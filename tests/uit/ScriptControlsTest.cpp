@@ -61,7 +61,7 @@ protected:
     std::string heard;
 };
 
-TEST_F(ScriptControlsTest, TimecodeDisplay_FollowsTheFormatAndRepaintsOnlyAnotherText) {
+TEST_F(ScriptControlsTest, TimecodeDisplayFollowsTheFormatAndRepaintsOnlyAnotherText) {
     const auto display = Add<UI_TimecodeDisplay>({10, 10, 120, 24});
     display->SetValue(1.5);
     EXPECT_THAT(Drawn(*display), Contains(StartsWith("Text \"0:01.500\"")));
@@ -74,7 +74,7 @@ TEST_F(ScriptControlsTest, TimecodeDisplay_FollowsTheFormatAndRepaintsOnlyAnothe
     EXPECT_GE(display->UI_GetNaturalSize().width, supplier.MeasureText(u"23:59:59:24", {}).width);
 }
 
-TEST_F(ScriptControlsTest, TimecodeEdit_StepsByTheUnitOfItsFormat) {
+TEST_F(ScriptControlsTest, TimecodeEditStepsByTheUnitOfItsFormat) {
     const auto edit = Add<UI_TimecodeEdit>({10, 10, 120, 24});
     Listen(*edit);
     edit->SetTimecodeFormat(Frames());
@@ -91,7 +91,7 @@ TEST_F(ScriptControlsTest, TimecodeEdit_StepsByTheUnitOfItsFormat) {
     EXPECT_NEAR(edit->GetValue(), 1.34, 1e-9);
 }
 
-TEST_F(ScriptControlsTest, TimecodeEdit_TypesInTheFormatAndRefusesNonsense) {
+TEST_F(ScriptControlsTest, TimecodeEditTypesInTheFormatAndRefusesNonsense) {
     const auto edit = Add<UI_TimecodeEdit>({10, 10, 120, 24});
     Listen(*edit);
     edit->SetTimecodeFormat(Frames());
@@ -111,7 +111,7 @@ TEST_F(ScriptControlsTest, TimecodeEdit_TypesInTheFormatAndRefusesNonsense) {
     EXPECT_GE(edit->UI_GetNaturalSize().width, supplier.MeasureText(u"23:59:59:24", {}).width);
 }
 
-TEST_F(ScriptControlsTest, PictureToggleButton_ShowsThePictureOfItsState) {
+TEST_F(ScriptControlsTest, PictureToggleButtonShowsThePictureOfItsState) {
     const auto button = Add<UI_PictureToggleButton>({10, 10, 36, 24});
     Listen(*button);
     std::vector<std::string> asked;

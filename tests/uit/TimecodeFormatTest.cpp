@@ -38,7 +38,7 @@ void ExpectBothWays(std::initializer_list<Written> rows) {
     }
 }
 
-TEST(TimecodeFormatTest, Decimal_CountsMinutesAndHoursOnlyAsNeeded) {
+TEST(TimecodeFormatTest, DecimalCountsMinutesAndHoursOnlyAsNeeded) {
     const Settings decimal = Of(Settings::kDecimal);
     ExpectBothWays({{decimal, 0, "0:00.000"},
                     {decimal, 59.9996, "1:00.000"},
@@ -50,7 +50,7 @@ TEST(TimecodeFormatTest, Decimal_CountsMinutesAndHoursOnlyAsNeeded) {
     EXPECT_EQ(Text(decimal, -0.0001), "0:00.000") << "no minus for nothing";
 }
 
-TEST(TimecodeFormatTest, Frames_CountByTheRateRoundedUp) {
+TEST(TimecodeFormatTest, FramesCountByTheRateRoundedUp) {
     Settings film = Of(Settings::kCurrentFrames);
     film.currentFps = 23.976; // 24000 / 1001
     Settings fast = Of(Settings::kCustomFrames);
@@ -68,7 +68,7 @@ TEST(TimecodeFormatTest, Frames_CountByTheRateRoundedUp) {
 }
 
 // The frame numbers around the places where SMPTE ST 12-1 leaves two out, by frame.
-TEST(TimecodeFormatTest, DropFrame_LeavesOutTwoNumbersAMinuteButNotEveryTenth) {
+TEST(TimecodeFormatTest, DropFrameLeavesOutTwoNumbersAMinuteButNotEveryTenth) {
     constexpr double kFrame = 1001.0 / 30000;
     const Settings drop = Of(Settings::kNTSCDropFrames);
     const Settings all = Of(Settings::kNTSCNonDropFrames);
@@ -85,7 +85,7 @@ TEST(TimecodeFormatTest, DropFrame_LeavesOutTwoNumbersAMinuteButNotEveryTenth) {
                     {all, 107892 * kFrame, "00:59:56:12"}});
 }
 
-TEST(TimecodeFormatTest, DropFrame_StaysWithinFiveFramesOfTheClockForADay) {
+TEST(TimecodeFormatTest, DropFrameStaysWithinFiveFramesOfTheClockForADay) {
     const TimecodeFormat drop(Of(Settings::kNTSCDropFrames));
     for (int minute = 0; minute < 24 * 60; ++minute) {
         const std::u16string text = drop.Format(minute * 60.0).c_str();
@@ -98,7 +98,7 @@ TEST(TimecodeFormatTest, DropFrame_StaysWithinFiveFramesOfTheClockForADay) {
     EXPECT_DOUBLE_EQ(drop.Parse(u"00:01:00;00").value(), 1800 * 1001.0 / 30000) << "left out: the next one";
 }
 
-TEST(TimecodeFormatTest, Samples_AreWhole) {
+TEST(TimecodeFormatTest, SamplesAreWhole) {
     Settings samples = Of(Settings::kSamples);
     samples.sampleRate = 48000;
     ExpectBothWays({{samples, 1, "48000"}, {samples, 0.00001, "0"}, {samples, -2.5, "-120000"}});
@@ -106,7 +106,7 @@ TEST(TimecodeFormatTest, Samples_AreWhole) {
     EXPECT_FALSE(TimecodeFormat(samples).Parse(u"1.5"));
 }
 
-TEST(TimecodeFormatTest, Bars_CountFromOneForPlacesAndFromNoneForLengths) {
+TEST(TimecodeFormatTest, BarsCountFromOneForPlacesAndFromNoneForLengths) {
     Settings place = Of(Settings::kBarsAndBeats); // 120 in 4/4: a beat is half a second, a tick 1/960
     Settings length = place;
     length.isDuration = true;
@@ -134,7 +134,7 @@ TEST(TimecodeFormatTest, Bars_CountFromOneForPlacesAndFromNoneForLengths) {
                     {eighths, 3.25, "2:1.120"}});
 }
 
-TEST(TimecodeFormatTest, Parse_FillsUpWhatIsLeftOut) {
+TEST(TimecodeFormatTest, ParseFillsUpWhatIsLeftOut) {
     const Settings decimal = Of(Settings::kDecimal);
     const Settings pal = Of(Settings::kPALFrames);
     const Settings bars = Of(Settings::kBarsAndBeats);
@@ -166,7 +166,7 @@ TEST(TimecodeFormatTest, Parse_FillsUpWhatIsLeftOut) {
     }
 }
 
-TEST(TimecodeFormatTest, Parse_RefusesWhatIsNoTime) {
+TEST(TimecodeFormatTest, ParseRefusesWhatIsNoTime) {
     for (const char16_t* const text :
          {u"", u" ", u"-", u"abc", u":", u"1:", u":30", u"1:60", u"1:60:00", u"1:2:3:4", u".", u"1..5", u"1.2.3",
           u"--1", u"1e5", u"0x10", u"1 2", u"99999999999999999999", u"999999999999"})
@@ -177,7 +177,7 @@ TEST(TimecodeFormatTest, Parse_RefusesWhatIsNoTime) {
         EXPECT_FALSE(TimecodeFormat(Of(Settings::kBarsAndBeats)).Parse(text)) << krocore::ToStdString(text);
 }
 
-TEST(TimecodeFormatTest, EveryFormat_ReadsBackWhatItWrites) {
+TEST(TimecodeFormatTest, EveryFormatReadsBackWhatItWrites) {
     for (int number = Settings::kDecimal; number <= Settings::kBarsAndBeats; ++number) {
         for (const bool isDuration : {false, true}) {
             Settings settings = Of(static_cast<Settings::Format>(number));
@@ -202,7 +202,7 @@ TEST(TimecodeFormatTest, EveryFormat_ReadsBackWhatItWrites) {
     }
 }
 
-TEST(TimecodeFormatTest, SenselessSettingsAndTimes_AreHeld) {
+TEST(TimecodeFormatTest, SenselessSettingsAndTimesAreHeld) {
     const double kNaN = std::numeric_limits<double>::quiet_NaN();
     const double kInfinity = std::numeric_limits<double>::infinity();
     for (const double senseless : {0.0, -1.0, kNaN, kInfinity, 1e300}) {

@@ -25,7 +25,7 @@ using testing::StartsWith;
 using Kind = TransferSegment::Kind;
 using Points = std::vector<TransferPoint>;
 
-TEST(TransferSegmentTest, KindAndRatio_FollowTheSlope) {
+TEST(TransferSegmentTest, KindAndRatioFollowTheSlope) {
     const struct {
         TransferPoint lower;
         TransferPoint upper;
@@ -51,7 +51,7 @@ TEST(TransferSegmentTest, KindAndRatio_FollowTheSlope) {
     }
 }
 
-TEST(TransferSegmentTest, TypedRatios_MeanWhatTheSegmentDoes) {
+TEST(TransferSegmentTest, TypedRatiosMeanWhatTheSegmentDoes) {
     const TransferSegment compressor{{-20, -20}, {0, -10}};
     const TransferSegment expander{{-60, -100}, {-40, -40}};
     const struct {
@@ -113,7 +113,7 @@ protected:
     std::string heard;
 };
 
-TEST_F(CompExpListTest, Rows_StandFromTheLoudestDown) {
+TEST_F(CompExpListTest, RowsStandFromTheLoudestDown) {
     EXPECT_LT(list->RowRect(2).top, list->RowRect(1).top);
     EXPECT_LT(list->RowRect(1).top, list->RowRect(0).top);
     kroui::limner::RecordingLimner limner;
@@ -123,7 +123,7 @@ TEST_F(CompExpListTest, Rows_StandFromTheLoudestDown) {
         EXPECT_THAT(limner.Operations(), Contains(StartsWith(text)));
 }
 
-TEST_F(CompExpListTest, TypedRatio_MovesTheUpperPointAndTheLowestOneInTheLowestSegment) {
+TEST_F(CompExpListTest, TypedRatioMovesTheUpperPointAndTheLowestOneInTheLowestSegment) {
     TypeRatio(2, u"4");
     EXPECT_EQ(list->GetPoints(), (Points{{-100, -100}, {-60, -60}, {-20, -20}, {0, -15}}));
     EXPECT_EQ(Heard(), "012c");
@@ -134,7 +134,7 @@ TEST_F(CompExpListTest, TypedRatio_MovesTheUpperPointAndTheLowestOneInTheLowestS
     EXPECT_EQ(list->GetPoints()[3], (TransferPoint{0, -15})) << "the points above stay";
 }
 
-TEST_F(CompExpListTest, TypedRatio_IsHeldWithinTheLevels) {
+TEST_F(CompExpListTest, TypedRatioIsHeldWithinTheLevels) {
     list->SetPoints({{-100, -100}, {-60, -60}, {0, -10}});
     TypeRatio(0, u"1:3"); // would lead to -180 dB
     EXPECT_EQ(list->GetPoints()[0].output, -100);
@@ -145,7 +145,7 @@ TEST_F(CompExpListTest, TypedRatio_IsHeldWithinTheLevels) {
     EXPECT_EQ(Heard(), "");
 }
 
-TEST_F(CompExpListTest, Drag_IsOneGestureThatEscapeTakesBack) {
+TEST_F(CompExpListTest, DragIsOneGestureThatEscapeTakesBack) {
     const Points before = list->GetPoints();
     const Point start = kroui::ui::HeadlessWindow::CentreOf(Ratio(2));
     window.Drag(start, {start.x + 20, start.y}, 4);
@@ -162,7 +162,7 @@ TEST_F(CompExpListTest, Drag_IsOneGestureThatEscapeTakesBack) {
     window.Release();
 }
 
-TEST_F(CompExpListTest, PointsThatComeBackInADrag_DoNotDisturbIt) {
+TEST_F(CompExpListTest, PointsThatComeBackInADragDoNotDisturbIt) {
     list->NotifyWhenChangedInteractively([this](UI_InteractiveControlChangedMessage*) {
         const Points points = list->GetPoints();
         list->SetPoints({});
@@ -176,7 +176,7 @@ TEST_F(CompExpListTest, PointsThatComeBackInADrag_DoNotDisturbIt) {
     EXPECT_EQ(list->GetPoints().size(), 4U);
 }
 
-TEST_F(CompExpListTest, Press_SelectsTheSegmentAndTheFocusGoesWithIt) {
+TEST_F(CompExpListTest, PressSelectsTheSegmentAndTheFocusGoesWithIt) {
     window.Click(InRow(1));
     EXPECT_EQ(list->GetSelectedSegment(), 1);
     EXPECT_TRUE(Ratio(1).UI_HasFocus());
@@ -187,7 +187,7 @@ TEST_F(CompExpListTest, Press_SelectsTheSegmentAndTheFocusGoesWithIt) {
     EXPECT_EQ(Heard(), "") << "selecting changes nothing";
 }
 
-TEST_F(CompExpListTest, ManyRows_ScrollByWheelThumbAndSelection) {
+TEST_F(CompExpListTest, ManyRowsScrollByWheelThumbAndSelection) {
     Points many;
     for (int i = 0; i <= 20; ++i)
         many.push_back({-100.0 + 5 * i, -100.0 + 5 * i});
@@ -204,7 +204,7 @@ TEST_F(CompExpListTest, ManyRows_ScrollByWheelThumbAndSelection) {
     EXPECT_EQ(Heard(), "");
 }
 
-TEST_F(CompExpListTest, SetPoints_LeavesOutWhatIsNoPoint) {
+TEST_F(CompExpListTest, SetPointsLeavesOutWhatIsNoPoint) {
     const double kNaN = std::numeric_limits<double>::quiet_NaN();
     list->SetPoints({{kNaN, 0}, {-10, kNaN}, {-5, -5}});
     EXPECT_EQ(list->GetPoints(), (Points{{-5, -5}}));

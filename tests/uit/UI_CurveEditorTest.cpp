@@ -17,7 +17,7 @@ using testing::IsEmpty;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-TEST_F(CurveEditorTest, PressOnTheField_AddsAPointAndGoesOnAsADrag) {
+TEST_F(CurveEditorTest, PressOnTheFieldAddsAPointAndGoesOnAsADrag) {
     editor->SetUniqueHorizontalPositions(true);
     Set({{0, 100}, {400, 100}});
     window.Press(At(200, 50));
@@ -32,7 +32,7 @@ TEST_F(CurveEditorTest, PressOnTheField_AddsAPointAndGoesOnAsADrag) {
     EXPECT_THAT(Places()[1], IsPlace(220, 90));
 }
 
-TEST_F(CurveEditorTest, PressNearTheCurve_AddsAPointOnIt) {
+TEST_F(CurveEditorTest, PressNearTheCurveAddsAPointOnIt) {
     Set({{0, 0}, {400, 200}});
     window.Click(At(100, 53)); // the line is at 50 there
     ASSERT_EQ(Places().size(), 3U);
@@ -98,7 +98,7 @@ TEST_F(CurveEditorTest, ShiftLocksTheAxisOfTheFirstMovementAndCtrlMovesFinely) {
     }
 }
 
-TEST_F(CurveEditorTest, ModifierInMidDrag_MakesNoJump) {
+TEST_F(CurveEditorTest, ModifierInMidDragMakesNoJump) {
     Set({{100, 100}});
     window.Press(At(100, 100));
     window.MoveTo(At(120, 130));
@@ -112,7 +112,7 @@ TEST_F(CurveEditorTest, ModifierInMidDrag_MakesNoJump) {
     window.Release();
 }
 
-TEST_F(CurveEditorTest, AbandonedDrag_BringsThePointsBackAndSaysSo) {
+TEST_F(CurveEditorTest, AbandonedDragBringsThePointsBackAndSaysSo) {
     const boost::function<void()> ways[] = {[this] { window.PressKey(Key::kEscape); },
                                             [this] { window.Window().Deactivated(); },
                                             [this] { editor->SetEnabled(false); }};
@@ -138,7 +138,7 @@ TEST_F(CurveEditorTest, AbandonedDrag_BringsThePointsBackAndSaysSo) {
     EXPECT_EQ(Places().size(), 2U);
 }
 
-TEST_F(CurveEditorTest, UniquePositions_StayAscendingEvenAsFloats) {
+TEST_F(CurveEditorTest, UniquePositionsStayAscendingEvenAsFloats) {
     editor->SetUniqueHorizontalPositions(true);
     for (const double low : {0.0, 20.0, 5000.0}) {
         const double high = low + 22030;
@@ -162,7 +162,7 @@ TEST_F(CurveEditorTest, UniquePositions_StayAscendingEvenAsFloats) {
     }
 }
 
-TEST_F(CurveEditorTest, WithoutUniquePositions_PointsPassEachOther) {
+TEST_F(CurveEditorTest, WithoutUniquePositionsPointsPassEachOther) {
     Set({{100, 100}, {200, 100}});
     window.Drag(At(100, 100), At(300, 50));
     EXPECT_THAT(Places(), ElementsAre(IsPlace(300, 50), IsPlace(200, 100)));
@@ -188,7 +188,7 @@ TEST_F(CurveEditorTest, FlagsSayWhatMayBeDone) {
     EXPECT_FALSE(window.PressKey(Key::kDelete));
 }
 
-TEST_F(CurveEditorTest, InvisiblePoints_AreNotHitWalkedOrDeleted) {
+TEST_F(CurveEditorTest, InvisiblePointsAreNotHitWalkedOrDeleted) {
     editor->SetEnableAddPoints(false);
     Set({{100, 100}, {200, 100}, {300, 100}});
     editor->SetVisiblePoints({true, false});
@@ -221,7 +221,7 @@ TEST_F(CurveEditorTest, MarqueeCtrlClickAndCtrlASelect) {
     EXPECT_EQ(Heard(), "");
 }
 
-TEST_F(CurveEditorTest, DraggingOneOfSeveralSelectedPoints_MovesAllWithinBoundsAndNeighbours) {
+TEST_F(CurveEditorTest, DraggingOneOfSeveralSelectedPointsMovesAllWithinBoundsAndNeighbours) {
     editor->SetUniqueHorizontalPositions(true);
     Set({{50, 150}, {100, 100}, {200, 180}, {300, 100}});
     window.Click(At(50, 150));
@@ -238,7 +238,7 @@ TEST_F(CurveEditorTest, DraggingOneOfSeveralSelectedPoints_MovesAllWithinBoundsA
     EXPECT_THAT(editor->GetSelection(), ElementsAre(0));
 }
 
-TEST_F(CurveEditorTest, Arrows_NudgeAsOneGestureThatClosesAfterHalfASecond) {
+TEST_F(CurveEditorTest, ArrowsNudgeAsOneGestureThatClosesAfterHalfASecond) {
     Set({{100, 100}, {200, 100}});
     editor->UI_TakeFocus();
     EXPECT_FALSE(window.PressKey(Key::kUp)); // nothing is selected: the host may have the key
@@ -260,7 +260,7 @@ TEST_F(CurveEditorTest, Arrows_NudgeAsOneGestureThatClosesAfterHalfASecond) {
     EXPECT_THAT(Places()[1], IsPlace(200, 99));
 }
 
-TEST_F(CurveEditorTest, OwnerWhoRoundsOrMovesPointsInADrag_IsFollowed) {
+TEST_F(CurveEditorTest, OwnerWhoRoundsOrMovesPointsInADragIsFollowed) {
     Set({{100, 100}, {200, 100}});
     // Shares one height among all points, in steps of a quarter.
     onMessage = [this](int message) {
@@ -286,7 +286,7 @@ TEST_F(CurveEditorTest, OwnerWhoRoundsOrMovesPointsInADrag_IsFollowed) {
     EXPECT_EQ(Heard(), "2c");
 }
 
-TEST_F(CurveEditorTest, AxesThatChangeInADrag_DoNotMoveThePoint) {
+TEST_F(CurveEditorTest, AxesThatChangeInADragDoNotMoveThePoint) {
     Set({{100, 100}});
     window.Press(At(100, 100));
     window.MoveTo(At(120, 100));
@@ -298,7 +298,7 @@ TEST_F(CurveEditorTest, AxesThatChangeInADrag_DoNotMoveThePoint) {
     window.Release();
 }
 
-TEST_F(CurveEditorTest, Dialog_TypesBothValuesInOneGesture) {
+TEST_F(CurveEditorTest, DialogTypesBothValuesInOneGesture) {
     const auto field = [this](const char* id) {
         return dynamic_cast<kroui::controls::UI_TextField*>(window.Window().TopOverlay()->UI_FindNode(id));
     };
@@ -347,7 +347,7 @@ TEST_F(CurveEditorTest, Dialog_TypesBothValuesInOneGesture) {
     EXPECT_FALSE(window.Window().HasModalOverlay());
 }
 
-TEST_F(CurveEditorTest, AddNewPoint_StandsOnTheCurveInTheMiddleOfTheWidestGap) {
+TEST_F(CurveEditorTest, AddNewPointStandsOnTheCurveInTheMiddleOfTheWidestGap) {
     editor->SetUniqueHorizontalPositions(true);
     EXPECT_TRUE(editor->AddNewPoint());
     EXPECT_THAT(Places(), ElementsAre(IsPlace(200, 100)));
@@ -362,7 +362,7 @@ TEST_F(CurveEditorTest, AddNewPoint_StandsOnTheCurveInTheMiddleOfTheWidestGap) {
     EXPECT_EQ(Heard(), "012c");
 }
 
-TEST_F(CurveEditorTest, Invert_MirrorsTheCurveAndTwiceBringsItBack) {
+TEST_F(CurveEditorTest, InvertMirrorsTheCurveAndTwiceBringsItBack) {
     editor->SetUniqueHorizontalPositions(true);
     editor->SetRanges(-100, 0, 0, -100);
     const std::vector<Pair> curves[] = {{{-100, -100}, {-40, -20}, {0, -10}},
@@ -382,7 +382,7 @@ TEST_F(CurveEditorTest, Invert_MirrorsTheCurveAndTwiceBringsItBack) {
     EXPECT_FALSE(editor->Invert());
 }
 
-TEST_F(CurveEditorTest, PointsThatAreNone_AreLeftOut) {
+TEST_F(CurveEditorTest, PointsThatAreNoneAreLeftOut) {
     editor->SetMaxPointCount(3);
     Set({{1, 1}, {kNaN, 1}, {2, kInfinity}, {2, 2}, {3, 3}, {4, 4}});
     EXPECT_THAT(Places(), ElementsAre(IsPlace(1, 1), IsPlace(2, 2), IsPlace(3, 3)));
@@ -392,7 +392,7 @@ TEST_F(CurveEditorTest, PointsThatAreNone_AreLeftOut) {
     EXPECT_THAT(editor->GetSelection(), IsEmpty());
 }
 
-TEST_F(CurveEditorTest, NoSizeAndStrangeResponses_AreSafe) {
+TEST_F(CurveEditorTest, NoSizeAndStrangeResponsesAreSafe) {
     editor->SetResponseData({kNaN, kInfinity, 3, -kInfinity, 5, 1e300}, 0);
     editor->SetResponseData({1}, 3);
     editor->SetResponseData({1, 2}, 4);
@@ -408,7 +408,7 @@ TEST_F(CurveEditorTest, NoSizeAndStrangeResponses_AreSafe) {
     EXPECT_EQ(Places().size(), 3U);
 }
 
-TEST_F(CurveEditorTest, SameDataAgain_PaintsNothing) {
+TEST_F(CurveEditorTest, SameDataAgainPaintsNothing) {
     const Points points = PointsAt({{100, 100}, {200, 50}});
     const std::vector<double> response = {1, 2, kNaN, 4};
     editor->SetCurvePoints(points);
@@ -422,7 +422,7 @@ TEST_F(CurveEditorTest, SameDataAgain_PaintsNothing) {
     EXPECT_EQ(window.Paint(), 400 * 200);
 }
 
-TEST_F(CurveEditorTest, Hover_PaintsHandleAndReadoutOnly) {
+TEST_F(CurveEditorTest, HoverPaintsHandleAndReadoutOnly) {
     Set({{100, 100}, {300, 100}});
     window.MoveTo(At(200, 30));
     window.Paint();
@@ -434,7 +434,7 @@ TEST_F(CurveEditorTest, Hover_PaintsHandleAndReadoutOnly) {
     EXPECT_EQ(window.Paint(), 0);
 }
 
-TEST_F(CurveEditorTest, AccessiblePoints_AreMovedAddedAndRemovedInWholeGesturesInTheUnitsThatAreTyped) {
+TEST_F(CurveEditorTest, AccessiblePointsAreMovedAddedAndRemovedInWholeGesturesInTheUnitsThatAreTyped) {
     using kroui::ui::AccessibleAction;
     const auto act = [this](AccessibleAction action, int part, double value = 0) {
         return window.Window().DoAccessibleAction(*editor, {.action = action, .part = part, .value = value});
@@ -469,7 +469,7 @@ TEST_F(CurveEditorTest, AccessiblePoints_AreMovedAddedAndRemovedInWholeGesturesI
     EXPECT_EQ(editor->UI_GetAccessiblePartCount(), 2);
 }
 
-TEST_F(CurveEditorTest, AccessiblePoints_OfferWhatTheirFlagsAllow) {
+TEST_F(CurveEditorTest, AccessiblePointsOfferWhatTheirFlagsAllow) {
     using kroui::ui::AccessibleAction;
     Set({{100, 50}, {200, 60}, {300, 150}});
     editor->SetVisiblePoints({true, false, true});
@@ -484,7 +484,7 @@ TEST_F(CurveEditorTest, AccessiblePoints_OfferWhatTheirFlagsAllow) {
     EXPECT_THAT(Places(), ElementsAre(IsPlace(100, 50), IsPlace(200, 60)));
 }
 
-TEST_F(CurveEditorTest, AccessibleValue_TellsTheSelectedPointWithUnits) {
+TEST_F(CurveEditorTest, AccessibleValueTellsTheSelectedPointWithUnits) {
     editor->SetRanges(20, 20020, 24, -24); // 50 Hz and 0.24 dB a pixel, or nearly
     editor->SetHorizontalLabel1(u"Hz");
     editor->SetVerticalEditDialogUnit(u"dB");

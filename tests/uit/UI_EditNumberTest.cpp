@@ -67,7 +67,7 @@ protected:
     std::string heard;
 };
 
-TEST_F(EditNumberTest, WithoutASize_TakesOneThatHoldsAllItsParts) {
+TEST_F(EditNumberTest, WithoutASizeTakesOneThatHoldsAllItsParts) {
     const EditNumberLayout& layout = edit->Layout();
     EXPECT_EQ(layout.track.width, 200);
     const Rect all{0, 0, edit->UI_GetFrame().width, edit->UI_GetFrame().height};
@@ -83,20 +83,20 @@ TEST_F(EditNumberTest, WithoutASize_TakesOneThatHoldsAllItsParts) {
     EXPECT_LE(layout.number.Right(), layout.unit.left);
 }
 
-TEST_F(EditNumberTest, SliderDrag_IsLinearAndOneGesture) {
+TEST_F(EditNumberTest, SliderDragIsLinearAndOneGesture) {
     window.Drag(At(0), {At(0).x - 100, At(0).y}, 4); // half of the track
     EXPECT_DOUBLE_EQ(edit->GetValue(), -72);
     EXPECT_EQ(Heard(), "011112c");
 }
 
-TEST_F(EditNumberTest, NumberDrag_IsAGestureOfTheSameControl) {
+TEST_F(EditNumberTest, NumberDragIsAGestureOfTheSameControl) {
     // 144 steps of two pixels.
     window.Drag(NumberCentre(), {NumberCentre().x + 20, NumberCentre().y}, 2);
     EXPECT_DOUBLE_EQ(edit->GetValue(), 10);
     EXPECT_EQ(Heard(), "0112c");
 }
 
-TEST_F(EditNumberTest, WheelThenDrag_ClosesOneGestureBeforeTheNext) {
+TEST_F(EditNumberTest, WheelThenDragClosesOneGestureBeforeTheNext) {
     window.Wheel(NumberCentre(), -2);
     EXPECT_DOUBLE_EQ(edit->GetValue(), -2);
     window.Press(At(-2));
@@ -107,7 +107,7 @@ TEST_F(EditNumberTest, WheelThenDrag_ClosesOneGestureBeforeTheNext) {
     EXPECT_EQ(Heard(), "012c012c");
 }
 
-TEST_F(EditNumberTest, Typing_ReplacesTheNumberInPlace) {
+TEST_F(EditNumberTest, TypingReplacesTheNumberInPlace) {
     window.DoubleClick(NumberCentre());
     ASSERT_NE(edit->EntryField(), nullptr);
     EXPECT_TRUE(edit->EntryField()->UI_HasFocus());
@@ -118,7 +118,7 @@ TEST_F(EditNumberTest, Typing_ReplacesTheNumberInPlace) {
     EXPECT_EQ(Heard(), "012c");
 }
 
-TEST_F(EditNumberTest, CtrlClickAnywhereAndDoubleClickOnTheSlider_Reset) {
+TEST_F(EditNumberTest, CtrlClickAnywhereAndDoubleClickOnTheSliderReset) {
     for (const Point place : {edit->Layout().label.Centre(), At(40), NumberCentre()}) {
         edit->SetValue(-30);
         window.Click(place, kCommand);
@@ -130,7 +130,7 @@ TEST_F(EditNumberTest, CtrlClickAnywhereAndDoubleClickOnTheSlider_Reset) {
     EXPECT_EQ(Heard(), "012c012c012c012c");
 }
 
-TEST_F(EditNumberTest, Inverted_KnobAndRulerRunTheOtherWay) {
+TEST_F(EditNumberTest, InvertedKnobAndRulerRunTheOtherWay) {
     ruler->SetValueRange(48, -96);
     edit->SetInvertSlider(true);
     edit->RecalcLayout();
@@ -177,7 +177,7 @@ TEST_F(EditNumberTest, ValuesAndLabelsAgreeWithAClickAnywhere) {
     }
 }
 
-TEST_F(EditNumberTest, LogarithmicRuler_DecidesWhereValuesLie) {
+TEST_F(EditNumberTest, LogarithmicRulerDecidesWhereValuesLie) {
     boost::intrusive_ptr<kroui::utility::LogRuler> logarithmic(new kroui::utility::LogRuler);
     edit->SetMinMaxValue(0, 1000, 0);
     logarithmic->SetValueRange(1, 1000); // starts above 0, where the slider's range begins
@@ -192,7 +192,7 @@ TEST_F(EditNumberTest, LogarithmicRuler_DecidesWhereValuesLie) {
     EXPECT_EQ(edit->GetValue(), 0) << "the end of the track is the end of the range";
 }
 
-TEST_F(EditNumberTest, HotTextScale_ChangesTheNumbersDragOnly) {
+TEST_F(EditNumberTest, HotTextScaleChangesTheNumbersDragOnly) {
     edit->SetMinMaxValue(20, 20000, 1000);
     ruler->SetValueRange(20, 20000);
     edit->SetHotTextScale(1);
@@ -203,7 +203,7 @@ TEST_F(EditNumberTest, HotTextScale_ChangesTheNumbersDragOnly) {
     EXPECT_DOUBLE_EQ(edit->GetValue(), 10010);
 }
 
-TEST_F(EditNumberTest, SetValue_RepaintsTheKnobAndTheNumberOnly) {
+TEST_F(EditNumberTest, SetValueRepaintsTheKnobAndTheNumberOnly) {
     edit->SetValue(6);
     window.Paint();
     float area = 0;
@@ -218,7 +218,7 @@ TEST_F(EditNumberTest, SetValue_RepaintsTheKnobAndTheNumberOnly) {
     EXPECT_EQ(Heard(), "");
 }
 
-TEST_F(EditNumberTest, DisabledInADrag_EndsTheGestureAndTakesNothing) {
+TEST_F(EditNumberTest, DisabledInADragEndsTheGestureAndTakesNothing) {
     window.Press(At(0));
     window.MoveTo({At(0).x + 25, At(0).y});
     edit->SetEnabled(false);
@@ -232,7 +232,7 @@ TEST_F(EditNumberTest, DisabledInADrag_EndsTheGestureAndTakesNothing) {
     EXPECT_EQ(edit->EntryField(), nullptr);
 }
 
-TEST_F(EditNumberTest, ListenerThatRemovesTheControl_IsSafe) {
+TEST_F(EditNumberTest, ListenerThatRemovesTheControlIsSafe) {
     edit->NotifyWhenChangedInteractively([this](UI_InteractiveControlChangedMessage* message) {
         if (message->GetChangeMessage() == UI_InteractiveControlChangedMessage::kChanged) root->ChildRemove(edit.get());
     });
@@ -242,7 +242,7 @@ TEST_F(EditNumberTest, ListenerThatRemovesTheControl_IsSafe) {
     EXPECT_EQ(std::count(all.begin(), all.end(), '2') + std::count(all.begin(), all.end(), '3'), 1);
 }
 
-TEST_F(EditNumberTest, ListenerThatRemovesTheControlWhenCodeDisablesIt_IsSafe) {
+TEST_F(EditNumberTest, ListenerThatRemovesTheControlWhenCodeDisablesItIsSafe) {
     window.Wheel(At(0), 1);
     edit->NotifyWhenChangedInteractively([this](UI_InteractiveControlChangedMessage* message) {
         if (message->GetChangeMessage() != UI_InteractiveControlChangedMessage::kEnded) return;
@@ -256,7 +256,7 @@ TEST_F(EditNumberTest, ListenerThatRemovesTheControlWhenCodeDisablesIt_IsSafe) {
     EXPECT_FALSE(edit);
 }
 
-TEST_F(EditNumberTest, LabelWidth_AlignsColons) {
+TEST_F(EditNumberTest, LabelWidthAlignsColons) {
     boost::intrusive_ptr<Edit> other(new Edit);
     other->SetLabel(u"A much longer label:");
     root->ChildPushBack(other);
@@ -266,7 +266,7 @@ TEST_F(EditNumberTest, LabelWidth_AlignsColons) {
     EXPECT_EQ(edit->Layout().label.Right(), other->Layout().label.Right());
 }
 
-TEST_F(EditNumberTest, TooLowForTheRuler_DoesWithoutItAndStaysInside) {
+TEST_F(EditNumberTest, TooLowForTheRulerDoesWithoutItAndStaysInside) {
     edit->UI_SetFrame({0, 0, 400, 24});
     kroui::limner::RecordingLimner limner;
     edit->UI_Draw(&limner);
@@ -276,7 +276,7 @@ TEST_F(EditNumberTest, TooLowForTheRuler_DoesWithoutItAndStaysInside) {
     EXPECT_EQ(edit->GetValue(), 48);
 }
 
-TEST_F(EditNumberTest, VerticalRuler_StacksTheParts) {
+TEST_F(EditNumberTest, VerticalRulerStacksTheParts) {
     ruler->SetVertical(true);
     ruler->SetValueRange(48, -96);
     edit->UI_SetFrame({0, 0, 80, 260});
@@ -291,7 +291,7 @@ TEST_F(EditNumberTest, VerticalRuler_StacksTheParts) {
     EXPECT_FLOAT_EQ(ruler->GetPixel(48), Track().top);
 }
 
-TEST_F(EditNumberTest, ArchiveRuler_FollowsTheBoundsUntilItIsTold) {
+TEST_F(EditNumberTest, ArchiveRulerFollowsTheBoundsUntilItIsTold) {
     boost::intrusive_ptr<UI_EditNumber_Horizontal> archived(new UI_EditNumber_Horizontal);
     RulerSettings settings;
     settings.type = RulerSettings::kLinear;
@@ -310,7 +310,7 @@ TEST_F(EditNumberTest, ArchiveRuler_FollowsTheBoundsUntilItIsTold) {
     EXPECT_NE(dynamic_cast<kroui::utility::LogRuler*>(archived->GetRuler().get()), nullptr);
 }
 
-TEST_F(EditNumberTest, Archive_MakesBothClassesByName) {
+TEST_F(EditNumberTest, ArchiveMakesBothClassesByName) {
     for (const char* const name : {"uit::controls::UI_EditNumber", "uit::controls::UI_EditNumber_Horizontal"}) {
         const auto node = kroui::ui::AdapterRegistry::Get().Create(name);
         ASSERT_TRUE(node);
@@ -318,7 +318,7 @@ TEST_F(EditNumberTest, Archive_MakesBothClassesByName) {
     }
 }
 
-TEST_F(EditNumberTest, Drawing_ShowsLabelRulerNumberAndUnit) {
+TEST_F(EditNumberTest, DrawingShowsLabelRulerNumberAndUnit) {
     kroui::limner::RecordingLimner limner;
     edit->SetValue(-5.25);
     edit->UI_Draw(&limner);

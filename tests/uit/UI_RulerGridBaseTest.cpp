@@ -61,7 +61,7 @@ protected:
     boost::intrusive_ptr<Grid> grid{new Grid(new kroui::utility::LogRuler, Linear())};
 };
 
-TEST_F(RulerGridTest, WheelOverARuler_ZoomsAboutThePointerInTheRulersOwnMeasure) {
+TEST_F(RulerGridTest, WheelOverARulerZoomsAboutThePointerInTheRulersOwnMeasure) {
     window.Wheel(OnHorizontalRuler(0.25F), 1); // at 100 of 10...100000
     EXPECT_NEAR(grid->GetCoordinatePairForPixel(OnHorizontalRuler(0.25F)).horizontal, 100, 0.01);
     // A fifth less is shown: 4 decades / 1.25.
@@ -77,7 +77,7 @@ TEST_F(RulerGridTest, WheelOverARuler_ZoomsAboutThePointerInTheRulersOwnMeasure)
     EXPECT_NEAR(grid->GetVerticalStart(), 0.024, 1e-6);
 }
 
-TEST_F(RulerGridTest, CtrlWheelOverTheContent_ZoomsBothAxesAtOnce) {
+TEST_F(RulerGridTest, CtrlWheelOverTheContentZoomsBothAxesAtOnce) {
     const Point at{Content().left + 100, Content().top + 150};
     window.Wheel(at, 2);
     EXPECT_EQ(grid->rangesSet, 0);
@@ -88,7 +88,7 @@ TEST_F(RulerGridTest, CtrlWheelOverTheContent_ZoomsBothAxesAtOnce) {
     EXPECT_NEAR(grid->GetVerticalStart() - grid->GetVerticalEnd(), 48 / 1.5625, 1e-6);
 }
 
-TEST_F(RulerGridTest, DragOnARuler_PansWithinTheBoundsAndDoubleClickShowsAll) {
+TEST_F(RulerGridTest, DragOnARulerPansWithinTheBoundsAndDoubleClickShowsAll) {
     grid->SetCurrentRange(100, 10000, 12, -12);
     window.Drag(OnHorizontalRuler(0.5F), OnHorizontalRuler(0.75F)); // a quarter of two decades
     EXPECT_NEAR(grid->GetHorizontalStart(), 100 / std::sqrt(10), 1e-3);
@@ -107,7 +107,7 @@ TEST_F(RulerGridTest, DragOnARuler_PansWithinTheBoundsAndDoubleClickShowsAll) {
     EXPECT_NEAR(grid->GetHorizontalEnd(), 10000 / std::sqrt(10), 1e-1);
 }
 
-TEST_F(RulerGridTest, WithoutZoomingRulers_NothingMoves) {
+TEST_F(RulerGridTest, WithoutZoomingRulersNothingMoves) {
     grid->SetRulersSupportZooming(false);
     window.Wheel(OnHorizontalRuler(0.5F), 3);
     window.Drag(OnHorizontalRuler(0.5F), OnHorizontalRuler(0.75F));
@@ -115,7 +115,7 @@ TEST_F(RulerGridTest, WithoutZoomingRulers_NothingMoves) {
     EXPECT_EQ(grid->rangesSet, 0);
 }
 
-TEST_F(RulerGridTest, NewBounds_KeepThePartShownAsFarAsItIsThere) {
+TEST_F(RulerGridTest, NewBoundsKeepThePartShownAsFarAsItIsThere) {
     grid->SetRanges(10, 50000, 24, -24);
     EXPECT_EQ(grid->GetHorizontalEnd(), 50000);
     grid->SetCurrentRange(100, 40000, 12, -12);

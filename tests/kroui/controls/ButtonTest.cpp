@@ -16,7 +16,7 @@ constexpr Point kOutside{200, 200};
 
 class ButtonTest : public test::ControlsTest {};
 
-TEST_F(ButtonTest, Checkbox_ClickTurnsOverBeforeListenersAreTold) {
+TEST_F(ButtonTest, CheckboxClickTurnsOverBeforeListenersAreTold) {
     const auto box = Add<UI_Checkbox>(kFrame);
     std::string values;
     box->NotifyWhenChangedInteractively(
@@ -31,7 +31,7 @@ TEST_F(ButtonTest, Checkbox_ClickTurnsOverBeforeListenersAreTold) {
     EXPECT_EQ(values, "0111") << "code sends nothing";
 }
 
-TEST_F(ButtonTest, Button_ActsOnlyOnAReleaseInside) {
+TEST_F(ButtonTest, ButtonActsOnlyOnAReleaseInside) {
     struct Case {
         const char* name;
         std::vector<Point> path;
@@ -61,7 +61,7 @@ TEST_F(ButtonTest, Button_ActsOnlyOnAReleaseInside) {
     }
 }
 
-TEST_F(ButtonTest, Button_PressIsAbandonedWhenItCannotBeReleased) {
+TEST_F(ButtonTest, ButtonPressIsAbandonedWhenItCannotBeReleased) {
     const auto box = Add<UI_Checkbox>(kFrame);
     Listen(*box);
     const std::pair<const char*, std::function<void()>> ends[] = {
@@ -84,7 +84,7 @@ TEST_F(ButtonTest, Button_PressIsAbandonedWhenItCannotBeReleased) {
     }
 }
 
-TEST_F(ButtonTest, Button_DisabledTakesNothing) {
+TEST_F(ButtonTest, ButtonDisabledTakesNothing) {
     const auto box = Add<UI_Checkbox>(kFrame);
     Listen(*box);
     box->SetEnabled(false);
@@ -95,7 +95,7 @@ TEST_F(ButtonTest, Button_DisabledTakesNothing) {
     EXPECT_EQ(Heard(), "");
 }
 
-TEST_F(ButtonTest, Button_KeysClickAndOthersGoOn) {
+TEST_F(ButtonTest, ButtonKeysClickAndOthersGoOn) {
     const auto box = Add<UI_Checkbox>(kFrame);
     Listen(*box);
     box->UI_TakeFocus();
@@ -109,7 +109,7 @@ TEST_F(ButtonTest, Button_KeysClickAndOthersGoOn) {
     EXPECT_EQ(Heard(), "");
 }
 
-TEST_F(ButtonTest, TextButton_SpringsBackOrLatches) {
+TEST_F(ButtonTest, TextButtonSpringsBackOrLatches) {
     for (const bool springs : {true, false}) {
         const auto button = Add<UI_TextButton>(kFrame);
         Listen(*button);
@@ -125,7 +125,7 @@ TEST_F(ButtonTest, TextButton_SpringsBackOrLatches) {
     }
 }
 
-TEST_F(ButtonTest, TextButton_KeyFlashesAPushButton) {
+TEST_F(ButtonTest, TextButtonKeyFlashesAPushButton) {
     const auto button = Add<UI_TextButton>(kFrame);
     button->UI_TakeFocus();
     fWindow.PressKey(Key::kEnter);
@@ -135,7 +135,7 @@ TEST_F(ButtonTest, TextButton_KeyFlashesAPushButton) {
     EXPECT_FALSE(button->DownState());
 }
 
-TEST_F(ButtonTest, Button_CanActAtThePress) {
+TEST_F(ButtonTest, ButtonCanActAtThePress) {
     const auto button = Add<UI_TextButton>(kFrame);
     button->SetNotificationOnMouseDown(true);
     Listen(*button);
@@ -147,7 +147,7 @@ TEST_F(ButtonTest, Button_CanActAtThePress) {
     EXPECT_FALSE(button->IsPressed());
 }
 
-TEST_F(ButtonTest, Button_ClickTakesTheFocusUnlessTold) {
+TEST_F(ButtonTest, ButtonClickTakesTheFocusUnlessTold) {
     const auto first = Add<UI_Checkbox>(kFrame);
     const auto second = Add<UI_Checkbox>({20, 60, 100, 24});
     second->SetChangeFocusOnClick(false);
@@ -157,7 +157,7 @@ TEST_F(ButtonTest, Button_ClickTakesTheFocusUnlessTold) {
     EXPECT_TRUE(second->IsChecked());
 }
 
-TEST_F(ButtonTest, Button_ListenerMayRemoveIt) {
+TEST_F(ButtonTest, ButtonListenerMayRemoveIt) {
     auto button = Add<UI_TextButton>(kFrame);
     int calls = 0;
     button->NotifyWhenChanged([&](UI_ControlChangedMessage*) {
@@ -171,7 +171,7 @@ TEST_F(ButtonTest, Button_ListenerMayRemoveIt) {
     EXPECT_EQ(calls, 1);
 }
 
-TEST_F(ButtonTest, DisclosureTriangle_DownStateIsNewWhenTheChangeIsTold) {
+TEST_F(ButtonTest, DisclosureTriangleDownStateIsNewWhenTheChangeIsTold) {
     const auto triangle = Add<UI_DisclosureTriangleButton>(kFrame);
     std::string states;
     triangle->NotifyWhenChangedInteractively([&](UI_InteractiveControlChangedMessage* message) {
@@ -185,14 +185,14 @@ TEST_F(ButtonTest, DisclosureTriangle_DownStateIsNewWhenTheChangeIsTold) {
     EXPECT_EQ(states, "0+3+");
 }
 
-TEST_F(ButtonTest, Checkbox_DownStateOfAnArchiveLeavesItsTick) {
+TEST_F(ButtonTest, CheckboxDownStateOfAnArchiveLeavesItsTick) {
     const auto box = Add<UI_Checkbox>(kFrame);
     UI_Checkbox::PropertiesOfCheckbox().Find("checked")->set(*box, true);
     UI_ControlView::PropertiesOfControlView().Find("downState")->set(*box, false);
     EXPECT_TRUE(box->IsChecked());
 }
 
-TEST_F(ButtonTest, Setters_RepaintOnlyWhatIsAnotherNow) {
+TEST_F(ButtonTest, SettersRepaintOnlyWhatIsAnotherNow) {
     const auto box = Add<UI_Checkbox>(kFrame);
     const auto button = Add<UI_TextButton>({20, 60, 100, 24});
     box->SetText(u"Ultra Quiet");
@@ -209,7 +209,7 @@ TEST_F(ButtonTest, Setters_RepaintOnlyWhatIsAnotherNow) {
     EXPECT_EQ(fWindow.Paint(), 100 * 24);
 }
 
-TEST_F(ButtonTest, Button_NumbersOutOfBoundsAreHeld) {
+TEST_F(ButtonTest, ButtonNumbersOutOfBoundsAreHeld) {
     const auto box = Add<UI_Checkbox>(kFrame);
     box->SetFontSize(std::nanf(""));
     EXPECT_EQ(box->FontSize(), 1);
@@ -223,7 +223,7 @@ TEST_F(ButtonTest, Button_NumbersOutOfBoundsAreHeld) {
     fWindow.Paint();
 }
 
-TEST_F(ButtonTest, PictureButton_AsksForThePictureOnceAState) {
+TEST_F(ButtonTest, PictureButtonAsksForThePictureOnceAState) {
     const auto button = Add<UI_PictureButton>({20, 20, 30, 24});
     button->SetImageName("Reset");
     std::vector<std::string> asked;
@@ -247,7 +247,7 @@ TEST_F(ButtonTest, PictureButton_AsksForThePictureOnceAState) {
     EXPECT_THAT(context.Operations(), testing::Contains(testing::HasSubstr("0.4")));
 }
 
-TEST_F(ButtonTest, Buttons_SayWhatTheyAre) {
+TEST_F(ButtonTest, ButtonsSayWhatTheyAre) {
     const auto box = Add<UI_Checkbox>(kFrame);
     box->SetTextReference("($$$/Test/Quiet=Ultra Quiet)");
     box->SetValue(1);

@@ -47,7 +47,7 @@ protected:
     }
 };
 
-TEST_F(NaturalSizeTest, EveryControl_ShowsItsWholeTextOnItsBaseline) {
+TEST_F(NaturalSizeTest, EveryControlShowsItsWholeTextOnItsBaseline) {
     const std::u16string_view text = u"Use appropriate settings";
     ui::UI_Node* const controls[] = {
         &With(&UI_StaticText::SetText, text),    &With(&UI_TextButton::SetText, text),
@@ -66,7 +66,7 @@ TEST_F(NaturalSizeTest, EveryControl_ShowsItsWholeTextOnItsBaseline) {
     }
 }
 
-TEST_F(NaturalSizeTest, HotTextNumber_HasRoomForItsBounds) {
+TEST_F(NaturalSizeTest, HotTextNumberHasRoomForItsBounds) {
     const auto number = Add<UI_HotTextNumber>({});
     number->SetMinMaxValue(-100, 5, 0);
     const float width = number->UI_GetNaturalSize().width;
@@ -75,7 +75,7 @@ TEST_F(NaturalSizeTest, HotTextNumber_HasRoomForItsBounds) {
     EXPECT_GE(number->UI_GetNaturalSize().width, width + fSupplier.MeasureText(u"dB", {}).width);
 }
 
-TEST_F(NaturalSizeTest, StaticText_TakesItsWidthOrSoManyLines) {
+TEST_F(NaturalSizeTest, StaticTextTakesItsWidthOrSoManyLines) {
     const auto text = Add<UI_StaticText>({});
     text->SetText(u"Threshold");
     EXPECT_EQ(text->UI_GetNaturalSize().width, std::ceil(fSupplier.MeasureText(u"Threshold", {}).width));
@@ -86,7 +86,7 @@ TEST_F(NaturalSizeTest, StaticText_TakesItsWidthOrSoManyLines) {
     EXPECT_GT(text->UI_GetNaturalSize().height, 3 * fSupplier.MeasureText(u"0", {}).height);
 }
 
-TEST_F(NaturalSizeTest, DisplayNumber_AlignsColonsAndRepaintsOnlyAnotherText) {
+TEST_F(NaturalSizeTest, DisplayNumberAlignsColonsAndRepaintsOnlyAnotherText) {
     const auto first = Add<UI_DisplayNumber>({0, 0, 200, 24});
     const auto second = Add<UI_DisplayNumber>({0, 24, 200, 24});
     first->SetLabel(u"Gain:");
@@ -111,7 +111,7 @@ TEST_F(NaturalSizeTest, DisplayNumber_AlignsColonsAndRepaintsOnlyAnotherText) {
     EXPECT_GT(fWindow.LastDamage().front().left, width) << "the label stays as it is";
 }
 
-TEST_F(NaturalSizeTest, Divider_FollowsItsShapeUnlessTold) {
+TEST_F(NaturalSizeTest, DividerFollowsItsShapeUnlessTold) {
     const auto divider = Add<UI_Divider>({0, 0, 9, 100});
     EXPECT_THAT(Drawn(*divider), Contains(StartsWith("FillRect 4 0 1 100")));
     divider->SetOrientation(UI_Divider::Orientation::kHorizontal);

@@ -32,7 +32,7 @@ protected:
     boost::intrusive_ptr<UI_Popup> fPopup;
 };
 
-TEST_F(PopupExtrasTest, Search_LeavesTheItemsThatHoldWhatIsTyped) {
+TEST_F(PopupExtrasTest, SearchLeavesTheItemsThatHoldWhatIsTyped) {
     fPopup->SetSearchable(true);
     fWindow.Click(Middle(*fPopup));
     ASSERT_TRUE(fPopup->IsOpen());
@@ -53,7 +53,7 @@ TEST_F(PopupExtrasTest, Search_LeavesTheItemsThatHoldWhatIsTyped) {
     EXPECT_TRUE(fPopup->UI_HasFocus()) << "the focus comes back";
 }
 
-TEST_F(PopupExtrasTest, Search_FieldIsEditedAndAClickChoosesBelowIt) {
+TEST_F(PopupExtrasTest, SearchFieldIsEditedAndAClickChoosesBelowIt) {
     fPopup->SetSearchable(true);
     fWindow.Click(Middle(*fPopup));
     fWindow.Type(u"small x");
@@ -72,7 +72,7 @@ TEST_F(PopupExtrasTest, Search_FieldIsEditedAndAClickChoosesBelowIt) {
     EXPECT_EQ(fPopup->GetValue(), 4);
 }
 
-TEST_F(PopupExtrasTest, Search_EveryWayOutGivesTheFocusBack) {
+TEST_F(PopupExtrasTest, SearchEveryWayOutGivesTheFocusBack) {
     fPopup->SetSearchable(true);
     const std::pair<const char*, std::function<void()>> ends[] = {
         {"Escape", [&] { fWindow.PressKey(Key::kEscape); }},
@@ -95,7 +95,7 @@ TEST_F(PopupExtrasTest, Search_EveryWayOutGivesTheFocusBack) {
     EXPECT_EQ(Heard(), "");
 }
 
-TEST_F(PopupExtrasTest, CustomItem_StandsForNoItemAndCannotBeChosen) {
+TEST_F(PopupExtrasTest, CustomItemStandsForNoItemAndCannotBeChosen) {
     fPopup->SetIncludesCustomItem(true);
     EXPECT_THAT(Drawn(), Contains(StartsWith("Text \"Plate\"")));
     fPopup->SetValue(-1);
@@ -116,7 +116,7 @@ TEST_F(PopupExtrasTest, CustomItem_StandsForNoItemAndCannotBeChosen) {
     EXPECT_EQ(Heard(), "012c");
 }
 
-TEST_F(PopupExtrasTest, Pictures_StandBeforeTheTextInControlAndMenu) {
+TEST_F(PopupExtrasTest, PicturesStandBeforeTheTextInControlAndMenu) {
     std::vector<std::string> asked;
     const auto picture = [&](const krocore::string8& name, bool, float) {
         asked.emplace_back(name);
@@ -133,7 +133,7 @@ TEST_F(PopupExtrasTest, Pictures_StandBeforeTheTextInControlAndMenu) {
     EXPECT_THAT(limner.Operations(), Contains(StartsWith("Image 20x10")).Times(1)) << "others have none";
 }
 
-TEST_F(PopupExtrasTest, NaturalSize_HoldsTheWidestItemUpToAMaximum) {
+TEST_F(PopupExtrasTest, NaturalSizeHoldsTheWidestItemUpToAMaximum) {
     const Size whole = fPopup->UI_GetNaturalSize();
     fPopup->UI_SetFrame({0, 0, whole.width, whole.height});
     const float text = fSupplier.MeasureText(u"Small Chamber", {}).width;

@@ -30,7 +30,7 @@ protected:
     boost::intrusive_ptr<UI_Popup> fPopup;
 };
 
-TEST_F(PopupTest, Menu_OpensAtThePressWithTheShownItemUnderThePointer) {
+TEST_F(PopupTest, MenuOpensAtThePressWithTheShownItemUnderThePointer) {
     fWindow.Press(Middle(*fPopup));
     ASSERT_TRUE(fPopup->IsOpen());
     EXPECT_EQ(fPopup->Menu()->HighlightedItem(), 1);
@@ -38,7 +38,7 @@ TEST_F(PopupTest, Menu_OpensAtThePressWithTheShownItemUnderThePointer) {
     EXPECT_TRUE(fPopup->Menu()->ItemRectInWindow(1).Contains(Middle(*fPopup)));
 }
 
-TEST_F(PopupTest, ClosedPopup_KeysReachEveryItemThatCanBeChosenAndNoOther) {
+TEST_F(PopupTest, ClosedPopupKeysReachEveryItemThatCanBeChosenAndNoOther) {
     // Of the items 0 to 5, 0 can't be chosen, nor can the separator, 3.
     fPopup->AddSeparator();
     fPopup->AddItem(u"Wide");
@@ -61,7 +61,7 @@ TEST_F(PopupTest, ClosedPopup_KeysReachEveryItemThatCanBeChosenAndNoOther) {
     }
 }
 
-TEST_F(PopupTest, Menu_ChoosesByDragAndReleaseOrByASecondPress) {
+TEST_F(PopupTest, MenuChoosesByDragAndReleaseOrByASecondPress) {
     fWindow.Press(Middle(*fPopup));
     fWindow.MoveTo(ItemPoint(2));
     EXPECT_EQ(fPopup->Menu()->HighlightedItem(), 2);
@@ -78,7 +78,7 @@ TEST_F(PopupTest, Menu_ChoosesByDragAndReleaseOrByASecondPress) {
     EXPECT_EQ(Heard(), "012c");
 }
 
-TEST_F(PopupTest, Menu_ALateReleaseInPlaceCloses) {
+TEST_F(PopupTest, MenuALateReleaseInPlaceCloses) {
     fWindow.Press(Middle(*fPopup));
     fWindow.Advance(1);
     fWindow.Release();
@@ -86,7 +86,7 @@ TEST_F(PopupTest, Menu_ALateReleaseInPlaceCloses) {
     EXPECT_EQ(Heard(), "");
 }
 
-TEST_F(PopupTest, Menu_ClosesWithoutAChange) {
+TEST_F(PopupTest, MenuClosesWithoutAChange) {
     const auto button = Add<UI_TextButton>({10, 260, 80, 24});
     Listen(*button);
     const std::pair<const char*, std::function<void()>> ends[] = {
@@ -120,7 +120,7 @@ TEST_F(PopupTest, Menu_ClosesWithoutAChange) {
     EXPECT_EQ(Heard(), "");
 }
 
-TEST_F(PopupTest, Menu_FollowsKeysAndTypedLetters) {
+TEST_F(PopupTest, MenuFollowsKeysAndTypedLetters) {
     struct Case {
         const char* name;
         std::vector<Key> keys;
@@ -165,7 +165,7 @@ TEST_F(PopupTest, Menu_FollowsKeysAndTypedLetters) {
     EXPECT_EQ(Heard(), "012c");
 }
 
-TEST_F(PopupTest, Menu_PressOnAnItemThatCannotBeChosenLeavesItOpen) {
+TEST_F(PopupTest, MenuPressOnAnItemThatCannotBeChosenLeavesItOpen) {
     fPopup->SetItemEnabled(2, false);
     fPopup->AddSeparator();
     fWindow.Click(Middle(*fPopup));
@@ -175,7 +175,7 @@ TEST_F(PopupTest, Menu_PressOnAnItemThatCannotBeChosenLeavesItOpen) {
     EXPECT_EQ(Heard(), "");
 }
 
-TEST_F(PopupTest, Menu_StaysInsideTheWindow) {
+TEST_F(PopupTest, MenuStaysInsideTheWindow) {
     // The content of the menu: its rows between two paddings of 4, inside a shadow of 8.
     const Rect window{0, 0, 400, 300};
     for (const Rect& frame : {Rect{0, 0, 60, 24}, Rect{340, 276, 60, 24}, Rect{100, 290, 500, 24}}) {
@@ -192,7 +192,7 @@ TEST_F(PopupTest, Menu_StaysInsideTheWindow) {
     }
 }
 
-TEST_F(PopupTest, Menu_WithNothingShownOpensBelowOrAbove) {
+TEST_F(PopupTest, MenuWithNothingShownOpensBelowOrAbove) {
     fPopup->SetValue(-1);
     fPopup->Open();
     EXPECT_EQ(MenuFrame().Inset(8, 8).top, 140 + 24 + 2);
@@ -202,7 +202,7 @@ TEST_F(PopupTest, Menu_WithNothingShownOpensBelowOrAbove) {
     EXPECT_EQ(MenuFrame().Inset(8, 8).Bottom(), 260 - 2);
 }
 
-TEST_F(PopupTest, LongMenu_ScrollsToItemsByKeyWheelAndDrag) {
+TEST_F(PopupTest, LongMenuScrollsToItemsByKeyWheelAndDrag) {
     FillWithNumbers(100);
     fPopup->SetValue(50);
     fWindow.Press(Middle(*fPopup));
@@ -229,7 +229,7 @@ TEST_F(PopupTest, LongMenu_ScrollsToItemsByKeyWheelAndDrag) {
     EXPECT_EQ(fPopup->GetValue(), 99);
 }
 
-TEST_F(PopupTest, ClosedPopup_StepsByWheelAndKeys) {
+TEST_F(PopupTest, ClosedPopupStepsByWheelAndKeys) {
     fPopup->SetItemEnabled(1, false);
     fPopup->SetValue(0);
     fPopup->UI_TakeFocus();
@@ -250,7 +250,7 @@ TEST_F(PopupTest, ClosedPopup_StepsByWheelAndKeys) {
     EXPECT_TRUE(fPopup->IsOpen());
 }
 
-TEST_F(PopupTest, Values_ThatDoNotExistShowNothing) {
+TEST_F(PopupTest, ValuesThatDoNotExistShowNothing) {
     for (const int item : {-1, -7, 3, 1 << 30}) {
         fPopup->SetValue(2);
         fPopup->SetValue(item);
@@ -272,7 +272,7 @@ TEST_F(PopupTest, Values_ThatDoNotExistShowNothing) {
     EXPECT_FALSE(fPopup->IsOpen()) << "nothing to choose";
 }
 
-TEST_F(PopupTest, AlwaysNotify_TellsTheSameChoiceAgain) {
+TEST_F(PopupTest, AlwaysNotifyTellsTheSameChoiceAgain) {
     for (const bool always : {false, true}) {
         fPopup->SetAlwaysNotify(always);
         fWindow.Click(Middle(*fPopup));
@@ -281,7 +281,7 @@ TEST_F(PopupTest, AlwaysNotify_TellsTheSameChoiceAgain) {
     }
 }
 
-TEST_F(PopupTest, Popup_ListenerMayRemoveItAndFillItAgain) {
+TEST_F(PopupTest, PopupListenerMayRemoveItAndFillItAgain) {
     fPopup->NotifyWhenChanged([this](UI_ControlChangedMessage*) {
         FillWithNumbers(5);
         fRoot->ChildRemoveAll();
@@ -292,7 +292,7 @@ TEST_F(PopupTest, Popup_ListenerMayRemoveItAndFillItAgain) {
     EXPECT_FALSE(fPopup->IsOpen());
 }
 
-TEST_F(PopupTest, ItemReferences_KeepTheirKeysAndSeparators) {
+TEST_F(PopupTest, ItemReferencesKeepTheirKeysAndSeparators) {
     const std::vector<krocore::string8> references{"($$$/Test/A=Alpha)", "-", "Beta"};
     fPopup->SetItemReferences(references);
     EXPECT_EQ(fPopup->GetValue(), -1);

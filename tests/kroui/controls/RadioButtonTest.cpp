@@ -36,7 +36,7 @@ protected:
     boost::intrusive_ptr<UI_Checkbox> fAfter;
 };
 
-TEST_F(RadioButtonTest, Click_ChoosesInItsGroupAndOnlyTheClickedOneTells) {
+TEST_F(RadioButtonTest, ClickChoosesInItsGroupAndOnlyTheClickedOneTells) {
     fRadios[0]->SetValue(1);
     fWindow.Click(Middle(*fRadios[2]));
     EXPECT_EQ(States(), "--x");
@@ -48,14 +48,14 @@ TEST_F(RadioButtonTest, Click_ChoosesInItsGroupAndOnlyTheClickedOneTells) {
     EXPECT_EQ(Heard(), "02") << "it was on before";
 }
 
-TEST_F(RadioButtonTest, SetValue_LeavesTheOthersAlone) {
+TEST_F(RadioButtonTest, SetValueLeavesTheOthersAlone) {
     fRadios[0]->SetValue(1);
     fRadios[1]->SetValue(1);
     EXPECT_EQ(States(), "xx-");
     EXPECT_EQ(Heard(), "");
 }
 
-TEST_F(RadioButtonTest, Arrows_GoRoundTheGroupAndChoose) {
+TEST_F(RadioButtonTest, ArrowsGoRoundTheGroupAndChoose) {
     struct Case {
         Key key;
         std::string states;
@@ -75,7 +75,7 @@ TEST_F(RadioButtonTest, Arrows_GoRoundTheGroupAndChoose) {
     EXPECT_FALSE(fWindow.PressKey(Key::kDown, ui::kShift));
 }
 
-TEST_F(RadioButtonTest, Tab_StopsOnceInTheGroupAtTheChosenOne) {
+TEST_F(RadioButtonTest, TabStopsOnceInTheGroupAtTheChosenOne) {
     fRadios[1]->SetValue(1);
     fBefore->UI_TakeFocus();
     fWindow.PressKey(Key::kTab);

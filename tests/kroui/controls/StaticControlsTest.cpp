@@ -20,7 +20,7 @@ protected:
     }
 };
 
-TEST_F(StaticControlsTest, Divider_IsOneWholePixelLineAtAnyScaleAndPlace) {
+TEST_F(StaticControlsTest, DividerIsOneWholePixelLineAtAnyScaleAndPlace) {
     struct Case {
         float scale;
         Rect frame;
@@ -53,7 +53,7 @@ TEST_F(StaticControlsTest, Divider_IsOneWholePixelLineAtAnyScaleAndPlace) {
     }
 }
 
-TEST_F(StaticControlsTest, StaticText_NeverPaintsOutsideItsRectangle) {
+TEST_F(StaticControlsTest, StaticTextNeverPaintsOutsideItsRectangle) {
     for (const auto truncation : {limner::TextTruncation::kNone, limner::TextTruncation::kEnd}) {
         for (const bool multiLine : {false, true}) {
             const auto text = Add<UI_StaticText>({100, 100, 60, 20});
@@ -75,7 +75,7 @@ TEST_F(StaticControlsTest, StaticText_NeverPaintsOutsideItsRectangle) {
     }
 }
 
-TEST_F(StaticControlsTest, StaticText_DrawsInTheColourOfItsRoleOrOfDisabledText) {
+TEST_F(StaticControlsTest, StaticTextDrawsInTheColourOfItsRoleOrOfDisabledText) {
     const auto text = Add<UI_StaticText>({0, 0, 60, 20});
     text->SetText(u"Gain");
     limner::RecordingLimner context;
@@ -92,7 +92,7 @@ TEST_F(StaticControlsTest, StaticText_DrawsInTheColourOfItsRoleOrOfDisabledText)
     EXPECT_THAT(drawn(), testing::HasSubstr("#6C7078"));
 }
 
-TEST_F(StaticControlsTest, StaticText_SetAgainRepaintsNothing) {
+TEST_F(StaticControlsTest, StaticTextSetAgainRepaintsNothing) {
     const auto text = Add<UI_StaticText>({10, 10, 60, 20});
     text->SetText(u"+12 cents");
     fWindow.Paint();
@@ -102,7 +102,7 @@ TEST_F(StaticControlsTest, StaticText_SetAgainRepaintsNothing) {
     EXPECT_EQ(fWindow.Paint(), 60 * 20);
 }
 
-TEST_F(StaticControlsTest, StaticText_LetsThePointerThrough) {
+TEST_F(StaticControlsTest, StaticTextLetsThePointerThrough) {
     const auto box = Add<UI_OutlineBox>({0, 0, 200, 100});
     const auto text = Add<UI_StaticText>({10, 10, 60, 20}, box.get());
     EXPECT_FALSE(fWindow.Window().MousePressed(Middle(*text), 1, 1, 0));
@@ -118,7 +118,7 @@ ui::PropertyValue Another(const ui::PropertyValue& value) {
     return std::vector<krocore::string8>{"one", "two"};
 }
 
-TEST_F(StaticControlsTest, Properties_SetExactlyWhatTheirKeyNames) {
+TEST_F(StaticControlsTest, PropertiesSetExactlyWhatTheirKeyNames) {
     for (const char* name : {"StaticText", "Divider", "OutlineBox", "StaticImage", "Checkbox", "RadioButton",
                              "TextButton", "PictureButton", "PictureTextButton", "DisclosureTriangleButton", "Popup"}) {
         const std::string className = std::string("kroui::controls::UI_") + name;
@@ -144,7 +144,7 @@ TEST_F(StaticControlsTest, Properties_SetExactlyWhatTheirKeyNames) {
     EXPECT_TRUE(UI_OutlineBox::PropertiesOfOutlineBox().holdsChildren);
 }
 
-TEST_F(StaticControlsTest, FocusedCheckbox_PaintsNothingOutsideItself) {
+TEST_F(StaticControlsTest, FocusedCheckboxPaintsNothingOutsideItself) {
     // Lower than box and halo together.
     const auto box = Add<UI_Checkbox>({100, 100, 40, 14});
     box->UI_TakeFocus();

@@ -33,7 +33,7 @@ protected:
     std::vector<boost::intrusive_ptr<ui::UI_SubView>> fPages;
 };
 
-TEST_F(TabGroupTest, Press_ShowsThePageInOneGesture) {
+TEST_F(TabGroupTest, PressShowsThePageInOneGesture) {
     EXPECT_EQ(Shown(), "100");
     fWindow.Click(InTab(2));
     EXPECT_EQ(fTabs->GetValue(), 2);
@@ -44,7 +44,7 @@ TEST_F(TabGroupTest, Press_ShowsThePageInOneGesture) {
     EXPECT_EQ(Heard(), "");
 }
 
-TEST_F(TabGroupTest, SetValue_SendsNothingAndTakesOnlyTabsThatExist) {
+TEST_F(TabGroupTest, SetValueSendsNothingAndTakesOnlyTabsThatExist) {
     fTabs->SetValue(1);
     EXPECT_EQ(Shown(), "010");
     fTabs->SetValue(3);
@@ -53,7 +53,7 @@ TEST_F(TabGroupTest, SetValue_SendsNothingAndTakesOnlyTabsThatExist) {
     EXPECT_EQ(Heard(), "");
 }
 
-TEST_F(TabGroupTest, Keys_GoAlongTheRowAndStopAtItsEnds) {
+TEST_F(TabGroupTest, KeysGoAlongTheRowAndStopAtItsEnds) {
     fTabs->UI_TakeFocus();
     const std::pair<Key, int> steps[] = {{Key::kRight, 1}, {Key::kEnd, 2},  {Key::kRight, 2},
                                          {Key::kLeft, 1},  {Key::kHome, 0}, {Key::kLeft, 0}};
@@ -63,7 +63,7 @@ TEST_F(TabGroupTest, Keys_GoAlongTheRowAndStopAtItsEnds) {
     }
 }
 
-TEST_F(TabGroupTest, CtrlTab_GoesRoundFromAControlOfAPage_ArrowsDoNot) {
+TEST_F(TabGroupTest, CtrlTabGoesRoundFromAControlOfAPageArrowsDoNot) {
     const auto button = Add<UI_TextButton>({10, 10, 80, 24}, fPages[0].get());
     button->UI_TakeFocus();
     fWindow.PressKey(Key::kRight);
@@ -76,7 +76,7 @@ TEST_F(TabGroupTest, CtrlTab_GoesRoundFromAControlOfAPage_ArrowsDoNot) {
     EXPECT_EQ(Heard(), "012c012c");
 }
 
-TEST_F(TabGroupTest, Pages_FillTheRoomBelowTheTabs) {
+TEST_F(TabGroupTest, PagesFillTheRoomBelowTheTabs) {
     const Rect page{0, UI_TabGroup::kTabHeight + UI_TabGroup::kPageGap, 300, 164};
     EXPECT_EQ(fPages[1]->UI_GetFrame(), page);
     fTabs->UI_SetFrame({10, 10, 350, 210});
@@ -87,7 +87,7 @@ TEST_F(TabGroupTest, Pages_FillTheRoomBelowTheTabs) {
     EXPECT_EQ(fPages[1]->UI_GetFrame(), (Rect{5, 50, 20, 20}));
 }
 
-TEST_F(TabGroupTest, TooNarrow_TabsStayInsideAndShortenTheirTexts) {
+TEST_F(TabGroupTest, TooNarrowTabsStayInsideAndShortenTheirTexts) {
     const float natural = fTabs->UI_GetNaturalSize().width;
     fTabs->UI_SetFrame({0, 0, 90, 100});
     EXPECT_LE(fTabs->TabRect(2).Right(), 90);
@@ -102,7 +102,7 @@ TEST_F(TabGroupTest, TooNarrow_TabsStayInsideAndShortenTheirTexts) {
     EXPECT_THAT(limner.Operations(), Contains(StartsWith("Text \"Middle\" 12")));
 }
 
-TEST_F(TabGroupTest, Disabled_TakesNothing) {
+TEST_F(TabGroupTest, DisabledTakesNothing) {
     fTabs->SetEnabled(false);
     fWindow.Click(InTab(1));
     EXPECT_EQ(fTabs->GetValue(), 0);

@@ -39,7 +39,7 @@ protected:
     boost::intrusive_ptr<UI_HotTextNumber> number = Add<UI_HotTextNumber>({100, 100, 100, 24});
 };
 
-TEST_F(HotTextNumberTest, Drag_CountsRightAndUpTogether) {
+TEST_F(HotTextNumberTest, DragCountsRightAndUpTogether) {
     const Point from = Middle(*number);
     fWindow.Press(from);
     fWindow.MoveTo({from.x + 10, from.y});
@@ -50,14 +50,14 @@ TEST_F(HotTextNumberTest, Drag_CountsRightAndUpTogether) {
     EXPECT_EQ(Heard(), "0112c");
 }
 
-TEST_F(HotTextNumberTest, ClickWithATremble_ChangesNothing) {
+TEST_F(HotTextNumberTest, ClickWithATrembleChangesNothing) {
     const Point from = Middle(*number);
     fWindow.Drag(from, {from.x + 2, from.y + 1}, 2);
     EXPECT_EQ(Heard(), "");
     EXPECT_TRUE(number->UI_HasFocus());
 }
 
-TEST_F(HotTextNumberTest, Drag_ModifiersChangeThePace) {
+TEST_F(HotTextNumberTest, DragModifiersChangeThePace) {
     const Point from = Middle(*number);
     fWindow.Press(from);
     fWindow.MoveTo({from.x + 20, from.y}, kCommand);
@@ -70,13 +70,13 @@ TEST_F(HotTextNumberTest, Drag_ModifiersChangeThePace) {
     EXPECT_EQ(Heard(), "0113");
 }
 
-TEST_F(HotTextNumberTest, CtrlClick_Resets) {
+TEST_F(HotTextNumberTest, CtrlClickResets) {
     fWindow.Click(Middle(*number), kCommand);
     EXPECT_EQ(number->GetValue(), 0);
     EXPECT_EQ(Heard(), "012c");
 }
 
-TEST_F(HotTextNumberTest, Wheel_ClosesAsOneGestureHalfASecondAfterTheLastNotch) {
+TEST_F(HotTextNumberTest, WheelClosesAsOneGestureHalfASecondAfterTheLastNotch) {
     fWindow.Wheel(Middle(*number), 1);
     fWindow.Advance(0.4);
     fWindow.Wheel(Middle(*number), 1, kShift);
@@ -87,14 +87,14 @@ TEST_F(HotTextNumberTest, Wheel_ClosesAsOneGestureHalfASecondAfterTheLastNotch) 
     EXPECT_DOUBLE_EQ(number->GetValue(), -1.5);
 }
 
-TEST_F(HotTextNumberTest, FocusGoingAway_ClosesTheRun) {
+TEST_F(HotTextNumberTest, FocusGoingAwayClosesTheRun) {
     fWindow.Click(Middle(*number));
     fWindow.PressKey(Key::kUp);
     fWindow.Click({10, 10});
     EXPECT_EQ(Heard(), "012c");
 }
 
-TEST_F(HotTextNumberTest, Typing_UnderstandsWhatPeopleWrite) {
+TEST_F(HotTextNumberTest, TypingUnderstandsWhatPeopleWrite) {
     const struct {
         const char16_t* typed;
         double value;
@@ -114,7 +114,7 @@ TEST_F(HotTextNumberTest, Typing_UnderstandsWhatPeopleWrite) {
     }
 }
 
-TEST_F(HotTextNumberTest, TypingNoNumber_LeavesTheValueAndSaysSo) {
+TEST_F(HotTextNumberTest, TypingNoNumberLeavesTheValueAndSaysSo) {
     TypeOver(u"loud");
     fWindow.Paint();
     EXPECT_TRUE(fWindow.PressKey(Key::kEnter));
@@ -133,7 +133,7 @@ TEST_F(HotTextNumberTest, TypingNoNumber_LeavesTheValueAndSaysSo) {
     EXPECT_EQ(Heard(), "");
 }
 
-TEST_F(HotTextNumberTest, Typing_TabSetsAndMovesOn) {
+TEST_F(HotTextNumberTest, TypingTabSetsAndMovesOn) {
     const auto next = Add<UI_HotTextNumber>({100, 140, 100, 24});
     TypeOver(u"6");
     fWindow.PressKey(Key::kTab);
@@ -143,7 +143,7 @@ TEST_F(HotTextNumberTest, Typing_TabSetsAndMovesOn) {
     EXPECT_TRUE(number->UI_HasFocus());
 }
 
-TEST_F(HotTextNumberTest, Typing_ClickElsewhereSetsANumberAndDropsAnythingElse) {
+TEST_F(HotTextNumberTest, TypingClickElsewhereSetsANumberAndDropsAnythingElse) {
     TypeOver(u"6");
     fWindow.Click({10, 10});
     EXPECT_EQ(number->GetValue(), 6);
@@ -153,7 +153,7 @@ TEST_F(HotTextNumberTest, Typing_ClickElsewhereSetsANumberAndDropsAnythingElse) 
     EXPECT_EQ(number->EntryField(), nullptr);
 }
 
-TEST_F(HotTextNumberTest, Typing_FirstDigitOpensTheFieldUnlessForbidden) {
+TEST_F(HotTextNumberTest, TypingFirstDigitOpensTheFieldUnlessForbidden) {
     fWindow.Click(Middle(*number));
     EXPECT_FALSE(fWindow.Type(u"x"));
     EXPECT_TRUE(fWindow.Type(u"42"));
@@ -164,7 +164,7 @@ TEST_F(HotTextNumberTest, Typing_FirstDigitOpensTheFieldUnlessForbidden) {
     EXPECT_FALSE(fWindow.PressKey(Key::kEnter)) << "the host's";
 }
 
-TEST_F(HotTextNumberTest, EnterWithoutAnEdit_KeepsTheExactValue) {
+TEST_F(HotTextNumberTest, EnterWithoutAnEditKeepsTheExactValue) {
     number->SetValue(3.14159);
     fWindow.Click(Middle(*number));
     fWindow.PressKey(Key::kEnter);
@@ -173,7 +173,7 @@ TEST_F(HotTextNumberTest, EnterWithoutAnEdit_KeepsTheExactValue) {
     EXPECT_DOUBLE_EQ(number->GetValue(), 3.14159);
 }
 
-TEST_F(HotTextNumberTest, LogarithmicScale_DragsThroughEqualRatios) {
+TEST_F(HotTextNumberTest, LogarithmicScaleDragsThroughEqualRatios) {
     number->SetMinMaxValue(20, 20000, 1000);
     number->SetScale(1);
     number->SetValue(20);
@@ -182,7 +182,7 @@ TEST_F(HotTextNumberTest, LogarithmicScale_DragsThroughEqualRatios) {
     EXPECT_NEAR(number->GetValue(), 200, 0.1);
 }
 
-TEST_F(HotTextNumberTest, SetValue_HoldsRefusesAndRepaintsOnlyChanges) {
+TEST_F(HotTextNumberTest, SetValueHoldsRefusesAndRepaintsOnlyChanges) {
     number->SetValue(500);
     EXPECT_EQ(number->GetValue(), 100);
     number->SetValue(std::numeric_limits<double>::quiet_NaN());
@@ -198,7 +198,7 @@ TEST_F(HotTextNumberTest, SetValue_HoldsRefusesAndRepaintsOnlyChanges) {
     EXPECT_EQ(Heard(), "") << "setters send nothing";
 }
 
-TEST_F(HotTextNumberTest, Disabled_TakesNothingAndClosesItsEntry) {
+TEST_F(HotTextNumberTest, DisabledTakesNothingAndClosesItsEntry) {
     TypeOver(u"6");
     number->SetEnabled(false);
     EXPECT_EQ(number->EntryField(), nullptr);
@@ -209,7 +209,7 @@ TEST_F(HotTextNumberTest, Disabled_TakesNothingAndClosesItsEntry) {
     EXPECT_EQ(number->GetValue(), value);
 }
 
-TEST_F(HotTextNumberTest, Drawing_ShowsNumberAndUnitByTheirRoles) {
+TEST_F(HotTextNumberTest, DrawingShowsNumberAndUnitByTheirRoles) {
     limner::RecordingLimner limner;
     number->SetFormatFlags(krocore::kFormatAlwaysSign);
     number->SetValue(3);
@@ -222,7 +222,7 @@ TEST_F(HotTextNumberTest, Drawing_ShowsNumberAndUnitByTheirRoles) {
     EXPECT_THAT(limner.Operations(), Contains(StartsWith("Text \"+3.0\" 12 #6C7078")));
 }
 
-TEST_F(HotTextNumberTest, Accessible_TellsTheNumberWithItsUnit) {
+TEST_F(HotTextNumberTest, AccessibleTellsTheNumberWithItsUnit) {
     number->SetName(u"Gain");
     const ui::AccessibleInfo info = number->UI_GetAccessibleInfo();
     EXPECT_EQ(info.role, ui::Role::kNumber);

@@ -22,7 +22,7 @@ protected:
     boost::intrusive_ptr<UI_TextField> field = Add<UI_TextField>({10, 10, 120, 24});
 };
 
-TEST_F(TextFieldTest, TypingAndEnter_IsOneGestureWithACommittedChange) {
+TEST_F(TextFieldTest, TypingAndEnterIsOneGestureWithACommittedChange) {
     fWindow.Click({125, 22});
     fWindow.Type(u" 2");
     EXPECT_EQ(Text(), "low pass 2");
@@ -30,7 +30,7 @@ TEST_F(TextFieldTest, TypingAndEnter_IsOneGestureWithACommittedChange) {
     EXPECT_EQ(Heard(), "0112c");
 }
 
-TEST_F(TextFieldTest, Escape_BringsTheTextBack) {
+TEST_F(TextFieldTest, EscapeBringsTheTextBack) {
     fWindow.Click({125, 22});
     fWindow.PressKey(Key::kBackspace, kCommand);
     EXPECT_EQ(Text(), "low ");
@@ -40,7 +40,7 @@ TEST_F(TextFieldTest, Escape_BringsTheTextBack) {
     EXPECT_FALSE(fWindow.PressKey(Key::kEscape)) << "nothing to bring back: the host's";
 }
 
-TEST_F(TextFieldTest, Clipboard_CopiesCutsAndPastes) {
+TEST_F(TextFieldTest, ClipboardCopiesCutsAndPastes) {
     fWindow.Click({125, 22});
     Shortcut(u'a');
     Shortcut(u'c');
@@ -56,7 +56,7 @@ TEST_F(TextFieldTest, Clipboard_CopiesCutsAndPastes) {
     EXPECT_EQ(Text(), "one two");
 }
 
-TEST_F(TextFieldTest, Mouse_ClickPlacesDragSelectsDoubleClickTakesTheWord) {
+TEST_F(TextFieldTest, MouseClickPlacesDragSelectsDoubleClickTakesTheWord) {
     std::vector<float> carets;
     fSupplier.CaretPositions(u"low pass", {}, carets);
     const auto at = [&](int position) { return Point{16 + carets[static_cast<std::size_t>(position)], 22}; };
@@ -68,7 +68,7 @@ TEST_F(TextFieldTest, Mouse_ClickPlacesDragSelectsDoubleClickTakesTheWord) {
     EXPECT_EQ(field->SelectedText(), u"pass");
 }
 
-TEST_F(TextFieldTest, FocusGoingAway_Commits) {
+TEST_F(TextFieldTest, FocusGoingAwayCommits) {
     fWindow.Click({125, 22});
     fWindow.Type(u"!");
     fWindow.Click({300, 200});
@@ -76,7 +76,7 @@ TEST_F(TextFieldTest, FocusGoingAway_Commits) {
     EXPECT_FALSE(field->UI_HasFocus());
 }
 
-TEST_F(TextFieldTest, Caret_BlinksAndRepaintsOnlyItself) {
+TEST_F(TextFieldTest, CaretBlinksAndRepaintsOnlyItself) {
     fWindow.Click({125, 22});
     fWindow.Advance(0.1);
     fWindow.Advance(0.45);
@@ -84,7 +84,7 @@ TEST_F(TextFieldTest, Caret_BlinksAndRepaintsOnlyItself) {
     EXPECT_LE(fWindow.LastDamage()[0].width, 4);
 }
 
-TEST_F(TextFieldTest, LongText_ScrollsToTheCaret) {
+TEST_F(TextFieldTest, LongTextScrollsToTheCaret) {
     field->SetText(u"a text that is far longer than its field");
     fWindow.Click({60, 22});
     fWindow.PressKey(Key::kEnd);
@@ -96,7 +96,7 @@ TEST_F(TextFieldTest, LongText_ScrollsToTheCaret) {
     EXPECT_EQ(field->SelectionStart(), 0U);
 }
 
-TEST_F(TextFieldTest, Keys_OfTheHostPass) {
+TEST_F(TextFieldTest, KeysOfTheHostPass) {
     fWindow.Click({125, 22});
     EXPECT_FALSE(fWindow.PressKey(Key::kCharacter, kCommand, u's'));
     EXPECT_TRUE(fWindow.PressKey(Key::kSpace)) << "typed, not the host's";

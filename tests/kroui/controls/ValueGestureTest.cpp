@@ -60,7 +60,7 @@ protected:
     ValueGesture gesture{target};
 };
 
-TEST_F(ValueGestureTest, Drag_SendsStartChangesAndEnd) {
+TEST_F(ValueGestureTest, DragSendsStartChangesAndEnd) {
     gesture.BeginDrag();
     gesture.DragBy(0.1, kNoModifier);
     gesture.DragBy(0.05, kNoModifier);
@@ -68,7 +68,7 @@ TEST_F(ValueGestureTest, Drag_SendsStartChangesAndEnd) {
     EXPECT_THAT(target.TakeLog(), ElementsAre("0:50", "1:60", "1:65", "2:65"));
 }
 
-TEST_F(ValueGestureTest, DragWithoutChange_SendsNothing) {
+TEST_F(ValueGestureTest, DragWithoutChangeSendsNothing) {
     gesture.BeginDrag();
     gesture.DragBy(0, kShift);
     gesture.DragBy(0.00001, kNoModifier);
@@ -76,7 +76,7 @@ TEST_F(ValueGestureTest, DragWithoutChange_SendsNothing) {
     EXPECT_THAT(target.TakeLog(), IsEmpty());
 }
 
-TEST_F(ValueGestureTest, Drag_ModifierInMidDragChangesThePaceWithoutAJump) {
+TEST_F(ValueGestureTest, DragModifierInMidDragChangesThePaceWithoutAJump) {
     gesture.BeginDrag();
     gesture.DragBy(0.1, kNoModifier);
     gesture.DragBy(0, kCommand);
@@ -88,7 +88,7 @@ TEST_F(ValueGestureTest, Drag_ModifierInMidDragChangesThePaceWithoutAJump) {
     EXPECT_THAT(target.TakeLog(), ElementsAre("0:50", "1:60", "1:60.1", "1:70.1", "2:70.1"));
 }
 
-TEST_F(ValueGestureTest, Drag_BeyondTheEndComesBackWithThePointer) {
+TEST_F(ValueGestureTest, DragBeyondTheEndComesBackWithThePointer) {
     gesture.BeginDrag();
     gesture.DragBy(0.7, kNoModifier);
     gesture.DragBy(-0.1, kNoModifier);
@@ -98,7 +98,7 @@ TEST_F(ValueGestureTest, Drag_BeyondTheEndComesBackWithThePointer) {
 }
 
 // What the pointer has gone beyond an end belongs to the pace that it went at.
-TEST_F(ValueGestureTest, Drag_ModifierBeyondAnEndStartsAgainFromThatEnd) {
+TEST_F(ValueGestureTest, DragModifierBeyondAnEndStartsAgainFromThatEnd) {
     for (const std::uint8_t modifier : {std::uint8_t{kCommand}, std::uint8_t{kShift}}) {
         const double pace = modifier == kCommand ? 0.1 : 10;
         for (const double direction : {1.0, -1.0}) {
@@ -117,7 +117,7 @@ TEST_F(ValueGestureTest, Drag_ModifierBeyondAnEndStartsAgainFromThatEnd) {
     }
 }
 
-TEST_F(ValueGestureTest, Wheel_PartOfANotchIsForgottenWhenItTurns) {
+TEST_F(ValueGestureTest, WheelPartOfANotchIsForgottenWhenItTurns) {
     gesture.Wheel(0.6, kNoModifier);
     gesture.Wheel(-0.6, kNoModifier);
     EXPECT_THAT(target.TakeLog(), IsEmpty());
@@ -126,7 +126,7 @@ TEST_F(ValueGestureTest, Wheel_PartOfANotchIsForgottenWhenItTurns) {
     gesture.Flush();
 }
 
-TEST_F(ValueGestureTest, Drag_ReachesAnEndThatIsNoRoundNumber) {
+TEST_F(ValueGestureTest, DragReachesAnEndThatIsNoRoundNumber) {
     target.resolution = 1;
     target.minimum = 0.4;
     gesture.BeginDrag();
@@ -135,7 +135,7 @@ TEST_F(ValueGestureTest, Drag_ReachesAnEndThatIsNoRoundNumber) {
     EXPECT_THAT(target.TakeLog(), ElementsAre("0:50", "1:0.4", "2:0.4"));
 }
 
-TEST_F(ValueGestureTest, DragInSteps_GoesByIncrementsFromWhereItBegan) {
+TEST_F(ValueGestureTest, DragInStepsGoesByIncrementsFromWhereItBegan) {
     target.value = 50.5;
     gesture.BeginDrag(true);
     gesture.DragBy(0.004, kNoModifier);
@@ -146,7 +146,7 @@ TEST_F(ValueGestureTest, DragInSteps_GoesByIncrementsFromWhereItBegan) {
     EXPECT_THAT(target.TakeLog(), ElementsAre("0:50.5", "1:51.5", "1:53.5", "2:53.5"));
 }
 
-TEST_F(ValueGestureTest, Drag_EscapeAndAbandonBringTheOldValueBack) {
+TEST_F(ValueGestureTest, DragEscapeAndAbandonBringTheOldValueBack) {
     gesture.BeginDrag();
     gesture.DragBy(0.2, kNoModifier);
     EXPECT_TRUE(Press(Key::kEscape));
@@ -156,7 +156,7 @@ TEST_F(ValueGestureTest, Drag_EscapeAndAbandonBringTheOldValueBack) {
     EXPECT_FALSE(Press(Key::kEscape));
 }
 
-TEST_F(ValueGestureTest, Drag_IsNotDisturbedByValuesWrittenMeanwhile) {
+TEST_F(ValueGestureTest, DragIsNotDisturbedByValuesWrittenMeanwhile) {
     gesture.BeginDrag();
     gesture.DragBy(0.1, kNoModifier);
     target.value = 12.3;
@@ -165,7 +165,7 @@ TEST_F(ValueGestureTest, Drag_IsNotDisturbedByValuesWrittenMeanwhile) {
     EXPECT_THAT(target.TakeLog(), ElementsAre("0:50", "1:60", "1:70", "2:70"));
 }
 
-TEST_F(ValueGestureTest, DragTo_GoesOnRelativelyFromThere) {
+TEST_F(ValueGestureTest, DragToGoesOnRelativelyFromThere) {
     gesture.BeginDrag();
     gesture.DragTo(20);
     gesture.DragBy(0.05, kNoModifier);
@@ -173,7 +173,7 @@ TEST_F(ValueGestureTest, DragTo_GoesOnRelativelyFromThere) {
     EXPECT_THAT(target.TakeLog(), ElementsAre("0:50", "1:20", "1:25", "2:25"));
 }
 
-TEST_F(ValueGestureTest, Keys_MakeStepsOfOneGesture) {
+TEST_F(ValueGestureTest, KeysMakeStepsOfOneGesture) {
     const struct {
         Key key;
         std::uint8_t modifiers;
@@ -195,14 +195,14 @@ TEST_F(ValueGestureTest, Keys_MakeStepsOfOneGesture) {
     EXPECT_FALSE(target.timerRuns);
 }
 
-TEST_F(ValueGestureTest, Keys_OthersAreLeftToTheHost) {
+TEST_F(ValueGestureTest, KeysOthersAreLeftToTheHost) {
     EXPECT_FALSE(Press(Key::kSpace));
     EXPECT_FALSE(Press(Key::kTab));
     EXPECT_FALSE(Press(Key::kUp, ui::kAlt));
     EXPECT_THAT(target.TakeLog(), IsEmpty());
 }
 
-TEST_F(ValueGestureTest, Step_AtTheBoundSendsNothing) {
+TEST_F(ValueGestureTest, StepAtTheBoundSendsNothing) {
     target.value = 100;
     Press(Key::kUp);
     gesture.TimerFired();
@@ -210,7 +210,7 @@ TEST_F(ValueGestureTest, Step_AtTheBoundSendsNothing) {
     EXPECT_FALSE(gesture.IsActive());
 }
 
-TEST_F(ValueGestureTest, Step_SmallerThanWhatIsShownIsNotLost) {
+TEST_F(ValueGestureTest, StepSmallerThanWhatIsShownIsNotLost) {
     target.resolution = 1;
     Press(Key::kUp, kCommand);
     Press(Key::kUp, kCommand);
@@ -218,7 +218,7 @@ TEST_F(ValueGestureTest, Step_SmallerThanWhatIsShownIsNotLost) {
     EXPECT_THAT(target.TakeLog(), ElementsAre("0:50", "1:50.1", "1:50.2", "2:50.2"));
 }
 
-TEST_F(ValueGestureTest, Wheel_FractionsOfANotchAccumulate) {
+TEST_F(ValueGestureTest, WheelFractionsOfANotchAccumulate) {
     for (int i = 0; i < 5; ++i)
         gesture.Wheel(0.4, kNoModifier);
     gesture.Wheel(-0.5, kNoModifier); // the other way: what was left of the last notch is forgotten
@@ -231,7 +231,7 @@ TEST_F(ValueGestureTest, Wheel_FractionsOfANotchAccumulate) {
     EXPECT_THAT(target.TakeLog(), IsEmpty());
 }
 
-TEST_F(ValueGestureTest, BeginDrag_ClosesARunFirst) {
+TEST_F(ValueGestureTest, BeginDragClosesARunFirst) {
     gesture.Wheel(1, kNoModifier);
     gesture.BeginDrag();
     gesture.DragBy(0.1, kNoModifier);
@@ -239,7 +239,7 @@ TEST_F(ValueGestureTest, BeginDrag_ClosesARunFirst) {
     EXPECT_THAT(target.TakeLog(), ElementsAre("0:50", "1:51", "2:51", "0:51", "1:61", "2:61"));
 }
 
-TEST_F(ValueGestureTest, SetOnce_IsAWholeGestureHeldWithinTheBounds) {
+TEST_F(ValueGestureTest, SetOnceIsAWholeGestureHeldWithinTheBounds) {
     gesture.SetOnce(500);
     EXPECT_THAT(target.TakeLog(), ElementsAre("0:50", "1:100", "2:100"));
     gesture.SetOnce(100);
@@ -249,7 +249,7 @@ TEST_F(ValueGestureTest, SetOnce_IsAWholeGestureHeldWithinTheBounds) {
     EXPECT_THAT(target.TakeLog(), ElementsAre("0:100", "1:25", "2:25"));
 }
 
-TEST_F(ValueGestureTest, ListenerThatEndsTheGesture_GetsNoMessageBehindTheEnd) {
+TEST_F(ValueGestureTest, ListenerThatEndsTheGestureGetsNoMessageBehindTheEnd) {
     target.stopAt = 0;
     gesture.Wheel(1, kNoModifier);
     EXPECT_THAT(target.TakeLog(), ElementsAre("0:50", "2:50"));

@@ -65,7 +65,7 @@ void DrawBox(Limner& limner, const BoxCase& box, const Color& color) {
 
 } // namespace
 
-TEST(Box, RoundBox_CoversWhatItsGeometrySays) {
+TEST(Box, RoundBoxCoversWhatItsGeometrySays) {
     // The rasteriser samples a pixel on a grid and approximates arcs by cubic curves.
     constexpr int kTolerance = 10;
     for (const BoxCase& box : BoxCases()) {
@@ -80,7 +80,7 @@ TEST(Box, RoundBox_CoversWhatItsGeometrySays) {
     }
 }
 
-TEST(Box, RoundBox_StampLooksLikeThePath) {
+TEST(Box, RoundBoxStampLooksLikeThePath) {
     for (const BoxCase& box : BoxCases()) {
         if (box.lineWidth > 0) continue;
         const Color color = Color::FromRGB(0x4DA3FF).WithAlpha(0.8F);
@@ -95,7 +95,7 @@ TEST(Box, RoundBox_StampLooksLikeThePath) {
     }
 }
 
-TEST(Box, RoundBox_PartsDrawnThroughClipsMakeTheWhole) {
+TEST(Box, RoundBoxPartsDrawnThroughClipsMakeTheWhole) {
     for (const BoxCase& box : BoxCases()) {
         const auto drawPart = [&](Limner& limner, const Rect& part) {
             limner.Save();
@@ -117,7 +117,7 @@ TEST(Box, RoundBox_PartsDrawnThroughClipsMakeTheWhole) {
     }
 }
 
-TEST(Box, FillRect_EdgesBetweenPixelsGetTheirShare) {
+TEST(Box, FillRectEdgesBetweenPixelsGetTheirShare) {
     const ImagePtr image = Drawn([](Limner& limner) { limner.FillRect({10.25F, 10, 5.25F, 8.5F}, kWhite); });
     EXPECT_EQ(AlphaAt(*image, 9, 12), 0);
     EXPECT_EQ(AlphaAt(*image, 10, 12), 191); // 0.75 * 255
@@ -128,7 +128,7 @@ TEST(Box, FillRect_EdgesBetweenPixelsGetTheirShare) {
     EXPECT_EQ(AlphaAt(*image, 10, 18), 96); // 0.75 * 0.5 * 255
 }
 
-TEST(Box, FillRect_WithoutSmoothingTakesPixelsWhoseCentreIsInside) {
+TEST(Box, FillRectWithoutSmoothingTakesPixelsWhoseCentreIsInside) {
     const ImagePtr image = Drawn([](Limner& limner) {
         limner.SetSmoothing(0);
         limner.FillRect({10.25F, 10, 5.5F, 8.25F}, kWhite);
@@ -137,7 +137,7 @@ TEST(Box, FillRect_WithoutSmoothingTakesPixelsWhoseCentreIsInside) {
     EXPECT_EQ(AlphaAt(*image, 10, 10), 255);
 }
 
-TEST(Box, Translucent_BlendsOverWhatIsThere) {
+TEST(Box, TranslucentBlendsOverWhatIsThere) {
     // Two layers of half-transparent white over opaque black: 128, then 128 + 128 * 127 / 255 = 191.75.
     PixelSurface surface(Supplier());
     surface.SetSize({20, 10}, 1);

@@ -42,7 +42,7 @@ ImagePtr StrokedAsPath(const Line& line, float width, float scale) {
         scale);
 }
 
-TEST(Function, LevelLine_CoversItsWidthExactly) {
+TEST(Function, LevelLineCoversItsWidthExactly) {
     const ImagePtr image = Stroked({{-10, 20.5F}, {50, 20.5F}, {200, 20.5F}}, 2);
     for (const int x : {0, 33, 99}) {
         EXPECT_EQ(AlphaAt(*image, x, 18), 0);
@@ -52,7 +52,7 @@ TEST(Function, LevelLine_CoversItsWidthExactly) {
     }
 }
 
-TEST(Function, Stroke_LooksAsAPathDoes) {
+TEST(Function, StrokeLooksAsAPathDoes) {
     Line wave;
     for (int i = 0; i <= 90; ++i)
         wave.push_back({5 + static_cast<float>(i), 30 + 20 * std::sin(static_cast<float>(i) * 0.15F)});
@@ -70,14 +70,14 @@ TEST(Function, Stroke_LooksAsAPathDoes) {
     }
 }
 
-TEST(Function, ManyPointsAPixel_CostNoInk) {
+TEST(Function, ManyPointsAPixelCostNoInk) {
     Line dense;
     for (int i = 0; i <= 20000; ++i)
         dense.push_back({static_cast<float>(i) * 0.005F, 10 + static_cast<float>(i) * 0.002F});
     EXPECT_LE(LargestDifference(*Stroked(dense, 1.5F), *Stroked({{0, 10}, {100, 50}}, 1.5F)), 3);
 }
 
-TEST(Function, WhatIsNoNumberOrRunsBack_InterruptsTheLine) {
+TEST(Function, WhatIsNoNumberOrRunsBackInterruptsTheLine) {
     for (const Line& line :
          {Line{{0, 30}, {40, 30}, {kNaN, 30}, {60, 30}, {100, 30}},
           Line{{0, 30}, {40, 30}, {50, kNaN}, {60, 30}, {100, 30}}, Line{{60, 30}, {100, 30}, {0, 30}, {40, 30}}}) {
@@ -103,7 +103,7 @@ TEST(Function, ClipAndTranslationHold) {
     EXPECT_EQ(AlphaAt(*image, 40, 27), 0);
 }
 
-TEST(Function, Fill_CoversTheAreaToTheBaseOnBothSides) {
+TEST(Function, FillCoversTheAreaToTheBaseOnBothSides) {
     // Two triangles of 40 x 20 on either side of the base.
     const ImagePtr image = Drawn([](Limner& limner) {
         limner.FillFunction(Line{{10, 10}, {50, 30}, {90, 50}}, 30, {kWhite});

@@ -46,7 +46,7 @@ private:
 
 } // namespace
 
-TEST_F(Picture, PNG_KeepsEveryPixel) {
+TEST_F(Picture, PNGKeepsEveryPixel) {
     const ImagePtr written = Drawn(
         [](Limner& limner) {
             limner.FillRoundRect({2, 2, 50, 40}, 9, Color::FromRGB(0x4DA3FF));
@@ -61,7 +61,7 @@ TEST_F(Picture, PNG_KeepsEveryPixel) {
     EXPECT_EQ(read->ViewSize(), (Size{100, 60}));
 }
 
-TEST_F(Picture, DecodePNG_RejectsWhatIsNoCompletePicture) {
+TEST_F(Picture, DecodePNGRejectsWhatIsNoCompletePicture) {
     const std::vector<std::byte> whole = SmallPNG();
     ASSERT_TRUE(Supplier().DecodePNG(whole, 1));
     constexpr std::size_t kEndChunk = 12; // an empty last chunk, which readers may do without
@@ -79,7 +79,7 @@ TEST_F(Picture, DecodePNG_RejectsWhatIsNoCompletePicture) {
     EXPECT_FALSE(Supplier().DecodePNG(whole, 0));
 }
 
-TEST_F(Picture, WritePNG_TellsWhyItFailsAndLeavesNothing) {
+TEST_F(Picture, WritePNGTellsWhyItFailsAndLeavesNothing) {
     const ImagePtr image = Drawn([](Limner&) {});
     const auto messageFor = [&](const std::filesystem::path& file) -> std::string {
         try {
@@ -98,7 +98,7 @@ TEST_F(Picture, WritePNG_TellsWhyItFailsAndLeavesNothing) {
     EXPECT_FALSE(std::filesystem::exists(In("taken.png.part")));
 }
 
-TEST_F(Picture, DrawImage_OfASizeThatCannotBeIsNull) {
+TEST_F(Picture, DrawImageOfASizeThatCannotBeIsNull) {
     constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
     for (const Size size :
          {Size{0, 10}, Size{10, -1}, Size{kNaN, 10}, Size{1e9F, 1}, Size{16385, 1}, Size{16384, 16384}}) {
@@ -110,7 +110,7 @@ TEST_F(Picture, DrawImage_OfASizeThatCannotBeIsNull) {
     EXPECT_EQ(Drawn([](Limner&) {}, 1.5F, {33, 7})->PixelHeight(), 11);
 }
 
-TEST_F(Picture, DrawImage_ScalesIntoTheRectangle) {
+TEST_F(Picture, DrawImageScalesIntoTheRectangle) {
     const ImagePtr source = Drawn([](Limner& limner) { limner.FillRect({0, 0, 8, 4}, kWhite); }, 2, {8, 4});
     const ImagePtr image = Drawn([&](Limner& limner) {
         limner.MoveTo(90, 0);
@@ -132,7 +132,7 @@ TEST_F(Picture, DrawImage_ScalesIntoTheRectangle) {
     }
 }
 
-TEST_F(Picture, PixelSurface_TakesAnySize) {
+TEST_F(Picture, PixelSurfaceTakesAnySize) {
     constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
     PixelSurface surface(Supplier());
     for (const Size size : {Size{0, 0}, Size{-5, 10}, Size{kNaN, 10}, Size{10, kNaN}}) {
@@ -152,7 +152,7 @@ TEST_F(Picture, PixelSurface_TakesAnySize) {
     EXPECT_EQ(surface.PixelHeight(), 13);
 }
 
-TEST_F(Picture, PixelSurface_DrawsOnThePartOnlyAndKeepsTheRest) {
+TEST_F(Picture, PixelSurfaceDrawsOnThePartOnlyAndKeepsTheRest) {
     PixelSurface surface(Supplier());
     surface.SetSize({20, 10}, 2);
     surface.Draw({5, 2, 4, 3}, [](Limner& limner) {

@@ -6,7 +6,7 @@
 
 namespace kroui::limner::test {
 
-TEST(Recording, Operations_AreALineEach) {
+TEST(Recording, OperationsAreALineEach) {
     RecordingLimner limner;
     const Color blue = Color::FromRGB(0x4DA3FF);
     limner.Save();
@@ -37,7 +37,7 @@ TEST(Recording, Operations_AreALineEach) {
                                      "Image 6x8 0 0 3 4 0.25", "Restore"));
 }
 
-TEST(Recording, ClipBounds_FollowClipAndTranslation) {
+TEST(Recording, ClipBoundsFollowClipAndTranslation) {
     RecordingLimner limner({0, 0, 100, 60}, 2);
     limner.Restore(); // without a Save: nothing
     limner.Save();
@@ -53,7 +53,7 @@ TEST(Recording, ClipBounds_FollowClipAndTranslation) {
     EXPECT_EQ(limner.ClipBounds(), (Rect{0, 0, 100, 60}));
 }
 
-TEST(Geometry, Rectangles_IntersectUniteAndRoundOutward) {
+TEST(Geometry, RectanglesIntersectUniteAndRoundOutward) {
     const Rect a{0, 0, 10, 10};
     EXPECT_EQ(Intersection(a, {5, -5, 10, 10}), (Rect{5, 0, 5, 5}));
     EXPECT_EQ(Intersection(a, {10, 0, 5, 5}), Rect{});

@@ -51,7 +51,7 @@ const std::vector<Operation>& Operations() {
 
 } // namespace
 
-TEST(State, ClipRect_HoldsEveryOperationAndEndsWithRestore) {
+TEST(State, ClipRectHoldsEveryOperationAndEndsWithRestore) {
     for (std::size_t i = 0; i < Operations().size(); ++i) {
         const ImagePtr clipped = Drawn([i](Limner& limner) {
             limner.Save();
@@ -84,7 +84,7 @@ TEST(State, ClipRect_HoldsEveryOperationAndEndsWithRestore) {
     }
 }
 
-TEST(State, ClipRect_BetweenPathAndFillKeepsThePath) {
+TEST(State, ClipRectBetweenPathAndFillKeepsThePath) {
     const ImagePtr image = Drawn([](Limner& limner) {
         limner.AddRect({0, 0, 100, 60});
         limner.Save();
@@ -96,7 +96,7 @@ TEST(State, ClipRect_BetweenPathAndFillKeepsThePath) {
     EXPECT_EQ(Ink(*image), (RectT<int>{20, 10, 30, 20}));
 }
 
-TEST(State, ClipBounds_FollowClipTranslationAndScale) {
+TEST(State, ClipBoundsFollowClipTranslationAndScale) {
     Drawn(
         [](Limner& limner) {
             EXPECT_EQ(limner.ClipBounds(), (Rect{0, 0, 100, 60}));
@@ -116,7 +116,7 @@ TEST(State, ClipBounds_FollowClipTranslationAndScale) {
         1.5F);
 }
 
-TEST(State, SmoothingAndTranslation_ComeBackWithRestore) {
+TEST(State, SmoothingAndTranslationComeBackWithRestore) {
     const auto line = [](Limner& limner) {
         limner.MoveTo(3, 5);
         limner.LineTo(60, 41);
@@ -134,7 +134,7 @@ TEST(State, SmoothingAndTranslation_ComeBackWithRestore) {
     EXPECT_EQ(LargestDifference(*plain, *restored), 0);
 }
 
-TEST(State, Smoothing_OffLeavesNoPartlyCoveredPixels) {
+TEST(State, SmoothingOffLeavesNoPartlyCoveredPixels) {
     const ImagePtr image = Drawn([](Limner& limner) {
         limner.SetSmoothing(0);
         limner.Arc(30, 30, 20.3F, 0, 360);
@@ -146,7 +146,7 @@ TEST(State, Smoothing_OffLeavesNoPartlyCoveredPixels) {
     EXPECT_EQ(AlphaAt(*image, 70, 25), 255);
 }
 
-TEST(State, Scale_DoublesGeometry) {
+TEST(State, ScaleDoublesGeometry) {
     const auto scene = [](float factor) {
         return [factor](Limner& limner) {
             const auto f = [factor](float value) { return value * factor; };
@@ -170,7 +170,7 @@ TEST(State, Scale_DoublesGeometry) {
     }
 }
 
-TEST(State, Arc_RunsClockwiseFromTheRight) {
+TEST(State, ArcRunsClockwiseFromTheRight) {
     // A quarter from 0 to 90 degrees lies to the lower right of the centre.
     const ImagePtr image = Drawn([](Limner& limner) {
         limner.Arc(50, 30, 20, 0, 90);
@@ -180,7 +180,7 @@ TEST(State, Arc_RunsClockwiseFromTheRight) {
     EXPECT_EQ(Ink(*image), (RectT<int>{50, 30, 20, 20}));
 }
 
-TEST(State, CoordinatesThatAreNoNumbers_DrawNothing) {
+TEST(State, CoordinatesThatAreNoNumbersDrawNothing) {
     constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
     const ImagePtr image = Drawn([](Limner& limner) {
         limner.Translate(kNaN, 0);

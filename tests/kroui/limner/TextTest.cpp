@@ -35,7 +35,7 @@ double InkEnd(const Image& image) {
 
 } // namespace
 
-TEST(Text, MeasuredWidth_IsWhatDrawingTakesAtEveryScale) {
+TEST(Text, MeasuredWidthIsWhatDrawingTakesAtEveryScale) {
     // "H" ends in an upright stem: ten more of them move the end of the ink by ten advance widths.
     const std::u16string ten(10, u'H');
     const std::u16string twenty(20, u'H');
@@ -48,7 +48,7 @@ TEST(Text, MeasuredWidth_IsWhatDrawingTakesAtEveryScale) {
     }
 }
 
-TEST(Text, Alignment_PlacesTheMeasuredWidth) {
+TEST(Text, AlignmentPlacesTheMeasuredWidth) {
     const Rect rect{20, 0, 200, 30};
     const double left = InkEnd(*DrawnText(u"HHH", rect, {TextAlignment::kLeft}));
     const double centre = InkEnd(*DrawnText(u"HHH", rect, {TextAlignment::kCentre}));
@@ -57,7 +57,7 @@ TEST(Text, Alignment_PlacesTheMeasuredWidth) {
     EXPECT_NEAR(centre - left, (200 - Width(u"HHH")) / 2, 0.3);
 }
 
-TEST(Text, Digits_AreOfEqualWidth) {
+TEST(Text, DigitsAreOfEqualWidth) {
     for (const bool bold : {false, true}) {
         const float zero = Supplier().MeasureText(u"0", {12, bold}).width;
         EXPECT_GT(zero, 0);
@@ -67,7 +67,7 @@ TEST(Text, Digits_AreOfEqualWidth) {
     }
 }
 
-TEST(Text, Baseline_StandsOnWholePixels) {
+TEST(Text, BaselineStandsOnWholePixels) {
     const ImagePtr whole = DrawnText(u"Ex", {10, 5, 100, 20});
     // Whatever the fraction, the picture is the same or the same a pixel further down.
     for (const float top : {4.7F, 4.9F, 5.1F, 5.3F}) {
@@ -84,7 +84,7 @@ TEST(Text, Baseline_StandsOnWholePixels) {
     }
 }
 
-TEST(Text, Ellipsis_NeverExceedsTheWidth) {
+TEST(Text, EllipsisNeverExceedsTheWidth) {
     constexpr std::u16string_view kText = u"Splicing Frequency";
     constexpr float kLeft = 20;
     for (const TextTruncation truncation : {TextTruncation::kStart, TextTruncation::kEnd}) {
@@ -97,7 +97,7 @@ TEST(Text, Ellipsis_NeverExceedsTheWidth) {
     }
 }
 
-TEST(Text, Ellipsis_KeepsTheEndThatTruncationLeaves) {
+TEST(Text, EllipsisKeepsTheEndThatTruncationLeaves) {
     constexpr std::u16string_view kText = u"Splicing Frequency";
     const float width = Width(kText) - 20;
     const auto sameColumns = [](const Image& a, const Image& b, int from, int to) {
@@ -119,7 +119,7 @@ TEST(Text, Ellipsis_KeepsTheEndThatTruncationLeaves) {
     EXPECT_FALSE(sameColumns(*plainRight, *cutAtStart, 0, right));
 }
 
-TEST(Text, Ellipsis_IsLeftOutWhereTheTextFits) {
+TEST(Text, EllipsisIsLeftOutWhereTheTextFits) {
     constexpr std::u16string_view kText = u"Gain";
     const Rect rect{20, 0, Width(kText), 30};
     EXPECT_EQ(LargestDifference(*DrawnText(kText, rect),
@@ -128,7 +128,7 @@ TEST(Text, Ellipsis_IsLeftOutWhereTheTextFits) {
     EXPECT_TRUE(Ink(*DrawnText(kText, {20, 0, 3, 30}, {TextAlignment::kLeft, TextTruncation::kEnd})).IsEmpty());
 }
 
-TEST(Text, CaretPositions_GoFromZeroToTheWidth) {
+TEST(Text, CaretPositionsGoFromZeroToTheWidth) {
     std::vector<float> positions;
     Supplier().CaretPositions(u"12.5", kFont, positions);
     ASSERT_EQ(positions.size(), 5U);
@@ -147,7 +147,7 @@ TEST(Text, CaretPositions_GoFromZeroToTheWidth) {
     EXPECT_EQ(positions, std::vector<float>{0});
 }
 
-TEST(Text, Paragraph_WrapsAndBreaks) {
+TEST(Text, ParagraphWrapsAndBreaks) {
     const float line = Supplier().MeasureText(u"x", kFont).height;
     const auto height = [](std::u16string_view text, float width) {
         return Supplier().MeasureParagraph(text, kFont, width).height;
@@ -159,7 +159,7 @@ TEST(Text, Paragraph_WrapsAndBreaks) {
     EXPECT_LE(Supplier().MeasureParagraph(u"several words in a row", kFont, 50).width, 50);
 }
 
-TEST(Text, UnusualUnits_AreDrawnAsSomethingAndKeepTheLineWhole) {
+TEST(Text, UnusualUnitsAreDrawnAsSomethingAndKeepTheLineWhole) {
     EXPECT_FLOAT_EQ(Width(u"a\nb\tc"), Width(u"a b c"));
     EXPECT_FLOAT_EQ(Width(std::u16string_view(u"a\0b", 3)), Width(u"a b"));
     EXPECT_FLOAT_EQ(Width(u"a\xD800z"), Width(u"a\xFFFDz"));
@@ -168,7 +168,7 @@ TEST(Text, UnusualUnits_AreDrawnAsSomethingAndKeepTheLineWhole) {
     EXPECT_FALSE(Ink(*DrawnText(u"\xDBBF\xDFFE", {20, 0, 100, 30})).IsEmpty());
 }
 
-TEST(Text, Measuring_IsTheSameAfterACacheFullOfOtherTexts) {
+TEST(Text, MeasuringIsTheSameAfterACacheFullOfOtherTexts) {
     const TextExtent first = Supplier().MeasureText(u"Kept aside", kFont);
     for (int i = 0; i < 5000; ++i) {
         const std::string digits = std::to_string(i);
@@ -180,14 +180,14 @@ TEST(Text, Measuring_IsTheSameAfterACacheFullOfOtherTexts) {
     EXPECT_GT(Width(std::u16string(3000, u'i')), 2.9F * Width(std::u16string(1000, u'i')));
 }
 
-TEST(Text, UnusableSizes_MeasureAsSomethingFinite) {
+TEST(Text, UnusableSizesMeasureAsSomethingFinite) {
     for (const float size : {0.0F, -3.0F, std::numeric_limits<float>::quiet_NaN(), 1e9F}) {
         EXPECT_TRUE(std::isfinite(Supplier().MeasureText(u"Gain", {size}).width)) << size;
         EXPECT_TRUE(std::isfinite(Supplier().MeasureParagraph(u"Gain", kFont, size).height)) << size;
     }
 }
 
-TEST(Text, CaretPositions_StandAtTheEdgesOfWhatIsReadAsOneCharacter) {
+TEST(Text, CaretPositionsStandAtTheEdgesOfWhatIsReadAsOneCharacter) {
     const auto positions = [](std::u16string_view text) {
         std::vector<float> carets;
         Supplier().CaretPositions(text, kFont, carets);
@@ -211,7 +211,7 @@ TEST(Text, CaretPositions_StandAtTheEdgesOfWhatIsReadAsOneCharacter) {
         EXPECT_TRUE(caret >= 0 && caret <= mixed.back() + 0.01F);
 }
 
-TEST(Text, CaretPositions_OfALongTextAreThoseOfItsCharacters) {
+TEST(Text, CaretPositionsOfALongTextAreThoseOfItsCharacters) {
     std::vector<float> carets;
     Supplier().CaretPositions(std::u16string(20'000, u'7'), kFont, carets);
     ASSERT_EQ(carets.size(), 20'001U);
@@ -219,7 +219,7 @@ TEST(Text, CaretPositions_OfALongTextAreThoseOfItsCharacters) {
         EXPECT_NEAR(carets[place], static_cast<float>(place) * Width(u"7"), 0.5) << place;
 }
 
-TEST(Text, PaintedAgain_IsNotShapedAgainHoweverMuchIsInSight) {
+TEST(Text, PaintedAgainIsNotShapedAgainHoweverMuchIsInSight) {
     const CairoSupplier supplier;
     const auto paint = [&] {
         supplier.DrawImage(kRoom, 1, [](Limner& limner) {

@@ -66,7 +66,7 @@ protected:
     }
 };
 
-TEST_F(CurveEditorAdapterTest, EveryAttribute_HasAnEffect) {
+TEST_F(CurveEditorAdapterTest, EveryAttributeHasAnEffect) {
     const array_t response(400, any_regular_t(150));
     const struct {
         const char* attribute;
@@ -142,7 +142,7 @@ TEST_F(CurveEditorAdapterTest, EveryAttribute_HasAnEffect) {
     }
 }
 
-TEST_F(CurveEditorAdapterTest, Drag_WritesThePointsWithWhatElseTheyHave) {
+TEST_F(CurveEditorAdapterTest, DragWritesThePointsWithWhatElseTheyHave) {
     const array_t points{Dictionary({{"x", 100}, {"y", 50}, {"band", "low"}}),
                          Dictionary({{"x", 300}, {"y", 120}, {"band", "high"}, {"movable_y", false}})};
     MakeCurve(points, {{"selected_node", -1}});
@@ -161,7 +161,7 @@ TEST_F(CurveEditorAdapterTest, Drag_WritesThePointsWithWhatElseTheyHave) {
     EXPECT_EQ(PlacesOf(Last("bind"))[2], std::pair(360.0, 120.0)) << "still it does not move upwards";
 }
 
-TEST_F(CurveEditorAdapterTest, Echo_DoesNotDisturbTheDrag) {
+TEST_F(CurveEditorAdapterTest, EchoDoesNotDisturbTheDrag) {
     MakeCurve(Curve({{100, 50}, {300, 120}}));
     // What parameters of 32 bits make of a point.
     cell = [](const any_regular_t& value) {
@@ -187,7 +187,7 @@ TEST_F(CurveEditorAdapterTest, Echo_DoesNotDisturbTheDrag) {
     EXPECT_THAT(Shown(), SizeIs(2));
 }
 
-TEST_F(CurveEditorAdapterTest, Escape_WritesTheOldPoints) {
+TEST_F(CurveEditorAdapterTest, EscapeWritesTheOldPoints) {
     MakeCurve(Curve({{100, 50}, {300, 120}}));
     window.Press(At(200, 20));
     window.MoveTo(At(220, 60));
@@ -198,7 +198,7 @@ TEST_F(CurveEditorAdapterTest, Escape_WritesTheOldPoints) {
     EXPECT_EQ(Shown(), PlacesOf(Last("bind")));
 }
 
-TEST_F(CurveEditorAdapterTest, PointCount_LeavesTheArrayItsLength) {
+TEST_F(CurveEditorAdapterTest, PointCountLeavesTheArrayItsLength) {
     MakeCurve(Curve({{100, 50}, {300, 120}, {7, 8}, {9, 10}}), {{"bind_point_count", 2}, {"selected_node", -1}});
     EXPECT_THAT(Shown(), SizeIs(2));
     window.Press(At(200, 20));
@@ -225,7 +225,7 @@ TEST_F(CurveEditorAdapterTest, PointCount_LeavesTheArrayItsLength) {
     EXPECT_THAT(Shown(), ElementsAre(std::pair(100.0, 50.0), std::pair(300.0, 120.0)));
 }
 
-TEST_F(CurveEditorAdapterTest, Cells_AreShownWithoutWriting) {
+TEST_F(CurveEditorAdapterTest, CellsAreShownWithoutWriting) {
     MakeCurve(Curve({{100, 50}}), {{"selected_node", 1}});
     EXPECT_EQ(Editor().GetSelectedNode(), -1);
     Set("bind", Curve({{100, 50}, {300, 120}}));
@@ -248,7 +248,7 @@ TEST_F(CurveEditorAdapterTest, Cells_AreShownWithoutWriting) {
     EXPECT_TRUE(writes.empty());
 }
 
-TEST_F(CurveEditorAdapterTest, ButtonsOfThePanel_PublishThroughTheCells) {
+TEST_F(CurveEditorAdapterTest, ButtonsOfThePanelPublishThroughTheCells) {
     MakeCurve(Curve({{0, 0}, {400, 200}}), {{"selected_node", -1}});
     ASSERT_TRUE(Editor().AddNewPoint());
     EXPECT_TRUE(writes.empty());
@@ -260,7 +260,7 @@ TEST_F(CurveEditorAdapterTest, ButtonsOfThePanel_PublishThroughTheCells) {
     EXPECT_THAT(PlacesOf(Last("bind")), SizeIs(2));
 }
 
-TEST_F(CurveEditorAdapterTest, WrongValues_AreRefusedAndChangeNothing) {
+TEST_F(CurveEditorAdapterTest, WrongValuesAreRefusedAndChangeNothing) {
     const struct {
         const char* attribute;
         any_regular_t value;
@@ -292,7 +292,7 @@ TEST_F(CurveEditorAdapterTest, WrongValues_AreRefusedAndChangeNothing) {
     }
 }
 
-TEST_F(CurveEditorAdapterTest, WriteThatTakesThePanelAway_IsSafe) {
+TEST_F(CurveEditorAdapterTest, WriteThatTakesThePanelAwayIsSafe) {
     MakeCurve(Curve({{100, 50}, {300, 120}}), {{"bind_point_count", 2}});
     cell = [this](const any_regular_t& value) {
         root->ChildRemove(Node());

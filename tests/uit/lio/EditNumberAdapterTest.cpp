@@ -44,7 +44,7 @@ protected:
     }
 };
 
-TEST_F(EditNumberAdapterTest, EveryAttribute_HasAnEffect) {
+TEST_F(EditNumberAdapterTest, EveryAttributeHasAnEffect) {
     const struct {
         const char* attribute;
         any_regular_t value;
@@ -94,7 +94,7 @@ TEST_F(EditNumberAdapterTest, EveryAttribute_HasAnEffect) {
     }
 }
 
-TEST_F(EditNumberAdapterTest, Attributes_MeanWhatTheySay) {
+TEST_F(EditNumberAdapterTest, AttributesMeanWhatTheySay) {
     MakeGain({{"bind", 2.5}, {"always_show_sign", true}, {"decimal_places", 2}});
     EXPECT_THAT(Texts(), ElementsAre("Gain:", "+2.50", "dB"));
     MakeGain({{"bind", 2.5}, {"trailing_zeroes", false}, {"decimal_places", 3}, {"name", "$$$/Test/Level=Level:"}});
@@ -117,7 +117,7 @@ TEST_F(EditNumberAdapterTest, Attributes_MeanWhatTheySay) {
     EXPECT_EQ(Edit().GetValue(), 1.25);
 }
 
-TEST_F(EditNumberAdapterTest, RulerSettings_AreTheSheetsDictionaries) {
+TEST_F(EditNumberAdapterTest, RulerSettingsAreTheSheetsDictionaries) {
     MakeGain({{"min_max_filter", Limits(-100, 0)},
               {"ruler_settings", Dictionary({{"type", 1},
                                              {"position", 0},
@@ -141,7 +141,7 @@ TEST_F(EditNumberAdapterTest, RulerSettings_AreTheSheetsDictionaries) {
     EXPECT_THAT(Texts(), Not(Contains("400")));
 }
 
-TEST_F(EditNumberAdapterTest, Drag_WritesEachChangeOnceAndEscapeTheOldValue) {
+TEST_F(EditNumberAdapterTest, DragWritesEachChangeOnceAndEscapeTheOldValue) {
     MakeGain();
     window.Press(OnTrack(0.55)); // the knob, at 1
     window.MoveTo({OnTrack(0.55).x + 20, OnTrack(0).y});
@@ -156,7 +156,7 @@ TEST_F(EditNumberAdapterTest, Drag_WritesEachChangeOnceAndEscapeTheOldValue) {
     EXPECT_THAT(Numbers("bind"), ElementsAre(3, 5, 1, -7.5));
 }
 
-TEST_F(EditNumberAdapterTest, CellThatKeepsAnotherValue_IsShownAndDoesNotDisturbTheDrag) {
+TEST_F(EditNumberAdapterTest, CellThatKeepsAnotherValueIsShownAndDoesNotDisturbTheDrag) {
     MakeGain();
     cell = [](const any_regular_t& value) { return any_regular_t(std::min(value.get<double>(), 4.0)); };
     const Point start = OnTrack(0.55);
@@ -178,7 +178,7 @@ TEST_F(EditNumberAdapterTest, CellThatKeepsAnotherValue_IsShownAndDoesNotDisturb
     EXPECT_EQ(Numbers("bind").back(), 9);
 }
 
-TEST_F(EditNumberAdapterTest, BoundsOfACell_HoldTheShownValueOnly) {
+TEST_F(EditNumberAdapterTest, BoundsOfACellHoldTheShownValueOnly) {
     MakeGain({{"bind", 8.0}});
     Set("min_max_filter", Limits(-2, 2));
     EXPECT_EQ(Edit().GetValue(), 2);
@@ -191,7 +191,7 @@ TEST_F(EditNumberAdapterTest, BoundsOfACell_HoldTheShownValueOnly) {
     EXPECT_EQ(layoutChanges, 2) << "a value moves nothing";
 }
 
-TEST_F(EditNumberAdapterTest, LabelWithAColon_EndsAtTheGuide) {
+TEST_F(EditNumberAdapterTest, LabelWithAColonEndsAtTheGuide) {
     const struct {
         const char* name;
         Attributes more;
@@ -214,7 +214,7 @@ TEST_F(EditNumberAdapterTest, LabelWithAColon_EndsAtTheGuide) {
     }
 }
 
-TEST_F(EditNumberAdapterTest, WithoutDigits_HasRoomForEveryNumberWithinTheBounds) {
+TEST_F(EditNumberAdapterTest, WithoutDigitsHasRoomForEveryNumberWithinTheBounds) {
     MakeGain({{"min_max_filter", Limits(-12000, 5)}, {"decimal_places", 2}});
     const float room = Edit().Layout().number.width;
     EXPECT_GE(room, supplier.MeasureText(u"-12000.00", {12}).width);
@@ -223,7 +223,7 @@ TEST_F(EditNumberAdapterTest, WithoutDigits_HasRoomForEveryNumberWithinTheBounds
     EXPECT_LT(Edit().Layout().number.width, room);
 }
 
-TEST_F(EditNumberAdapterTest, WrongValues_AreRefusedAndChangeNothing) {
+TEST_F(EditNumberAdapterTest, WrongValuesAreRefusedAndChangeNothing) {
     const struct {
         const char* attribute;
         any_regular_t value;
@@ -260,7 +260,7 @@ TEST_F(EditNumberAdapterTest, WrongValues_AreRefusedAndChangeNothing) {
     }
 }
 
-TEST_F(EditNumberAdapterTest, CellThatCannotBeWritten_DisablesIt) {
+TEST_F(EditNumberAdapterTest, CellThatCannotBeWrittenDisablesIt) {
     MakeGain();
     adapter->SetWritable(Row("bind"), false);
     window.Drag(OnTrack(0.55), OnTrack(0.9));
@@ -270,7 +270,7 @@ TEST_F(EditNumberAdapterTest, CellThatCannotBeWritten_DisablesIt) {
     EXPECT_FALSE(writes.empty());
 }
 
-TEST_F(EditNumberAdapterTest, ControlThatOutlivesItsAdapter_WritesNothing) {
+TEST_F(EditNumberAdapterTest, ControlThatOutlivesItsAdapterWritesNothing) {
     MakeGain();
     const boost::intrusive_ptr<kroui::ui::UI_Node> node = adapter->GetNode();
     const Point from = OnTrack(0.55);
@@ -280,7 +280,7 @@ TEST_F(EditNumberAdapterTest, ControlThatOutlivesItsAdapter_WritesNothing) {
     root->ChildRemove(node.get());
 }
 
-TEST_F(EditNumberAdapterTest, WriteThatTakesThePanelAway_IsSafe) {
+TEST_F(EditNumberAdapterTest, WriteThatTakesThePanelAwayIsSafe) {
     MakeGain();
     const Point from = OnTrack(0.55);
     cell = [this](const any_regular_t& value) {

@@ -43,7 +43,7 @@ protected:
     }
 };
 
-TEST_F(ToolkitWidgetsTest, Factory_KnowsItsWidgetsAndNoOthers) {
+TEST_F(ToolkitWidgetsTest, FactoryKnowsItsWidgetsAndNoOthers) {
     const AdapterFactoryProc factory = GetAdapterFactoryProc();
     for (const char* const name : {"aud_edit_number", "aud_curve_editor", "aud_picture_toggle_button",
                                    "aud_comp_exp_list", "aud_timecode_display", "aud_timecode_edit"}) {
@@ -57,7 +57,7 @@ TEST_F(ToolkitWidgetsTest, Factory_KnowsItsWidgetsAndNoOthers) {
     EXPECT_FALSE(factory(""));
 }
 
-TEST_F(ToolkitWidgetsTest, PictureToggle_ShowsItsCellAndWritesClicks) {
+TEST_F(ToolkitWidgetsTest, PictureToggleShowsItsCellAndWritesClicks) {
     SetPictures({{"On.png", 16}, {"Off.png", 12}, {"Small.png", 8}});
     Make("aud_picture_toggle_button", {{"on_image", "On.png"}, {"off_image", "Off.png"}, {"bind", false}});
     EXPECT_THAT(Look(), Contains(StartsWith("Image 12x10")));
@@ -81,7 +81,7 @@ TEST_F(ToolkitWidgetsTest, PictureToggle_ShowsItsCellAndWritesClicks) {
     EXPECT_THAT(Refusal("width", -1), HasSubstr("needs a number from 0"));
 }
 
-TEST_F(ToolkitWidgetsTest, Pictures_HaveADarkVariantOnDarkThemes) {
+TEST_F(ToolkitWidgetsTest, PicturesHaveADarkVariantOnDarkThemes) {
     SetPictures({{"P_Plus_N.png", 16}, {"P_Plus_N_D.png", 14}, {"Off.png", 12}, {"plain", 11}, {"plain_D", 9}});
     boost::intrusive_ptr<kroui::ui::UI_SubView> node(new kroui::ui::UI_SubView);
     const kroui::controls::ImageSupplier supply = MakePictureSupplier(context, *node);
@@ -99,7 +99,7 @@ TEST_F(ToolkitWidgetsTest, Pictures_HaveADarkVariantOnDarkThemes) {
     EXPECT_EQ(width("missing", true), 0);
 }
 
-TEST_F(ToolkitWidgetsTest, CompExpList_ChangesTheCurveInItsOwnOrder) {
+TEST_F(ToolkitWidgetsTest, CompExpListChangesTheCurveInItsOwnOrder) {
     // A point that stands out of order, and a spare one behind.
     const any_regular_t levels = Levels({{0, -10}, {-100, -100}, {-20, -20}, {-1, -1}});
     Make("aud_comp_exp_list", {{"bind", levels}, {"bind_point_count", 3}, {"width", 300}});
@@ -123,7 +123,7 @@ TEST_F(ToolkitWidgetsTest, CompExpList_ChangesTheCurveInItsOwnOrder) {
     EXPECT_THAT(Texts(), Contains("4.0:1"));
 }
 
-TEST_F(ToolkitWidgetsTest, Timecodes_FollowTheHostsFormat) {
+TEST_F(ToolkitWidgetsTest, TimecodesFollowTheHostsFormat) {
     const any_regular_t frames = Dictionary({{"format", 2}, {"sample_rate", 48000}}); // 25 frames a second
     const any_regular_t bars = Dictionary({{"format", 9},
                                            {"beatinfo_beats_per_minute", 60},
@@ -166,7 +166,7 @@ TEST_F(ToolkitWidgetsTest, Timecodes_FollowTheHostsFormat) {
     EXPECT_THAT(Refusal("bind", "now"), HasSubstr("needs a number, not a string"));
 }
 
-TEST_F(ToolkitWidgetsTest, TimecodeDisplay_IsNotDimmedForWhatNobodyCanWrite) {
+TEST_F(ToolkitWidgetsTest, TimecodeDisplayIsNotDimmedForWhatNobodyCanWrite) {
     Make("aud_timecode_display", {{"bind", 4.2}});
     adapter->SetWritable(Row("bind"), false);
     EXPECT_TRUE(static_cast<kroui::controls::UI_ControlView*>(Node())->IsEnabled());
