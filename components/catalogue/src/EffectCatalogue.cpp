@@ -31,6 +31,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 namespace qoc::components {
 
@@ -48,7 +49,7 @@ boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> CreateGraphicEQ() {
 
 using enum EffectCategory;
 
-constexpr std::array<EffectDescription, 28> kEffects = {{
+constexpr EffectDescription kEffects[] = {
     {kAdaptiveNoiseReductionComponentID, "adaptivenoisereduction",
      "$$$/qoc/Effect/AdaptiveNoiseReduction=Adaptive Noise Reduction", kRestoration, Create<AdaptiveNoiseReduction>,
      "$$$/qoc/Keywords/AdaptiveNoiseReduction=noise hiss background broadband denoise clean fan air conditioning wind "
@@ -121,7 +122,7 @@ constexpr std::array<EffectDescription, 28> kEffects = {{
      Create<StereoExpander>, "$$$/qoc/Keywords/StereoExpander=width wide mono narrow pan image centre mid side"},
     {kStudioReverbComponentID, "studioreverb", "$$$/qoc/Effect/StudioReverb=Studio Reverb", kReverb,
      Create<StudioReverb>, "$$$/qoc/Keywords/StudioReverb=room hall plate space ambience decay drums vocals wet"},
-}};
+};
 
 // In the order of the enumeration.
 constexpr std::array<const char*, 8> kCategoryKeys = {
@@ -151,14 +152,14 @@ std::span<const EffectDescription> AllEffects() noexcept {
 
 const EffectDescription* FindEffect(std::u16string_view componentID) noexcept {
     const auto found = std::ranges::find(kEffects, componentID, &EffectDescription::componentID);
-    return found == kEffects.end() ? nullptr : &*found;
+    return found == std::end(kEffects) ? nullptr : &*found;
 }
 
 const EffectDescription* FindEffectByShortName(std::string_view shortName) noexcept {
     const auto found = std::ranges::find_if(kEffects, [&](const EffectDescription& effect) {
         return krocore::EqualsIgnoringCase(effect.shortName, shortName);
     });
-    return found == kEffects.end() ? nullptr : &*found;
+    return found == std::end(kEffects) ? nullptr : &*found;
 }
 
 boost::intrusive_ptr<kroaudiofilterhost::AudioFilter> CreateEffect(std::u16string_view componentID) {
