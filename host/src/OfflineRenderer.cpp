@@ -94,8 +94,11 @@ bool OfflineRenderer::Run(SoundWriter& output) {
     const double listened = listens ? kListeningShare : 0;
     const AudioFilterTempo tempo =
         fFilter.GetAudioFilterHost() != nullptr ? fFilter.GetAudioFilterHost()->GetTempo() : AudioFilterTempo();
-    for (std::uint64_t position = 0; position < total; position += fOptions.blockFrames) {
-        const auto frames = static_cast<std::size_t>(std::min<std::uint64_t>(fOptions.blockFrames, total - position));
+    std::size_t frames = 0;
+    for (std::uint64_t position = 0; position < total; position += frames) {
+        fOptions.automation.Apply(fFilter, position);
+        const std::uint64_t most = std::min<std::uint64_t>(fOptions.blockFrames, total - position);
+        frames = static_cast<std::size_t>(std::min(most, fOptions.automation.NextChange(position + 1) - position));
         Fetch(frames);
         fFilter.ServeAutomation();
         fFilter.SetTransport({.position = static_cast<double>(position), .isPlaying = true, .tempo = tempo});

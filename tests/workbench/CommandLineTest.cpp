@@ -499,6 +499,25 @@ TEST_F(CommandLine, ClippingIsToldWithWhatHelpsAndStrictRefusesIt) {
     EXPECT_NEAR(PeakAndFrames(Path("down.wav")).first, std::pow(10, -1 / 20.0), 1e-4);
 }
 
+TEST_F(CommandLine, RenderAutomatesByTheTimeOfTheFile) {
+    qohost::Sound sound = qohost::Sound::Silent(44100, kromediatypes::AudioChannelLayout::Stereo(), 88200);
+    for (auto& channel : sound.channels)
+        std::fill(channel.begin(), channel.end(), 0.25F);
+    qohost::WriteAudioFile(Path("in.wav"), sound, 0);
+    const auto render = [this](const char* points) {
+        std::ofstream(Path("points.csv")) << points;
+        return Run({"render", "--effect", "amplify", "--overwrite", "--automate", Path("points.csv"), "--from", "1",
+                    Path("in.wav"), Path("out.wav")});
+    };
+    const Outcome outcome = render("1.5,gain,-96\n");
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+    const qohost::Sound result = qohost::ReadAudioFile(Path("out.wav")).sound;
+    ASSERT_EQ(result.Frames(), 44100U);
+    EXPECT_EQ(result.channels[1][22049], 0.25F);
+    EXPECT_LT(result.channels[1][24000], 1e-4F);
+    EXPECT_THAT(render("1.5,gain,loud\n").errors, HasSubstr("points.csv: line 1: "));
+}
+
 TEST_F(CommandLine, RenderTakesARangeATailAndAWidthOfSamples) {
     const qohost::Sound sound = qohost::MakeTestSignal(2);
     qohost::WriteAudioFile(Path("in.wav"), sound, SF_FORMAT_WAV | SF_FORMAT_PCM_24);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/Automation.h"
 #include "host/Sound.h"
 #include "host/SoundStream.h"
 #include "kroaudiofilterhost/AudioFilter.h"
@@ -18,6 +19,8 @@ struct RenderOptions {
     // How much longer than the input the output is; nothing: by what the effect goes on sounding.
     std::optional<double> tailSeconds = std::nullopt;
     double maximumTailSeconds = 60; // for effects that never end
+    // Made for the filter: its values hold from their frames of the sound on, to the sample, for blocks end there.
+    Automation automation = {};
     // Called after each block with the part done, 0...1; false cancels. Empty: nobody asks.
     boost::function<bool(double)> progress;
 };

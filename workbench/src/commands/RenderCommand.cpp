@@ -103,6 +103,8 @@ int Render(const RenderRequest& request) {
     filter->Prepare(input.SampleRate(), options.blockFrames, input.Layout());
     ApplyPresetNamed(*filter, effect, request.preset);
     ApplySettings(*filter, request.settings);
+    if (!request.automation.empty())
+        options.automation = qohost::ReadAutomation(*filter, request.automation, request.from);
 
     std::optional<Interruption> interruption(std::in_place);
     Progress progress;

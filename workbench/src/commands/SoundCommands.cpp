@@ -78,6 +78,8 @@ void AddRender(CommandSet& commands) {
     AddEffect(command, request->effect);
     AddPreset(command, request->preset);
     AddSettings(command, request->settings);
+    AddPath(command, request->automation, "--automate",
+            "parameters over time: a file of lines TIME,PARAM,VALUE[,line], or JSON; - for the standard input");
     AddRange(command, *request);
     AddTail(command, *request);
     AddSamples(command, *request);

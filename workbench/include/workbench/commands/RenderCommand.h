@@ -13,6 +13,7 @@ struct RenderRequest {
     std::string effect;
     std::string preset;                       // a preset's name or file, applied before the settings; empty for none
     std::vector<std::string> settings;        // "PARAM=VALUE", later ones win
+    std::filesystem::path automation;         // a file of points over the sound's time; empty for none
     std::filesystem::path input;              // "-" for the standard input
     std::filesystem::path output;             // may be the input; "-" for the standard output
     qohost::SoundKind kind;                   // where their names don't tell
