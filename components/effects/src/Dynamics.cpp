@@ -178,6 +178,8 @@ void Dynamics::PrepareProcessing(std::size_t /*maximumBlock*/) {
         channel.band.resize(fLatency + 1);
     }
     fFollowers.assign(channels, {});
+    for (Follower& follower : fFollowers)
+        follower.step.Prepare(sampleRate);
     fBand.Prepare(channels, sampleRate);
     for (SmoothedValue* const value : {&fDetectorGain, &fMakeUp, &fMix, &fListen})
         value->Prepare(sampleRate);
@@ -188,7 +190,8 @@ void Dynamics::ResetProcessing() noexcept {
         std::ranges::fill(channel.sound, 0.0F);
         std::ranges::fill(channel.band, 0.0F);
     }
-    std::ranges::fill(fFollowers, Follower());
+    for (Follower& follower : fFollowers)
+        follower.Reset();
     fBand.Reset();
     fPosition = 0;
 }
@@ -196,6 +199,7 @@ void Dynamics::ResetProcessing() noexcept {
 void Dynamics::ReadParameters(bool settle) noexcept {
     fCurve = Curve();
     fRange = Natural(kDynamicsRange);
+    GoOnFromEarlierCurve(settle);
     fAttack = LevelDetector::Remainder(SamplesOf(kDynamicsAttack));
     fRelease = LevelDetector::Remainder(SamplesOf(kDynamicsRelease));
     fHold = static_cast<std::size_t>(SamplesOf(kDynamicsHold));
@@ -233,6 +237,21 @@ void Dynamics::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) n
     }
 }
 
+void Dynamics::Follower::Reset() noexcept {
+    detector = {};
+    gain = level = target = 0;
+    held = 0;
+    step.Settle(0);
+}
+
+// A curve that moves while sound goes by moves the gain without a step.
+void Dynamics::GoOnFromEarlierCurve(bool settle) noexcept {
+    for (Follower& follower : fFollowers) {
+        follower.step.Settle(settle ? 0.0F : static_cast<float>(follower.target - LimitedGain(follower.level)));
+        follower.step.SetTarget(0);
+    }
+}
+
 TransferCurve Dynamics::Curve() const noexcept {
     std::array<TransferCurve::Point, TransferCurve::kMostPoints> points;
     const auto count = static_cast<std::size_t>(std::lround(Natural(kDynamicsPointCount)));
@@ -262,7 +281,9 @@ double Dynamics::CommonPower() const noexcept {
 }
 
 double Dynamics::NextGain(Follower& follower, double power) noexcept {
-    const double target = LimitedGain(follower.detector.Next(power, fDetector));
+    follower.level = follower.detector.Next(power, fDetector);
+    follower.target = LimitedGain(follower.level) + follower.step.Next();
+    const double target = follower.target;
     if (target <= follower.gain) {
         follower.gain = target + fAttack * (follower.gain - target);
         follower.held = fHold;

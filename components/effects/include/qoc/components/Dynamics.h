@@ -43,6 +43,11 @@ private:
         LevelDetector detector;
         double gain = 0; // decibels
         std::size_t held = 0;
+        double level = 0;   // of the last sample, decibels
+        double target = 0;  // that it had the gain go to, decibels
+        SmoothedValue step; // what is left of the way from an earlier curve to the present one, decibels
+
+        void Reset() noexcept;
     };
     struct Channel {
         std::vector<float> sound; // rings: what came in, and what of it the detector hears
@@ -52,6 +57,7 @@ private:
 
     TransferCurve Curve() const noexcept;
     double LimitedGain(double level) const noexcept;
+    void GoOnFromEarlierCurve(bool settle) noexcept;
     double SamplesOf(int timeParameter) const noexcept;
     double CommonPower() const noexcept;
     double NextGain(Follower& follower, double power) noexcept;
