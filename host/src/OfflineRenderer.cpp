@@ -1,10 +1,15 @@
 #include "host/OfflineRenderer.h"
 
 #include "host/SampleFormat.h"
+#include "host/SoundFile.h"
 #include "host/SoundInMemory.h"
+#include "krocore/Localizer.h"
+#include "krocore/TemporaryFile.h"
+#include "krocore/config/Error.h"
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <utility>
 #include <vector>
 
@@ -60,6 +65,46 @@ std::vector<float*> PointersTo(std::vector<std::vector<float>>& buffers) {
         pointers.push_back(buffer.data());
     return pointers;
 }
+
+constexpr const char* kKeptType = "w64";
+
+// A file for a whole sound, as long as this lives.
+class KeptSound {
+public:
+    KeptSound() {
+        try {
+            fFile.emplace(std::filesystem::temp_directory_path());
+        } catch (const std::filesystem::filesystem_error& error) {
+            throw krocore::config::Error(krocore::ToStdString(krocore::ReplacePlaceholders(
+                krocore::Localize("$$$/qohost/Render/NoRoom=There is no room for the sound meanwhile: @0."),
+                {krocore::ToUTF16(error.code().message())})));
+        }
+    }
+    const std::filesystem::path& File() const { return fFile->Path(); }
+
+private:
+    std::optional<krocore::TemporaryFile> fFile;
+};
+
+// Keeps a sound in a file and its largest sample in mind.
+class PeakWriter final : public SoundWriter {
+public:
+    PeakWriter(const std::filesystem::path& file, const SoundFileWriter::Format& format)
+        : fFile(file, format, {.type = kKeptType}) {}
+
+    void Write(std::span<const float* const> channels, std::size_t frames) override {
+        for (const float* const channel : channels)
+            for (std::size_t i = 0; i < frames; ++i)
+                fPeak = std::isfinite(channel[i]) ? std::max(fPeak, std::abs(channel[i])) : INFINITY;
+        fFile.Write(channels, frames);
+    }
+    void Commit() { fFile.Commit(); }
+    float Peak() const { return fPeak; }
+
+private:
+    SoundFileWriter fFile;
+    float fPeak = 0;
+};
 
 } // namespace
 
@@ -142,17 +187,23 @@ void OfflineRenderer::Store(std::uint64_t position, std::size_t frames, SoundWri
 
 bool RunWithPeakAt(double decibels, OfflineRenderer& renderer, SoundWriter& output) {
     constexpr std::size_t kBlockFrames = 16384;
-    Sound sound;
-    sound.layout = renderer.Layout();
-    sound.channels.resize(sound.layout.size());
-    SoundInMemoryWriter memory(sound);
-    if (!renderer.Run(memory)) return false;
-    NormalizePeak(sound, decibels);
-    for (std::size_t start = 0; start < sound.Frames(); start += kBlockFrames) {
-        std::vector<const float*> channels;
-        for (const std::vector<float>& channel : sound.channels)
-            channels.push_back(channel.data() + start);
-        output.Write(channels, std::min(kBlockFrames, sound.Frames() - start));
+    const KeptSound kept;
+    PeakWriter loud(kept.File(), {.sampleRate = renderer.SampleRate(),
+                                  .layout = renderer.Layout(),
+                                  .frames = renderer.Frames(),
+                                  .samples = SampleFormat::kFloat});
+    if (!renderer.Run(loud)) return false;
+    loud.Commit();
+    const double factor = FactorForPeak(loud.Peak(), decibels);
+    SoundFileReader reader(kept.File(), {.type = kKeptType});
+    std::vector<std::vector<float>> block(reader.Layout().size(), std::vector<float>(kBlockFrames));
+    const std::vector<float*> pointers = PointersTo(block);
+    const std::vector<const float*> channels(pointers.begin(), pointers.end());
+    while (const std::size_t frames = reader.Read(pointers, kBlockFrames)) {
+        for (std::vector<float>& channel : block)
+            for (float& sample : channel)
+                sample = static_cast<float>(sample * factor);
+        output.Write(channels, frames);
     }
     return true;
 }

@@ -30,15 +30,6 @@ float LimitOf(int encoding) {
     return static_cast<float>(1 + std::ldexp(0.5, 1 - bits));
 }
 
-float PeakOf(const Sound& sound) {
-    float peak = 0;
-    for (const auto& channel : sound.channels)
-        for (const float sample : channel)
-            // What is no number stays in the peak.
-            if (!(std::abs(sample) <= peak)) peak = std::abs(sample);
-    return peak;
-}
-
 } // namespace
 
 ClippingMeter::ClippingMeter(int encoding) : fLimit(LimitOf(encoding)) {
@@ -62,13 +53,9 @@ Clipping ClippingMeter::Result() const {
             .decibels = kDecibelsADecade * std::log10(static_cast<double>(fPeak))};
 }
 
-void NormalizePeak(Sound& sound, double decibels) {
-    const float peak = PeakOf(sound);
-    if (!(peak > 0) || !std::isfinite(peak)) return;
-    const double factor = std::pow(10.0, decibels / kDecibelsADecade) / peak;
-    for (auto& channel : sound.channels)
-        for (float& sample : channel)
-            sample = static_cast<float>(sample * factor);
+double FactorForPeak(float peak, double decibels) {
+    if (!(peak > 0) || !std::isfinite(peak)) return 1;
+    return std::pow(10.0, decibels / kDecibelsADecade) / peak;
 }
 
 } // namespace qohost

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 
 using namespace qohost;
 
@@ -137,6 +138,37 @@ TEST(OfflineRenderer, BringsTheSoundTwiceToAnEffectThatListensFirst) {
     const double expectedProgress[] = {0.1, 0.2, 0.6, 1};
     for (std::size_t i = 0; i < progress.size(); ++i)
         EXPECT_DOUBLE_EQ(progress[i], expectedProgress[i]);
+}
+
+TEST(OfflineRenderer, BringsThePeakOfAllThatComesOutToALevel) {
+    Sound input = MakeTestSignal(0.5);
+    const auto run = [&](double decibels) {
+        const boost::intrusive_ptr<EchoFilter> filter(new EchoFilter(100));
+        SoundInMemoryReader reader(input);
+        OfflineRenderer renderer(*filter, reader);
+        Sound output = Sound::Silent(input.sampleRate, renderer.Layout(), 0);
+        SoundInMemoryWriter writer(output);
+        EXPECT_TRUE(RunWithPeakAt(decibels, renderer, writer));
+        return output;
+    };
+    const Sound plain = Expected(input);
+    const Sound normal = run(-6.0206);
+    ASSERT_EQ(normal.Frames(), plain.Frames());
+    float loudest = 0;
+    float before = 0;
+    for (std::size_t channel = 0; channel < 2; ++channel)
+        for (std::size_t i = 0; i < plain.Frames(); ++i) {
+            loudest = std::max(loudest, std::abs(normal.channels[channel][i]));
+            before = std::max(before, std::abs(plain.channels[channel][i]));
+        }
+    EXPECT_NEAR(loudest, 0.5, 1e-6);
+    EXPECT_NEAR(normal.channels[1][5000], plain.channels[1][5000] * 0.5 / before, 1e-6);
+    for (auto& channel : input.channels)
+        std::ranges::fill(channel, 0.0F);
+    EXPECT_EQ(run(0).channels[0], std::vector<float>(plain.Frames())) << "silence";
+    input.channels[0][10] = std::numeric_limits<float>::infinity();
+    input.channels[0][200] = 0.25F;
+    EXPECT_EQ(run(0).channels[0][200], 0.25F) << "nothing is made of what has no number";
 }
 
 TEST(OfflineRenderer, AnErrorLeavesTheFilterAsItWas) {

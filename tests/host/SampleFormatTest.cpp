@@ -44,21 +44,6 @@ TEST(SampleFormat, OnlyWhatLiesBeyondFullScaleIsClipped) {
     EXPECT_EQ(ClippingOf(Mono({}), SF_FORMAT_WAV | SF_FORMAT_PCM_16).samples, 0U);
 }
 
-TEST(SampleFormat, NormalizingBringsThePeakOfAllChannelsToTheLevel) {
-    Sound sound = Sound::Silent(44100, kromediatypes::AudioChannelLayout::Stereo(), 2);
-    sound.channels = {{0.1F, -0.05F}, {0, -0.5F}};
-    NormalizePeak(sound, -6.0206);
-    EXPECT_NEAR(sound.channels[1][1], -0.5F, 1e-6F);
-    NormalizePeak(sound, 0);
-    EXPECT_NEAR(sound.channels[1][1], -1, 1e-6F);
-    EXPECT_NEAR(sound.channels[0][0], 0.2F, 1e-6F);
-    for (const float odd : {0.0F, std::numeric_limits<float>::infinity()}) {
-        Sound other = Mono({odd, 0});
-        NormalizePeak(other, -1);
-        EXPECT_EQ(other.channels[0][0], odd);
-    }
-}
-
 TEST(SampleFormat, EveryContainerHasItsOwnFormOrRefuses) {
     const auto folder = std::filesystem::temp_directory_path() / ("samples-" + std::to_string(getpid()));
     std::filesystem::create_directories(folder);

@@ -35,6 +35,7 @@ public:
     OfflineRenderer(kroaudiofilterhost::AudioFilter& filter, SoundReader& input, RenderOptions options = {});
 
     // What comes out, at the input's sample rate.
+    float SampleRate() const { return fInput.SampleRate(); }
     const kromediatypes::AudioChannelLayout& Layout() const;
     std::uint64_t Frames() const noexcept { return fFrames; }
 
@@ -60,7 +61,8 @@ private:
 };
 
 // Runs the renderer with the largest sample of what comes out at `decibels` from full scale, for which all of it is
-// kept in memory meanwhile. False when it was cancelled.
+// kept in a temporary file meanwhile; silence stays silent. False when it was cancelled. Throws
+// krocore::config::Error, too, when there is no room for the file.
 bool RunWithPeakAt(double decibels, OfflineRenderer& renderer, SoundWriter& output);
 
 // The same for a whole sound in memory. Nothing when it was cancelled.

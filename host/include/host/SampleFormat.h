@@ -35,8 +35,8 @@ private:
     std::size_t fAll = 0;
 };
 
-// Scales all of a sound so that its largest sample stands `decibels` from full scale. Silence stays, and so does what
-// has a sample that is no number.
-void NormalizePeak(Sound& sound, double decibels);
+// What brings a sound whose largest sample is `peak` to `decibels` from full scale. 1 for silence, and for a peak that
+// is no number.
+double FactorForPeak(float peak, double decibels);
 
 } // namespace qohost
