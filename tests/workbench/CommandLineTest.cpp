@@ -404,13 +404,14 @@ TEST_F(CommandLine, ListsNameEffectsAndParametersWithRangesAndDefaults) {
                                  "1      link      Link Channels  Off, On           On\n"
                                  "2      gain1     Gain 1         -96 dB ... 48 dB  0 dB\n"
                                  "3      gain2     Gain 2         -96 dB ... 48 dB  0 dB\n");
-    EXPECT_EQ(
-        Run({"params", "stereoexpander", "--format", "tsv"}).output,
-        "index\tid\tname\tkind\tminimum\tmaximum\tdefault\tunit\tscale\tdecimals\titems\tautomatable\treadOnly\t"
-        "linkedBy\tdescending\trangeText\tdefaultText\n"
-        "0\tpan\tCenter Channel Pan\tnumber\t-100\t100\t0\t%\tlinear\t1\t\ttrue\tfalse\t\tfalse\t-100 % ... 100 %\t0 "
-        "%\n"
-        "1\texpand\tStereo Expand\tnumber\t0\t300\t100\t%\tlinear\t1\t\ttrue\tfalse\t\tfalse\t0 % ... 300 %\t100 %\n");
+    EXPECT_EQ(Run({"params", "stereoexpander", "--format", "tsv"}).output,
+              "index\tid\tname\tkind\tminimum\tmaximum\tdefault\tunit\tscale\tdecimals\titems\tautomatable\treadOnly\t"
+              "linkedBy\tdescending\twhole\tneedsPrepare\tcurve\trangeText\tdefaultText\n"
+              "0\tpan\tCenter Channel Pan\tnumber\t-100\t100\t0\t%\tlinear\t1\t\ttrue\tfalse\t\tfalse\tfalse\tfalse\t\t"
+              "-100 % ... 100 %\t0 %\n"
+              "1\texpand\tStereo Expand\tnumber\t0\t300\t100\t%\tlinear\t1\t\ttrue\tfalse\t\tfalse\tfalse\tfalse\t\t0 "
+              "% ... 300 %\t"
+              "100 %\n");
     EXPECT_THAT(Run({"--version"}).output, StartsWith("workbench "));
 }
 
@@ -449,6 +450,18 @@ TEST_F(CommandLine, ListingsForProgramsHaveNumbersUnitsAndScales) {
     EXPECT_EQ(gain.at("linkedBy"), "link");
     for (const Json& each : Json::parse(Run({"params", "pitchcorrect", "--format", "json"}).output))
         EXPECT_EQ(each.at("descending"), each.at("id") == "attack"); // from slow to fast
+    for (const Json& each : Json::parse(Run({"params", "dynamics", "--format", "json"}).output)) {
+        const std::string id = each.at("id");
+        EXPECT_EQ(each.at("needsPrepare"), id == "lookAhead");
+        EXPECT_EQ(each.at("whole"), id == "pointCount");
+        EXPECT_EQ(each.at("curve"), id.starts_with("point") ? "curve" : "");
+    }
+    // Half the rate, and one gain a channel.
+    EXPECT_THAT(Run({"params", "fftfilter", "--rate", "96000"}).output, HasSubstr("48000"));
+    EXPECT_THAT(Run({"params", "amplify", "--channels", "6"}).output, HasSubstr("gain6"));
+    const Outcome refused = Run({"params", "amplify", "--rate", "5"});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_THAT(refused.errors, HasSubstr("5 Hz"));
 }
 
 TEST_F(CommandLine, ListFindsEffectsByPresetsAndPlainWords) {
@@ -514,7 +527,7 @@ TEST_F(CommandLine, RenderAutomatesByTheTimeOfTheFile) {
     const qohost::Sound result = qohost::ReadAudioFile(Path("out.wav")).sound;
     ASSERT_EQ(result.Frames(), 44100U);
     EXPECT_EQ(result.channels[1][22049], 0.25F);
-    EXPECT_LT(result.channels[1][24000], 1e-4F);
+    EXPECT_LT(result.channels[1][40000], 1e-4F);
     EXPECT_THAT(render("1.5,gain,loud\n").errors, HasSubstr("points.csv: line 1: "));
 }
 

@@ -20,7 +20,6 @@ using Strings = std::vector<std::string>;
 
 namespace {
 
-constexpr std::size_t kStereo = 2;
 constexpr std::size_t kBlock = 512;
 
 std::string Abilities(const qoc::components::EffectDescription& effect, bool hasPanel) {
@@ -126,6 +125,9 @@ Table::Row ParameterRow(int index, const AudioFilterParameterInfo& info) {
             info.IsReadOnly(),
             info.GetLinkID(),
             IsDescending(info),
+            info.IsWhole(),
+            info.NeedsPrepare(),
+            info.GetCurveID(),
             RangeText(info),
             krocore::ToStdString(text)};
 }
@@ -155,26 +157,14 @@ Table EffectTable(std::string_view words) {
     return table;
 }
 
-Table ParameterTable(std::string_view effectName) {
+Table ParameterTable(std::string_view effectName, const SoundFormat& format) {
     const auto filter = NewFilter(EffectFromName(effectName));
-    filter->Prepare(filter->GetSampleRate(), kBlock, kromediatypes::AudioChannelLayout::ForChannelCount(kStereo));
-    Table table({{"index", "INDEX"},
-                 {"id", "ID"},
-                 {"name", "NAME"},
-                 {"kind", ""},
-                 {"minimum", ""},
-                 {"maximum", ""},
-                 {"default", ""},
-                 {"unit", ""},
-                 {"scale", ""},
-                 {"decimals", ""},
-                 {"items", ""},
-                 {"automatable", ""},
-                 {"readOnly", ""},
-                 {"linkedBy", ""},
-                 {"descending", ""},
-                 {"rangeText", "RANGE"},
-                 {"defaultText", "DEFAULT"}});
+    filter->Prepare(format.sampleRate, kBlock, kromediatypes::AudioChannelLayout::ForChannelCount(format.channels));
+    Table table({{"index", "INDEX"},   {"id", "ID"},     {"name", "NAME"},       {"kind", ""},
+                 {"minimum", ""},      {"maximum", ""},  {"default", ""},        {"unit", ""},
+                 {"scale", ""},        {"decimals", ""}, {"items", ""},          {"automatable", ""},
+                 {"readOnly", ""},     {"linkedBy", ""}, {"descending", ""},     {"whole", ""},
+                 {"needsPrepare", ""}, {"curve", ""},    {"rangeText", "RANGE"}, {"defaultText", "DEFAULT"}});
     for (int index = 0; index < filter->GetParameterCount(); ++index) {
         const AudioFilterParameterInfo* const info = filter->GetParameterInfo(index);
         if (info != nullptr) table.Add(ParameterRow(index, *info));

@@ -18,6 +18,7 @@ struct ListingRequest {
     std::string effect;
     std::vector<std::string> words;
     TableFormat format = TableFormat::kAligned;
+    SoundFormat sound;
 };
 
 int List(const ListingRequest& request) {
@@ -26,15 +27,32 @@ int List(const ListingRequest& request) {
     return kExitDone;
 }
 
-void AddListingOfEffect(CommandSet& commands, const char* name, const char* summary,
-                        Table (*tableOf)(std::string_view)) {
+void AddEffectToList(CLI::App& command, ListingRequest& request) {
+    command.add_option("EFFECT", request.effect, R"(see "workbench list")")->required();
+    AddFormat(command, request.format);
+}
+
+void AddParameters(CommandSet& commands) {
     const auto request = std::make_shared<ListingRequest>();
-    CLI::App& command = commands.Add(name, summary, "EFFECT [--format table|tsv|json]", [request, tableOf] {
-        PrintOut(tableOf(request->effect).ToText(request->format));
-        return kExitDone;
-    });
-    command.add_option("EFFECT", request->effect, R"(see "workbench list")")->required();
-    AddFormat(command, request->format);
+    CLI::App& command =
+        commands.Add("params", "list the parameters of an effect",
+                     "EFFECT [--rate HZ] [--channels N] [--format table|tsv|json]", [request] {
+                         PrintOut(ParameterTable(request->effect, request->sound).ToText(request->format));
+                         return kExitDone;
+                     });
+    AddEffectToList(command, *request);
+    command.add_option("--rate", request->sound.sampleRate, "as it is at this sample rate, in hertz; 44100 otherwise");
+    command.add_option("--channels", request->sound.channels, "as it is for so many channels; 2 otherwise");
+}
+
+void AddPresets(CommandSet& commands) {
+    const auto request = std::make_shared<ListingRequest>();
+    CLI::App& command = commands.Add("presets", "list the presets of an effect, and your own for it",
+                                     "EFFECT [--format table|tsv|json]", [request] {
+                                         PrintOut(PresetTable(request->effect).ToText(request->format));
+                                         return kExitDone;
+                                     });
+    AddEffectToList(command, *request);
 }
 
 } // namespace
@@ -45,8 +63,8 @@ void AddListingCommands(CommandSet& commands) {
                                      "[WORD...] [--format table|tsv|json]", [request] { return List(*request); });
     command.add_option("WORD", request->words, "a part of a name, a category, a preset or a plain word: hum");
     AddFormat(command, request->format);
-    AddListingOfEffect(commands, "params", "list the parameters of an effect, as it is for stereo", &ParameterTable);
-    AddListingOfEffect(commands, "presets", "list the presets of an effect, and your own for it", &PresetTable);
+    AddParameters(commands);
+    AddPresets(commands);
 }
 
 } // namespace workbench

@@ -2,6 +2,7 @@
 
 #include "workbench/commands/Table.h"
 
+#include <cstddef>
 #include <string_view>
 
 namespace workbench {
@@ -10,9 +11,15 @@ namespace workbench {
 // for those that EffectSearch finds, and the preset or word by which. The panels library must be initialised.
 Table EffectTable(std::string_view words = {});
 
-// The parameters of an effect as it is for stereo: for people index, id, name, range with unit, default; for programs
-// numbers in natural units. Throws krocore::config::Error for a name that is none.
-Table ParameterTable(std::string_view effectName);
+struct SoundFormat {
+    float sampleRate = 44100; // hertz
+    std::size_t channels = 2;
+};
+
+// The parameters of an effect as it is for sound of the format: for people index, id, name, range with unit, default;
+// for programs numbers in natural units. Throws krocore::config::Error for a name that is none and for a format that
+// the effect can't take.
+Table ParameterTable(std::string_view effectName, const SoundFormat& format = {});
 
 // The presets that come with an effect, then those that the user has saved, with their files. Throws likewise.
 Table PresetTable(std::string_view effectName);
