@@ -40,12 +40,7 @@ Filter Prepared(const Values& values, std::size_t channels = 1, float rate = 441
     return filter;
 }
 
-// The magnitude of an analogue filter at the frequency that the bilinear transform puts where it is asked for: s is
-// j times this.
-double Bent(double hertz, double centre, double rate) {
-    return std::tan(pi * hertz / rate) / std::tan(pi * centre / rate);
-}
-
+// Of analogue filters, at w times their frequency.
 double Quadratic(double s2, double s1, double s0, double w) {
     return std::hypot(s0 - s2 * w * w, s1 * w);
 }
@@ -69,72 +64,78 @@ double LowPassDecibels(double w, int order) {
 struct Case {
     const char* name;
     Values values;
-    std::function<double(double hertz, double rate)> decibels;
+    std::function<double(double hertz)> decibels;
 };
 
 const std::vector<Case>& Cases() {
     static const std::vector<Case> cases = {
         {"peak",
          {{Frequency(kPeak1), 400}, {Gain(kPeak1), 12}, {kParametricEQFirstQ, 2}},
-         [](double f, double rate) { return PeakDecibels(Bent(f, 400, rate), 12, 2); }},
+         [](double f) { return PeakDecibels(f / 400, 12, 2); }},
         {"cut",
          {{Frequency(kPeak3), 5000}, {Gain(kPeak3), -20}, {kParametricEQFirstQ + 2, 8}},
-         [](double f, double rate) { return PeakDecibels(Bent(f, 5000, rate), -20, 8); }},
+         [](double f) { return PeakDecibels(f / 5000, -20, 8); }},
         {"constant width",
          {{kParametricEQConstantWidth, 1},
           {Frequency(kPeak1), 3000},
           {Gain(kPeak1), 6},
           {kParametricEQFirstWidth, 600}},
-         [](double f, double rate) { return PeakDecibels(Bent(f, 3000, rate), 6, 5); }},
+         [](double f) { return PeakDecibels(f / 3000, 6, 5); }},
         {"steep low shelf",
          {{Frequency(kLowShelf), 300}, {Gain(kLowShelf), 9}},
-         [](double f, double rate) { return LowShelfDecibels(Bent(f, 300, rate), 9, true); }},
+         [](double f) { return LowShelfDecibels(f / 300, 9, true); }},
         {"gentle low shelf",
          {{Frequency(kLowShelf), 300}, {Gain(kLowShelf), -15}, {kParametricEQFirstSteep, 0}},
-         [](double f, double rate) { return LowShelfDecibels(Bent(f, 300, rate), -15, false); }},
+         [](double f) { return LowShelfDecibels(f / 300, -15, false); }},
         {"steep high shelf",
          {{Frequency(kHighShelf), 4000}, {Gain(kHighShelf), -12}},
-         [](double f, double rate) { return LowShelfDecibels(1 / Bent(f, 4000, rate), -12, true); }},
+         [](double f) { return LowShelfDecibels(4000 / f, -12, true); }},
         {"gentle high shelf",
          {{Frequency(kHighShelf), 4000}, {Gain(kHighShelf), 18}, {kParametricEQFirstSteep + 1, 0}},
-         [](double f, double rate) { return LowShelfDecibels(1 / Bent(f, 4000, rate), 18, false); }},
+         [](double f) { return LowShelfDecibels(4000 / f, 18, false); }},
         {"high pass of the third order",
          {{On(kHighPass), 1}, {Frequency(kHighPass), 200}, {kParametricEQFirstSlope, 18}},
-         [](double f, double rate) { return LowPassDecibels(1 / Bent(f, 200, rate), 3); }},
+         [](double f) { return LowPassDecibels(200 / f, 3); }},
         {"low pass of the eighth order",
          {{On(kLowPass), 1}, {Frequency(kLowPass), 6000}, {kParametricEQFirstSlope + 1, 48}},
-         [](double f, double rate) { return LowPassDecibels(Bent(f, 6000, rate), 8); }},
+         [](double f) { return LowPassDecibels(f / 6000, 8); }},
         {"low pass of the first order",
          {{On(kLowPass), 1}, {Frequency(kLowPass), 6000}, {kParametricEQFirstSlope + 1, 6}},
-         [](double f, double rate) { return LowPassDecibels(Bent(f, 6000, rate), 1); }},
+         [](double f) { return LowPassDecibels(f / 6000, 1); }},
+        {"peak near the top",
+         {{Frequency(kPeak3), 16000}, {Gain(kPeak3), 6}},
+         [](double f) { return PeakDecibels(f / 16000, 6, 1); }},
+        {"low pass near the top",
+         {{On(kLowPass), 1}, {Frequency(kLowPass), 18000}, {kParametricEQFirstSlope + 1, 24}},
+         [](double f) { return LowPassDecibels(f / 18000, 4); }},
         {"all at once, and the master gain",
          {{On(kHighPass), 1},
           {Gain(kLowShelf), 9},
           {Gain(kPeak1), 5},
           {Gain(kHighShelf), -7},
           {kParametricEQMasterGain, -3}},
-         [](double f, double rate) {
-             return LowPassDecibels(1 / Bent(f, 30, rate), 4) + LowShelfDecibels(Bent(f, 100, rate), 9, true) +
-                    PeakDecibels(Bent(f, 200, rate), 5, 1) + LowShelfDecibels(1 / Bent(f, 10000, rate), -7, true) - 3;
+         [](double f) {
+             return LowPassDecibels(30 / f, 4) + LowShelfDecibels(f / 100, 9, true) + PeakDecibels(f / 200, 5, 1) +
+                    LowShelfDecibels(10000 / f, -7, true) - 3;
          }},
     };
     return cases;
 }
 
-// What is heard, and what the panel is told, at 44.1 to 192 kHz.
-TEST(ParametricEQ, TheResponseIsThatOfTheFormulas) {
+// What the panel is told, and what is heard, at 44.1 to 192 kHz.
+TEST(ParametricEQ, TheResponseIsThatOfTheAnalogueFiltersUpTo20Kilohertz) {
     for (const float rate : {44100.0F, 48000.0F, 96000.0F, 192000.0F}) {
         for (const Case& c : Cases()) {
             const auto filter = Prepared(c.values, 1, rate);
             const auto response = test::ImpulseResponse(*filter, static_cast<std::size_t>(rate))[0];
             std::vector<float> told;
-            for (const double hertz : {50.0, 140.0, 300.0, 420.0, 1000.0, 3000.0, 4900.0, 7000.0, 12000.0}) {
-                const double expected = c.decibels(hertz, rate);
-                if (expected < -90) continue; // below what single precision tells
-                EXPECT_NEAR(test::Decibels(std::abs(test::ResponseAt(response, hertz, rate))), expected, 0.01)
-                    << c.name << " " << rate << " " << hertz;
+            for (const double hertz : {50.0, 140.0, 420.0, 1000.0, 3000.0, 4900.0, 7000.0, 12000.0, 16000.0, 20000.0}) {
+                const double expected = c.decibels(hertz);
+                if (expected < -80) continue; // below what single precision tells
                 ASSERT_TRUE(filter->GetMagnitudeResponse(1, {hertz, hertz, true}, told));
-                EXPECT_NEAR(told[0], expected, 0.001) << c.name << " " << rate << " " << hertz;
+                EXPECT_NEAR(told[0], expected, 0.2) << c.name << " " << rate << " " << hertz;
+                EXPECT_NEAR(test::Decibels(std::abs(test::ResponseAt(response, hertz, rate))), told[0], 0.01)
+                    << c.name << " " << rate << " " << hertz;
             }
         }
     }
@@ -206,7 +207,7 @@ TEST(ParametricEQ, TheCurveOfThePanelRunsOverTheFrequenciesThatThereAre) {
         std::vector<float> decibels;
         ASSERT_TRUE(filter->GetResponseCurve(0, 3, decibels));
         EXPECT_NEAR(decibels[0], 0, 0.05);
-        EXPECT_NEAR(decibels[1], 10, 0.001);
+        EXPECT_NEAR(decibels[1], 10, 0.01);
         EXPECT_NEAR(decibels[2], 0, 0.05);
         EXPECT_FALSE(filter->GetResponseCurve(1, 3, decibels));
     }

@@ -2,11 +2,11 @@
 
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/ParameterIndices.h"
+#include "qoc/dsp/filters/MatchedDesign.h"
 #include "qoc/dsp/reverb/ReverbFigures.h"
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 #include <utility>
 
 namespace qoc::components {
@@ -106,8 +106,6 @@ constexpr ParameterRow kRows[] = {
 constexpr double kWallAbsorption = 0.2; // of a room that is neither bare nor furnished to be dry
 constexpr double kLinesOfRoom = 1.5;    // mean length of the tank's lines against the way from wall to wall
 constexpr double kShortestLines = 0.01; // seconds
-constexpr double kShelfQ = std::numbers::sqrt2 / 2;
-constexpr double kMostOfRate = 0.49; // of the sample rate, for the frequencies of its filters
 
 } // namespace
 
@@ -161,9 +159,7 @@ void FullReverb::ResetProcessing() noexcept {
 void FullReverb::ReadParameters(bool settle) noexcept {
     ReadLevels(settle);
     ReadRoom(settle);
-    const std::array highPass = {
-        BiquadCoefficients::HighPass(GetSampleRate(), HeldFrequency(kFullReverbHighPass), kShelfQ)};
-    fHighPass.Set(highPass, settle);
+    fHighPass.Set(MatchedDesign::HighPass(GetSampleRate(), Natural(kFullReverbHighPass), 2), settle);
     fEqualiser.Set(EqualiserOfParameters(), settle);
 }
 
@@ -219,16 +215,11 @@ double FullReverb::Predelay() const noexcept {
 
 FullReverb::Equaliser FullReverb::EqualiserOfParameters() const noexcept {
     const double sampleRate = GetSampleRate();
-    return {BiquadCoefficients::LowShelf(sampleRate, HeldFrequency(kFullReverbLowFrequency), kShelfQ,
-                                         Natural(kFullReverbLowGain)),
-            BiquadCoefficients::Peaking(sampleRate, HeldFrequency(kFullReverbMiddleFrequency),
-                                        Natural(kFullReverbMiddleQ), Natural(kFullReverbMiddleGain)),
-            BiquadCoefficients::HighShelf(sampleRate, HeldFrequency(kFullReverbHighFrequency), kShelfQ,
-                                          Natural(kFullReverbHighGain))};
-}
-
-double FullReverb::HeldFrequency(int index) const noexcept {
-    return std::min<double>(Natural(index), kMostOfRate * GetSampleRate());
+    return {
+        MatchedDesign::LowShelf(sampleRate, Natural(kFullReverbLowFrequency), Natural(kFullReverbLowGain), true),
+        MatchedDesign::Bell(sampleRate, Natural(kFullReverbMiddleFrequency), Natural(kFullReverbMiddleQ),
+                            Natural(kFullReverbMiddleGain)),
+        MatchedDesign::HighShelf(sampleRate, Natural(kFullReverbHighFrequency), Natural(kFullReverbHighGain), true)};
 }
 
 void FullReverb::ReadLevels(bool settle) noexcept {

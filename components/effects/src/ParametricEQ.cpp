@@ -180,7 +180,7 @@ void ParametricEQ::ResetProcessing() noexcept {
 }
 
 void ParametricEQ::ReadParameters(bool settle) noexcept {
-    fBands.Set(ParametricEQDesign::Make(SettingsOfParameters(), GetSampleRate()), settle);
+    fBands.Set(fDesign.Update(SettingsOfParameters(), GetSampleRate()), settle);
     fGain.Set(ToFactor(OutputDecibels()), settle);
 }
 
@@ -228,7 +228,7 @@ double ParametricEQ::OutputDecibels() const noexcept {
 void ParametricEQ::StoreHighestGain() {
     constexpr std::size_t kPlaces = 120;
     const double rate = GetSampleRate();
-    const Sections sections = ParametricEQDesign::Make(SettingsOfParameters(), rate);
+    const Sections& sections = fToldDesign.Update(SettingsOfParameters(), rate);
     const kroaudiofilterhost::FrequencyAxis axis{kLowestFrequency, std::min<double>(kHighestFrequency, rate / 2), true};
     double highest = -kHighestTold;
     for (std::size_t i = 0; i < kPlaces; ++i)

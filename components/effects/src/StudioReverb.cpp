@@ -2,12 +2,12 @@
 
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/ParameterIndices.h"
+#include "qoc/dsp/filters/MatchedDesign.h"
 #include "qoc/dsp/reverb/ReverbFigures.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <numbers>
 #include <numeric>
 #include <utility>
 
@@ -99,7 +99,7 @@ constexpr double kMostLines = 1.4;
 // The share of the decay time in which the highest frequencies decay at most damping.
 constexpr double kMostDamped = 0.1;
 constexpr double kMovement = 1;
-constexpr double kButterworthQ = std::numbers::sqrt2 / 2;
+constexpr int kCutOrder = 2;
 constexpr double kMostOfRate = 0.45; // of the sample rate: beyond it there is nothing to cut
 
 } // namespace
@@ -184,8 +184,8 @@ void StudioReverb::ReadCuts(bool settle) noexcept {
     const double sampleRate = GetSampleRate();
     const auto hertz = [&](int index) { return std::min<double>(Natural(index), kMostOfRate * sampleRate); };
     const std::array cuts = {
-        BiquadCoefficients::LowPass(sampleRate, hertz(kStudioReverbHighCut), kButterworthQ),
-        BiquadCoefficients::HighPass(sampleRate, hertz(kStudioReverbLowCut), kButterworthQ),
+        MatchedDesign::LowPass(sampleRate, hertz(kStudioReverbHighCut), kCutOrder)[0],
+        MatchedDesign::HighPass(sampleRate, hertz(kStudioReverbLowCut), kCutOrder)[0],
     };
     fCuts.Set(cuts, settle);
 }

@@ -1,9 +1,10 @@
 #include "qoc/dsp/filters/BandLimit.h"
 
+#include "qoc/dsp/filters/MatchedDesign.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <numbers>
 
 namespace qoc::dsp {
 
@@ -27,9 +28,8 @@ BandLimit::Edges::Edges(double sampleRate, const Settings& settings) noexcept {
 }
 
 std::array<BiquadCoefficients, 2> BandLimit::Edges::Filters(double sampleRate) const noexcept {
-    constexpr double kButterworthQ = std::numbers::sqrt2 / 2;
-    return {BiquadCoefficients::HighPass(sampleRate, low, kButterworthQ),
-            BiquadCoefficients::LowPass(sampleRate, high, kButterworthQ)};
+    constexpr int kOrder = 2;
+    return {MatchedDesign::HighPass(sampleRate, low, kOrder)[0], MatchedDesign::LowPass(sampleRate, high, kOrder)[0]};
 }
 
 double BandLimit::DecaySamples(double sampleRate, const Settings& settings) noexcept {

@@ -8,23 +8,6 @@ namespace qoc::dsp {
 
 namespace {
 
-// What the designs have in common, named as the cookbook names it.
-struct Design {
-    Design(double sampleRate, double frequency, double q) noexcept {
-        const double w0 = 2 * std::numbers::pi * frequency / sampleRate;
-        cosine = std::cos(w0);
-        // 1 - cos(w0) and 1 + cos(w0), without loss at low frequencies and near half the sample rate.
-        oneMinusCosine = 2 * std::sin(w0 / 2) * std::sin(w0 / 2);
-        onePlusCosine = 2 * std::cos(w0 / 2) * std::cos(w0 / 2);
-        alpha = std::sin(w0) / (2 * q);
-    }
-
-    double cosine;
-    double oneMinusCosine;
-    double onePlusCosine;
-    double alpha;
-};
-
 // A: the square root of the gain as a factor.
 double AmplitudeOf(double decibels) noexcept {
     return std::pow(10.0, decibels / 40);
@@ -43,16 +26,6 @@ double PolynomialSquared(double c0, double c1, double c2, const ResponsePoint& z
     return Square((c0 + c2) * z.cosine + c1) + Square((c0 - c2) * z.sine);
 }
 
-// The shelves are one another's mirror: `sign` -1 for the low one, +1 for the high one.
-BiquadCoefficients Shelf(const Design& d, double amplitude, double sign) noexcept {
-    const double a = amplitude;
-    const double root = 2 * std::sqrt(a) * d.alpha;
-    const double plus = (a + 1) + sign * (a - 1) * d.cosine;
-    const double minus = (a + 1) - sign * (a - 1) * d.cosine;
-    return Normalised(a * (plus + root), -sign * 2 * a * ((a - 1) + sign * (a + 1) * d.cosine), a * (plus - root),
-                      minus + root, sign * 2 * ((a - 1) - sign * (a + 1) * d.cosine), minus - root);
-}
-
 } // namespace
 
 ResponsePoint::ResponsePoint(double sampleRate, double frequency) noexcept
@@ -60,30 +33,12 @@ ResponsePoint::ResponsePoint(double sampleRate, double frequency) noexcept
       sine(std::sin(2 * std::numbers::pi * frequency / sampleRate)) {
 }
 
-BiquadCoefficients BiquadCoefficients::LowPass(double sampleRate, double frequency, double q) noexcept {
-    const Design d(sampleRate, frequency, q);
-    return Normalised(d.oneMinusCosine / 2, d.oneMinusCosine, d.oneMinusCosine / 2, 1 + d.alpha, -2 * d.cosine,
-                      1 - d.alpha);
-}
-
-BiquadCoefficients BiquadCoefficients::HighPass(double sampleRate, double frequency, double q) noexcept {
-    const Design d(sampleRate, frequency, q);
-    return Normalised(d.onePlusCosine / 2, -d.onePlusCosine, d.onePlusCosine / 2, 1 + d.alpha, -2 * d.cosine,
-                      1 - d.alpha);
-}
-
 BiquadCoefficients BiquadCoefficients::Peaking(double sampleRate, double frequency, double q, double gain) noexcept {
-    const Design d(sampleRate, frequency, q);
+    const double w0 = 2 * std::numbers::pi * frequency / sampleRate;
+    const double cosine = std::cos(w0);
+    const double alpha = std::sin(w0) / (2 * q);
     const double a = AmplitudeOf(gain);
-    return Normalised(1 + d.alpha * a, -2 * d.cosine, 1 - d.alpha * a, 1 + d.alpha / a, -2 * d.cosine, 1 - d.alpha / a);
-}
-
-BiquadCoefficients BiquadCoefficients::LowShelf(double sampleRate, double frequency, double q, double gain) noexcept {
-    return Shelf(Design(sampleRate, frequency, q), AmplitudeOf(gain), -1);
-}
-
-BiquadCoefficients BiquadCoefficients::HighShelf(double sampleRate, double frequency, double q, double gain) noexcept {
-    return Shelf(Design(sampleRate, frequency, q), AmplitudeOf(gain), 1);
+    return Normalised(1 + alpha * a, -2 * cosine, 1 - alpha * a, 1 + alpha / a, -2 * cosine, 1 - alpha / a);
 }
 
 // Straight from the polynomials: the usual form in sin^2(w/2) loses the bottom of narrow notches to cancellation.

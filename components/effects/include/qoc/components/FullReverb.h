@@ -50,7 +50,6 @@ private:
     double Predelay() const noexcept;
     Equaliser EqualiserOfParameters() const noexcept;
     // Hertz, below half of the sample rate.
-    double HeldFrequency(int index) const noexcept;
     void ReadLevels(bool settle) noexcept;
     void ReadRoom(bool settle) noexcept;
 

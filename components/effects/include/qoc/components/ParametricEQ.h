@@ -45,7 +45,9 @@ private:
     double OutputDecibels() const noexcept;
     void StoreHighestGain();
 
+    ParametricEQDesign fToldDesign; // user-interface thread
     // Sound thread.
+    ParametricEQDesign fDesign;
     GlidingSections fBands;
     SmoothedValue fGain;
 };

@@ -13,9 +13,6 @@ struct ResponsePoint {
 };
 
 // Coefficients of a second-order filter section, y = b0 x + b1 x[-1] + b2 x[-2] - a1 y[-1] - a2 y[-2]. A value.
-//
-// The designs are those of R. Bristow-Johnson, "Cookbook formulae for audio equalizer biquad filter coefficients", with
-// frequencies in hertz above 0 and below half the sample rate, q above 0 and gains in decibels. Real time safe.
 struct BiquadCoefficients {
     double b0 = 1;
     double b1 = 0;
@@ -23,14 +20,11 @@ struct BiquadCoefficients {
     double a1 = 0;
     double a2 = 0;
 
-    static BiquadCoefficients LowPass(double sampleRate, double frequency, double q) noexcept;
-    static BiquadCoefficients HighPass(double sampleRate, double frequency, double q) noexcept;
-    // `gain` at the frequency; half of its decibels where the band that q = frequency / width means begins and ends.
+    // The peaking equaliser of R. Bristow-Johnson, "Cookbook formulae for audio equalizer biquad filter coefficients",
+    // the bilinear transform of an analogue one: `gain` (decibels) at the frequency (hertz, above 0 and below half the
+    // sample rate), half of its decibels where the band that q = frequency / width means begins and ends. Real time
+    // safe.
     static BiquadCoefficients Peaking(double sampleRate, double frequency, double q, double gain) noexcept;
-    // `gain` below, or above, the frequency; half of its decibels at it. A q of sqrt(1/2) is as steep as goes without
-    // overshoot.
-    static BiquadCoefficients LowShelf(double sampleRate, double frequency, double q, double gain) noexcept;
-    static BiquadCoefficients HighShelf(double sampleRate, double frequency, double q, double gain) noexcept;
 
     // The squared magnitude of the response, which multiplies along a cascade; exact to some 1e-4 dB even at the bottom
     // of a narrow notch at a low frequency.
