@@ -9,10 +9,10 @@ namespace qoc::dsp {
 namespace {
 
 constexpr std::size_t kPhases = 4; // values at once
-constexpr double kLongBeta = 4.5;  // of the Kaiser windows: 50 and 60 dB down
-constexpr double kFineBeta = 6;
-// 0.08 dB: what eight places a sample miss of a peak near half the sample rate, and what good meters differ by there.
-constexpr float kMissed = 1.009F;
+constexpr double kLongBeta = 0.5;  // of the Kaiser windows: hardly one, so that little is lost just below half the rate
+constexpr double kFineBeta = 6;    // 60 dB down
+// 0.11 dB: what eight places a sample miss of a peak near half the sample rate, and what a gain on its way adds there.
+constexpr float kMissed = 1.0125F;
 
 template <std::size_t kTaps>
 using PhaseWeights = std::array<std::array<float, kPhases>, kTaps>; // oldest tap first

@@ -14,7 +14,7 @@ class LimiterEnvelope {
 public:
     // The gain stands still for so many samples before and after each that it obeys, because the peaks beside a sample
     // are made of its neighbours too.
-    static constexpr std::size_t kHold = 32;
+    static constexpr std::size_t kHold = 64;
 
     // A gain as an integer: kOne is 1.
     using Fixed = std::int64_t;

@@ -11,7 +11,7 @@ namespace qoc::dsp {
 // neither a careful measurement nor the standard's finds more. Real time safe.
 class TruePeak {
 public:
-    static constexpr std::size_t kTaps = 128; // of the first filter
+    static constexpr std::size_t kTaps = 768; // of the first filter
     static constexpr std::size_t kMeterTaps = 12;
     static constexpr std::size_t kFineTaps = 12;
     // A peak is told when the later of the two samples that it lies between is this old.
@@ -20,7 +20,7 @@ public:
     // Forgets all sound.
     void Reset() noexcept;
     // Takes the next sample. Returns the largest magnitude from kDelay + 1 samples ago to kDelay ago, rounded up a
-    // little (0.08 dB) for what may lie between the places looked at.
+    // little (0.11 dB) for what may lie between the places looked at.
     float Next(float sample) noexcept;
 
 private:
