@@ -1,10 +1,12 @@
 #include "qoc/components/AutoClickRemover.h"
 
 #include "AllocationCounter.h"
-#include "MusicSound.h"
+#include "SoundMaterial.h"
 #include "qoc/components/ParameterIndices.h"
 
 #include <gtest/gtest.h>
+
+#include <cmath>
 
 using namespace qoc::components;
 using kroaudiofilterhost::AudioFilter;
@@ -98,6 +100,47 @@ TEST(AutoClickRemover, RepairsTheSameInBlocksOfAnySizeAndAllocatesNothing) {
     const Channels expected = run(64);
     EXPECT_TRUE(run(1) == expected);
     EXPECT_TRUE(run(8192) == expected);
+}
+
+// 1 to 5 samples of random size and sign, three a second.
+std::vector<float> ShortClicks(std::size_t frames, double rate, unsigned seed) {
+    std::mt19937 generator(seed);
+    std::uniform_real_distribution<float> uniform(-1, 1);
+    std::vector<float> clicks(frames);
+    for (double at = 0.1 * rate; at + 0.05 * rate < static_cast<double>(frames); at += rate / 3) {
+        const std::size_t length = 1 + generator() % 5;
+        const float size = uniform(generator);
+        const auto place = static_cast<std::size_t>(at) + generator() % 1000;
+        for (std::size_t i = 0; i < length; ++i)
+            clicks[place + i] = std::copysign(0.5F + 0.5F * std::abs(uniform(generator)), uniform(generator)) *
+                                (0.3F + 0.7F * std::abs(size));
+    }
+    return clicks;
+}
+
+// Pulses of voices and brass, dense chords and hits are no clicks, and stay; clicks on them go.
+TEST(AutoClickRemover, KnowsClicksFromEveryKindOfSound) {
+    using test::Material;
+    double gains = 0;
+    constexpr int kKinds = 10; // silence apart
+    for (int kind = 0; kind < kKinds; ++kind) {
+        const auto name = test::kMaterialNames[static_cast<std::size_t>(kind)];
+        const float rate = kind % 4 == 3 ? 96000 : 44100;
+        const auto clean =
+            test::MakeMaterial(static_cast<Material>(kind), static_cast<std::size_t>(0.6 * rate), rate, 2)[0];
+        const auto spoiled = test::Spoiled(clean, ShortClicks(clean.size(), rate, 3), 20);
+        const auto filter = Prepared(rate, 2);
+        Channels input = {clean, spoiled};
+        for (auto& channel : input)
+            channel.resize(channel.size() + filter->Latency());
+        const Channels output = test::Processed(*filter, input);
+        const bool isExact = kind == static_cast<int>(Material::kDrums) || kind == static_cast<int>(Material::kNoise);
+        EXPECT_GT(test::SignalToNoise(clean, output[0], filter->Latency()), isExact ? 500 : 40) << name;
+        const double gain = test::SignalToNoise(clean, output[1], filter->Latency()) - 20;
+        EXPECT_GT(gain, 10) << name;
+        gains += gain;
+    }
+    EXPECT_GT(gains / kKinds, 15);
 }
 
 // One sample beside a sine: only its near surroundings may change, and the sine is there again.

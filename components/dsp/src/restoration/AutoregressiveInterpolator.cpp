@@ -44,6 +44,36 @@ void AutoregressiveInterpolator::Restore(std::span<const double> coefficients, s
     if (isSolvable) Solve(unknown.size());
     for (std::size_t i = 0; i < unknown.size(); ++i)
         sound[unknown[i]] = isSolvable ? fValues[i] : fBefore[i];
+    if (isSolvable) Bound(unknown, sound);
+}
+
+void AutoregressiveInterpolator::Bound(std::span<const std::size_t> unknown, std::span<double> sound) const noexcept {
+    for (std::size_t first = 0, next = 0; first < unknown.size(); first = next) {
+        next = first + 1;
+        while (next < unknown.size() && unknown[next] == unknown[next - 1] + 1)
+            ++next;
+        BoundGap(unknown, unknown.subspan(first, next - first), sound);
+    }
+}
+
+// Within what the samples around swing between, and half as much again to either side: a model of a resonance may
+// want more when something else than the sound stands beside the gap.
+void AutoregressiveInterpolator::BoundGap(std::span<const std::size_t> unknown, std::span<const std::size_t> gap,
+                                          std::span<double> sound) const noexcept {
+    constexpr double kRoom = 0.5;
+    constexpr std::size_t kGapsAround = 2;
+    const std::size_t reach = fWidth - 1 + kGapsAround * gap.size();
+    const std::size_t end = std::min(sound.size(), gap.back() + 1 + reach);
+    double lo = sound[gap.front() - 1];
+    double hi = lo;
+    for (std::size_t i = gap.front() - std::min(gap.front(), reach); i < end; ++i) {
+        if (std::ranges::binary_search(unknown, i)) continue;
+        lo = std::min(lo, sound[i]);
+        hi = std::max(hi, sound[i]);
+    }
+    const double room = kRoom * (hi - lo);
+    for (const std::size_t place : gap)
+        sound[place] = std::clamp(sound[place], lo - room, hi + room);
 }
 
 void AutoregressiveInterpolator::SetUp(std::span<const double> coefficients, std::span<const std::size_t> unknown,

@@ -8,8 +8,9 @@ namespace qoc::dsp {
 
 // Fills in samples that are lost so that a linear prediction's errors become as small as they can: the least squares
 // interpolation of Janssen, Veldhuis and Vries, "Adaptive interpolation of discrete-time signals that can be modeled as
-// autoregressive processes" (1986). Its equations are banded; the band is as wide as the order of the prediction. Owned
-// by the effect that uses it; nothing but Prepare allocates.
+// autoregressive processes" (1986). Its equations are banded; the band is as wide as the order of the prediction. What
+// it fills in stays within the reach of the sound around, whatever the prediction. Owned by the effect that uses it;
+// nothing but Prepare allocates.
 class AutoregressiveInterpolator {
 public:
     // For frames with up to so many lost samples, and predictions of up to that order. Allocates.
@@ -27,6 +28,9 @@ private:
     bool Factorise(std::size_t count) noexcept;
     void SubtractEarlier(std::size_t index) noexcept;
     void Solve(std::size_t count) noexcept;
+    void Bound(std::span<const std::size_t> unknown, std::span<double> sound) const noexcept;
+    void BoundGap(std::span<const std::size_t> unknown, std::span<const std::size_t> gap,
+                  std::span<double> sound) const noexcept;
     // Column `index` of the band's lower half, from the diagonal on; zeros behind the last row.
     double* Column(std::size_t index) noexcept { return fBand.data() + index * fWidth; }
 

@@ -33,6 +33,8 @@ public:
 
 private:
     void Correlate(std::span<const double> sound) noexcept;
+    // `step`: 1 towards the samples after, -1 towards those before.
+    void ComputeErrors(std::span<const double> sound, std::span<double> errors, std::ptrdiff_t step) const noexcept;
 
     std::optional<RealFFT> fTransform; // of two frames, so that nothing wraps around
     std::vector<float> fWindow;

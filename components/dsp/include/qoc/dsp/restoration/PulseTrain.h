@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace qoc::dsp {
+
+// Tells the pulses that a voice, a brass or a bowed instrument excites itself with from clicks: in the errors of a
+// linear prediction a pulse has others of its shape and size beside it, each as far from the next. Owned by the
+// detector that uses it; nothing but Prepare allocates.
+class PulseTrain {
+public:
+    // `halfWidth`: samples to either side of a pulse's peak that make its shape.
+    void Prepare(std::size_t frame, std::size_t halfWidth);
+
+    // Whether the error at `place` has two others like it: one to either side at about the same distance, for a voice's
+    // pitch may step, or two to one side, the second exactly as far behind the first.
+    bool Contains(std::span<const double> errors, std::size_t place) noexcept;
+
+private:
+    void FindAlike(std::span<const double> errors, std::size_t place) noexcept;
+    bool IsAlike(std::span<const double> errors, std::size_t place, std::size_t other) const noexcept;
+    bool HasAlikeAt(double place, double tolerance) const noexcept;
+
+    std::size_t fHalfWidth = 1;
+    std::vector<std::size_t> fAlike; // ascending
+};
+
+} // namespace qoc::dsp
