@@ -1,9 +1,13 @@
 #include "qoc/components/Chorus.h"
 
+#include "MeasureLoudness.h"
 #include "MeasureSound.h"
+#include "SoundMaterial.h"
 #include "qoc/components/ParameterIndices.h"
 
 #include <gtest/gtest.h>
+
+#include <numeric>
 
 using namespace qoc::components;
 using kroaudiofilterhost::AudioFilter;
@@ -170,6 +174,38 @@ TEST(Chorus, WithTheAverageBothSidesHearTheMean) {
     const auto output = test::Processed(*filter, input);
     EXPECT_NEAR(output[0][480], 0.5, 1e-5);
     EXPECT_NEAR(output[1][480], 0.5, 1e-5);
+}
+
+// At the defaults, of a sound in the middle: its loudness stays, and little is left of the middle.
+TEST(Chorus, SpreadsASoundThatIsAsLoudAsBefore) {
+    for (const test::Material kind : {test::Material::kMusic, test::Material::kSpeech, test::Material::kVowels}) {
+        test::Channels sound = test::MakeMaterial(kind, 192000, 48000);
+        sound[1] = sound[0];
+        const boost::intrusive_ptr<AudioFilter> filter(new Chorus);
+        filter->Prepare(48000, 512, AudioChannelLayout::Stereo());
+        const test::Channels output = test::Processed(*filter, sound);
+        EXPECT_NEAR(test::Loudness(output), test::Loudness(sound), 1) << static_cast<int>(kind);
+        const double across = std::inner_product(output[0].begin(), output[0].end(), output[1].begin(), 0.0);
+        EXPECT_LE(across / std::sqrt(test::Energy(output[0]) * test::Energy(output[1])), 0.4) << static_cast<int>(kind);
+    }
+}
+
+// Of noise, in which voices at delays of their own have nothing in common.
+TEST(Chorus, TheWidthTakesTheSidesApartAndKeepsTheirPower) {
+    test::Channels noise = test::MakeMaterial(test::Material::kNoise, 48000, 48000);
+    noise[1] = noise[0];
+    for (const int voices : {2, 3, 4, 8}) {
+        for (const double width : {0.0, 50.0, 100.0}) {
+            const auto output = test::Processed(
+                *Prepared({.voices = voices, .delay = 10, .spread = 200, .width = width}, 2, 48000), noise);
+            const double powers = test::Energy(output[0]) + test::Energy(output[1]);
+            const double across = std::inner_product(output[0].begin(), output[0].end(), output[1].begin(), 0.0);
+            const double sides = (1 - std::sqrt(1 - width * width / 10000)) * (voices > 2 ? 0.6 : 0.5);
+            EXPECT_NEAR(2 * across / powers, 1 - 2 * sides, 0.15) << voices << " " << width;
+            EXPECT_NEAR(test::Decibels(std::sqrt(powers / 2 / test::Energy(noise[0]))), 0, 1.5)
+                << voices << " " << width;
+        }
+    }
 }
 
 TEST(Chorus, WithoutAMixTheSoundIsBitExact) {

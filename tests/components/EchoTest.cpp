@@ -119,17 +119,27 @@ TEST(Echo, SidesHaveSettingsOfTheirOwnUnlessTheyAreLocked) {
     EXPECT_EQ(response[1][720], 0);
 }
 
+// What stands in the middle as well, which has no side of its own.
 TEST(Echo, BouncingEchoesChangeSidesWithEveryRepeat) {
     const auto filter = Made({.time = 10, .feedback = 50}, {.time = 10, .feedback = 50});
     filter->SetParameterValue(kEchoBounce, 1);
     Prepared(filter, 2);
-    test::Channels input(2, std::vector<float>(2500));
-    input[0][0] = 1;
-    const auto output = test::Processed(*filter, input);
-    for (std::size_t repeat = 1; repeat <= 4; ++repeat) {
-        const std::size_t side = (repeat + 1) % 2;
-        EXPECT_NEAR(output[side][480 * repeat], std::pow(0.5, static_cast<double>(repeat - 1)), 1e-6) << repeat;
-        EXPECT_EQ(output[1 - side][480 * repeat], 0) << repeat;
+    struct {
+        const char* name;
+        float left, right;
+    } const sounds[] = {{"middle", 1, 1}, {"left", 2, 0}, {"right", 0, 2}};
+    for (const auto& sound : sounds) {
+        test::Channels input(2, std::vector<float>(2500));
+        input[0][0] = sound.left;
+        input[1][0] = sound.right;
+        filter->Reset();
+        const auto output = test::Processed(*filter, input);
+        for (std::size_t repeat = 1; repeat <= 4; ++repeat) {
+            const std::size_t side = (repeat + 1) % 2;
+            EXPECT_NEAR(output[side][480 * repeat], std::pow(0.5, static_cast<double>(repeat - 1)), 1e-6)
+                << sound.name << " " << repeat;
+            EXPECT_EQ(output[1 - side][480 * repeat], 0) << sound.name << " " << repeat;
+        }
     }
 }
 

@@ -80,7 +80,7 @@ constexpr ParameterRow kRows[] = {
      .hi = 100,
      .defaultValue = 100,
      .decimals = 1},
-    {.id = "mix", .name = "$$$/Chorus/Mix=Mix", .unit = "%", .hi = 100, .defaultValue = 50, .decimals = 1},
+    {.id = "mix", .name = "$$$/Chorus/Mix=Mix", .unit = "%", .hi = 100, .defaultValue = 63, .decimals = 1},
 };
 
 // Around a sphere of 8.75 cm radius, from the side: r / c (pi / 2 + 1); after R. S. Woodworth, "Experimental
@@ -99,6 +99,11 @@ double GoldenPlace(int voice) noexcept {
 
 constexpr std::size_t Index(ChannelSide side) noexcept {
     return static_cast<std::size_t>(side);
+}
+
+// Of the voices from the middle, as a root mean square, when the outer ones are at 1. Of one, which stands there, 1.
+double MeanDistance(int count) noexcept {
+    return count > 1 ? std::sqrt((count + 1) / (3.0 * (count - 1))) : 1;
 }
 
 // How far an oscillator is from its upper end, 0...1.
@@ -136,7 +141,8 @@ void Chorus::PrepareProcessing(std::size_t /*maximumBlock*/) {
     fInputs.resize(fSides.size());
     fWet.resize(fSides.size());
     fFedBack.resize(fSides.size());
-    for (SmoothedValue* value : {&fDelay, &fDepth, &fSpread, &fFeedback, &fLevelDepth, &fAverage, &fMix})
+    for (SmoothedValue* value :
+         {&fDelay, &fDepth, &fSpread, &fFeedback, &fLevelDepth, &fAverage, &fDryLevel, &fWetLevel})
         value->Prepare(rate);
     for (Voice& voice : fVoices) {
         for (SmoothedValue& level : voice.levels)
@@ -162,28 +168,38 @@ void Chorus::ReadParameters(bool settle) noexcept {
     fFeedback.Set(FractionOfPercent(Natural(kChorusFeedback)), settle);
     fLevelDepth.Set(Natural(kChorusLevelDepth) / kDecibelsAnOctave, settle);
     fAverage.Set(IsOn(kChorusAverage) ? 1 : 0, settle);
-    fMix.Set(FractionOfPercent(Natural(kChorusMix)), settle);
+    // The voices are not in step with the sound: together they are as loud as it is at every mix.
+    const double mix = FractionOfPercent(Natural(kChorusMix)) * std::numbers::pi / 2;
+    fDryLevel.Set(std::cos(mix), settle);
+    fWetLevel.Set(std::sin(mix), settle);
     fDelayOscillator.SetRate(Natural(kChorusRate), rate);
     fLevelOscillator.SetRate(Natural(kChorusLevelRate), rate);
     fIsFine = IsOn(kChorusHighQuality);
     SetVoices(settle);
 }
 
-// Where each voice stands, 1 / sqrt(count) loud: the power of all together stays.
+// Where each voice stands, 1 / sqrt(count) loud: the power of all together stays. At the full width two voices stand at
+// the loudspeakers and have nothing in common. Of more, those between would bring the sides together again: the outer
+// ones reach beyond the loudspeakers, so far that the sides are a little against each other.
 void Chorus::SetVoices(bool settle) noexcept {
     const int count = static_cast<int>(std::lround(Natural(kChorusVoices)));
     const double width = FractionOfPercent(Natural(kChorusWidth));
+    const double common = count > 1 ? std::sqrt(1 - width * width) : 1;
+    constexpr double kBeyond = 0.6;
+    const double sides = (1 - common) * (count > 2 ? kBeyond : 0.5); // share of the power
+    const double middle = std::sqrt(1 - sides);
+    const double across = std::sqrt(sides) / MeanDistance(count);
     const double lag = IsOn(kChorusBinaural) ? kLongestLag * GetSampleRate() : 0;
     for (int i = 0; i < kMostVoices; ++i) {
         Voice& voice = fVoices[static_cast<std::size_t>(i)];
-        const double side = count > 1 && i < count ? width * (2.0 * i / (count - 1) - 1) : 0; // -1 is left
+        const double place = count > 1 && i < count ? 2.0 * i / (count - 1) - 1 : 0; // -1 is left
         const double level = i < count ? 1 / std::sqrt(static_cast<double>(count)) : 0;
         voice.levels[Index(ChannelSide::kMiddle)].Set(level, settle);
-        voice.levels[Index(ChannelSide::kLeft)].Set(level * std::sqrt(1 - side), settle);
-        voice.levels[Index(ChannelSide::kRight)].Set(level * std::sqrt(1 + side), settle);
+        voice.levels[Index(ChannelSide::kLeft)].Set(level * (middle - across * place), settle);
+        voice.levels[Index(ChannelSide::kRight)].Set(level * (middle + across * place), settle);
         voice.lags[Index(ChannelSide::kMiddle)].Set(0, settle);
-        voice.lags[Index(ChannelSide::kLeft)].Set(lag * std::max(0.0, side), settle);
-        voice.lags[Index(ChannelSide::kRight)].Set(lag * std::max(0.0, -side), settle);
+        voice.lags[Index(ChannelSide::kLeft)].Set(lag * width * std::max(0.0, place), settle);
+        voice.lags[Index(ChannelSide::kRight)].Set(lag * width * std::max(0.0, -place), settle);
         voice.share.Set(i < count ? 1.0 / count : 0, settle);
         for (const auto* values : {&voice.levels, &voice.lags})
             for (const SmoothedValue& value : *values)
@@ -207,9 +223,10 @@ void Chorus::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noe
         for (const Voice& voice : fVoices)
             AddVoice(voice, moment);
         WriteLines();
-        const float mix = fMix.Next();
+        const float dry = fDryLevel.Next();
+        const float wet = fWetLevel.Next();
         for (std::size_t channel = 0; channel < fWet.size(); ++channel)
-            block.outputs[channel][frame] = (1 - mix) * fInputs[channel] + mix * fWet[channel];
+            block.outputs[channel][frame] = dry * fInputs[channel] + wet * fWet[channel];
     }
 }
 

@@ -24,7 +24,7 @@ constexpr ParameterRow TimeRow(const char* id, const char* name, float defaultVa
 }
 
 constexpr ParameterRow MixRow(const char* id, const char* name) {
-    return {.id = id, .name = name, .unit = "%", .hi = 100, .defaultValue = 50, .decimals = 1};
+    return {.id = id, .name = name, .unit = "%", .hi = 100, .defaultValue = 35, .decimals = 1};
 }
 
 constexpr ParameterRow kRows[] = {

@@ -174,8 +174,11 @@ void Echo::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexc
         }
         for (std::size_t i = 0; i < fChannels.size(); ++i) {
             Channel& channel = fChannels[i];
-            const float across = fChannels[channel.mirror].fedBack;
-            channel.line.Write(channel.input + (1 - bounce) * channel.fedBack + bounce * across);
+            const Channel& mirror = fChannels[channel.mirror];
+            // The first echo of what bounces comes from the left, whichever side it was on.
+            const float first = channel.isRight ? 0 : (channel.input + mirror.input) / 2;
+            const float straight = channel.input + channel.fedBack;
+            channel.line.Write(straight + bounce * (first + mirror.fedBack - straight));
             block.outputs[i][frame] = channel.input + channel.level.Next() * channel.echo;
         }
     }

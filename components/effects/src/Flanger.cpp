@@ -104,15 +104,16 @@ void Flanger::ResetProcessing() noexcept {
 void Flanger::ReadParameters(bool settle) noexcept {
     const double initial = SecondsOfMilliseconds(Natural(kFlangerInitialDelay)) * GetSampleRate();
     const double final = SecondsOfMilliseconds(Natural(kFlangerFinalDelay)) * GetSampleRate();
-    const double mix = FractionOfPercent(Natural(kFlangerMix));
+    // Above its first notches the copy is not in step: together both are as loud as the sound at every mix.
+    const double mix = FractionOfPercent(Natural(kFlangerMix)) * std::numbers::pi / 2;
     fInitial.Set(initial, settle);
     fFinal.Set(final, settle);
     fWaiting.Set(IsOn(kFlangerThroughZero) ? (initial + final) / 2 : 0, settle);
     fPhase.Set(Natural(kFlangerStereoPhase) / kTurn, settle);
     fRoundness.Set(IsOn(kFlangerSinusoidal) ? 1 : 0, settle);
     fFeedback.Set(FractionOfPercent(Natural(kFlangerFeedback)), settle);
-    fOriginalLevel.Set(1 - mix, settle);
-    fDelayedLevel.Set(IsOn(kFlangerInverted) ? -mix : mix, settle);
+    fOriginalLevel.Set(std::cos(mix), settle);
+    fDelayedLevel.Set(IsOn(kFlangerInverted) ? -std::sin(mix) : std::sin(mix), settle);
     fOscillator.SetRate(Natural(kFlangerRate), GetSampleRate());
 }
 

@@ -81,7 +81,8 @@ private:
     SmoothedValue fFeedback;
     SmoothedValue fLevelDepth;
     SmoothedValue fAverage; // 0...1
-    SmoothedValue fMix;
+    SmoothedValue fDryLevel;
+    SmoothedValue fWetLevel;
     bool fIsFine = true;
 };
 

@@ -17,7 +17,8 @@ namespace qoc::components {
 
 // Repeats the sound at a distance, each echo quieter than the one before by the feedback and duller by the equaliser
 // that it goes through once more. The right-hand channels have settings of their own, all others those of the left,
-// unless they are locked to them. Echoes that bounce go over to the channel on the other side with each repeat.
+// unless they are locked to them. Echoes that bounce are those of both sides together: they begin on the left and go
+// over to the other side with each repeat.
 //
 // The equaliser only takes away: with any feedback the echoes never get louder. The setters solve for it, on the
 // user-interface thread; the sound thread glides from the old coefficients to the new.
