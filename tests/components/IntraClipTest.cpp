@@ -1,13 +1,14 @@
 #include "qoc/components/IntraClip.h"
 
 #include "AllocationCounter.h"
-#include "MusicSound.h"
+#include "SoundMaterial.h"
 #include "qoc/components/ParameterIndices.h"
 
 #include <gtest/gtest.h>
 
 using namespace qoc::components;
 using kroaudiofilterhost::AudioFilter;
+using kroaudiofilterhost::AudioFilterQuality;
 using kromediatypes::AudioChannelLayout;
 using test::Channels;
 
@@ -26,8 +27,10 @@ void SetNatural(AudioFilter& filter, int index, double natural) {
     filter.SetParameterValue(index, filter.GetParameterInfo(index)->ToNormalised(static_cast<float>(natural)));
 }
 
-boost::intrusive_ptr<AudioFilter> Prepared(const Restoration& settings, float rate = 44100, std::size_t channels = 1) {
+boost::intrusive_ptr<AudioFilter> Prepared(const Restoration& settings, float rate = 44100, std::size_t channels = 1,
+                                           AudioFilterQuality quality = AudioFilterQuality::kLive) {
     boost::intrusive_ptr<AudioFilter> filter(new IntraClip);
+    filter->SetQuality(quality);
     SetNatural(*filter, kIntraClipGain, settings.gain);
     SetNatural(*filter, kIntraClipLevel, settings.level);
     SetNatural(*filter, kIntraClipFindLevel, settings.findsLevel);
@@ -70,11 +73,76 @@ TEST(IntraClip, RestoresWhatWasSixDecibelsTooLoud) {
     }
 }
 
+double PeakOf(const std::vector<float>& sound) {
+    double peak = 0;
+    for (const float sample : sound)
+        peak = std::max<double>(peak, std::abs(sample));
+    return peak;
+}
+
+double DecibelsOver(double peak, double truePeak) {
+    return 20 * std::log10(peak / truePeak);
+}
+
+// Gains in dB that each kind of sound has to reach at 3, 6 and 10 dB of clipping.
+struct LeastGains {
+    test::Material kind;
+    std::array<double, 3> gains;
+};
+
+constexpr LeastGains kLeastGains[] = {{test::Material::kMelody, {20, 12, 6}}, {test::Material::kMusic, {0, 1, 1}},
+                                      {test::Material::kDrums, {0, 0.2, 1}},  {test::Material::kSpeech, {6, 5, 3}},
+                                      {test::Material::kChords, {10, 8, 5}},  {test::Material::kPad, {8, 8, 5}},
+                                      {test::Material::kBrass, {2, 1, 1}},    {test::Material::kBass, {15, 10, 6}},
+                                      {test::Material::kVowels, {4, 4, 2}},   {test::Material::kNoise, {0, 0, 0}}};
+
+// Over every kind the mean at 6 dB is 8 dB, and nowhere does a peak come out much higher than it was.
+TEST(IntraClip, EveryKindOfSoundGainsAndNoPeakIsOutOfProportion) {
+    constexpr std::array kDecibels = {3.0, 6.0, 10.0};
+    double sum = 0;
+    for (const auto& [kind, least] : kLeastGains) {
+        const auto sound = test::MakeMaterial(kind, 24000, 44100, 5)[0];
+        for (std::size_t i = 0; i < kDecibels.size(); ++i) {
+            auto clean = sound;
+            const double scale = std::pow(10, kDecibels[i] / 20) / PeakOf(sound);
+            for (float& sample : clean)
+                sample *= static_cast<float>(scale);
+            const auto clipped = Clipped(clean, 0);
+            const auto filter = Prepared({}, 44100, 1, AudioFilterQuality::kRender);
+            const auto output = test::Processed(*filter, {clipped})[0];
+            const double gain =
+                test::SignalToNoise(clean, output, filter->Latency()) - test::SignalToNoise(clean, clipped);
+            const auto name = test::kMaterialNames[static_cast<std::size_t>(kind)];
+            EXPECT_GE(gain, least[i]) << name << " clipped by " << kDecibels[i];
+            EXPECT_LE(DecibelsOver(PeakOf(output), PeakOf(clean)), 3) << name << " clipped by " << kDecibels[i];
+            if (kDecibels[i] == 6) sum += gain;
+        }
+    }
+    EXPECT_GE(sum / std::size(kLeastGains), 8);
+}
+
+// One peak of three samples, too little to tell a level by, before the others are heard.
+TEST(IntraClip, WhatWasListenedToTellsTheLevelFromTheStart) {
+    const auto clean = test::Sine(4000, 20000, 44100, 0.8);
+    auto clipped = Clipped(clean, -6);
+    std::fill(clipped.begin() + 6, clipped.begin() + 8000, 0.0F);
+    const auto firstPeak = [&](bool listens) {
+        const auto filter = Prepared({.findsLevel = true});
+        EXPECT_TRUE(filter->WantsToListen());
+        const float* const inputs[] = {clipped.data()};
+        if (listens) filter->Listen(inputs, clipped.size());
+        const auto output = test::Processed(*filter, {clipped})[0];
+        return *std::max_element(output.begin(), output.begin() + static_cast<std::ptrdiff_t>(filter->Latency()) + 40);
+    };
+    EXPECT_NEAR(firstPeak(false), std::pow(10, -6 / 20.0), 1e-6);
+    EXPECT_GT(firstPeak(true), 0.53);
+}
+
 TEST(IntraClip, EveryFrameSizeRestores) {
     const auto clean = Recording(6, 44100);
     for (const int size : {0, 1, 2, 3, 4}) {
         const auto filter = Prepared({.size = size});
-        EXPECT_EQ(filter->Latency(), (std::size_t{512} << size) * 3 / 4);
+        EXPECT_EQ(filter->Latency(), (std::size_t{512} << size) * 5 / 4);
         EXPECT_GE(Improvement(clean, Clipped(clean, 0), *filter), 4) << size;
     }
 }
@@ -150,7 +218,7 @@ TEST(IntraClip, RunsShorterThanTheMinimumStay) {
     const auto clean = test::Sine(3000, 40000, 44100, 1.3);
     const auto clipped = Clipped(clean, 0);
     EXPECT_NEAR(Improvement(clean, clipped, *Prepared({.minimumSize = 5})), 0, 0.01);
-    EXPECT_GT(Improvement(clean, clipped, *Prepared({.minimumSize = 3})), 20);
+    EXPECT_GT(Improvement(clean, clipped, *Prepared({.minimumSize = 3}, 44100, 1, AudioFilterQuality::kRender)), 20);
 }
 
 TEST(IntraClip, TheGainMakesRoom) {

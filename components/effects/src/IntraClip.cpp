@@ -1,7 +1,7 @@
 #include "qoc/components/IntraClip.h"
 
 #include "qoc/components/ComponentIDs.h"
-#include "qoc/components/ParameterIndices.h"
+#include "qoc/dsp/stream/SaneSample.h"
 
 #include <algorithm>
 #include <cmath>
@@ -62,11 +62,20 @@ constexpr ParameterRow kRows[] = {
      .flags = kParameterWhole},
 };
 
-// How often the model is made anew from what it has restored.
-constexpr int kRounds = 3;
+// How often the model goes over a frame while playing and in a render.
+constexpr std::size_t kLiveRounds = 20;
+constexpr std::size_t kRenderRounds = 32;
 
 double AmplitudeOf(double decibels) {
     return std::pow(10, decibels / 20);
+}
+
+// A frame lasts as long at high rates as it does at 44.1 and 48 kHz.
+std::size_t OctavesAbove48kHz(double rate) {
+    std::size_t octaves = 0;
+    while (std::ldexp(60000.0, static_cast<int>(octaves)) < rate)
+        ++octaves;
+    return octaves;
 }
 
 // A stored float is that near to 0 dB at best.
@@ -80,34 +89,40 @@ IntraClip::IntraClip() : ComponentBase(kIntraClipComponentComponentID, std::move
 IntraClip::~IntraClip() = default;
 
 void IntraClip::PrepareProcessing(std::size_t /*maximumBlock*/) {
-    const std::size_t frame = kFrames[Item(kIntraClipFFTSize)];
+    const std::size_t octaves = OctavesAbove48kHz(GetSampleRate());
+    const std::size_t frame = kFrames[Item(kIntraClipFFTSize)] << octaves;
     fLayout = {.before = frame / 4, .hop = frame / 2, .after = frame / 4};
-    fStream.Prepare(GetNumberOfInputChannels(), fLayout);
+    const std::size_t channels = GetNumberOfInputChannels();
+    const bool isRender = GetQuality() == kroaudiofilterhost::AudioFilterQuality::kRender;
+    fRestorer.Prepare({.frame = frame,
+                       .first = fLayout.before,
+                       .largestOrder = kLargestOrder,
+                       .rounds = isRender ? kRenderRounds : kLiveRounds,
+                       .octaves = static_cast<double>(octaves)});
+    fStream.Prepare(channels, fLayout, fRestorer.Steps());
     fDetector.Prepare(frame);
-    fLevels.assign(GetNumberOfInputChannels(), {});
-    fModel.Prepare(frame, kLargestOrder);
-    fInterpolator.Prepare(frame, kLargestOrder);
+    fLevels.assign(channels, {});
+    fHeard.assign(channels, std::vector<float>(frame));
     fGain.Prepare(GetSampleRate());
-    fSound.assign(frame, 0.0);
-    fClipped.reserve(frame);
-    fUnknown.reserve(frame);
 }
 
 void IntraClip::ResetProcessing() noexcept {
     fStream.Reset();
     std::ranges::fill(fLevels, ClipDetector::Levels{});
+    fHeardFrames = 0;
 }
 
 void IntraClip::ReadParameters(bool settle) noexcept {
     const float decibels = Natural(kIntraClipGain);
     const float gain = std::abs(decibels) < kUnityWindow ? 1.0F : static_cast<float>(AmplitudeOf(decibels));
     settle ? fGain.Settle(gain) : fGain.SetTarget(gain);
-    fSettings.level = AmplitudeOf(Natural(kIntraClipLevel));
-    fSettings.findsLevel = IsOn(kIntraClipFindLevel);
-    fSettings.tolerance = FractionOfPercent(Natural(kIntraClipTolerance));
-    fSettings.minimumSize = static_cast<std::size_t>(std::lround(Natural(kIntraClipMinimumSize)));
-    fUsesSpectrum = IsOn(kIntraClipUseSpectrum);
-    fOrder = static_cast<std::size_t>(std::lround(Natural(kIntraClipDetail)));
+    fSettings.detection.level = AmplitudeOf(Natural(kIntraClipLevel));
+    fSettings.detection.findsLevel = IsOn(kIntraClipFindLevel);
+    fSettings.detection.tolerance = FractionOfPercent(Natural(kIntraClipTolerance));
+    fSettings.detection.minimumSize = 1; // what is too short to be restored is not to be trusted either
+    fSettings.restoration.usesSpectrum = IsOn(kIntraClipUseSpectrum);
+    fSettings.restoration.order = static_cast<std::size_t>(std::lround(Natural(kIntraClipDetail)));
+    fSettings.restoration.minimumSize = static_cast<std::size_t>(std::lround(Natural(kIntraClipMinimumSize)));
 }
 
 void IntraClip::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
@@ -119,69 +134,32 @@ void IntraClip::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) 
     }
 }
 
-void IntraClip::Repair(std::size_t channel, std::span<const float> original, std::span<float> repaired) noexcept {
-    const auto runs = fDetector.Find(original, fSettings, fLevels[channel]);
+// All channels of a frame are worked on with the settings at its beginning.
+bool IntraClip::Begin(std::size_t channel, std::span<const float> original, std::span<float> repaired) noexcept {
+    if (channel == 0) fTaken = fSettings;
+    const auto runs = fDetector.Find(original, fTaken.detection, fLevels[channel]);
     const auto isHeard = [this](const ClipDetector::Run& run) {
-        return run.end > fLayout.before && run.begin < fLayout.before + fLayout.hop;
+        return run.end - run.begin >= fTaken.restoration.minimumSize && run.end > fLayout.before &&
+               run.begin < fLayout.before + fLayout.hop;
     };
-    if (std::ranges::none_of(runs, isHeard)) return;
-    std::ranges::copy(repaired, fSound.begin());
-    FillWithCurves(original, runs);
-    CollectUnknown(runs);
-    if (fUsesSpectrum) FitToSpectrum(original);
-    fUnknown = fClipped;
-    KeepAboveClipping(original);
-    for (const std::size_t place : fClipped)
-        repaired[place] = static_cast<float>(fSound[place]);
+    if (std::ranges::none_of(runs, isHeard)) return false;
+    fRestorer.Begin(original, repaired, runs, fTaken.restoration);
+    return true;
 }
 
-// Hermite's cubic, which goes on from both sides as steeply as the sound comes there.
-void IntraClip::FillWithCurves(std::span<const float> original, std::span<const ClipDetector::Run> runs) noexcept {
-    for (const ClipDetector::Run& run : runs) {
-        if (run.begin < 2 || run.end + 2 > original.size()) continue;
-        const double left = original[run.begin - 1];
-        const double right = original[run.end];
-        const auto length = static_cast<double>(run.end - run.begin + 1);
-        const double leftSlope = (left - original[run.begin - 2]) * length;
-        const double rightSlope = (original[run.end + 1] - right) * length;
-        for (std::size_t place = std::max(run.begin, fLayout.before); place < run.end; ++place) {
-            const double t = static_cast<double>(place - run.begin + 1) / length;
-            const double s = 1 - t;
-            fSound[place] =
-                s * s * ((1 + 2 * t) * left + t * leftSlope) + t * t * ((1 + 2 * s) * right - s * rightSlope);
-        }
+// The levels that the whole sound shows, so that its first peaks are restored too.
+void IntraClip::OnListen(std::span<const float* const> inputs, std::size_t frames) {
+    for (std::size_t i = 0; i < frames; ++i) {
+        for (std::size_t channel = 0; channel < fHeard.size(); ++channel)
+            fHeard[channel][fHeardFrames] = SaneSample(inputs[channel][i]);
+        if (++fHeardFrames == fLayout.Frame()) HearFrame();
     }
 }
 
-// Those that have not been heard, and that have enough sound behind them for the model.
-void IntraClip::CollectUnknown(std::span<const ClipDetector::Run> runs) noexcept {
-    fClipped.clear();
-    const std::size_t last = fSound.size() - kLargestOrder;
-    for (const ClipDetector::Run& run : runs) {
-        for (std::size_t place = std::max(run.begin, fLayout.before); place < std::min(run.end, last); ++place)
-            fClipped.push_back(place);
-    }
-}
-
-// What the model would place below the clipping is held there, and the rest fitted to that once more.
-void IntraClip::FitToSpectrum(std::span<const float> original) noexcept {
-    for (int round = 0; round < kRounds; ++round) {
-        fModel.Fit(fSound, fOrder);
-        fUnknown = fClipped;
-        fInterpolator.Restore(fModel.Coefficients(), fUnknown, fSound);
-        if (KeepAboveClipping(original)) fInterpolator.Restore(fModel.Coefficients(), fUnknown, fSound);
-    }
-}
-
-// True when a sample was brought to the level that it was clipped to; it is known then.
-bool IntraClip::KeepAboveClipping(std::span<const float> original) noexcept {
-    const auto isBelow = [&](std::size_t place) {
-        const double clipped = original[place];
-        if (clipped < 0 ? fSound[place] <= clipped : fSound[place] >= clipped) return false;
-        fSound[place] = clipped;
-        return true;
-    };
-    return std::erase_if(fUnknown, isBelow) > 0;
+void IntraClip::HearFrame() noexcept {
+    for (std::size_t channel = 0; channel < fHeard.size(); ++channel)
+        fDetector.Find(fHeard[channel], fSettings.detection, fLevels[channel]);
+    fHeardFrames = 0;
 }
 
 } // namespace qoc::components

@@ -1,27 +1,30 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/dsp/restoration/AutoregressiveInterpolator.h"
+#include "qoc/components/ParameterIndices.h"
 #include "qoc/dsp/restoration/ClipDetector.h"
-#include "qoc/dsp/restoration/LinearPrediction.h"
-#include "qoc/dsp/restoration/RepairStream.h"
+#include "qoc/dsp/restoration/ClipRestorer.h"
+#include "qoc/dsp/restoration/PacedRepairStream.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <vector>
 
 namespace qoc::components {
 
-// Gives clipped peaks back what was cut off. A curve through the samples on both sides does it (cubic), or an
-// autoregressive model of the spectrum around, found by FFT, with what is known of a clipped sample: that it was no
-// lower than it is. What was not clipped comes out as it went in, but for the gain, which makes room for the peaks;
-// later by three quarters of the FFT size.
+// Gives clipped peaks back what was cut off. A curve through the samples on both sides does it (cubic), or a model of
+// the spectrum around, with what is known of a clipped sample: that it was no lower than it is. What was not clipped
+// comes out as it went in, but for the gain, which makes room for the peaks; later by one and a quarter of the FFT
+// size. A render goes over the model more often than playing does, and finds the clipping level in the whole sound
+// beforehand.
 //
-// The FFT size is taken when the effect is prepared.
-class IntraClip : public ComponentBase, private FrameRepairer {
+// The FFT size is taken when the effect is prepared. It is that at 44.1 and 48 kHz; at 96 kHz it is twice as long, and
+// so on.
+class IntraClip : public ComponentBase, private PacedFrameRepairer {
 public:
     IntraClip();
 
     std::size_t Latency() const noexcept override { return fStream.Latency(); }
+    bool WantsToListen() const noexcept override { return IsOn(kIntraClipFindLevel); }
 
 protected:
     ~IntraClip() override;
@@ -31,26 +34,28 @@ protected:
     void ReadParameters(bool settle) noexcept override;
     void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
 
-private:
-    void Repair(std::size_t channel, std::span<const float> original, std::span<float> repaired) noexcept override;
-    void FillWithCurves(std::span<const float> original, std::span<const ClipDetector::Run> runs) noexcept;
-    void CollectUnknown(std::span<const ClipDetector::Run> runs) noexcept;
-    void FitToSpectrum(std::span<const float> original) noexcept;
-    bool KeepAboveClipping(std::span<const float> original) noexcept;
+    void OnListen(std::span<const float* const> inputs, std::size_t frames) override;
 
-    RepairStream fStream;
-    RepairStream::Layout fLayout;
+private:
+    struct Settings {
+        ClipDetector::Settings detection;
+        ClipRestorer::Settings restoration;
+    };
+
+    bool Begin(std::size_t channel, std::span<const float> original, std::span<float> repaired) noexcept override;
+    void Step(std::size_t step) noexcept override { fRestorer.Step(step); }
+    void HearFrame() noexcept;
+
+    PacedRepairStream fStream;
+    PacedRepairStream::Layout fLayout;
     ClipDetector fDetector;
     std::vector<ClipDetector::Levels> fLevels; // by channel
-    LinearPrediction fModel;
-    AutoregressiveInterpolator fInterpolator;
-    ClipDetector::Settings fSettings;
-    bool fUsesSpectrum = true;
-    std::size_t fOrder = 1;
+    ClipRestorer fRestorer;
+    Settings fSettings; // as they are
+    Settings fTaken;    // for the frame that is worked on
     SmoothedValue fGain;
-    std::vector<double> fSound;
-    std::vector<std::size_t> fClipped;
-    std::vector<std::size_t> fUnknown; // of those, the ones that are not held at the clipping
+    std::vector<std::vector<float>> fHeard; // by channel, a frame that Listen fills
+    std::size_t fHeardFrames = 0;
 };
 
 } // namespace qoc::components
