@@ -149,9 +149,12 @@ void AutoPhaseCorrection::PrepareProcessing(std::size_t maximumBlock) {
     if (channels < 2) return;
     fSize = kSmallestSize << Item(kAutoPhaseAnalysisSize);
     fHop = fSize / kAnalysesPerSize[Item(kAutoPhaseTimeResolution)];
-    fAnalyses.SetHop(fHop);
+    // No step ends beyond a frame of the transform, which is to see the channels as they are at its end.
+    const std::size_t step = std::min(fHop, fSize / kOverlaps);
+    fAnalyses.SetHop(step);
+    fStepsPerAnalysis = fHop / step;
     fDelay = static_cast<std::size_t>(std::ceil(SamplesOf(kLongestShift, GetSampleRate()))) + kReach + 1;
-    fHistory.Prepare(channels, std::bit_ceil(std::max(fSize, 2 * fDelay + fHop) + maximumBlock));
+    fHistory.Prepare(channels, std::bit_ceil(fSize + 2 * fDelay + fHop + maximumBlock));
     fTransform = std::make_unique<RealFFT>(fSize);
     fWindow = RootHann(fSize);
     fScratch.resize(fSize);
@@ -164,6 +167,7 @@ void AutoPhaseCorrection::PrepareProcessing(std::size_t maximumBlock) {
     fGlide = 1 - std::exp(-1 / (kGlideSeconds * GetSampleRate()));
     fChannels.resize(channels);
     fMoved.clear();
+    fOutputs.resize(channels);
     for (Channel& channel : fChannels) {
         channel.delay.Prepare(fSize);
         channel.aligner.Prepare(fSize / 2 + 1);
@@ -179,10 +183,14 @@ void AutoPhaseCorrection::ResetProcessing() noexcept {
     fHistory.Reset();
     fOverlapAdd.Reset();
     fAnalyses.Reset();
+    fSteps = 0;
     for (Channel& channel : fChannels) {
         channel.delay.Reset();
         channel.aligner.Reset();
         channel.found = 0;
+        channel.isCopy = false;
+        channel.alike = 0;
+        channel.unsettled = 0;
         channel.level.Settle(1);
     }
     StoreFoundShift();
@@ -196,6 +204,7 @@ void AutoPhaseCorrection::ReadParameters(bool settle) noexcept {
     fIsAutomatic = IsOn(kAutoPhaseAutoAlign);
     fBalances = IsOn(kAutoPhaseBalance);
     const float response = kResponseSeconds[Item(kAutoPhaseResponsiveness)] * sampleRate;
+    fResponse = static_cast<std::size_t>(response);
     fKept = std::exp(-static_cast<float>(fHop) / response);
     fStrength = static_cast<float>(FractionOfPercent(Natural(kAutoPhaseStrength)));
     fAligning = {.kept = std::exp(-static_cast<float>(fSize) / kOverlaps / response),
@@ -221,18 +230,22 @@ void AutoPhaseCorrection::ProcessBlock(const kroaudiofilterhost::AudioFilterBloc
     fAnalyses.Cut(
         block.frames,
         [&](std::size_t start, std::size_t frames, std::size_t /*position*/) { ProcessChunk(block, start, frames); },
-        [&] { Analyse(); });
-    fOverlapAdd.Process({fMoved, block.outputs, block.frames}, *this);
+        [&] {
+            if (++fSteps % fStepsPerAnalysis == 0) Analyse();
+        });
 }
 
 void AutoPhaseCorrection::ProcessChunk(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t start,
                                        std::size_t frames) noexcept {
     fHistory.Write(block.inputs, start, frames);
     for (std::size_t index = 0; index < fChannels.size(); ++index)
-        Move(fChannels[index], index, start, frames);
+        Move(fChannels[index], index, frames);
+    for (std::size_t index = 0; index < fChannels.size(); ++index)
+        fOutputs[index] = block.outputs[index] + start;
+    fOverlapAdd.Process({fMoved, fOutputs, frames}, *this);
 }
 
-void AutoPhaseCorrection::Move(Channel& channel, std::size_t index, std::size_t start, std::size_t frames) noexcept {
+void AutoPhaseCorrection::Move(Channel& channel, std::size_t index, std::size_t frames) noexcept {
     std::int64_t time = fHistory.Now() - static_cast<std::int64_t>(frames + fDelay);
     for (std::size_t i = 0; i < frames; ++i, ++time) {
         if (channel.shift != channel.target) {
@@ -241,7 +254,7 @@ void AutoPhaseCorrection::Move(Channel& channel, std::size_t index, std::size_t 
             ComputeWeights(channel);
         }
         const float sample = SampleAt(channel, index, time + channel.whole) * channel.level.Next();
-        channel.moved[start + i] = std::clamp(sample, -kLoudest, kLoudest);
+        channel.moved[i] = std::clamp(sample, -kLoudest, kLoudest);
     }
 }
 
@@ -263,7 +276,7 @@ void AutoPhaseCorrection::ComputeWeights(Channel& channel) noexcept {
 
 void AutoPhaseCorrection::Analyse() noexcept {
     // A start in the middle of the window would be found to be common to all channels.
-    if (fHistory.Now() < static_cast<std::int64_t>(fSize)) return;
+    if (fHistory.Now() < static_cast<std::int64_t>(fSize + 2 * fDelay)) return;
     for (std::size_t index = 0; index < fChannels.size(); ++index)
         Transform(fChannels[index], index);
     const Channel& reference = fChannels[fReference];
@@ -273,15 +286,35 @@ void AutoPhaseCorrection::Analyse() noexcept {
         channel.delay.Add(reference.spectrum, channel.spectrum, fKept);
         if (isReference)
             channel.found = 0;
-        else if (const auto found = channel.delay.Find(fLongestShift))
-            channel.found = *found;
+        else
+            Compare(channel);
         FollowSettings(channel, isReference);
     }
     StoreFoundShift();
 }
 
+// Sound that is only akin, as the channels of a mix are, stays as it is: a treatment has to take out most of what both
+// differ by, for half the time that the response takes.
+void AutoPhaseCorrection::Compare(Channel& channel) noexcept {
+    constexpr double kStarts = 0.3; // of the difference may be left
+    constexpr double kGoesOn = 0.5;
+    constexpr double kLeastDifference = 1e-6; // 57 dB below
+    const auto found = channel.delay.Find(fLongestShift);
+    if (found) {
+        channel.found = *found;
+        channel.delay.SetOrigin(std::lround(*found));
+    }
+    const auto [untreated, treated] = channel.delay.LikenessAt(fShiftsTime ? channel.found : 0);
+    const double difference = 1 - untreated;
+    const bool isAlike =
+        difference > kLeastDifference && 1 - treated < (channel.isCopy ? kGoesOn : kStarts) * difference;
+    channel.alike = isAlike ? channel.alike + fHop : 0;
+    channel.isCopy = isAlike && (channel.isCopy || channel.alike >= fResponse / 2);
+}
+
 void AutoPhaseCorrection::Transform(Channel& channel, std::size_t index) noexcept {
-    const float* const sound = fHistory.At(index, fHistory.Now() - static_cast<std::int64_t>(fSize));
+    const float* const sound = fHistory.At(index, fHistory.Now() - static_cast<std::int64_t>(fSize + fDelay) +
+                                                      (index == fReference ? 0 : channel.delay.Origin()));
     for (std::size_t i = 0; i < fSize; ++i)
         fScratch[i] = std::clamp(sound[i], -kLoudest, kLoudest) * fWindow[i] * fWindow[i];
     fTransform->Forward(fScratch, channel.spectrum);
@@ -292,7 +325,7 @@ void AutoPhaseCorrection::FollowSettings(Channel& channel, bool isReference) noe
     if (isReference)
         channel.target = 0;
     else if (fIsAutomatic)
-        channel.target = fShiftsTime ? channel.found * fStrength : 0;
+        channel.target = fShiftsTime && channel.isCopy ? channel.found * fStrength : 0;
     else
         channel.target = -fTimeShift;
     const bool balances = fBalances && !isReference;
@@ -304,9 +337,15 @@ void AutoPhaseCorrection::ProcessSpectra(std::span<const Spectrum> spectra) noex
     for (std::size_t index = 0; index < spectra.size(); ++index) {
         if (index == fReference) continue;
         Channel& channel = fChannels[index];
-        // Phases tell nothing while the channel is still on its way.
-        if (std::abs(channel.target - channel.shift) > kNearby) channel.aligner.Reset();
-        if (fIsAutomatic)
+        // Phases tell nothing while the channel is still on its way, nor as long as a frame has some of that.
+        if (std::abs(channel.target - channel.shift) > kNearby) channel.unsettled = kOverlaps;
+        if (channel.unsettled > 0) {
+            --channel.unsettled;
+            channel.aligner.Reset();
+        }
+        if (fIsAutomatic && !channel.isCopy)
+            channel.aligner.Reset();
+        else if (fIsAutomatic)
             channel.aligner.Align(spectra[fReference], spectra[index], fAligning);
         else if (fTurn != std::complex<float>(1))
             std::ranges::for_each(spectra[index], [this](std::complex<float>& value) { value *= fTurn; });

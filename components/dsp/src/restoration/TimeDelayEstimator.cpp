@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 #include <numeric>
+#include <utility>
 
 namespace qoc::dsp {
 
@@ -22,6 +23,11 @@ void TimeDelayEstimator::Reset() noexcept {
     std::ranges::fill(fCross, std::complex<float>());
     std::ranges::fill(fReferencePower, 0.0F);
     std::ranges::fill(fOtherPower, 0.0F);
+    fOrigin = 0;
+}
+
+double TimeDelayEstimator::AngularStep() const noexcept {
+    return 2 * std::numbers::pi / static_cast<double>(fCorrelation.size());
 }
 
 void TimeDelayEstimator::Add(std::span<const std::complex<float>> reference, std::span<const std::complex<float>> other,
@@ -33,23 +39,78 @@ void TimeDelayEstimator::Add(std::span<const std::complex<float>> reference, std
     }
 }
 
+void TimeDelayEstimator::SetOrigin(std::ptrdiff_t origin) noexcept {
+    if (origin == fOrigin) return;
+    const double angle = AngularStep() * static_cast<double>(origin - fOrigin);
+    for (std::size_t bin = 0; bin < fCross.size(); ++bin)
+        fCross[bin] *= std::complex<float>(std::polar(1.0, angle * static_cast<double>(bin)));
+    fOrigin = origin;
+}
+
 std::optional<double> TimeDelayEstimator::Find(double longest) noexcept {
     // Of sounds that have nothing in common the peak is a few times 1 / sqrt(bins).
     constexpr double kLeastPeak = 0.2;
-    constexpr int kSteps = 4; // of Newton's method; each doubles the digits
     Whiten();
     if (fUsedBins == 0) return {};
-    const auto size = static_cast<double>(fCorrelation.size());
-    const double reach = std::min(longest, size / 4);
-    const auto lag = static_cast<double>(PeakLag(static_cast<std::ptrdiff_t>(reach)));
-    double delay = lag;
-    for (int step = 0; step < kSteps; ++step) {
-        const Slope slope = SlopeAt(delay);
-        if (slope.value * slope.second >= 0) break;
-        delay = std::clamp(delay - slope.first / slope.second, lag - 1, lag + 1);
-    }
+    const auto origin = static_cast<double>(fOrigin);
+    const double reach = std::min(longest, static_cast<double>(fCorrelation.size()) / 4);
+    const double delay = Peak(static_cast<double>(PeakLag(static_cast<std::ptrdiff_t>(reach))) - origin);
     if (std::abs(SlopeAt(delay).value) < kLeastPeak * static_cast<double>(fUsedBins)) return {};
-    return std::clamp(delay, -reach, reach);
+    return std::clamp(delay + origin, -reach, reach);
+}
+
+// The peak beside a whole lag, by Newton's method between bounds that close in: where they are left, by halves.
+double TimeDelayEstimator::Peak(double lag) const noexcept {
+    constexpr int kMostSteps = 24;
+    constexpr double kNear = 1e-6; // samples
+    const Slope middle = SlopeAt(lag);
+    const double sign = middle.value < 0 ? -1 : 1;
+    double lo = middle.first * sign > 0 ? lag : lag - 1;
+    double hi = lo + 1;
+    double delay = lag;
+    Slope slope = middle;
+    for (int step = 0; step < kMostSteps && hi - lo > kNear; ++step) {
+        const double newton = delay - slope.first / slope.second;
+        const bool isPeak = slope.second * sign < 0 && newton > lo && newton < hi;
+        const double next = isPeak ? newton : (lo + hi) / 2;
+        if (std::abs(next - delay) < kNear) return next;
+        delay = next;
+        slope = SlopeAt(delay);
+        (slope.first * sign > 0 ? lo : hi) = delay;
+    }
+    return delay;
+}
+
+TimeDelayEstimator::Likeness TimeDelayEstimator::LikenessAt(double delay) const noexcept {
+    // Of fewer bins a sum does not tell what is common from what is so by chance.
+    constexpr std::size_t kLeastBand = 32;
+    const double aligned = AngularStep() * (delay - static_cast<double>(fOrigin));
+    const double untreated = -AngularStep() * static_cast<double>(fOrigin);
+    std::complex<double> band;
+    double reference = 0;
+    double other = 0;
+    double allReference = 0;
+    double allOther = 0;
+    double common = 0;
+    double bands = 0;
+    double inPhase = 0;
+    std::size_t end = kLeastBand; // of the octave
+    for (std::size_t bin = 1; bin < fCross.size(); ++bin) {
+        const std::complex<double> cross(fCross[bin]);
+        band += cross * std::polar(1.0, aligned * static_cast<double>(bin));
+        inPhase += (cross * std::polar(1.0, untreated * static_cast<double>(bin))).real();
+        reference += fReferencePower[bin];
+        other += fOtherPower[bin];
+        if (bin + 1 < end && bin + 1 < fCross.size()) continue;
+        common += std::abs(band);
+        bands += std::sqrt(reference * other);
+        allReference += std::exchange(reference, 0);
+        allOther += std::exchange(other, 0);
+        band = 0;
+        end *= 2;
+    }
+    if (!(bands > 0)) return {};
+    return {.untreated = inPhase / std::sqrt(allReference * allOther), .treated = common / bands};
 }
 
 float TimeDelayEstimator::LevelRatio() const noexcept {
@@ -80,7 +141,7 @@ std::ptrdiff_t TimeDelayEstimator::PeakLag(std::ptrdiff_t reach) noexcept {
     fTransform->Inverse(fWhite, fCorrelation);
     const auto size = static_cast<std::ptrdiff_t>(fCorrelation.size());
     const auto magnitudeAt = [&](std::ptrdiff_t lag) {
-        return std::abs(fCorrelation[static_cast<std::size_t>(lag < 0 ? lag + size : lag)]);
+        return std::abs(fCorrelation[static_cast<std::size_t>((lag - fOrigin + size) % size)]);
     };
     std::ptrdiff_t best = 0;
     for (std::ptrdiff_t lag = -reach; lag <= reach; ++lag) {
@@ -90,7 +151,7 @@ std::ptrdiff_t TimeDelayEstimator::PeakLag(std::ptrdiff_t reach) noexcept {
 }
 
 TimeDelayEstimator::Slope TimeDelayEstimator::SlopeAt(double delay) const noexcept {
-    const double step = 2 * std::numbers::pi / static_cast<double>(fCorrelation.size());
+    const double step = AngularStep();
     const std::complex<double> turn = std::polar(1.0, step * delay);
     std::complex<double> phase = 1;
     Slope slope;
