@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
+
 using namespace qoc::dsp;
 
 namespace {
@@ -58,16 +60,28 @@ TEST(LevelDetector, TheLevelOfASineStaysWhenTheModeChanges) {
     }
 }
 
-// Loud sound for less than the shortest span whose minimum is taken, wherever it lies, is no noise.
-TEST(NoiseTracker, WhatIsLoudForLessThanAMinimumsSpanDoesNotCount) {
-    constexpr std::size_t kBins = 50;
-    constexpr int kFramesPerSecond = 50;
-    for (int start = 100; start < 145; start += 5) {
+// Held tones and hits, 30 dB above it, leave the noise what it is.
+TEST(NoiseTracker, HearsTheNoiseBetweenTonesAndBetweenHits) {
+    constexpr std::size_t kRate = 44100;
+    const auto noise = test::Noise(2 * kRate, 1, 0.01F);
+    auto tones = noise;
+    auto hits = noise;
+    const auto burst = test::Noise(2 * kRate, 2, 0.3F);
+    for (std::size_t i = 0; i < noise.size(); ++i) {
+        for (int partial = 1; partial <= 20; ++partial)
+            tones[i] += 0.1F * static_cast<float>(std::sin(2 * std::numbers::pi * 311.0 * partial * i / kRate));
+        if (i % 6000 < 1500) hits[i] += burst[i];
+    }
+    for (const auto& sound : {noise, tones, hits}) {
         NoiseTracker tracker;
-        tracker.Prepare(kBins, kFramesPerSecond);
-        for (int frame = 0; frame < start + 30; ++frame)
-            tracker.Update(std::vector<float>(kBins, frame < start ? 1.0F : 1000.0F), 5);
-        EXPECT_LT(tracker.Noise()[kBins / 2], 6.1) << start; // the most that noise may be above its minimum
+        tracker.Prepare(kRate);
+        int looks = 0;
+        tracker.Hear(sound, [&](const NoiseTracker::Look& look) {
+            const double mean = std::accumulate(look.noise.begin(), look.noise.end(), 0.0) / look.noise.size();
+            EXPECT_NEAR(10 * std::log10(mean / (0.01 * 0.01 / 3)), 0, 3);
+            ++looks;
+        });
+        EXPECT_GE(looks, 8);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "qoc/components/ComponentIDs.h"
 #include "qoc/components/ParameterIndices.h"
+#include "qoc/dsp/stream/DenormalGuard.h"
 
 #include <algorithm>
 #include <cmath>
@@ -80,10 +81,14 @@ constexpr ParameterRow kRows[] = {
 constexpr std::size_t kHopsPerFrame = 4;
 constexpr std::size_t kHopsPerFineFrame = 8;
 
-// How far above the minimum sound is still noise, in decibels.
+// What is so far above the noise, in decibels, is sound for certain.
 constexpr double kMarginBase = 3;
 constexpr double kMarginPerPercent = 0.133;
-constexpr double kDecayDepth = 60; // dB; the decay is the time for that
+// The signal threshold at which the ratio of sound and noise counts as it is.
+constexpr double kNeutralThreshold = 1.9; // dB
+constexpr double kLowestFrequency = 25;   // Hz; what is below is judged as one
+constexpr std::size_t kLowestBin = 3;     // the window lets 0 Hz into those below
+constexpr double kDecayDepth = 60;        // dB; the decay is the time for that
 // A new value is told, and panels show it, when it differs by so much.
 constexpr double kShownStep = 0.5; // dB
 
@@ -118,22 +123,37 @@ void AdaptiveNoiseReduction::PrepareProcessing(std::size_t /*maximumBlock*/) {
     fStream.Prepare(GetNumberOfInputChannels(), {.transform = fFrame, .frame = fFrame, .hop = hop}, RootHann(fFrame, 1),
                     RootHann(fFrame, 1 / sum));
     fFramesPerSecond = GetSampleRate() / static_cast<double>(hop);
-    // Parseval: both halves of the spectrum, over the size and the window's energy, which is half the size.
-    fPowerScale = 4 / std::pow(static_cast<double>(fFrame), 2);
+    // Of noise whose samples have the mean square 1 a bin has the power 1: the window's energy is half its size.
+    fPowerScale = 2 / static_cast<float>(fFrame);
     fPowers.assign(bins, 0.0F);
-    fChannels.assign(GetNumberOfInputChannels(), {});
-    for (Channel& channel : fChannels) {
-        channel.noise.Prepare(bins, fFramesPerSecond);
-        channel.gain.Prepare(bins, fFramesPerSecond);
+    fGrid.SetHop(hop);
+    fInputs.assign(GetNumberOfInputChannels(), nullptr);
+    fOutputs.assign(GetNumberOfInputChannels(), nullptr);
+    fChannels = std::vector<Channel>(GetNumberOfInputChannels());
+    const double hertzPerBin = GetSampleRate() / static_cast<double>(fFrame);
+    const auto lowest = static_cast<std::size_t>(std::ceil(kLowestFrequency / hertzPerBin));
+    for (std::size_t i = 0; i < fChannels.size(); ++i) {
+        Channel& channel = fChannels[i];
+        channel.tracker.Prepare(GetSampleRate(), i);
+        channel.profile.Prepare(channel.tracker.Bands(), bins, GetSampleRate());
+        channel.gain.Prepare({.bins = bins,
+                              .framesPerSecond = fFramesPerSecond,
+                              .hopsPerFrame = hops,
+                              .lowest = std::max(kLowestBin, lowest)});
     }
 }
 
 void AdaptiveNoiseReduction::ResetProcessing() noexcept {
     fStream.Reset();
+    fGrid.Reset();
     for (Channel& channel : fChannels) {
-        channel.noise.Reset();
+        channel.tracker.Reset();
+        channel.profile.Reset();
         channel.gain.Reset();
     }
+    fHasListened = false;
+    fFrames = 0;
+    fFoundLook.reset();
     fNoiseFloor = kQuietest;
     StoreNoiseFloor();
 }
@@ -141,30 +161,76 @@ void AdaptiveNoiseReduction::ResetProcessing() noexcept {
 void AdaptiveNoiseReduction::ReadParameters(bool /*settle*/) noexcept {
     const double hertzPerBin = GetSampleRate() / static_cast<double>(fFrame);
     const double decay = SecondsOfMilliseconds(Natural(kAdaptiveNoiseReductionDecay)) * fFramesPerSecond; // frames
-    fMargin = static_cast<float>(PowerOf(kMarginBase + kMarginPerPercent * Natural(kAdaptiveNoiseReductionNoisiness)));
+    fSettings.presence =
+        static_cast<float>(PowerOf(kMarginBase + kMarginPerPercent * Natural(kAdaptiveNoiseReductionNoisiness)));
     fSettings.noiseScale = static_cast<float>(PowerOf(Natural(kAdaptiveNoiseReductionFineTune)));
-    fSettings.threshold = static_cast<float>(PowerOf(Natural(kAdaptiveNoiseReductionThreshold)));
+    fSettings.threshold = static_cast<float>(PowerOf(Natural(kAdaptiveNoiseReductionThreshold) - kNeutralThreshold));
     fSettings.decayPerFrame = decay > 0 ? static_cast<float>(PowerOf(-kDecayDepth / decay / 2)) : 0.0F;
     fSettings.width =
         static_cast<std::size_t>(std::lround(Natural(kAdaptiveNoiseReductionBroadband) / 2 / hertzPerBin));
     fSettings.floor = static_cast<float>(PowerOf(-Natural(kAdaptiveNoiseReductionReduceBy) / 2));
 }
 
+void AdaptiveNoiseReduction::OnListen(std::span<const float* const> inputs, std::size_t frames) {
+    const DenormalGuard guard;
+    fHasListened = true;
+    for (std::size_t i = 0; i < fChannels.size(); ++i) {
+        Channel& channel = fChannels[i];
+        channel.tracker.Hear({inputs[i], frames},
+                             [&](const NoiseTracker::Look& look) { channel.profile.Record(look); });
+    }
+}
+
+// In parts that end with a frame at the latest, so that a frame knows of the sound up to its end and no further.
 void AdaptiveNoiseReduction::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
-    fStream.Process(block, *this);
+    fGrid.Cut(
+        block.frames,
+        [&](std::size_t begin, std::size_t frames, std::size_t) {
+            for (std::size_t i = 0; i < fChannels.size(); ++i) {
+                fInputs[i] = block.inputs[i] + begin;
+                fOutputs[i] = block.outputs[i] + begin;
+            }
+            fFrames += frames;
+            if (!fHasListened) Hear(frames);
+            fStream.Process({fInputs, fOutputs, frames}, *this);
+        },
+        [] {});
     StoreNoiseFloor();
 }
 
-void AdaptiveNoiseReduction::ProcessSpectra(std::span<const Spectrum> spectra) noexcept {
-    for (std::size_t channel = 0; channel < spectra.size(); ++channel)
-        Reduce(fChannels[channel], spectra[channel]);
+void AdaptiveNoiseReduction::Hear(std::size_t frames) noexcept {
+    for (std::size_t i = 0; i < fChannels.size(); ++i) {
+        NoiseProfile& profile = fChannels[i].profile;
+        fChannels[i].tracker.Hear({fInputs[i], frames}, [&](const NoiseTracker::Look& look) {
+            profile.Add(look);
+            profile.Find(profile.Looks());
+            MeasureNoiseFloor();
+        });
+    }
+}
+
+// The noise around the frame, of a sound that was heard beforehand.
+void AdaptiveNoiseReduction::RecallNoise() noexcept {
+    const std::size_t hop = fChannels.front().tracker.LookHop();
+    const std::size_t centre = fFrames - std::min(fFrames, fFrame / 2);
+    const std::size_t look = (centre - std::min(centre, hop / 2)) / hop; // the centre of look 0 is at the hop
+    if (look == fFoundLook) return;
+    fFoundLook = look;
+    for (Channel& channel : fChannels)
+        channel.profile.Find(look);
     MeasureNoiseFloor();
 }
 
+void AdaptiveNoiseReduction::ProcessSpectra(std::span<const Spectrum> spectra) noexcept {
+    if (fHasListened) RecallNoise();
+    for (std::size_t channel = 0; channel < spectra.size(); ++channel)
+        Reduce(fChannels[channel], spectra[channel]);
+}
+
 void AdaptiveNoiseReduction::Reduce(Channel& channel, Spectrum spectrum) noexcept {
-    std::ranges::transform(spectrum, fPowers.begin(), [](std::complex<float> bin) { return std::norm(bin); });
-    channel.noise.Update(fPowers, fMargin);
-    const auto gains = channel.gain.Update(fPowers, channel.noise.Noise(), fSettings);
+    std::ranges::transform(spectrum, fPowers.begin(),
+                           [this](std::complex<float> bin) { return fPowerScale * std::norm(bin); });
+    const auto gains = channel.gain.Update(fPowers, channel.profile.Noise(), fSettings);
     for (std::size_t bin = 0; bin < spectrum.size(); ++bin)
         spectrum[bin] *= gains[bin];
 }
@@ -173,11 +239,11 @@ void AdaptiveNoiseReduction::MeasureNoiseFloor() noexcept {
     double highest = 0;
     for (const Channel& channel : fChannels) {
         double sum = 0;
-        for (const float power : channel.noise.Noise())
+        for (const float power : channel.profile.Noise())
             sum += power;
-        highest = std::max(highest, sum);
+        highest = std::max(highest, sum / static_cast<double>(fPowers.size()));
     }
-    const double decibels = 10 * std::log10(std::max(highest * fPowerScale, 1e-30));
+    const double decibels = 10 * std::log10(std::max(highest, 1e-30));
     fNoiseFloor = std::clamp<double>(decibels, kQuietest, 0);
 }
 

@@ -1,17 +1,21 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
+#include "qoc/dsp/restoration/NoiseProfile.h"
 #include "qoc/dsp/restoration/NoiseTracker.h"
 #include "qoc/dsp/restoration/SpectralGain.h"
 #include "qoc/dsp/spectrum/OverlapAdd.h"
+#include "qoc/dsp/stream/HopGrid.h"
 
+#include <optional>
 #include <vector>
 
 namespace qoc::components {
 
-// Takes broadband noise out of a sound without having been shown the noise: a NoiseTracker finds it, for each channel
-// by itself, and a SpectralGain lets less of it through. It learns as the sound goes on: what comes within the first
-// half second is hardly touched.
+// Takes broadband noise out of a sound without having been shown the noise: a NoiseTracker and a NoiseProfile find it,
+// for each channel by itself, and a SpectralGain lets less of it through. It learns as the sound goes on: what comes
+// within the first half second passes. When it has listened to the whole sound before, it knows of each place the noise
+// of the seconds around it, and works from the first sample on.
 //
 // The FFT size and the high quality, which works on twice as many frames, are taken when the effect is prepared.
 class AdaptiveNoiseReduction : public ComponentBase, private SpectrumProcessor {
@@ -20,10 +24,12 @@ public:
 
     std::size_t Latency() const noexcept override { return fFrame; }
     std::size_t Tail() const noexcept override { return fStream.Tail(); }
+    bool WantsToListen() const noexcept override { return true; }
 
 protected:
     ~AdaptiveNoiseReduction() override;
 
+    void OnListen(std::span<const float* const> inputs, std::size_t frames) override;
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;
@@ -31,10 +37,13 @@ protected:
 
 private:
     struct Channel {
-        NoiseTracker noise;
+        NoiseTracker tracker;
+        NoiseProfile profile;
         SpectralGain gain;
     };
 
+    void Hear(std::size_t frames) noexcept;
+    void RecallNoise() noexcept;
     void ProcessSpectra(std::span<const Spectrum> spectra) noexcept override;
     void Reduce(Channel& channel, Spectrum spectrum) noexcept;
     void MeasureNoiseFloor() noexcept;
@@ -43,11 +52,17 @@ private:
     OverlapAdd fStream;
     std::size_t fFrame = 0;
     double fFramesPerSecond = 1;
-    double fPowerScale = 0; // from a sum of powers to that of the sound
+    float fPowerScale = 0; // of the bins
     std::vector<Channel> fChannels;
     std::vector<float> fPowers;
+    HopGrid fGrid;
+    // A part of the block.
+    std::vector<const float*> fInputs;
+    std::vector<float*> fOutputs;
+    bool fHasListened = false;
+    std::size_t fFrames = 0; // processed since Reset
+    std::optional<std::size_t> fFoundLook;
     SpectralGain::Settings fSettings;
-    float fMargin = 1;
     double fNoiseFloor = 0; // dB, of the noisiest channel
     double fStoredNoiseFloor = 1;
 };

@@ -1,49 +1,90 @@
 #pragma once
 
+#include "qoc/dsp/restoration/NoiseBands.h"
+#include "qoc/dsp/spectrum/RealFFT.h"
+#include "qoc/dsp/stream/HopGrid.h"
+
+#include <complex>
 #include <cstddef>
 #include <span>
 #include <vector>
 
 namespace qoc::dsp {
 
-// Follows the power spectrum of the noise under a sound, through pauses and through the sound alike: minima controlled
-// recursive averaging (Cohen and Berdugo, "Noise estimation by minima controlled recursive averaging for robust speech
-// enhancement", 2002). What stays near the lowest power of the last second or so is averaged into the estimate. Noise
-// is broad, so that a line that stands out of its surroundings, as a held tone does, is not taken for it. Owned by the
-// effect that uses it; nothing but Prepare allocates.
+// Looks again and again at a sound and tells how much steady, broad noise there may be in it at most. Noise is what
+// looks like noise both ways: in a long frame, which shows the gaps between the partials of tones, the lower quarter of
+// a band's bins; in short ones, which show the gaps between hits, the quietest fifth. Both are scaled to the mean that
+// Gaussian noise would have there. A look is one long frame, and there is one every half of it; what takes long is
+// spread over the hops that follow. Owned by the effect that uses it; nothing but Prepare allocates.
 class NoiseTracker {
 public:
-    // `framesPerSecond` spectra of `bins` values.
-    void Prepare(std::size_t bins, double framesPerSecond);
-    // Forgets all sound. The estimate then grows from nothing within half a second.
+    // What a look found, by band, of noise whose samples have that mean square.
+    struct Look {
+        std::span<const float> noise;
+        std::span<const float> sound; // together with the noise; 0 in silence
+    };
+
+    // Trackers with another `turn`, 0...3, do their work at other times. Allocates.
+    void Prepare(double sampleRate, std::size_t turn = 0);
+    // Forgets all sound.
     void Reset() noexcept;
 
-    // Takes the powers of the next frame. `margin`: how many times the lowest power may be noise. Frames of silence
-    // tell nothing and count for nothing.
-    void Update(std::span<const float> powers, float margin) noexcept;
+    const NoiseBands& Bands() const noexcept { return fBands; }
+    // How many samples one look comes after another.
+    std::size_t LookHop() const noexcept { return fBands.Frame() / 2; }
 
-    // The power of the noise in every bin.
-    std::span<const float> Noise() const noexcept { return fNoise; }
+    // Takes sound in parts of any length, and hands `found` each Look that is finished meanwhile.
+    template <typename Found>
+    void Hear(std::span<const float> samples, const Found& found) noexcept {
+        fGrid.Cut(
+            samples.size(),
+            [&](std::size_t begin, std::size_t frames, std::size_t position) {
+                Keep(samples.subspan(begin, frames), position);
+            },
+            [&] {
+                if (FinishHop()) found(Look{fNoise, fMeans});
+            });
+    }
 
 private:
-    void Smooth(std::span<const float> powers) noexcept;
-    void FollowMinimum() noexcept;
-    void Average(std::span<const float> powers, float margin) noexcept;
-    void Tell() noexcept;
+    // From what is found in noise to its mean.
+    struct Scales {
+        float quarter = 1;
+        float fifth = 1;
+    };
 
-    float fSmoothing = 0;
-    float fAveraging = 0;
-    float fPresenceSmoothing = 0;
-    std::size_t fFramesPerMinimum = 1;
-    std::size_t fFramesToTrust = 1;
-    std::size_t fFrames = 0; // since Reset
-    std::vector<float> fSmoothed;
-    std::vector<float> fMinimum;
-    std::vector<float> fNextMinimum;
-    std::vector<float> fPresence; // how likely there is more than noise
-    std::vector<float> fAverage;
-    std::vector<double> fInverseSums; // running, of the average's inverses
+    void Keep(std::span<const float> samples, std::size_t position) noexcept;
+    bool FinishHop() noexcept;
+    void AnalyseShort() noexcept;
+    void BeginLook() noexcept;
+    bool ContinueLook() noexcept;
+    void AnalyseLong() noexcept;
+    float QuarterOf(const NoiseBands::Band& band) noexcept;
+    float MeanOf(const NoiseBands::Band& band) const noexcept;
+    float SteadinessOf(std::size_t band) noexcept;
+
+    NoiseBands fBands;
+    HopGrid fGrid;
+    RealFFT fShortTransform{2};
+    RealFFT fLongTransform{2};
+    std::vector<float> fShortWindow;
+    std::vector<float> fLongWindow;
+    std::vector<float> fFrameWeights; // of the short frames in a look, their sum 1
+    std::vector<Scales> fScales;      // by band
+    std::vector<float> fSound;        // the last long frame's worth, as a ring
+    std::vector<float> fShortFrame;
+    std::vector<float> fLongFrame;
+    std::vector<std::complex<float>> fSpectrum;
+    std::vector<float> fPowers;
+    std::vector<float> fSorted;
+    std::vector<double> fSums;       // running, of the short frame's powers
+    std::vector<float> fShortPowers; // by band and short frame, as rings
+    std::vector<float> fSteadiness;  // by band
     std::vector<float> fNoise;
+    std::vector<float> fMeans;
+    std::size_t fTurn = 0;
+    std::size_t fHops = 0; // since Reset
+    std::size_t fStep = 0; // of the look
 };
 
 } // namespace qoc::dsp
