@@ -36,7 +36,13 @@ void AutoregressiveInterpolator::Prepare(std::size_t mostUnknown, std::size_t la
 
 void AutoregressiveInterpolator::Restore(std::span<const double> coefficients, std::span<const std::size_t> unknown,
                                          std::span<double> sound) noexcept {
-    if (unknown.empty()) return;
+    if (RestoreUnbounded(coefficients, unknown, sound)) Bound(unknown, sound);
+}
+
+bool AutoregressiveInterpolator::RestoreUnbounded(std::span<const double> coefficients,
+                                                  std::span<const std::size_t> unknown,
+                                                  std::span<double> sound) noexcept {
+    if (unknown.empty()) return false;
     for (std::size_t i = 0; i < unknown.size(); ++i)
         fBefore[i] = sound[unknown[i]];
     SetUp(coefficients, unknown, sound);
@@ -44,7 +50,7 @@ void AutoregressiveInterpolator::Restore(std::span<const double> coefficients, s
     if (isSolvable) Solve(unknown.size());
     for (std::size_t i = 0; i < unknown.size(); ++i)
         sound[unknown[i]] = isSolvable ? fValues[i] : fBefore[i];
-    if (isSolvable) Bound(unknown, sound);
+    return isSolvable;
 }
 
 void AutoregressiveInterpolator::Bound(std::span<const std::size_t> unknown, std::span<double> sound) const noexcept {

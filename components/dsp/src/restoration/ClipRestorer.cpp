@@ -131,14 +131,14 @@ void ClipRestorer::Predict() noexcept {
     const std::size_t last = fPredicted.size() - fLayout.largestOrder;
     std::erase_if(fUnknown, [last](std::size_t place) { return place >= last; });
     fModel.Fit(fPredicted, fSettings.order);
-    fInterpolator.Restore(fModel.Coefficients(), fUnknown, fPredicted);
+    fInterpolator.RestoreUnbounded(fModel.Coefficients(), fUnknown, fPredicted);
     fImplausible = Implausibility();
 }
 
 // What the prediction would place out of bounds is held there, and the rest fitted to that once more.
 void ClipRestorer::PredictWithinBounds() noexcept {
     if (fImplausible > kHopeless) return;
-    if (HoldToBounds()) fInterpolator.Restore(fModel.Coefficients(), fUnknown, fPredicted);
+    if (HoldToBounds()) fInterpolator.RestoreUnbounded(fModel.Coefficients(), fUnknown, fPredicted);
     HoldToBounds();
 }
 

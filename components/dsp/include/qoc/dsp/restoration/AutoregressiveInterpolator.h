@@ -22,6 +22,10 @@ public:
     void Restore(std::span<const double> coefficients, std::span<const std::size_t> unknown,
                  std::span<double> sound) noexcept;
 
+    // The same for those who know better bounds: what it fills in may lie anywhere. False when the sound stayed.
+    bool RestoreUnbounded(std::span<const double> coefficients, std::span<const std::size_t> unknown,
+                          std::span<double> sound) noexcept;
+
 private:
     void SetUp(std::span<const double> coefficients, std::span<const std::size_t> unknown,
                std::span<double> sound) noexcept;
