@@ -49,11 +49,15 @@ std::string RandomName() {
 TemporaryFile::TemporaryFile(const fs::path& folder, Access access) {
     std::error_code error;
     do {
+        Forget();
         fPath = folder / RandomName();
+        // First, for a signal may come as soon as there is a file.
+        fEntry = Register(fPath);
         error = system_file::CreateNew(fPath, access == Access::kUsual);
     } while (error == std::errc::file_exists);
-    if (error) throw fs::filesystem_error("create", fPath, error);
-    fEntry = Register(fPath);
+    if (!error) return;
+    Forget();
+    throw fs::filesystem_error("create", fPath, error);
 }
 
 TemporaryFile::~TemporaryFile() {
