@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -68,23 +69,16 @@ std::vector<float*> PointersTo(std::vector<std::vector<float>>& buffers) {
 
 constexpr const char* kKeptType = "w64";
 
-// A file for a whole sound, as long as this lives.
-class KeptSound {
-public:
-    KeptSound() {
-        try {
-            fFile.emplace(std::filesystem::temp_directory_path());
-        } catch (const std::filesystem::filesystem_error& error) {
-            throw krocore::config::Error(krocore::ToStdString(krocore::ReplacePlaceholders(
-                krocore::Localize("$$$/qohost/Render/NoRoom=There is no room for the sound meanwhile: @0."),
-                {krocore::ToUTF16(error.code().message())})));
-        }
+// For a whole sound.
+std::unique_ptr<krocore::TemporaryFile> MakeRoom() {
+    try {
+        return std::make_unique<krocore::TemporaryFile>(std::filesystem::temp_directory_path());
+    } catch (const std::filesystem::filesystem_error& error) {
+        throw krocore::config::Error(krocore::ToStdString(krocore::ReplacePlaceholders(
+            krocore::Localize("$$$/qohost/Render/NoRoom=There is no room for the sound meanwhile: @0."),
+            {krocore::ToUTF16(error.code().message())})));
     }
-    const std::filesystem::path& File() const { return fFile->Path(); }
-
-private:
-    std::optional<krocore::TemporaryFile> fFile;
-};
+}
 
 // Keeps a sound in a file and its largest sample in mind.
 class PeakWriter final : public SoundWriter {
@@ -187,15 +181,15 @@ void OfflineRenderer::Store(std::uint64_t position, std::size_t frames, SoundWri
 
 bool RunWithPeakAt(double decibels, OfflineRenderer& renderer, SoundWriter& output) {
     constexpr std::size_t kBlockFrames = 16384;
-    const KeptSound kept;
-    PeakWriter loud(kept.File(), {.sampleRate = renderer.SampleRate(),
-                                  .layout = renderer.Layout(),
-                                  .frames = renderer.Frames(),
-                                  .samples = SampleFormat::kFloat});
+    const auto room = MakeRoom();
+    PeakWriter loud(room->Path(), {.sampleRate = renderer.SampleRate(),
+                                   .layout = renderer.Layout(),
+                                   .frames = renderer.Frames(),
+                                   .samples = SampleFormat::kFloat});
     if (!renderer.Run(loud)) return false;
     loud.Commit();
     const double factor = FactorForPeak(loud.Peak(), decibels);
-    SoundFileReader reader(kept.File(), {.type = kKeptType});
+    SoundFileReader reader(room->Path(), {.type = kKeptType});
     std::vector<std::vector<float>> block(reader.Layout().size(), std::vector<float>(kBlockFrames));
     const std::vector<float*> pointers = PointersTo(block);
     const std::vector<const float*> channels(pointers.begin(), pointers.end());

@@ -1,5 +1,7 @@
 #include "host/SampleFormat.h"
 
+#include "host/Sound.h"
+
 #include "host/SoundFile.h"
 #include "krocore/config/Error.h"
 

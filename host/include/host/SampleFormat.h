@@ -1,7 +1,5 @@
 #pragma once
 
-#include "host/Sound.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <span>
