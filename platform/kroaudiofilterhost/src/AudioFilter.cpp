@@ -128,6 +128,7 @@ bool AudioFilter::SetCurve(std::size_t curve, std::span<const AudioFilterCurvePo
     return settings.has_value();
 }
 
+// Nothing where SetCurve refuses.
 std::optional<std::vector<AudioFilterParameterValue>>
 AudioFilter::SettingsForCurve(std::size_t curve, std::span<const AudioFilterCurvePoint> points) const {
     const AudioFilterCurve& drawn = GetCurves()[curve];

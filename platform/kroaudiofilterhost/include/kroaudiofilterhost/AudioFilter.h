@@ -91,9 +91,6 @@ public:
     // Commits all points as one change, see SetParameterValues; points that are not in use keep their values. False,
     // with nothing changed, for more points than there can be and for a value that is not finite.
     bool SetCurve(std::size_t curve, std::span<const AudioFilterCurvePoint> points);
-    // The settings that make such a curve, for who commits them together with others; nothing where SetCurve refuses.
-    std::optional<std::vector<AudioFilterParameterValue>>
-    SettingsForCurve(std::size_t curve, std::span<const AudioFilterCurvePoint> points) const;
 
     void AddListener(AudioFilterListener& listener);
     void RemoveListener(AudioFilterListener& listener);
@@ -215,6 +212,8 @@ private:
     class TellingScope;
 
     bool IsParameter(int index) const { return index >= 0 && index < GetParameterCount(); }
+    std::optional<std::vector<AudioFilterParameterValue>>
+    SettingsForCurve(std::size_t curve, std::span<const AudioFilterCurvePoint> points) const;
     bool CanStore(int index, float value) const noexcept;
     void ChangeParameter(int index, float value, bool quiet);
     std::optional<AudioFilterParameterChange> StoreChange(int index, float value, bool quiet);
