@@ -207,9 +207,12 @@ protected:
         qohost::WriteAudioFile(fFile, Ramp(kFrames), qohost::AudioFileEncoding{});
         EXPECT_TRUE(fView->OpenFile(fFile));
     }
+    // The window's time runs ten times as fast as that of the threads that are awaited, no faster: a sound must not
+    // have been played to its end before the thread that reads it was given the processor once.
     void Await(const std::function<bool()>& condition) {
-        for (int i = 0; i < 100'000 && !condition(); ++i) {
-            std::this_thread::yield(); // real threads
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        while (!condition() && std::chrono::steady_clock::now() < end) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
             fWindow.Advance(0.01);
         }
         EXPECT_TRUE(condition());
