@@ -1,9 +1,12 @@
 #include "qoc/components/GenericParameterInfo.h"
+#include "qoc/components/ParameterTable.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
+#include <stdexcept>
+#include <string>
 
 using namespace qoc::components;
 
@@ -112,6 +115,21 @@ TEST(GenericParameterInfo, ReadsText) {
             EXPECT_NEAR(info.ToNatural(*value), *c.natural, std::abs(*c.natural) * 2e-6F + 1e-5F);
         }
     }
+}
+
+TEST(ParameterTable, RowsStandWhereTheySayAndIndicesBetweenThemAreFree) {
+    const ParameterRow pair[] = {{.index = 2, .id = "x"}, {.id = "y"}};
+    const ParameterRow last[] = {{.index = 7, .id = "last"}};
+    ParameterTable table;
+    table.AddRepeated(pair, 2).Add(last);
+    ASSERT_EQ(table.Size(), 8);
+    std::string ids;
+    for (int i = 0; i < table.Size(); ++i)
+        ids += (table.Find(i) == nullptr ? "-" : table.Find(i)->GetID()) + " ";
+    EXPECT_EQ(ids, "- - x1 y1 x2 y2 - last ");
+    // Taken already; and a group that stands there more often than its neighbour leaves room for.
+    EXPECT_THROW(table.Add(last), std::logic_error);
+    EXPECT_THROW(ParameterTable().AddRepeated(pair, 4).Add(last), std::logic_error);
 }
 
 } // namespace

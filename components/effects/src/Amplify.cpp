@@ -15,17 +15,23 @@ namespace {
 constexpr float kChannelCountScale = static_cast<float>(Amplify::kMaximumChannels);
 
 constexpr ParameterRow kCommonRows[] = {
-    {.id = "channels",
+    {.index = kAmplifyChannelCount,
+     .id = "channels",
      .name = "$$$/Amplify/Channels=Channels",
      .hi = kChannelCountScale,
      .defaultValue = 2,
      .decimals = 0,
      .flags = kParameterNotAutomatable | kParameterReadOnly},
-    {.id = "link", .name = "$$$/Amplify/LinkChannels=Link Channels", .defaultValue = 1, .kind = ParameterKind::kSwitch},
+    {.index = kAmplifyLinkChannels,
+     .id = "link",
+     .name = "$$$/Amplify/LinkChannels=Link Channels",
+     .defaultValue = 1,
+     .kind = ParameterKind::kSwitch},
 };
 
 constexpr ParameterRow kGainRows[] = {
-    {.id = "gain",
+    {.index = kAmplifyFirstGain,
+     .id = "gain",
      .name = "$$$/Amplify/Gain=Gain @0",
      .unit = "dB",
      .lo = -96,

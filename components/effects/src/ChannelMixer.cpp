@@ -15,7 +15,8 @@ namespace {
 constexpr float kChannelCountScale = static_cast<float>(ChannelMixer::kMaximumChannels);
 
 constexpr ParameterRow kChannelRows[] = {
-    {.id = "channels",
+    {.index = kChannelMixerChannelCount,
+     .id = "channels",
      .name = "$$$/ChannelMixer/Channels=Channels",
      .hi = kChannelCountScale,
      .defaultValue = 2,
@@ -43,7 +44,8 @@ constexpr OutputTexts kOutputTexts[ChannelMixer::kMixedChannels] = {
 std::array<ParameterRow, ChannelMixer::kMixedChannels> RowsOf(std::size_t output) {
     std::array<ParameterRow, ChannelMixer::kMixedChannels> rows;
     for (std::size_t input = 0; input < rows.size(); ++input)
-        rows[input] = {.id = kOutputTexts[output].id,
+        rows[input] = {.index = kChannelMixerFirstAmount + static_cast<int>(output * rows.size() + input),
+                       .id = kOutputTexts[output].id,
                        .name = kOutputTexts[output].name,
                        .unit = "%",
                        .lo = -100,

@@ -14,8 +14,9 @@ namespace {
 
 constexpr float kMostChannels = Delay::kMaximumChannels;
 
-constexpr ParameterRow TimeRow(const char* id, const char* name, float defaultValue) {
-    return {.id = id,
+constexpr ParameterRow TimeRow(int index, const char* id, const char* name, float defaultValue) {
+    return {.index = index,
+            .id = id,
             .name = name,
             .unit = "ms",
             .lo = -Delay::kLongestTime,
@@ -23,22 +24,30 @@ constexpr ParameterRow TimeRow(const char* id, const char* name, float defaultVa
             .defaultValue = defaultValue};
 }
 
-constexpr ParameterRow MixRow(const char* id, const char* name) {
-    return {.id = id, .name = name, .unit = "%", .hi = 100, .defaultValue = 35, .decimals = 1};
+constexpr ParameterRow MixRow(int index, const char* id, const char* name) {
+    return {.index = index, .id = id, .name = name, .unit = "%", .hi = 100, .defaultValue = 35, .decimals = 1};
 }
 
 constexpr ParameterRow kRows[] = {
-    TimeRow("leftDelay", "$$$/Delay/LeftTime=Left Delay Time", 100),
-    MixRow("leftMix", "$$$/Delay/LeftMix=Left Mix"),
-    {.id = "leftInvert", .name = "$$$/Delay/LeftInvert=Left Invert", .kind = ParameterKind::kSwitch},
-    TimeRow("rightDelay", "$$$/Delay/RightTime=Right Delay Time", 200),
-    MixRow("rightMix", "$$$/Delay/RightMix=Right Mix"),
-    {.id = "rightInvert", .name = "$$$/Delay/RightInvert=Right Invert", .kind = ParameterKind::kSwitch},
-    {.id = "showSamples",
+    TimeRow(kDelayLeftTime, "leftDelay", "$$$/Delay/LeftTime=Left Delay Time", 100),
+    MixRow(kDelayLeftMix, "leftMix", "$$$/Delay/LeftMix=Left Mix"),
+    {.index = kDelayLeftInvert,
+     .id = "leftInvert",
+     .name = "$$$/Delay/LeftInvert=Left Invert",
+     .kind = ParameterKind::kSwitch},
+    TimeRow(kDelayRightTime, "rightDelay", "$$$/Delay/RightTime=Right Delay Time", 200),
+    MixRow(kDelayRightMix, "rightMix", "$$$/Delay/RightMix=Right Mix"),
+    {.index = kDelayRightInvert,
+     .id = "rightInvert",
+     .name = "$$$/Delay/RightInvert=Right Invert",
+     .kind = ParameterKind::kSwitch},
+    {.index = kDelayShowSamples,
+     .id = "showSamples",
      .name = "$$$/Delay/ShowSamples=Show Times in Samples",
      .kind = ParameterKind::kSwitch,
      .flags = kParameterNotAutomatable},
-    {.id = "channels",
+    {.index = kDelayChannelCount,
+     .id = "channels",
      .name = "$$$/Delay/Channels=Channels",
      .hi = kMostChannels,
      .defaultValue = 2,

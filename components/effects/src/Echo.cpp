@@ -24,24 +24,26 @@ constexpr const char* kTimeUnits[] = {
     "$$$/Echo/Samples=Samples",
 };
 
-constexpr ParameterRow TimeRow(const char* id, const char* name, float defaultValue) {
-    return {.id = id, .name = name, .unit = "ms", .hi = kLongestTime, .defaultValue = defaultValue};
+constexpr ParameterRow TimeRow(int index, const char* id, const char* name, float defaultValue) {
+    return {.index = index, .id = id, .name = name, .unit = "ms", .hi = kLongestTime, .defaultValue = defaultValue};
 }
 
-constexpr ParameterRow PercentRow(const char* id, const char* name, float defaultValue) {
-    return {.id = id, .name = name, .unit = "%", .hi = 100, .defaultValue = defaultValue, .decimals = 1};
+constexpr ParameterRow PercentRow(int index, const char* id, const char* name, float defaultValue) {
+    return {
+        .index = index, .id = id, .name = name, .unit = "%", .hi = 100, .defaultValue = defaultValue, .decimals = 1};
 }
 
 constexpr ParameterRow kRows[] = {
-    TimeRow("leftDelay", "$$$/Echo/LeftTime=Left Delay Time", 500),
-    PercentRow("leftFeedback", "$$$/Echo/LeftFeedback=Left Feedback", 40),
-    PercentRow("leftLevel", "$$$/Echo/LeftLevel=Left Echo Level", 40),
-    TimeRow("rightDelay", "$$$/Echo/RightTime=Right Delay Time", 500),
-    PercentRow("rightFeedback", "$$$/Echo/RightFeedback=Right Feedback", 40),
-    PercentRow("rightLevel", "$$$/Echo/RightLevel=Right Echo Level", 40),
-    {.id = "lock", .name = "$$$/Echo/Lock=Lock Left & Right", .kind = ParameterKind::kSwitch},
-    {.id = "bounce", .name = "$$$/Echo/Bounce=Echo Bounce", .kind = ParameterKind::kSwitch},
-    {.id = "timeUnit",
+    TimeRow(kEchoLeftTime, "leftDelay", "$$$/Echo/LeftTime=Left Delay Time", 500),
+    PercentRow(kEchoLeftFeedback, "leftFeedback", "$$$/Echo/LeftFeedback=Left Feedback", 40),
+    PercentRow(kEchoLeftLevel, "leftLevel", "$$$/Echo/LeftLevel=Left Echo Level", 40),
+    TimeRow(kEchoRightTime, "rightDelay", "$$$/Echo/RightTime=Right Delay Time", 500),
+    PercentRow(kEchoRightFeedback, "rightFeedback", "$$$/Echo/RightFeedback=Right Feedback", 40),
+    PercentRow(kEchoRightLevel, "rightLevel", "$$$/Echo/RightLevel=Right Echo Level", 40),
+    {.index = kEchoLock, .id = "lock", .name = "$$$/Echo/Lock=Lock Left & Right", .kind = ParameterKind::kSwitch},
+    {.index = kEchoBounce, .id = "bounce", .name = "$$$/Echo/Bounce=Echo Bounce", .kind = ParameterKind::kSwitch},
+    {.index = kEchoTimeUnit,
+     .id = "timeUnit",
      .name = "$$$/Echo/TimeUnit=Delay Time Units",
      .hi = 2,
      .kind = ParameterKind::kChoice,
@@ -50,7 +52,8 @@ constexpr ParameterRow kRows[] = {
 };
 
 constexpr ParameterRow kBandRows[] = {
-    {.id = "band",
+    {.index = kEchoFirstBand,
+     .id = "band",
      .name = "$$$/Echo/Band=Gain of Band @0",
      .unit = "dB",
      .lo = -kMostDamping,
@@ -60,7 +63,8 @@ constexpr ParameterRow kBandRows[] = {
 };
 
 constexpr ParameterRow kToldRows[] = {
-    {.id = "channels",
+    {.index = kEchoChannelCount,
+     .id = "channels",
      .name = "$$$/Echo/Channels=Channels",
      .hi = kMostChannels,
      .defaultValue = 2,

@@ -29,9 +29,10 @@ constexpr const char* kScaleNames[] = {"$$$/FFTFilterUI/Logarithmic=Logarithmic"
 constexpr float kUnityLevel = 0.63095734F; // of a fader at 0 dB: 10^(-12 / 60)
 
 constexpr ParameterRow kCommonRows[] = {
-    CurveFilterRows::Spline("$$$/FFTFilter/SplineCurves=Spline Curves"),
+    CurveFilterRows::Spline(kFFTFilterSplineCurves, "$$$/FFTFilter/SplineCurves=Spline Curves"),
     // The scale ends below the largest size, which is stored as a value above 1.
-    {.id = "fftSize",
+    {.index = kFFTFilterSize,
+     .id = "fftSize",
      .name = "$$$/FFTFilter/FFTSize=FFT Size",
      .lo = 32,
      .hi = 24000,
@@ -42,7 +43,8 @@ constexpr ParameterRow kCommonRows[] = {
      .items = kSizeNames,
      .itemValues = kSizes},
     // An eighth an item.
-    {.id = "window",
+    {.index = kFFTFilterWindowType,
+     .id = "window",
      .name = "$$$/FFTFilter/Window=Window",
      .hi = 8,
      .defaultValue = 1,
@@ -50,18 +52,16 @@ constexpr ParameterRow kCommonRows[] = {
      .kind = ParameterKind::kChoice,
      .flags = kParameterNotAutomatable,
      .items = kWindowNames},
-    {}, // marks a curve that is being rewritten: nobody's setting
-    CurveFilterRows::Scale("$$$/FFTFilter/Scale=Frequency Scale", kScaleNames),
-    CurveFilterRows::View("viewStart", "$$$/FFTFilter/ViewStart=Lowest Frequency Shown", 20),
-    CurveFilterRows::View("viewEnd", "$$$/FFTFilter/ViewEnd=Highest Frequency Shown",
+    CurveFilterRows::Scale(kFFTFilterScale, "$$$/FFTFilter/Scale=Frequency Scale", kScaleNames),
+    CurveFilterRows::View(kFFTFilterViewStart, "viewStart", "$$$/FFTFilter/ViewStart=Lowest Frequency Shown", 20),
+    CurveFilterRows::View(kFFTFilterViewEnd, "viewEnd", "$$$/FFTFilter/ViewEnd=Highest Frequency Shown",
                           CurveFilterRows::kHighestFrequency),
-    {},
-    {},
-    CurveFilterRows::PointCount("$$$/FFTFilter/Points=Curve Points"),
+    CurveFilterRows::PointCount(kFFTFilterPointCount, "$$$/FFTFilter/Points=Curve Points"),
 };
 
-constexpr ParameterRow PointFrequency(float defaultHertz) {
-    return {.id = "frequency",
+constexpr ParameterRow PointFrequency(int index, float defaultHertz) {
+    return {.index = index,
+            .id = "frequency",
             .name = "$$$/FFTFilter/PointFrequency=Frequency @0",
             .unit = "Hz",
             .defaultValue = defaultHertz,
@@ -77,8 +77,9 @@ constexpr ParameterRow kPointLevel = {.id = "level",
                                       .decimals = 4,
                                       .curve = CurveFilterRows::kCurve};
 
-constexpr ParameterRow kFirstPointRows[] = {PointFrequency(20), kPointLevel};
-constexpr ParameterRow kPointRows[] = {PointFrequency(CurveFilterRows::kHighestFrequency), kPointLevel};
+constexpr ParameterRow kFirstPointRows[] = {PointFrequency(kFFTFilterFirstPoint, 20), kPointLevel};
+constexpr ParameterRow kPointRows[] = {PointFrequency(kFFTFilterFirstPoint + 2, CurveFilterRows::kHighestFrequency),
+                                       kPointLevel};
 
 } // namespace
 

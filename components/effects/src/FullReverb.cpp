@@ -17,25 +17,40 @@ constexpr float kShortestDecay = 100; // milliseconds
 constexpr float kLongestDecay = 20000;
 constexpr float kLongestPredelay = 2000;
 
-constexpr ParameterRow PercentRow(const char* id, const char* name, float defaultValue, float lo = 0) {
-    return {.id = id, .name = name, .unit = "%", .lo = lo, .hi = 100, .defaultValue = defaultValue, .decimals = 0};
+constexpr ParameterRow PercentRow(int index, const char* id, const char* name, float defaultValue, float lo = 0) {
+    return {.index = index,
+            .id = id,
+            .name = name,
+            .unit = "%",
+            .lo = lo,
+            .hi = 100,
+            .defaultValue = defaultValue,
+            .decimals = 0};
 }
 
-constexpr ParameterRow FrequencyRow(const char* id, const char* name, float defaultValue) {
-    return {.id = id, .name = name, .unit = "Hz", .lo = 20, .hi = 20000, .defaultValue = defaultValue, .decimals = 0};
+constexpr ParameterRow FrequencyRow(int index, const char* id, const char* name, float defaultValue) {
+    return {.index = index,
+            .id = id,
+            .name = name,
+            .unit = "Hz",
+            .lo = 20,
+            .hi = 20000,
+            .defaultValue = defaultValue,
+            .decimals = 0};
 }
 
-constexpr ParameterRow GainRow(const char* id, const char* name) {
-    return {.id = id, .name = name, .unit = "dB", .lo = -24, .hi = 24, .decimals = 1};
+constexpr ParameterRow GainRow(int index, const char* id, const char* name) {
+    return {.index = index, .id = id, .name = name, .unit = "dB", .lo = -24, .hi = 24, .decimals = 1};
 }
 
-constexpr ParameterRow SwitchRow(const char* id, const char* name) {
-    return {.id = id, .name = name, .kind = ParameterKind::kSwitch};
+constexpr ParameterRow SwitchRow(int index, const char* id, const char* name) {
+    return {.index = index, .id = id, .name = name, .kind = ParameterKind::kSwitch};
 }
 
-constexpr ParameterRow ToldRow(const char* id, const char* name, const char* unit, float lo, float hi,
+constexpr ParameterRow ToldRow(int index, const char* id, const char* name, const char* unit, float lo, float hi,
                                float defaultValue) {
-    return {.id = id,
+    return {.index = index,
+            .id = id,
             .name = name,
             .unit = unit,
             .lo = lo,
@@ -46,61 +61,74 @@ constexpr ParameterRow ToldRow(const char* id, const char* name, const char* uni
 }
 
 constexpr ParameterRow kRows[] = {
-    {.id = "decay",
+    {.index = kFullReverbDecay,
+     .id = "decay",
      .name = "$$$/FullReverb/Decay=Decay Time",
      .unit = "ms",
      .lo = kShortestDecay,
      .hi = kLongestDecay,
      .defaultValue = 1500,
      .decimals = 0},
-    {.id = "predelay",
+    {.index = kFullReverbPredelay,
+     .id = "predelay",
      .name = "$$$/FullReverb/Predelay=Pre-Delay Time",
      .unit = "ms",
      .hi = kLongestPredelay,
      .defaultValue = 25,
      .decimals = 0},
-    PercentRow("diffusion", "$$$/FullReverb/Diffusion=Diffusion", 80),
-    PercentRow("perception", "$$$/FullReverb/Perception=Perception", 20),
-    {.id = "roomsize",
+    PercentRow(kFullReverbDiffusion, "diffusion", "$$$/FullReverb/Diffusion=Diffusion", 80),
+    PercentRow(kFullReverbPerception, "perception", "$$$/FullReverb/Perception=Perception", 20),
+    {.index = kFullReverbRoomSize,
+     .id = "roomsize",
      .name = "$$$/FullReverb/RoomSize=Room Size",
      .unit = "m#{cubed}",
      .lo = 10,
      .hi = 30000,
      .defaultValue = 1500,
      .decimals = 0},
-    {.id = "dimension",
+    {.index = kFullReverbDimension,
+     .id = "dimension",
      .name = "$$$/FullReverb/Dimension=Width to Depth Ratio",
      .lo = 0.25F,
      .hi = 4,
      .defaultValue = 0.75F},
-    PercentRow("location", "$$$/FullReverb/Location=Left or Right Location", 0, -100),
-    PercentRow("distance", "$$$/FullReverb/Distance=Source Distance", 60),
-    {.id = "highpass",
+    PercentRow(kFullReverbLocation, "location", "$$$/FullReverb/Location=Left or Right Location", 0, -100),
+    PercentRow(kFullReverbDistance, "distance", "$$$/FullReverb/Distance=Source Distance", 60),
+    {.index = kFullReverbHighPass,
+     .id = "highpass",
      .name = "$$$/FullReverb/HighPass=High-Pass Cutoff",
      .unit = "Hz",
      .lo = 20,
      .hi = 500,
      .defaultValue = 80,
      .decimals = 0},
-    FrequencyRow("lowfrequency", "$$$/FullReverb/LowFrequency=Low Shelf Frequency", 200),
-    GainRow("lowgain", "$$$/FullReverb/LowGain=Low Shelf Gain"),
-    FrequencyRow("middlefrequency", "$$$/FullReverb/MiddleFrequency=Peak Frequency", 1000),
-    GainRow("middlegain", "$$$/FullReverb/MiddleGain=Peak Gain"),
-    {.id = "middleq", .name = "$$$/FullReverb/MiddleQ=Peak Q", .lo = 0.1F, .hi = 10, .defaultValue = 0.7F},
-    FrequencyRow("highfrequency", "$$$/FullReverb/HighFrequency=High Shelf Frequency", 5000),
-    GainRow("highgain", "$$$/FullReverb/HighGain=High Shelf Gain"),
-    PercentRow("dry", "$$$/FullReverb/Dry=Dry Level", 100),
-    PercentRow("reverberation", "$$$/FullReverb/Reverberation=Reverberation Level", 30),
-    PercentRow("early", "$$$/FullReverb/Early=Early Reflections Level", 30),
-    SwitchRow("setbyroom", "$$$/FullReverb/SetByRoom=Set Reverberation by Room"),
-    SwitchRow("includedirect", "$$$/FullReverb/IncludeDirect=Include Direct Sound"),
-    SwitchRow("sum", "$$$/FullReverb/SumInputs=Sum Inputs"),
-    ToldRow("roomwidth", "$$$/FullReverb/RoomWidth=Room Width", "m", 0, 100, 12.8F),
-    ToldRow("roomdepth", "$$$/FullReverb/RoomDepth=Room Depth", "m", 0, 100, 17.1F),
-    ToldRow("roomheight", "$$$/FullReverb/RoomHeight=Room Height", "m", 0, 20, 6.9F),
-    ToldRow("roomdecay", "$$$/FullReverb/RoomDecay=Decay Time of the Room", "ms", kShortestDecay, kLongestDecay, 1429),
-    ToldRow("roompredelay", "$$$/FullReverb/RoomPredelay=Pre-Delay Time of the Room", "ms", 0, kLongestPredelay, 20.7F),
-    ToldRow("firstreflection", "$$$/FullReverb/FirstReflection=First Reflection", "ms", 0, 500, 1.4F),
+    FrequencyRow(kFullReverbLowFrequency, "lowfrequency", "$$$/FullReverb/LowFrequency=Low Shelf Frequency", 200),
+    GainRow(kFullReverbLowGain, "lowgain", "$$$/FullReverb/LowGain=Low Shelf Gain"),
+    FrequencyRow(kFullReverbMiddleFrequency, "middlefrequency", "$$$/FullReverb/MiddleFrequency=Peak Frequency", 1000),
+    GainRow(kFullReverbMiddleGain, "middlegain", "$$$/FullReverb/MiddleGain=Peak Gain"),
+    {.index = kFullReverbMiddleQ,
+     .id = "middleq",
+     .name = "$$$/FullReverb/MiddleQ=Peak Q",
+     .lo = 0.1F,
+     .hi = 10,
+     .defaultValue = 0.7F},
+    FrequencyRow(kFullReverbHighFrequency, "highfrequency", "$$$/FullReverb/HighFrequency=High Shelf Frequency", 5000),
+    GainRow(kFullReverbHighGain, "highgain", "$$$/FullReverb/HighGain=High Shelf Gain"),
+    PercentRow(kFullReverbDry, "dry", "$$$/FullReverb/Dry=Dry Level", 100),
+    PercentRow(kFullReverbReverberation, "reverberation", "$$$/FullReverb/Reverberation=Reverberation Level", 30),
+    PercentRow(kFullReverbEarly, "early", "$$$/FullReverb/Early=Early Reflections Level", 30),
+    SwitchRow(kFullReverbSetByRoom, "setbyroom", "$$$/FullReverb/SetByRoom=Set Reverberation by Room"),
+    SwitchRow(kFullReverbIncludeDirect, "includedirect", "$$$/FullReverb/IncludeDirect=Include Direct Sound"),
+    SwitchRow(kFullReverbSumInputs, "sum", "$$$/FullReverb/SumInputs=Sum Inputs"),
+    ToldRow(kFullReverbRoomWidth, "roomwidth", "$$$/FullReverb/RoomWidth=Room Width", "m", 0, 100, 12.8F),
+    ToldRow(kFullReverbRoomDepth, "roomdepth", "$$$/FullReverb/RoomDepth=Room Depth", "m", 0, 100, 17.1F),
+    ToldRow(kFullReverbRoomHeight, "roomheight", "$$$/FullReverb/RoomHeight=Room Height", "m", 0, 20, 6.9F),
+    ToldRow(kFullReverbRoomDecay, "roomdecay", "$$$/FullReverb/RoomDecay=Decay Time of the Room", "ms", kShortestDecay,
+            kLongestDecay, 1429),
+    ToldRow(kFullReverbRoomPredelay, "roompredelay", "$$$/FullReverb/RoomPredelay=Pre-Delay Time of the Room", "ms", 0,
+            kLongestPredelay, 20.7F),
+    ToldRow(kFullReverbFirstReflection, "firstreflection", "$$$/FullReverb/FirstReflection=First Reflection", "ms", 0,
+            500, 1.4F),
 };
 
 constexpr double kWallAbsorption = 0.2; // of a room that is neither bare nor furnished to be dry

@@ -27,8 +27,9 @@ constexpr const char* kScaleNames[] = {"$$$/GraphicPhaseShifterUI/Log=Logarithmi
 constexpr float kLastChannelItem = 33;
 
 constexpr ParameterRow kCommonRows[] = {
-    CurveFilterRows::Spline("$$$/GraphicPhaseShifter/SplineCurves=Spline Curves"),
-    {.id = "fftSize",
+    CurveFilterRows::Spline(kPhaseShifterSplineCurves, "$$$/GraphicPhaseShifter/SplineCurves=Spline Curves"),
+    {.index = kPhaseShifterSize,
+     .id = "fftSize",
      .name = "$$$/GraphicPhaseShifter/FFTSize=FFT Size",
      .lo = 32,
      .hi = 65536,
@@ -38,31 +39,32 @@ constexpr ParameterRow kCommonRows[] = {
      .flags = kParameterNotAutomatable | kParameterNeedsPrepare,
      .items = kSizeNames,
      .itemValues = kSizes},
-    {}, // marks a curve that is being rewritten: nobody's setting
     // 0: all channels
-    {.id = "channel",
+    {.index = kPhaseShifterChannel,
+     .id = "channel",
      .name = "$$$/GraphicPhaseShifter/Channel=Channel",
      .hi = kLastChannelItem,
      .decimals = 0,
      .flags = kParameterWhole},
-    {.id = "range",
+    {.index = kPhaseShifterRange,
+     .id = "range",
      .name = "$$$/GraphicPhaseShifter/Range=Phase Range",
      .kind = ParameterKind::kChoice,
      .flags = kParameterNotAutomatable,
      .items = kRangeNames},
-    CurveFilterRows::Scale("$$$/GraphicPhaseShifter/Scale=Frequency Scale", kScaleNames),
-    CurveFilterRows::View("viewStart", "$$$/GraphicPhaseShifter/ViewStart=Lowest Frequency Shown", 20),
-    CurveFilterRows::View("viewEnd", "$$$/GraphicPhaseShifter/ViewEnd=Highest Frequency Shown",
+    CurveFilterRows::Scale(kPhaseShifterScale, "$$$/GraphicPhaseShifter/Scale=Frequency Scale", kScaleNames),
+    CurveFilterRows::View(kPhaseShifterViewStart, "viewStart",
+                          "$$$/GraphicPhaseShifter/ViewStart=Lowest Frequency Shown", 20),
+    CurveFilterRows::View(kPhaseShifterViewEnd, "viewEnd", "$$$/GraphicPhaseShifter/ViewEnd=Highest Frequency Shown",
                           CurveFilterRows::kHighestFrequency),
-    {},
-    {},
-    CurveFilterRows::PointCount("$$$/GraphicPhaseShifter/Points=Curve Points"),
+    CurveFilterRows::PointCount(kPhaseShifterPointCount, "$$$/GraphicPhaseShifter/Points=Curve Points"),
 };
 
 // Places on the graph's axes: 0 at 20 Hz and 1 at half the sample rate, 0 at the bottom of the phase range and 1 at its
 // top.
-constexpr ParameterRow PointPosition(float defaultPlace) {
-    return {.id = "position",
+constexpr ParameterRow PointPosition(int index, float defaultPlace) {
+    return {.index = index,
+            .id = "position",
             .name = "$$$/GraphicPhaseShifter/PointPosition=Position @0",
             .defaultValue = defaultPlace,
             .decimals = 4,
@@ -75,8 +77,8 @@ constexpr ParameterRow kPointPhase = {.id = "phase",
                                       .decimals = 4,
                                       .curve = CurveFilterRows::kCurve};
 
-constexpr ParameterRow kFirstPointRows[] = {PointPosition(0), kPointPhase};
-constexpr ParameterRow kPointRows[] = {PointPosition(1), kPointPhase};
+constexpr ParameterRow kFirstPointRows[] = {PointPosition(kPhaseShifterFirstPoint, 0), kPointPhase};
+constexpr ParameterRow kPointRows[] = {PointPosition(kPhaseShifterFirstPoint + 2, 1), kPointPhase};
 
 // Flat in the middle, so that what is delayed or advanced by the phase keeps its level, and as smooth at the ends as a
 // Hann window, whose complement to the sixth power it lacks.

@@ -13,8 +13,9 @@ namespace qoc::components {
 namespace {
 
 // The half hertz belongs to the stored form.
-constexpr ParameterRow Frequency(float hertz) {
-    return {.id = "frequency",
+constexpr ParameterRow Frequency(int index, float hertz) {
+    return {.index = index,
+            .id = "frequency",
             .name = "$$$/Notch/Frequency=Frequency @0",
             .unit = "Hz",
             .lo = 0.5F,
@@ -24,14 +25,17 @@ constexpr ParameterRow Frequency(float hertz) {
 }
 
 // Mains hum of 60 Hz and its harmonics.
-constexpr ParameterRow kFrequencyRows[] = {Frequency(60),  Frequency(120), Frequency(180),
-                                           Frequency(240), Frequency(300), Frequency(360)};
+constexpr ParameterRow kFrequencyRows[] = {
+    Frequency(kNotchFirstFrequency, 60),      Frequency(kNotchFirstFrequency + 1, 120),
+    Frequency(kNotchFirstFrequency + 2, 180), Frequency(kNotchFirstFrequency + 3, 240),
+    Frequency(kNotchFirstFrequency + 4, 300), Frequency(kNotchFirstFrequency + 5, 360)};
 
 constexpr float kLargestGain = 96; // dB, either way
 constexpr float kDefaultGain = -36;
 
 constexpr ParameterRow kGainRows[] = {
-    {.id = "gain",
+    {.index = kNotchFirstGain,
+     .id = "gain",
      .name = "$$$/Notch/Gain=Gain @0",
      .unit = "dB",
      .lo = -kLargestGain,
@@ -40,46 +44,50 @@ constexpr ParameterRow kGainRows[] = {
      .decimals = 1},
 };
 
-constexpr ParameterRow Enable(bool on) {
-    return {.id = "enable",
+constexpr ParameterRow Enable(int index, bool on) {
+    return {.index = index,
+            .id = "enable",
             .name = "$$$/Notch/Enable=Notch @0",
             .defaultValue = on ? 1.0F : 0.0F,
             .kind = ParameterKind::kSwitch};
 }
 
 // Only the fundamental is taken away until the user asks for more.
-constexpr ParameterRow kEnableRows[] = {Enable(true),  Enable(false), Enable(false),
-                                        Enable(false), Enable(false), Enable(false)};
+constexpr ParameterRow kEnableRows[] = {Enable(kNotchFirstEnable, true),      Enable(kNotchFirstEnable + 1, false),
+                                        Enable(kNotchFirstEnable + 2, false), Enable(kNotchFirstEnable + 3, false),
+                                        Enable(kNotchFirstEnable + 4, false), Enable(kNotchFirstEnable + 5, false)};
 
 constexpr const char* kWidthNames[] = {"$$$/NotchFilterUI/Narrow=Narrow", "$$$/NotchFilterUI/VeryNarrow=Very Narrow",
                                        "$$$/NotchFilterUI/SuperNarrow=Super Narrow"};
 // Frequency / width for each of them. At 60 Hz: 6, 2 and 0.6 Hz wide, ringing down by 60 dB in 0.4, 1.1 and 3.7 s.
 constexpr float kQualities[] = {10, 30, 100};
 
-constexpr ParameterRow kFree = {};
-
 constexpr ParameterRow kCommonRows[] = {
-    {.id = "fixgain",
+    {.index = kNotchFixGain,
+     .id = "fixgain",
      .name = "$$$/Notch/FixGain=Fixed Gain",
      .unit = "dB",
      .lo = -kLargestGain,
      .hi = kLargestGain,
      .defaultValue = kDefaultGain,
      .decimals = 1},
-    kFree,
-    kFree,
-    {.id = "width",
+    {.index = kNotchWidth,
+     .id = "width",
      .name = "$$$/Notch/NotchWidth=Notch Width",
      .hi = 2,
      .kind = ParameterKind::kChoice,
      .items = kWidthNames},
-    {.id = "fixgainenable", .name = "$$$/Notch/FixGainTo=Fix Gain", .kind = ParameterKind::kSwitch},
-    kFree,
-    kFree,
-    {.id = "ultraquiet", .name = "$$$/NotchFilterUI/UltraQuiet=Ultra Quiet", .kind = ParameterKind::kSwitch},
-    kFree,
+    {.index = kNotchFixGainEnable,
+     .id = "fixgainenable",
+     .name = "$$$/Notch/FixGainTo=Fix Gain",
+     .kind = ParameterKind::kSwitch},
+    {.index = kNotchUltraQuiet,
+     .id = "ultraquiet",
+     .name = "$$$/NotchFilterUI/UltraQuiet=Ultra Quiet",
+     .kind = ParameterKind::kSwitch},
     // The frequencies that the panel's graph shows.
-    {.id = "viewstart",
+    {.index = kNotchViewStart,
+     .id = "viewstart",
      .name = "$$$/Notch/ViewStart=View Start",
      .unit = "Hz",
      .lo = 0.5F,
@@ -87,7 +95,8 @@ constexpr ParameterRow kCommonRows[] = {
      .decimals = 1,
      .scale = ParameterScale::kNyquist,
      .flags = kParameterNotAutomatable},
-    {.id = "viewend",
+    {.index = kNotchViewEnd,
+     .id = "viewend",
      .name = "$$$/Notch/ViewEnd=View End",
      .unit = "Hz",
      .lo = 0.5F,

@@ -21,14 +21,16 @@ constexpr float kHighestTold = 120; // decibels
 constexpr int kDecibelsPerOrder = 6;
 
 constexpr ParameterRow kCommonRows[] = {
-    {.id = "masterGain",
+    {.index = kParametricEQMasterGain,
+     .id = "masterGain",
      .name = "$$$/ParametricEQ/MasterGainName=Master Gain",
      .unit = "dB",
      .lo = -30,
      .hi = 30,
      .decimals = 1},
     // What the panel's graph shows.
-    {.id = "graphRange",
+    {.index = kParametricEQGraphRange,
+     .id = "graphRange",
      .name = "$$$/ParametricEQ/GraphRangeName=Range of the Graph",
      .unit = "dB",
      .lo = 6,
@@ -36,8 +38,14 @@ constexpr ParameterRow kCommonRows[] = {
      .defaultValue = 24,
      .decimals = 0,
      .flags = kParameterNotAutomatable},
-    {.id = "constantWidth", .name = "$$$/ParametricEQ/ConstantWidth=Constant Width", .kind = ParameterKind::kSwitch},
-    {.id = "headroom", .name = "$$$/ParametricEQ/Headroom=Keep Headroom", .kind = ParameterKind::kSwitch},
+    {.index = kParametricEQConstantWidth,
+     .id = "constantWidth",
+     .name = "$$$/ParametricEQ/ConstantWidth=Constant Width",
+     .kind = ParameterKind::kSwitch},
+    {.index = kParametricEQHeadroom,
+     .id = "headroom",
+     .name = "$$$/ParametricEQ/Headroom=Keep Headroom",
+     .kind = ParameterKind::kSwitch},
 };
 
 struct BandDefault {
@@ -48,15 +56,17 @@ struct BandDefault {
 constexpr BandDefault kBandDefaults[] = {{30, false},  {100, true},  {200, true},   {500, true},   {1000, true},
                                          {2500, true}, {6000, true}, {10000, true}, {18000, false}};
 
-constexpr ParameterRow Enable(bool on) {
-    return {.id = "enable",
+constexpr ParameterRow Enable(int index, bool on) {
+    return {.index = index,
+            .id = "enable",
             .name = "$$$/ParametricEQ/Enable=Band @0",
             .defaultValue = on ? 1.0F : 0.0F,
             .kind = ParameterKind::kSwitch};
 }
 
-constexpr ParameterRow Frequency(float hertz) {
-    return {.id = "frequency",
+constexpr ParameterRow Frequency(int index, float hertz) {
+    return {.index = index,
+            .id = "frequency",
             .name = "$$$/ParametricEQ/Frequency=Frequency of Band @0",
             .unit = "Hz",
             .lo = kLowestFrequency,
@@ -66,7 +76,8 @@ constexpr ParameterRow Frequency(float hertz) {
 }
 
 constexpr ParameterRow kGainRows[] = {
-    {.id = "gain",
+    {.index = kParametricEQFirstGain,
+     .id = "gain",
      .name = "$$$/ParametricEQ/Gain=Gain of Band @0",
      .unit = "dB",
      .lo = -kMostGain,
@@ -74,11 +85,17 @@ constexpr ParameterRow kGainRows[] = {
      .decimals = 1},
 };
 constexpr ParameterRow kQRows[] = {
-    {.id = "q", .name = "$$$/ParametricEQ/Q=Q of Band @0", .lo = kLowestQ, .hi = kHighestQ, .defaultValue = 1},
+    {.index = kParametricEQFirstQ,
+     .id = "q",
+     .name = "$$$/ParametricEQ/Q=Q of Band @0",
+     .lo = kLowestQ,
+     .hi = kHighestQ,
+     .defaultValue = 1},
 };
 
-constexpr ParameterRow Width(float hertz) {
-    return {.id = "width",
+constexpr ParameterRow Width(int index, float hertz) {
+    return {.index = index,
+            .id = "width",
             .name = "$$$/ParametricEQ/Width=Width of Band @0",
             .unit = "Hz",
             .lo = 1,
@@ -88,10 +105,15 @@ constexpr ParameterRow Width(float hertz) {
 }
 
 constexpr ParameterRow kSteepRows[] = {
-    {.id = "steep", .name = "$$$/ParametricEQ/Steep=Steep Shelf @0", .defaultValue = 1, .kind = ParameterKind::kSwitch},
+    {.index = kParametricEQFirstSteep,
+     .id = "steep",
+     .name = "$$$/ParametricEQ/Steep=Steep Shelf @0",
+     .defaultValue = 1,
+     .kind = ParameterKind::kSwitch},
 };
 constexpr ParameterRow kSlopeRows[] = {
-    {.id = "slope",
+    {.index = kParametricEQFirstSlope,
+     .id = "slope",
      .name = "$$$/ParametricEQ/Slope=Slope of Pass @0",
      .unit = "dB/oct",
      .lo = kDecibelsPerOrder,
@@ -100,7 +122,8 @@ constexpr ParameterRow kSlopeRows[] = {
      .decimals = 0},
 };
 constexpr ParameterRow kToldRows[] = {
-    {.id = "highestGain",
+    {.index = kParametricEQHighestGain,
+     .id = "highestGain",
      .name = "$$$/ParametricEQ/HighestGain=Highest Gain",
      .unit = "dB",
      .lo = -kHighestTold,
@@ -116,16 +139,18 @@ ParameterTable Table() {
     constexpr int kPeakCount = ParametricEQDesign::kPeaks;
     std::vector<ParameterRow> enables;
     std::vector<ParameterRow> frequencies;
-    for (const BandDefault& band : kBandDefaults) {
-        enables.push_back(Enable(band.isOn));
-        frequencies.push_back(Frequency(band.frequency));
+    int band = 0;
+    for (const auto& [frequency, isOn] : kBandDefaults) {
+        enables.push_back(Enable(kParametricEQFirstEnable + band, isOn));
+        frequencies.push_back(Frequency(kParametricEQFirstFrequency + band, frequency));
+        ++band;
     }
     ParameterTable table;
     table.Add(kCommonRows).AddNumbered(enables).AddNumbered(frequencies);
     table.AddRepeated(kGainRows, kPeakCount + 2, kLowShelf + 1).AddRepeated(kQRows, kPeakCount, kFirstPeak + 1);
-    for (int band = kFirstPeak; band < kFirstPeak + kPeakCount; ++band) {
-        const ParameterRow rows[] = {Width(kBandDefaults[band].frequency)};
-        table.AddRepeated(rows, 1, band + 1);
+    for (int peak = 0; peak < kPeakCount; ++peak) {
+        const ParameterRow rows[] = {Width(kParametricEQFirstWidth + peak, kBandDefaults[kFirstPeak + peak].frequency)};
+        table.AddRepeated(rows, 1, kFirstPeak + peak + 1);
     }
     return std::move(table.AddRepeated(kSteepRows, 2).AddRepeated(kSlopeRows, 2).Add(kToldRows));
 }

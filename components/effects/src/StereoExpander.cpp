@@ -13,14 +13,16 @@ namespace qoc::components {
 namespace {
 
 constexpr ParameterRow kRows[] = {
-    {.id = "pan",
+    {.index = kStereoExpanderPan,
+     .id = "pan",
      .name = "$$$/StereoExpander/CenterChannelPan=Center Channel Pan",
      .unit = "%",
      .lo = -100,
      .hi = 100,
      .defaultValue = 0,
      .decimals = 1},
-    {.id = "expand",
+    {.index = kStereoExpanderExpand,
+     .id = "expand",
      .name = "$$$/StereoExpander/StereoExpand=Stereo Expand",
      .unit = "%",
      .lo = 0,

@@ -12,20 +12,22 @@ struct CurveFilterRows {
     static constexpr const char* kCurve = "curve";   // its id
     static constexpr float kHighestFrequency = 1e6F; // hertz: half of any sample rate is less
 
-    static constexpr ParameterRow Spline(const char* name) {
-        return {.id = "spline", .name = name, .kind = ParameterKind::kSwitch};
+    static constexpr ParameterRow Spline(int index, const char* name) {
+        return {.index = index, .id = "spline", .name = name, .kind = ParameterKind::kSwitch};
     }
     // Logarithmic or linear.
-    static constexpr ParameterRow Scale(const char* name, std::span<const char* const> items) {
-        return {.id = "scale",
+    static constexpr ParameterRow Scale(int index, const char* name, std::span<const char* const> items) {
+        return {.index = index,
+                .id = "scale",
                 .name = name,
                 .kind = ParameterKind::kChoice,
                 .flags = kParameterNotAutomatable,
                 .items = items};
     }
     // The frequencies that the panel's graph shows.
-    static constexpr ParameterRow View(const char* id, const char* name, float defaultHertz) {
-        return {.id = id,
+    static constexpr ParameterRow View(int index, const char* id, const char* name, float defaultHertz) {
+        return {.index = index,
+                .id = id,
                 .name = name,
                 .unit = "Hz",
                 .defaultValue = defaultHertz,
@@ -33,8 +35,9 @@ struct CurveFilterRows {
                 .scale = ParameterScale::kNyquist,
                 .flags = kParameterNotAutomatable};
     }
-    static constexpr ParameterRow PointCount(const char* name) {
-        return {.id = "points",
+    static constexpr ParameterRow PointCount(int index, const char* name) {
+        return {.index = index,
+                .id = "points",
                 .name = name,
                 .hi = static_cast<float>(kMostPoints),
                 .defaultValue = 2,

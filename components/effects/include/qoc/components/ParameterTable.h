@@ -10,8 +10,9 @@
 
 namespace qoc::components {
 
-// The parameter descriptions of one effect instance, built from its rows in the order of the indices. Owned by the
-// effect. A row with an empty id keeps an index free: it has no description and stores 0.
+// The parameter descriptions of one effect instance, built from its rows, which come in the order of the indices. Owned
+// by the effect. Indices that no row names are free: they have no description and store 0. A row whose index is taken
+// already, or that would stand elsewhere when repeated, is the programmer's mistake: std::logic_error names it.
 class ParameterTable {
 public:
     // Rows that stand once.
@@ -30,8 +31,7 @@ public:
     GenericParameterInfo* Find(int index) const noexcept;
 
 private:
-    void AddRow(const ParameterRow& row, int number);
-
+    void AddRow(const ParameterRow& row, int number, int index);
     void AddToCurve(std::string_view curve);
 
     std::vector<std::unique_ptr<GenericParameterInfo>> fInfos;

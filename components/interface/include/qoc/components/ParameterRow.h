@@ -28,6 +28,10 @@ enum ParameterFlags : std::uint8_t {
 // parameter that stands several times ("gain" and "Gain @0" become gain1 and "Gain 1"). Tables are constants, so views
 // stay valid.
 struct ParameterRow {
+    static constexpr int kNext = -1;
+
+    int index =
+        kNext; // the parameter's, or that of the first one made from the row; kNext: right behind the row before
     const char* id = "";
     const char* name = "";
     const char* unit = "";
