@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 
 namespace krosdl {
 
@@ -30,6 +31,28 @@ constexpr double kLongestUnasked = 0.05; // seconds
 
 kroui::ui::UI_NodeManager& Timers() {
     return kroui::ui::UI_NodeManager::Get();
+}
+
+// All windows that there are. Handlers may open and delete some.
+std::vector<SdlWindow*>& Windows() {
+    static std::vector<SdlWindow*> windows;
+    return windows;
+}
+
+// The window that an event is for; 0 for one that is for all.
+Uint32 WindowOf(const SDL_Event& event) {
+    switch (event.type) {
+    case SDL_WINDOWEVENT: return event.window.windowID;
+    case SDL_MOUSEMOTION: return event.motion.windowID;
+    case SDL_MOUSEBUTTONDOWN:
+    case SDL_MOUSEBUTTONUP: return event.button.windowID;
+    case SDL_MOUSEWHEEL: return event.wheel.windowID;
+    case SDL_KEYDOWN: return event.key.windowID;
+    case SDL_TEXTINPUT: return event.text.windowID;
+    case SDL_DROPFILE:
+    case SDL_DROPCOMPLETE: return event.drop.windowID;
+    default: return 0;
+    }
 }
 
 // Without a screen SDL takes a driver that shows nothing, and says that all is well.
@@ -107,13 +130,16 @@ SdlWindow::SdlWindow(const kroui::limner::CairoSupplier& supplier, const Setting
                                      std::min(points(settings.size.width), screen.w),
                                      std::min(points(settings.size.height), screen.h), kFlags);
     if (fSystemWindow == nullptr) SdlLibrary::Refuse(SDL_GetError());
+    fID = SDL_GetWindowID(fSystemWindow);
     fInputWait = std::make_unique<InputWait>(*fSystemWindow);
     kroui::ui::WindowBackend& backend = *this;
     fWindow = std::make_unique<kroui::ui::UI_Window>(supplier, backend);
     FitContent();
+    Windows().push_back(this);
 }
 
 SdlWindow::~SdlWindow() {
+    std::erase(Windows(), this);
     fWindow.reset();
     for (const auto& [cursor, handle] : fCursors)
         SDL_FreeCursor(handle);
@@ -160,16 +186,26 @@ void SdlWindow::KeepOnScreen() {
     if (x != window.x || y != window.y) SDL_SetWindowPosition(fSystemWindow, x, y);
 }
 
-void SdlWindow::Run(const boost::function<void()>& idle) {
+void SdlWindow::Show() {
     FitContent();
     SDL_ShowWindow(fSystemWindow);
     // Letters choose in lists, so that they are always wanted as text.
     SDL_StartTextInput();
+}
+
+void SdlWindow::Close() {
+    fIsOpen = false;
+    SDL_HideWindow(fSystemWindow);
+}
+
+void SdlWindow::Run(const boost::function<void()>& idle) {
+    Show();
     while (fIsOpen) {
         if (WaitForInput()) HandleInput();
         Timers().RunTimers();
-        PaintIfDue();
-        if (idle && !fWindow->NeedsPaint()) idle();
+        for (std::size_t i = 0; i < Windows().size(); ++i)
+            Windows()[i]->PaintIfDue();
+        if (idle && !IsAnythingToPaint()) idle();
     }
 }
 
@@ -187,22 +223,47 @@ bool SdlWindow::WaitForInput() {
 void SdlWindow::HandleInput() {
     SDL_Event event;
     while (SDL_PollEvent(&event) != 0)
-        Handle(event);
-    FinishKey();
+        Dispatch(event);
+    for (std::size_t i = 0; i < Windows().size(); ++i)
+        Windows()[i]->FinishKey();
 }
 
-int SdlWindow::MillisecondsToWait() const {
-    double seconds = Timers().SecondsToNextTimer();
-    if (fWindow->NeedsPaint()) {
-        const double toPaint = std::max(0.0, fLastPaint + kLeastSecondsBetweenPaints - Timers().Now());
-        seconds = seconds < 0 ? toPaint : std::min(seconds, toPaint);
+// Events of a window that is gone may still come.
+void SdlWindow::Dispatch(const SDL_Event& event) {
+    if (event.type == SDL_QUIT) {
+        for (SdlWindow* const window : Windows())
+            window->Close();
     }
-    if (seconds < 0) return kLongestWait;
-    return static_cast<int>(std::min<double>(std::ceil(seconds * 1000), kLongestWait));
+    const auto isMeant = [id = WindowOf(event)](const SdlWindow* window) { return window->fID == id; };
+    const auto window = std::ranges::find_if(Windows(), isMeant);
+    if (window != Windows().end()) {
+        (*window)->Handle(event);
+    } else if (event.type == SDL_DROPFILE) {
+        SDL_free(event.drop.file);
+    }
+}
+
+int SdlWindow::MillisecondsToWait() {
+    double seconds = kLongestWait / 1000.0;
+    if (const double toTimer = Timers().SecondsToNextTimer(); toTimer >= 0) seconds = std::min(seconds, toTimer);
+    for (const SdlWindow* const window : Windows())
+        seconds = std::min(seconds, window->SecondsToPaint());
+    return static_cast<int>(std::ceil(seconds * 1000));
+}
+
+bool SdlWindow::IsAnythingToPaint() {
+    return std::ranges::any_of(Windows(),
+                               [](const SdlWindow* window) { return std::isfinite(window->SecondsToPaint()); });
+}
+
+// Infinite when there is nothing to paint.
+double SdlWindow::SecondsToPaint() const {
+    if (!fIsOpen || !fWindow->NeedsPaint()) return std::numeric_limits<double>::infinity();
+    return std::max(0.0, fLastPaint + kLeastSecondsBetweenPaints - Timers().Now());
 }
 
 void SdlWindow::PaintIfDue() {
-    if (!fWindow->NeedsPaint() || Timers().Now() - fLastPaint < kLeastSecondsBetweenPaints) return;
+    if (SecondsToPaint() > 0) return;
     fLastPaint = Timers().Now();
     FitContent();
     fWindow->Paint();
@@ -255,7 +316,6 @@ Point SdlWindow::PointerInView() const {
 void SdlWindow::Handle(const SDL_Event& event) {
     if (event.type != SDL_TEXTINPUT) FinishKey();
     switch (event.type) {
-    case SDL_QUIT: fIsOpen = false; break;
     case SDL_WINDOWEVENT: HandleWindowEvent(event.window); break;
     case SDL_MOUSEMOTION:
         if (!IsMotionNext()) fWindow->MouseMoved(ToView(event.motion.x, event.motion.y), CurrentModifiers());
@@ -280,9 +340,10 @@ void SdlWindow::Handle(const SDL_Event& event) {
 }
 
 // Of a row of moves only the last counts.
-bool SdlWindow::IsMotionNext() {
+bool SdlWindow::IsMotionNext() const {
     SDL_Event next;
-    return SDL_PeepEvents(&next, 1, SDL_PEEKEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT) == 1 && next.type == SDL_MOUSEMOTION;
+    return SDL_PeepEvents(&next, 1, SDL_PEEKEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT) == 1 &&
+           next.type == SDL_MOUSEMOTION && next.motion.windowID == fID;
 }
 
 void SdlWindow::HandleWindowEvent(const SDL_WindowEvent& event) {
@@ -294,7 +355,8 @@ void SdlWindow::HandleWindowEvent(const SDL_WindowEvent& event) {
     case SDL_WINDOWEVENT_EXPOSED: ShowAll(); break;
     case SDL_WINDOWEVENT_LEAVE: fWindow->MouseLeft(); break;
     case SDL_WINDOWEVENT_FOCUS_LOST: fWindow->Deactivated(); break;
-    case SDL_WINDOWEVENT_CLOSE: fIsOpen = false; break;
+    case SDL_WINDOWEVENT_ENTER: ShowCursor(); break; // the system has one for all windows
+    case SDL_WINDOWEVENT_CLOSE: Close(); break;
     default: break;
     }
 }
@@ -355,8 +417,12 @@ void SdlWindow::Present(std::span<const Rect> pixelRects) {
 void SdlWindow::SetCursor(Cursor cursor) {
     if (cursor == fCursor) return;
     fCursor = cursor;
-    auto [entry, isNew] = fCursors.try_emplace(cursor, nullptr);
-    if (isNew) entry->second = SDL_CreateSystemCursor(SystemCursor(cursor));
+    ShowCursor();
+}
+
+void SdlWindow::ShowCursor() {
+    auto [entry, isNew] = fCursors.try_emplace(fCursor, nullptr);
+    if (isNew) entry->second = SDL_CreateSystemCursor(SystemCursor(fCursor));
     SDL_SetCursor(entry->second);
 }
 

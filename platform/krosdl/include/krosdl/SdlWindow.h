@@ -6,6 +6,7 @@
 
 #include <boost/function.hpp>
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -24,8 +25,9 @@ namespace krosdl {
 class InputWait;
 
 // A window on the screen, through SDL: shows what UI_Window paints and hands it what the user does. Owned by the
-// program, which runs its loop on the main thread; everything here is for that thread. Several windows at once are not
-// supported.
+// program, which runs its loop on the main thread; everything here is for that thread. A program may have several
+// windows, opened and closed in any order: the loop that one of them runs serves all, each with its own scale and
+// theme.
 //
 // The content is as large as the window: it is given the window's size, and another one whenever the user or Resize
 // changes it. A panel that changes its size by itself, such as one whose "Advanced" section opens, says so by its
@@ -51,12 +53,16 @@ public:
     // reach beyond the screen; one that is not yet shown goes to the middle.
     void Resize(kroui::Size size);
 
-    // The event loop: shows the window and lives for it until the user closes it, or Close is called. Runs the timers
-    // of all nodes, and between events sleeps until the next one is due. `idle`, if there is one, is called whenever
-    // everything is painted, at least once a second. What it or a handler throws passes on.
+    // Puts the window on the screen, for the loop of another one to serve.
+    void Show();
+    // The event loop: shows the window and lives for it until the user closes it, or Close is called; other windows are
+    // served meanwhile. Runs the timers of all nodes, and between events sleeps until the next one is due. `idle`, if
+    // there is one, is called whenever everything is painted, at least once a second: the place to delete windows that
+    // are no longer open. What it or a handler throws passes on. A handler may run another window's loop.
     void Run(const boost::function<void()>& idle);
-    // Ends Run, from `idle` or a handler.
-    void Close() { fIsOpen = false; }
+    // Takes the window from the screen, and ends its Run.
+    void Close();
+    bool IsOpen() const { return fIsOpen; }
 
 private:
     void RequestPaint() override {}
@@ -69,18 +75,22 @@ private:
 
     SDL_Rect UsableScreen() const;
     void KeepOnScreen();
-    static bool IsMotionNext();
-    int MillisecondsToWait() const;
+    static int MillisecondsToWait();
+    static bool IsAnythingToPaint();
+    static void HandleInput();
+    static void Dispatch(const SDL_Event& event);
     bool WaitForInput();
-    void HandleInput();
+    double SecondsToPaint() const;
     void PaintIfDue();
     void FitContent();
     void HoldSmallestSize();
     int PointsFor(float units, int most) const;
     void ShowAll();
+    void ShowCursor();
     float UnitsPerPoint() const; // a point is what the system counts windows in
     kroui::Point ToView(int x, int y) const;
     kroui::Point PointerInView() const;
+    bool IsMotionNext() const;
     void Handle(const SDL_Event& event);
     void HandleWindowEvent(const SDL_WindowEvent& event);
     void HandleButton(const SDL_MouseButtonEvent& event);
@@ -92,6 +102,7 @@ private:
     std::unique_ptr<SdlLibrary> fLibrary; // goes last
     kroui::limner::PixelSurface fSurface;
     SDL_Window* fSystemWindow = nullptr;
+    std::uint32_t fID = 0; // what SDL knows the window by
     std::unique_ptr<kroui::ui::UI_Window> fWindow;
     Settings fSettings;
     std::map<kroui::ui::Cursor, SDL_Cursor*> fCursors;
