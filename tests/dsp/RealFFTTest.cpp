@@ -1,8 +1,9 @@
 #include "qoc/dsp/spectrum/RealFFT.h"
 
+#include "EveryVectorTarget.h"
+
 #include <gtest/gtest.h>
 
-#include <hwy/targets.h>
 #include <kiss_fftr.h>
 
 #include <algorithm>
@@ -133,24 +134,15 @@ TEST(RealFFT, PartsGiveTheBitsOfTheWhole) {
 
 // Sounds don't depend on the machine.
 TEST(RealFFT, HasTheSameBitsOnEveryKindOfProcessor) {
-    struct Restore {
-        ~Restore() { Choose(0); }
-        static void Choose(std::int64_t targets) {
-            hwy::SetSupportedTargetsForTest(targets);
-            hwy::GetChosenTarget().DeInit();
-        }
-    } const restore;
     for (std::size_t size = 64; size <= 8192; size *= 2) {
         const RealFFT fft(size);
         const std::vector<float> time = Noise(size);
         const Spectrum spectrum = Forward(fft, time);
         const std::vector<float> back = Inverse(fft, spectrum);
-        for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
-            Restore::Choose(target);
-            EXPECT_TRUE(HaveSameBits(Forward(fft, time), spectrum)) << size << " with " << hwy::TargetName(target);
-            EXPECT_TRUE(HaveSameBits(Inverse(fft, spectrum), back)) << size << " with " << hwy::TargetName(target);
-            Restore::Choose(0);
-        }
+        test::WithEveryVectorTarget([&](const std::string& target) {
+            EXPECT_TRUE(HaveSameBits(Forward(fft, time), spectrum)) << size << " with " << target;
+            EXPECT_TRUE(HaveSameBits(Inverse(fft, spectrum), back)) << size << " with " << target;
+        });
     }
 }
 

@@ -1,4 +1,5 @@
 #include "Drawing.h"
+#include "EveryVectorTarget.h"
 
 #include "krocore/config/Error.h"
 
@@ -169,6 +170,36 @@ TEST_F(Picture, PixelSurfaceDrawsOnThePartOnlyAndKeepsTheRest) {
     }
     surface.SetSize({20, 11}, 2);
     EXPECT_EQ(surface.Pixels()[4 * 40 + 10], 0xFF000000);
+}
+
+// Fills and masks of every width and coverage, over an opaque and a translucent ground.
+void DrawOfEverything(Limner& limner) {
+    limner.FillRect({0, 0, 100, 30}, Color::FromRGB(0x3070A0));
+    for (int i = 0; i < 25; ++i) {
+        const float place = static_cast<float>(i);
+        const Color color{0.9F, 0.5F, 0.1F, 0.04F * place};
+        limner.FillRect({place, 2 * place, 3 * place, 1}, color);
+        limner.FillRect({60 + place / 7, 2 * place, place / 3, 1.4F}, color);
+        limner.FillRoundRect({40 + place / 3, 2 * place, 4 + place, 5}, 2, color);
+    }
+    limner.DrawText(u"Every width of letters", {11, false}, {1, 1, 1, 0.8F}, {3, 20, 97, 20}, {});
+}
+
+// With what rounds each component once: a * b / 255.
+TEST_F(Picture, IsTheSameWithEveryKindOfVectorsAndRoundsOnce) {
+    const ImagePtr expected = Drawn(DrawOfEverything);
+    ::test::WithEveryVectorTarget([&](const std::string& target) {
+        EXPECT_EQ(LargestDifference(*Drawn(DrawOfEverything), *expected), 0) << target;
+        for (int width = 1; width <= 20; ++width) {
+            const ImagePtr row = Drawn([width](Limner& limner) {
+                limner.FillRect({0, 0, 100, 60}, Color::FromRGB(0x3070A0));
+                limner.FillRect({1, 0, static_cast<float>(width), 60}, {0, 1, 0, 0.4F});
+            });
+            for (const int x : {0, 1, width, width + 1}) // 102 / 255: 0x30 * 0.6 = 28.8, 102 + 0x70 * 0.6 = 169.2
+                EXPECT_EQ(PixelAt(*row, x, 7), x >= 1 && x <= width ? 0xFF1DA960 : 0xFF3070A0)
+                    << target << ' ' << width;
+        }
+    });
 }
 
 } // namespace kroui::limner::test

@@ -1,8 +1,7 @@
 #include "PixelCanvas.h"
 
-#include "PixelSpans.h"
-
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace kroui::limner {
@@ -28,6 +27,15 @@ std::uint32_t Component(float value) {
     return value > 0 ? static_cast<std::uint32_t>(std::lround(std::min(value, 1.0F) * kOpaque)) : 0;
 }
 
+// A stretch of positions: each has a cell of the mask, or all have the same one.
+struct Band {
+    int begin;
+    int end;
+    int firstCell;
+    bool isRepeated;
+};
+using Bands = std::array<Band, 3>;
+
 // One axis of a stretched mask: positions before `head` and from `tail` on have a mask cell of their own, the mask's
 // middle cell stands for all between.
 struct Stretch {
@@ -40,7 +48,14 @@ struct Stretch {
         head = maskSize / 2;
         tail = head + 1 + added;
     }
-    int CellAt(int position) const { return position < head ? position : std::max(head, position - added); }
+    // What is seen of it from `begin` to `end` when it starts at `origin`.
+    Bands BandsOf(int origin, int begin, int end) const {
+        const int middle = origin + head;
+        const int rest = std::max(begin, origin + tail);
+        return {Band{begin, std::min(end, middle), begin - origin, false},
+                Band{std::max(begin, middle), std::min(end, origin + tail), head, true},
+                Band{rest, end, rest - origin - added, false}};
+    }
 };
 
 } // namespace
@@ -64,10 +79,7 @@ std::uint32_t PixelFor(const Color& color) {
 }
 
 void PixelCanvas::Fill(const PixelRect& rect, const PixelRect& clip, std::uint32_t pixel) {
-    const PixelRect visible = Intersection(rect, clip);
-    if (visible.IsEmpty()) return;
-    for (int y = visible.top; y < visible.bottom; ++y)
-        FillSpan(Row(y) + visible.left, visible.Width(), pixel);
+    FillRows(RowsOf(Intersection(rect, clip)), pixel);
 }
 
 void PixelCanvas::FillExact(const DeviceBox& box, const PixelRect& clip, std::uint32_t pixel) {
@@ -75,23 +87,19 @@ void PixelCanvas::FillExact(const DeviceBox& box, const PixelRect& clip, std::ui
     if (visible.IsEmpty()) return;
     const double leftShare = OverlapOfPixel(visible.left, box.left, box.right);
     const double rightShare = OverlapOfPixel(visible.right - 1, box.left, box.right);
+    const int last = visible.right - 1;
     for (int y = visible.top; y < visible.bottom; ++y) {
         const double share = OverlapOfPixel(y, box.top, box.bottom);
-        std::uint32_t* row = Row(y);
-        FillSpan(row + visible.left, 1, ScaledByShare(pixel, share * leftShare));
-        FillSpan(row + visible.left + 1, visible.Width() - 2, ScaledByShare(pixel, share));
-        if (visible.Width() > 1) FillSpan(row + visible.right - 1, 1, ScaledByShare(pixel, share * rightShare));
+        FillRows(RowsOf({visible.left, y, visible.left + 1, y + 1}), ScaledByShare(pixel, share * leftShare));
+        FillRows(RowsOf({visible.left + 1, y, last, y + 1}), ScaledByShare(pixel, share));
+        if (visible.Width() > 1) FillRows(RowsOf({last, y, last + 1, y + 1}), ScaledByShare(pixel, share * rightShare));
     }
 }
 
 void PixelCanvas::Blend(const Mask& mask, int x, int y, const PixelRect& clip, std::uint32_t pixel) {
     const int left = x + mask.left;
     const int top = y + mask.top;
-    const PixelRect visible = Intersection({left, top, left + mask.width, top + mask.height}, clip);
-    if (visible.IsEmpty()) return;
-    for (int row = visible.top; row < visible.bottom; ++row) {
-        BlendSpan(Row(row) + visible.left, mask.Row(row - top) + (visible.left - left), visible.Width(), pixel);
-    }
+    BlendPart(Intersection({left, top, left + mask.width, top + mask.height}, clip), mask, left, top, pixel);
 }
 
 void PixelCanvas::BlendColumn(int x, int top, std::span<const std::uint8_t> coverage, const PixelRect& clip,
@@ -99,8 +107,9 @@ void PixelCanvas::BlendColumn(int x, int top, std::span<const std::uint8_t> cove
     const int bottom = top + static_cast<int>(coverage.size());
     const PixelRect visible = Intersection({x, top, x + 1, bottom}, clip);
     if (visible.IsEmpty()) return;
-    for (int y = visible.top; y < visible.bottom; ++y)
-        BlendSpan(Row(y) + x, &coverage[static_cast<std::size_t>(y - top)], 1, pixel);
+    std::uint32_t* target = Row(visible.top) + x;
+    for (int y = visible.top; y < visible.bottom; ++y, target += fBuffer.width)
+        BlendPixel(*target, coverage[static_cast<std::size_t>(y - top)], pixel);
 }
 
 void PixelCanvas::BlendRow(int left, int y, std::span<const std::uint8_t> coverage, const PixelRect& clip,
@@ -108,30 +117,48 @@ void PixelCanvas::BlendRow(int left, int y, std::span<const std::uint8_t> covera
     const int right = left + static_cast<int>(coverage.size());
     const PixelRect visible = Intersection({left, y, right, y + 1}, clip);
     if (visible.IsEmpty()) return;
-    BlendSpan(Row(y) + visible.left, &coverage[static_cast<std::size_t>(visible.left - left)], visible.Width(), pixel);
+    BlendRows(RowsOf(visible), {&coverage[static_cast<std::size_t>(visible.left - left)]}, pixel);
 }
 
+// Rows whose cells are the mask's own are blended together, and so are all those for which its middle row stands.
 void PixelCanvas::BlendStretched(const Mask& mask, const PixelRect& rect, const PixelRect& clip, std::uint32_t pixel) {
     const PixelRect visible = Intersection(rect, clip);
-    if (visible.IsEmpty()) return;
     const Stretch across(mask.width, rect.Width());
     const Stretch down(mask.height, rect.Height());
-    const int middleBegin = rect.left + across.head;
-    const int tailBegin = rect.left + across.tail;
-    const int tailShift = rect.Width() - mask.width;
-    for (int y = visible.top; y < visible.bottom; ++y) {
-        const std::uint8_t* coverage = mask.Row(down.CellAt(y - rect.top));
-        std::uint32_t* row = Row(y);
-        const auto blendCells = [&](int from, int to, int firstCell) {
-            if (from < to) BlendSpan(row + from, coverage + (from - firstCell), to - from, pixel);
-        };
-        blendCells(visible.left, std::min(visible.right, middleBegin), rect.left);
-        if (across.head < across.tail && coverage[across.head] != 0) {
-            const int from = std::max(visible.left, middleBegin);
-            FillSpan(row + from, std::min(visible.right, tailBegin) - from, ScaledPixel(pixel, coverage[across.head]));
+    const Bands columns = across.BandsOf(rect.left, visible.left, visible.right);
+    const Bands rows = down.BandsOf(rect.top, visible.top, visible.bottom);
+    for (const Band& row : rows) {
+        if (row.begin >= row.end) continue;
+        const std::uint8_t* const cells = mask.Row(row.firstCell);
+        const std::ptrdiff_t stride = row.isRepeated ? 0 : mask.width;
+        for (const Band& column : columns) {
+            const PixelRect part = {column.begin, row.begin, column.end, row.end};
+            if (column.isRepeated)
+                FillByRow(part, cells + column.firstCell, stride, pixel);
+            else if (!part.IsEmpty())
+                BlendRows(RowsOf(part), {cells + column.firstCell, stride}, pixel);
         }
-        blendCells(std::max(visible.left, tailBegin), visible.right, rect.left + tailShift);
     }
+}
+
+// Every row has one coverage.
+void PixelCanvas::FillByRow(const PixelRect& part, const std::uint8_t* coverage, std::ptrdiff_t stride,
+                            std::uint32_t pixel) {
+    if (part.IsEmpty()) return;
+    if (stride == 0) return FillRows(RowsOf(part), ScaledPixel(pixel, *coverage));
+    for (int y = part.top; y < part.bottom; ++y, coverage += stride)
+        FillRows(RowsOf({part.left, y, part.right, y + 1}), ScaledPixel(pixel, *coverage));
+}
+
+// `part` of a mask whose corner is at `left` and `top`.
+void PixelCanvas::BlendPart(const PixelRect& part, const Mask& mask, int left, int top, std::uint32_t pixel) {
+    if (part.IsEmpty()) return;
+    BlendRows(RowsOf(part), {mask.Row(part.top - top) + (part.left - left), mask.width}, pixel);
+}
+
+PixelRows PixelCanvas::RowsOf(const PixelRect& part) {
+    if (part.IsEmpty()) return {};
+    return {Row(part.top) + part.left, fBuffer.width, part.Width(), part.Height()};
 }
 
 } // namespace kroui::limner

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PixelSpans.h"
 #include "kroui/limner/Types.h"
 
 #include <cstdint>
@@ -81,6 +82,9 @@ public:
     void BlendStretched(const Mask& mask, const PixelRect& rect, const PixelRect& clip, std::uint32_t pixel);
 
 private:
+    void BlendPart(const PixelRect& part, const Mask& mask, int left, int top, std::uint32_t pixel);
+    void FillByRow(const PixelRect& part, const std::uint8_t* coverage, std::ptrdiff_t stride, std::uint32_t pixel);
+    PixelRows RowsOf(const PixelRect& part); // of one that lies inside the buffer
     std::uint32_t* Row(int y) { return fBuffer.pixels.data() + static_cast<std::size_t>(y) * fBuffer.width; }
 
     PixelBuffer& fBuffer;

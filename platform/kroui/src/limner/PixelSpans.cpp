@@ -1,24 +1,153 @@
-#include "PixelSpans.h"
+// Compiled once for every kind of vectors.
+#include "limner/PixelSpans.h"
 
-#include <algorithm>
-#include <cstring>
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "limner/PixelSpans.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
+HWY_BEFORE_NAMESPACE();
+namespace kroui::limner::HWY_NAMESPACE {
 
-namespace kroui::limner {
-
-namespace {
+namespace hn = hwy::HWY_NAMESPACE;
 
 constexpr std::uint32_t kOpaque = 255;
 
-std::uint32_t AlphaOf(std::uint32_t pixel) {
+HWY_INLINE std::uint32_t AlphaOf(std::uint32_t pixel) {
     return pixel >> 24;
 }
 
-// Two components share a 32-bit product. x / 255 rounded to nearest is (x + 128 + (x + 128) / 256) / 256 for every x up
-// to 255 * 255 + 127, which is also as far as the sums below go.
+#if HWY_TARGET == HWY_SCALAR
+
+// Without vectors there are no groups.
+template <std::size_t kPixels>
+int FillGroups(std::uint32_t* /*target*/, int begin, int /*count*/, std::uint32_t /*pixel*/) {
+    return begin;
+}
+template <std::size_t kPixels>
+int BlendGroups(std::uint32_t* /*target*/, const std::uint8_t* /*coverage*/, int begin, int /*count*/,
+                std::uint32_t /*pixel*/) {
+    return begin;
+}
+
+#else
+
+// A pixel has its four components in two 16-bit lanes of each of two vectors, red and blue in one, alpha and green in
+// the other.
+template <std::size_t kPixels>
+struct Pixels {
+    using Whole = hn::CappedTag<std::uint32_t, kPixels>;
+    using Halves = hn::Repartition<std::uint16_t, Whole>;
+    using Bytes = hn::Rebind<std::uint8_t, Whole>; // one a pixel
+    using WholeVector = hn::Vec<Whole>;
+    using Vector = hn::Vec<Halves>;
+
+    Vector redBlue;
+    Vector alphaGreen;
+
+    static HWY_INLINE int Count() { return static_cast<int>(hn::Lanes(Whole())); }
+
+    static HWY_INLINE Pixels Of(WholeVector pixels) {
+        const Vector halves = hn::BitCast(Halves(), pixels);
+        return {hn::And(halves, hn::Set(Halves(), 0xFF)), hn::ShiftRight<8>(halves)};
+    }
+    static HWY_INLINE Pixels Load(const std::uint32_t* from) { return Of(hn::LoadU(Whole(), from)); }
+    HWY_INLINE void Store(std::uint32_t* to) const {
+        hn::StoreU(hn::BitCast(Whole(), hn::Or(redBlue, hn::ShiftLeft<8>(alphaGreen))), Whole(), to);
+    }
+
+    // x / 255 rounded to nearest is (x + 128 + (x + 128) / 256) / 256 for every x up to 255 * 255 + 127.
+    static HWY_INLINE Vector By255(Vector product) {
+        const Vector rounded = hn::Add(product, hn::Set(Halves(), 128));
+        return hn::ShiftRight<8>(hn::Add(rounded, hn::ShiftRight<8>(rounded)));
+    }
+};
+
+template <std::size_t kPixels>
+HWY_INLINE int FillGroups(std::uint32_t* target, int begin, int count, std::uint32_t pixel) {
+    using P = Pixels<kPixels>;
+    const typename P::Whole whole;
+    const auto added = hn::Set(whole, pixel);
+    int i = begin;
+    if (AlphaOf(pixel) == kOpaque) {
+        for (; i + P::Count() <= count; i += P::Count())
+            hn::StoreU(added, whole, target + i);
+        return i;
+    }
+    const auto addedParts = P::Of(added);
+    const auto rest = hn::Set(typename P::Halves(), static_cast<std::uint16_t>(kOpaque - AlphaOf(pixel)));
+    for (; i + P::Count() <= count; i += P::Count()) {
+        const P old = P::Load(target + i);
+        const P filled = {hn::Add(addedParts.redBlue, P::By255(hn::Mul(old.redBlue, rest))),
+                          hn::Add(addedParts.alphaGreen, P::By255(hn::Mul(old.alphaGreen, rest)))};
+        filled.Store(target + i);
+    }
+    return i;
+}
+
+// One rounding for both terms keeps an opaque target opaque.
+template <std::size_t kPixels>
+HWY_INLINE int BlendGroups(std::uint32_t* target, const std::uint8_t* coverage, int begin, int count,
+                           std::uint32_t pixel) {
+    using P = Pixels<kPixels>;
+    const typename P::Whole whole;
+    const typename P::Halves halves;
+    const typename P::Bytes bytes;
+    const P added = P::Of(hn::Set(whole, pixel));
+    const auto alpha = hn::Set(halves, static_cast<std::uint16_t>(AlphaOf(pixel)));
+    const auto opaque = hn::Set(halves, static_cast<std::uint16_t>(kOpaque));
+    int i = begin;
+    for (; i + P::Count() <= count; i += P::Count()) {
+        const auto group = hn::PromoteTo(whole, hn::LoadU(bytes, coverage + i));
+        if (hn::AllTrue(whole, hn::Eq(group, hn::Zero(whole)))) continue;
+        const auto covered = hn::BitCast(halves, hn::Or(group, hn::ShiftLeft<16>(group)));
+        const auto rest = hn::Sub(opaque, P::By255(hn::Mul(alpha, covered)));
+        const P old = P::Load(target + i);
+        const auto blended = [&](auto ours, auto theirs) {
+            return P::By255(hn::Add(hn::Mul(ours, covered), hn::Mul(theirs, rest)));
+        };
+        const P result = {blended(added.redBlue, old.redBlue), blended(added.alphaGreen, old.alphaGreen)};
+        result.Store(target + i);
+    }
+    return i;
+}
+
+#endif
+
+// Wide groups, one of four, then pixel by pixel.
+void FillRowsWith(const PixelRows& rows, std::uint32_t pixel) {
+    for (int y = 0; y < rows.height; ++y) {
+        std::uint32_t* const row = rows.first + y * rows.stride;
+        int i = FillGroups<8>(row, 0, rows.width, pixel);
+        i = FillGroups<4>(row, i, rows.width, pixel);
+        for (; i < rows.width; ++i)
+            BlendPixel(row[i], kOpaque, pixel);
+    }
+}
+
+void BlendRowsWith(const PixelRows& rows, const CoverageRows& coverage, std::uint32_t pixel) {
+    for (int y = 0; y < rows.height; ++y) {
+        std::uint32_t* const row = rows.first + y * rows.stride;
+        const std::uint8_t* const covered = coverage.first + y * coverage.stride;
+        int i = BlendGroups<8>(row, covered, 0, rows.width, pixel);
+        i = BlendGroups<4>(row, covered, i, rows.width, pixel);
+        for (; i < rows.width; ++i)
+            BlendPixel(row[i], covered[i], pixel);
+    }
+}
+
+} // namespace kroui::limner::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace kroui::limner {
+
+HWY_EXPORT(FillRowsWith);
+HWY_EXPORT(BlendRowsWith);
+
+namespace {
+
+// Two components share a 32-bit product.
 constexpr std::uint32_t kPair = 0x00FF00FF;
 constexpr std::uint32_t kHalf = 0x00800080;
 
@@ -30,107 +159,28 @@ std::uint32_t By255(std::uint32_t redBlue, std::uint32_t alphaGreen) {
     return redBlue | alphaGreen;
 }
 
-// One rounding for both terms keeps an opaque target opaque.
-std::uint32_t Covered(std::uint32_t target, std::uint32_t pixel, std::uint32_t coverage) {
-    const std::uint32_t rest = kOpaque - (AlphaOf(pixel) * coverage + kOpaque / 2) / kOpaque;
-    return By255((pixel & kPair) * coverage + (target & kPair) * rest,
-                 (pixel >> 8 & kPair) * coverage + (target >> 8 & kPair) * rest);
-}
-
-#if defined(__SSE2__)
-
-// The same arithmetic on four pixels, a component in each 16-bit lane. Every operation leaves out the pixels that do
-// not make a whole group and returns how many it has done.
-__m128i By255(__m128i products) {
-    const __m128i rounded = _mm_add_epi16(products, _mm_set1_epi16(128));
-    return _mm_srli_epi16(_mm_add_epi16(rounded, _mm_srli_epi16(rounded, 8)), 8);
-}
-
-__m128i Load(const std::uint32_t* pixels) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels));
-}
-
-void Store(std::uint32_t* pixels, __m128i value) {
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(pixels), value);
-}
-
-__m128i LowLanes(__m128i bytes) {
-    return _mm_unpacklo_epi8(bytes, _mm_setzero_si128());
-}
-
-__m128i HighLanes(__m128i bytes) {
-    return _mm_unpackhi_epi8(bytes, _mm_setzero_si128());
-}
-
-__m128i Covered(__m128i target, __m128i pixel, __m128i alpha, __m128i coverage) {
-    const __m128i rest = _mm_sub_epi16(_mm_set1_epi16(kOpaque), By255(_mm_mullo_epi16(alpha, coverage)));
-    return By255(_mm_add_epi16(_mm_mullo_epi16(pixel, coverage), _mm_mullo_epi16(target, rest)));
-}
-
-int FillGroups(std::uint32_t* target, int count, std::uint32_t pixel) {
-    const __m128i added = _mm_set1_epi32(static_cast<int>(pixel));
-    const __m128i rest = _mm_set1_epi16(static_cast<short>(kOpaque - AlphaOf(pixel)));
-    int i = 0;
-    for (; i + kPixelsAtOnce <= count; i += kPixelsAtOnce) {
-        const __m128i old = Load(target + i);
-        const __m128i low = By255(_mm_mullo_epi16(LowLanes(old), rest));
-        const __m128i high = By255(_mm_mullo_epi16(HighLanes(old), rest));
-        Store(target + i, _mm_add_epi8(added, _mm_packus_epi16(low, high)));
-    }
-    return i;
-}
-
-int BlendGroups(std::uint32_t* target, const std::uint8_t* coverage, int count, std::uint32_t pixel) {
-    const __m128i lanes = LowLanes(_mm_set1_epi32(static_cast<int>(pixel)));
-    const __m128i alpha = _mm_set1_epi16(static_cast<short>(AlphaOf(pixel)));
-    int i = 0;
-    for (; i + kPixelsAtOnce <= count; i += kPixelsAtOnce) {
-        int group = 0;
-        std::memcpy(&group, coverage + i, sizeof group);
-        if (group == 0) continue;
-        __m128i spread = _mm_cvtsi32_si128(group);
-        spread = _mm_unpacklo_epi8(spread, spread);
-        spread = _mm_unpacklo_epi16(spread, spread);
-        const __m128i old = Load(target + i);
-        const __m128i low = Covered(LowLanes(old), lanes, alpha, LowLanes(spread));
-        const __m128i high = Covered(HighLanes(old), lanes, alpha, HighLanes(spread));
-        Store(target + i, _mm_packus_epi16(low, high));
-    }
-    return i;
-}
-
-#else
-
-int FillGroups(std::uint32_t*, int, std::uint32_t) {
-    return 0;
-}
-
-int BlendGroups(std::uint32_t*, const std::uint8_t*, int, std::uint32_t) {
-    return 0;
-}
-
-#endif
-
 } // namespace
 
 std::uint32_t ScaledPixel(std::uint32_t pixel, std::uint32_t coverage) {
     return By255((pixel & kPair) * coverage, (pixel >> 8 & kPair) * coverage);
 }
 
-void FillSpan(std::uint32_t* target, int count, std::uint32_t pixel) {
-    if (count <= 0 || pixel == 0) return;
-    if (AlphaOf(pixel) == kOpaque) {
-        std::fill_n(target, count, pixel);
-        return;
-    }
-    for (int i = FillGroups(target, count, pixel); i < count; ++i)
-        target[i] = Covered(target[i], pixel, kOpaque);
+void BlendPixel(std::uint32_t& target, std::uint32_t coverage, std::uint32_t pixel) {
+    constexpr std::uint32_t kOpaque = 255;
+    if (coverage == 0) return;
+    const std::uint32_t rest = kOpaque - ((pixel >> 24) * coverage + kOpaque / 2) / kOpaque;
+    target = By255((pixel & kPair) * coverage + (target & kPair) * rest,
+                   (pixel >> 8 & kPair) * coverage + (target >> 8 & kPair) * rest);
 }
 
-void BlendSpan(std::uint32_t* target, const std::uint8_t* coverage, int count, std::uint32_t pixel) {
-    for (int i = BlendGroups(target, coverage, count, pixel); i < count; ++i) {
-        if (coverage[i] != 0) target[i] = Covered(target[i], pixel, coverage[i]);
-    }
+void FillRows(const PixelRows& rows, std::uint32_t pixel) {
+    if (pixel == 0 || rows.width <= 0) return;
+    HWY_DYNAMIC_DISPATCH(FillRowsWith)(rows, pixel);
+}
+
+void BlendRows(const PixelRows& rows, const CoverageRows& coverage, std::uint32_t pixel) {
+    HWY_DYNAMIC_DISPATCH(BlendRowsWith)(rows, coverage, pixel);
 }
 
 } // namespace kroui::limner
+#endif

@@ -1,20 +1,36 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace kroui::limner {
 
-// The innermost loops of drawing: one colour, premultiplied 0xAARRGGBB, over pixels that lie side by side. An opaque
-// pixel stays opaque whatever is drawn over it.
+// The innermost loops of drawing: one colour, premultiplied 0xAARRGGBB, over pixels. An opaque pixel stays opaque
+// whatever is drawn over it. Done with the best vectors that the processor has; the pixels are the same on all.
 
-// How many pixels are blended in one step; a span is fastest when its length is a multiple.
+// A picture's rows blend fastest when their length is a multiple of this.
 inline constexpr int kPixelsAtOnce = 4;
+
+// A part of a picture: rows below each other, `stride` pixels from one to the next. None when width or height is 0 or
+// less.
+struct PixelRows {
+    std::uint32_t* first = nullptr;
+    std::ptrdiff_t stride = 0;
+    int width = 0;
+    int height = 0;
+};
+
+// Coverage 0...255 of such a part, `stride` bytes from row to row; 0 when all rows have the first one's.
+struct CoverageRows {
+    const std::uint8_t* first = nullptr;
+    std::ptrdiff_t stride = 0;
+};
 
 // A colour of which only `coverage` / 255 is there.
 std::uint32_t ScaledPixel(std::uint32_t pixel, std::uint32_t coverage);
 
-// A count of 0 or less draws nothing.
-void FillSpan(std::uint32_t* target, int count, std::uint32_t pixel);
-void BlendSpan(std::uint32_t* target, const std::uint8_t* coverage, int count, std::uint32_t pixel);
+void BlendPixel(std::uint32_t& target, std::uint32_t coverage, std::uint32_t pixel);
+void FillRows(const PixelRows& rows, std::uint32_t pixel);
+void BlendRows(const PixelRows& rows, const CoverageRows& coverage, std::uint32_t pixel);
 
 } // namespace kroui::limner
