@@ -62,6 +62,7 @@ protected:
 private:
     Rect TextArea() const;
     const std::vector<float>& CaretPositions() const;
+    float TextWidth() const;
     float TextLeft() const;
     Rect CaretRect() const;
     std::size_t PositionAt(float x) const;

@@ -92,15 +92,15 @@ void UI_TextField::DrawContent(limner::Limner& context, const Rect& area) {
     const auto colorOf = [this](int role) { return GetColor(IsEnabled() ? role : ui::kColorDisabledText); };
     if (GetText().empty() && !fPlaceholder.empty())
         context.DrawText(fPlaceholder, fFont, colorOf(ui::kColorDimText), TextArea(), placement);
-    const std::vector<float>& carets = CaretPositions();
     const float left = TextLeft();
     if (UI_HasFocus() && fBuffer.HasSelection()) {
+        const std::vector<float>& carets = CaretPositions();
         const float start = left + carets[fBuffer.SelectionStart()];
         const float end = left + carets[fBuffer.SelectionEnd()];
         const Rect marked{start, area.top + kCaretInset, end - start, area.height - 2 * kCaretInset};
         context.FillRect(grid.Snap(marked), GetColor(ui::kColorSelection));
     }
-    context.DrawText(GetText(), fFont, colorOf(ui::kColorText), {left, area.top, carets.back(), area.height}, {});
+    context.DrawText(GetText(), fFont, colorOf(ui::kColorText), {left, area.top, TextWidth(), area.height}, {});
     if (UI_HasFocus() && fCaretIsOn) context.FillRect(grid.Snap(CaretRect()), GetColor(ui::kColorText));
 }
 
@@ -261,10 +261,16 @@ const std::vector<float>& UI_TextField::CaretPositions() const {
     return fCaretPositions;
 }
 
+// Asked for at every paint, of texts that the supplier knows; the carets' places are another question, and a dear one.
+float UI_TextField::TextWidth() const {
+    const limner::SupplierInterface* const supplier = UI_GetDrawSupplier();
+    return supplier ? supplier->MeasureText(GetText(), fFont).width : 0;
+}
+
 // A text that fits stands by its alignment; a longer one is scrolled.
 float UI_TextField::TextLeft() const {
     const Rect area = TextArea();
-    const float room = area.width - CaretPositions().back();
+    const float room = area.width - TextWidth();
     if (room < 0) return area.left - fScroll;
     if (fAlignment == limner::TextAlignment::kLeft) return area.left;
     return area.left + (fAlignment == limner::TextAlignment::kCentre ? std::round(room / 2) : room);
@@ -308,11 +314,15 @@ void UI_TextField::ShowCaret() {
 
 void UI_TextField::ScrollToCaret() {
     if (!UI_GetDrawSupplier()) return;
-    const std::vector<float>& carets = CaretPositions();
     const float width = TextArea().width;
-    const float caret = carets[fBuffer.Caret()];
+    const float hidden = TextWidth() - width;
+    if (hidden <= 0) {
+        fScroll = 0;
+        return;
+    }
+    const float caret = CaretPositions()[fBuffer.Caret()];
     fScroll = std::clamp(fScroll, caret - width, std::max(caret, caret - width));
-    fScroll = std::clamp(fScroll, 0.0F, std::max(0.0F, carets.back() - width));
+    fScroll = std::clamp(fScroll, 0.0F, hidden);
 }
 
 void UI_TextField::Commit() {
