@@ -146,6 +146,62 @@ TEST(PitchShift, EverySoundComesOutWhenItIsDue) {
     }
 }
 
+constexpr double kHitsApart = 0.11; // seconds
+
+// A burst of noise or a tone that dies away, every kHitsApart.
+std::vector<float> Hits(std::size_t count, bool isNoise) {
+    const auto apart = static_cast<std::size_t>(kHitsApart * kRate);
+    const std::vector<float> noise = Noise(apart, 5, 0.5F);
+    std::vector<float> sound((count + 2) * apart);
+    for (std::size_t hit = 1; hit <= count; ++hit) {
+        for (std::size_t i = 0; i < apart; ++i) {
+            const double time = static_cast<double>(i) / kRate;
+            const double source = isNoise ? noise[i] : 0.5 * std::sin(2 * pi * 800 * time);
+            sound[hit * apart + i] = static_cast<float>(source * std::exp(-time / (isNoise ? 0.01 : 0.02)));
+        }
+    }
+    return sound;
+}
+
+// When the sound, 2 ms of it at a time, becomes 9 dB louder than it has been since it last fell by 12.
+std::vector<double> Attacks(const std::vector<float>& sound) {
+    constexpr std::size_t kStep = 44;
+    constexpr double kAudible = 0.02;
+    std::vector<double> attacks;
+    double least = 0;
+    double most = 1;
+    for (std::size_t i = 0; i + 2 * kStep <= sound.size(); i += kStep) {
+        const double level = Rms(sound, i, i + 2 * kStep);
+        most = std::max(most, level);
+        const bool isLow = level < most / 4;
+        least = isLow ? (least == 0 ? level + 1e-9 : std::min(least, level + 1e-9)) : least;
+        if (least > 0 && level > std::max(kAudible, 2.8 * least)) {
+            attacks.push_back(static_cast<double>(i + kStep) / kRate);
+            least = 0;
+            most = level;
+        }
+    }
+    return attacks;
+}
+
+TEST(PitchShift, EveryHitIsHeardOnceAndWhenItIsDue) {
+    constexpr std::size_t kHits = 12;
+    constexpr double kTolerance = 0.012; // seconds
+    for (const double precision : {0.0, 1.0, 2.0}) {
+        for (const bool isNoise : {false, true}) {
+            for (const double ratio : {0.5, 0.75, 0.9439, 1.0595, 1.5, 2.0}) {
+                SCOPED_TRACE(testing::Message() << "precision " << precision << ", noise " << isNoise << ", " << ratio);
+                const std::vector<double> heard = Attacks(Shifted({ratio, precision}, Hits(kHits, isNoise)));
+                const double late = static_cast<double>(Prepared(1)->Latency()) / kRate;
+                const auto whole = static_cast<std::size_t>((kHits + 1) - late / kHitsApart); // heard to the end
+                ASSERT_GE(heard.size(), whole);
+                for (std::size_t hit = 0; hit < heard.size(); ++hit)
+                    ASSERT_NEAR(heard[hit], static_cast<double>(hit + 1) * kHitsApart + late, kTolerance) << hit;
+            }
+        }
+    }
+}
+
 TEST(PitchShift, AtRatioOneTheSoundIsBitExactButLater) {
     const auto filter = Prepared(2);
     const std::size_t latency = filter->Latency();

@@ -80,6 +80,7 @@ void PitchShift::PrepareProcessing(std::size_t maximumBlock) {
     const std::size_t kept = std::bit_ceil(fLatency + reach + maximumBlock);
     fTimeMap.Prepare(kept);
     fHistory.Prepare(GetNumberOfInputChannels(), kept);
+    fOnsets.Prepare(GetNumberOfInputChannels(), sampleRate, kept);
     for (SmoothedValue* value : {&fRatio, &fWet})
         value->Prepare(sampleRate);
 }
@@ -87,6 +88,8 @@ void PitchShift::PrepareProcessing(std::size_t maximumBlock) {
 void PitchShift::ResetProcessing() noexcept {
     fTimeMap.Reset();
     fHistory.Reset();
+    fOnsets.Reset();
+    fInterpolator.Reset();
     fStretcher.Reset();
 }
 
@@ -107,6 +110,7 @@ WsolaStretcher::Lengths PitchShift::ReadLengths() const noexcept {
 void PitchShift::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
     const std::int64_t start = fTimeMap.Now() - static_cast<std::int64_t>(fLatency);
     fHistory.Write(block.inputs, 0, block.frames);
+    fOnsets.Listen(fHistory);
     for (std::size_t i = 0; i < block.frames; ++i)
         fTimeMap.Push(fRatio.Next());
     for (std::size_t i = 0; i < block.frames; ++i)
@@ -134,23 +138,20 @@ void PitchShift::Write(const kroaudiofilterhost::AudioFilterBlock& block, std::s
 void PitchShift::WriteShifted(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::int64_t source,
                               float wet) noexcept {
     const float ratio = fTimeMap.RatioAt(source);
-    fStretcher.Advance(source, fTimeMap, fHistory);
-    const float share = fStretcher.Share();
+    fStretcher.Advance(source, {fTimeMap, fHistory, fOnsets});
+    const float former = fStretcher.FormerGain();
     fInterpolator.Set(fPrecision, ratio);
     PlaceReading(fStretcher.Place(), fPresent);
-    if (share < 1) PlaceReading(fStretcher.FormerPlace(), fFormer);
+    if (former > 0) PlaceReading(fStretcher.FormerPlace(), fFormer);
     for (std::size_t channel = 0; channel < block.outputs.size(); ++channel) {
-        float shifted = Read(fPresent, channel);
-        if (share < 1) {
-            const float former = Read(fFormer, channel);
-            shifted = former + share * (shifted - former);
-        }
+        float shifted = fStretcher.Gain() * Read(fPresent, channel);
+        if (former > 0) shifted += former * Read(fFormer, channel);
         const float dry = *fHistory.At(channel, source);
         block.outputs[channel][frame] = wet == 1 ? shifted : dry + wet * (shifted - dry);
     }
 }
 
-void PitchShift::PlaceReading(double place, Reading& reading) const noexcept {
+void PitchShift::PlaceReading(double place, Reading& reading) noexcept {
     const double whole = std::floor(place);
     fInterpolator.Compute(place - whole, reading.weights);
     reading.whole = static_cast<std::int64_t>(whole);

@@ -120,15 +120,27 @@ float BandLimitedInterpolator::Weights::Apply(const float* sound) const noexcept
     return fScale * Sum(even + odd);
 }
 
+BandLimitedInterpolator::BandLimitedInterpolator() : fRowsFor(kPlaces + 1), fRows(fRowsFor.size() * Weights::kMost) {
+    Reset();
+}
+
+void BandLimitedInterpolator::Reset() noexcept {
+    fKernel = nullptr;
+    Set(Precision::kHigh, 1);
+}
+
 void BandLimitedInterpolator::Set(Precision precision, double speed) noexcept {
     const Kernel& kernel = KernelOf(precision);
     const double stretch = std::clamp(speed, 1.0, kHighestSpeed);
-    if (&kernel == fKernel && stretch == fStretch) return;
+    fIsSteady = &kernel == fKernel && stretch == fStretch;
+    if (fIsSteady) return;
+    ++fTable;
     fKernel = &kernel;
     fStretch = stretch;
     const double halfWidth = kernel.halfWidth * stretch;
     fPerWidth = static_cast<float>(1 / halfWidth);
     fFirst = 1 - std::ceil(halfWidth);
+    fCount = (static_cast<std::size_t>(2 - 2 * fFirst) + kLanes - 1) / kLanes * kLanes;
     fAngle = pi * kernel.cutoff / stretch;
     for (std::size_t lane = 0; lane < kLanes; ++lane) {
         const double angle = fAngle * (fFirst + static_cast<double>(lane) - 0.5);
@@ -139,9 +151,36 @@ void BandLimitedInterpolator::Set(Precision precision, double speed) noexcept {
     fTurnCosine = static_cast<float>(std::cos(fAngle * kLanes));
 }
 
-void BandLimitedInterpolator::Compute(double fraction, Weights& weights) const noexcept {
+void BandLimitedInterpolator::Compute(double fraction, Weights& weights) noexcept {
     weights.fFirst = static_cast<std::ptrdiff_t>(fFirst);
-    weights.fCount = (static_cast<std::size_t>(2 - 2 * fFirst) + kLanes - 1) / kLanes * kLanes;
+    weights.fCount = fCount;
+    if (!fIsSteady) {
+        ComputeAt(fraction, weights);
+        return;
+    }
+    const double place = fraction * kPlaces;
+    const auto before = static_cast<std::size_t>(place);
+    const float* const one = Row(before);
+    const float* const other = Row(before + 1);
+    const auto share = static_cast<float>(place - static_cast<double>(before));
+    for (std::size_t i = 0; i < weights.fCount; i += kLanes) {
+        const Lanes values = Load(one + i) + share * (Load(other + i) - Load(one + i));
+        std::memcpy(weights.fValues.data() + i, &values, sizeof(values));
+    }
+    weights.fScale = 1;
+}
+
+const float* BandLimitedInterpolator::Row(std::size_t place) noexcept {
+    float* const row = fRows.data() + place * Weights::kMost;
+    if (std::exchange(fRowsFor[place], fTable) == fTable) return row;
+    fMade.fCount = fCount;
+    ComputeAt(static_cast<double>(place) / kPlaces, fMade);
+    std::transform(fMade.fValues.begin(), fMade.fValues.begin() + static_cast<std::ptrdiff_t>(fMade.fCount), row,
+                   [this](float value) { return value * fMade.fScale; });
+    return row;
+}
+
+void BandLimitedInterpolator::ComputeAt(double fraction, Weights& weights) const noexcept {
     Fill(fraction, weights);
 
     // Next to the place itself, and at it, the quotient of two small numbers is taken from its series.

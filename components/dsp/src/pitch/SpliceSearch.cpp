@@ -61,13 +61,15 @@ void SpliceSearch::Prepare(std::size_t channels, double sampleRate, std::size_t 
     fEnergy.assign(most + 1, 0.0);
 }
 
-double SpliceSearch::Find(const HistoryBuffer& history, std::int64_t present, std::int64_t wanted,
-                          std::size_t length) noexcept {
+SpliceSearch::Place SpliceSearch::Find(const HistoryBuffer& history, std::int64_t present, const Room& room,
+                                       std::size_t length) noexcept {
     const auto step = static_cast<std::int64_t>(fStep);
-    const std::int64_t first = wanted - static_cast<std::int64_t>(fRoom) / 2 * step;
+    const std::int64_t first = room.wanted - static_cast<std::int64_t>(fRoom) / 2 * step;
     Correlate(history, present, first, length / fStep);
-    const std::size_t best = BestCoarse();
-    return Refine(history, present, first + static_cast<std::int64_t>(best) * step, length);
+    const std::size_t best = BestCoarse(room, first);
+    Place place = Refine(history, present, first + static_cast<std::int64_t>(best) * step, length);
+    place.time = std::clamp(place.time, static_cast<double>(room.first), static_cast<double>(room.last));
+    return place;
 }
 
 void SpliceSearch::Gather(const float* sound, std::size_t count, std::span<std::complex<float>> spectrum) noexcept {
@@ -104,12 +106,14 @@ void SpliceSearch::Correlate(const HistoryBuffer& history, std::int64_t present,
 }
 
 // Of the places that are more alike than those beside them; the middle when there is none.
-std::size_t SpliceSearch::BestCoarse() const noexcept {
+std::size_t SpliceSearch::BestCoarse(const Room& room, std::int64_t first) const noexcept {
     const std::size_t middle = fRoom / 2;
     std::size_t best = middle;
     double bestScore = 0;
     for (std::size_t place = 1; place < fRoom; ++place) {
         if (fSound[place] < fSound[place - 1] || fSound[place] < fSound[place + 1]) continue;
+        const std::int64_t time = first + static_cast<std::int64_t>(place * fStep);
+        if (time < room.first || time > room.last) continue;
         const double off = static_cast<double>(place) / static_cast<double>(middle) - 1;
         const double score = fSound[place] * (1 - kPull * off * off);
         if (score <= bestScore) continue;
@@ -119,8 +123,8 @@ std::size_t SpliceSearch::BestCoarse() const noexcept {
     return best;
 }
 
-double SpliceSearch::Refine(const HistoryBuffer& history, std::int64_t present, std::int64_t time,
-                            std::size_t length) const noexcept {
+SpliceSearch::Place SpliceSearch::Refine(const HistoryBuffer& history, std::int64_t present, std::int64_t time,
+                                         std::size_t length) const noexcept {
     const auto likenessAt = [&](std::int64_t at) { return LikenessAt(history, present, at, length); };
     const std::int64_t reach = fStep == 1 ? 0 : static_cast<std::int64_t>(fStep);
     double before = 0;
@@ -134,7 +138,16 @@ double SpliceSearch::Refine(const HistoryBuffer& history, std::int64_t present, 
         best = peak;
         found = static_cast<double>(at) + PeakBetween(before, peak, behind);
     }
-    return found;
+    const double energy = EnergyAt(history, present, length) + kLeast;
+    const double rise = (EnergyAt(history, std::llround(found), length) + kLeast) / energy;
+    return {found, std::clamp(best / std::sqrt(energy), 0.0, 1.0), rise};
+}
+
+double SpliceSearch::EnergyAt(const HistoryBuffer& history, std::int64_t time, std::size_t length) const noexcept {
+    double energy = 0;
+    for (std::size_t channel = 0; channel < fChannels; ++channel)
+        energy += Product(history.At(channel, time), history.At(channel, time), length);
+    return energy;
 }
 
 double SpliceSearch::LikenessAt(const HistoryBuffer& history, std::int64_t present, std::int64_t time,

@@ -40,7 +40,7 @@ private:
     void Write(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::int64_t source) noexcept;
     void WriteShifted(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::int64_t source,
                       float wet) noexcept;
-    void PlaceReading(double place, Reading& reading) const noexcept;
+    void PlaceReading(double place, Reading& reading) noexcept;
     float Read(const Reading& reading, std::size_t channel) const noexcept;
 
     BandLimitedInterpolator fInterpolator;
@@ -49,6 +49,7 @@ private:
     Reading fFormer; // of the piece that fades out
     TimeMap fTimeMap;
     HistoryBuffer fHistory;
+    OnsetDetector fOnsets;
     WsolaStretcher fStretcher;
     SmoothedValue fRatio;
     SmoothedValue fWet; // 0: the ratio is 1 and the sound passes as it is

@@ -24,17 +24,31 @@ public:
     // `longest`: of the stretches of sound that are compared, in samples. Allocates.
     void Prepare(std::size_t channels, double sampleRate, std::size_t longest);
 
-    // The time near `wanted` from which on `length` samples resemble those from `present` on most, rather close to
-    // `wanted` than far. The history has all samples from room and length before to as much behind both times.
-    double Find(const HistoryBuffer& history, std::int64_t present, std::int64_t wanted, std::size_t length) noexcept;
+    // Where the sound goes on: near `wanted`, neither before `first` nor behind `last`, which lie around it.
+    struct Room {
+        std::int64_t wanted = 0;
+        std::int64_t first = 0;
+        std::int64_t last = 0;
+    };
+    struct Place {
+        double time = 0;
+        double likeness = 0; // the correlation, up to 1; 0 where nothing is alike
+        double rise = 1;     // of the energy
+    };
+
+    // The place in the room from which on `length` samples resemble those from `present` on most, rather close to the
+    // wanted one than far. The history has all samples from room and length before to as much behind both times.
+    Place Find(const HistoryBuffer& history, std::int64_t present, const Room& room, std::size_t length) noexcept;
 
 private:
     // Leaves `count` coarse samples, sums of fStep each, in fSound, and their spectrum.
     void Gather(const float* sound, std::size_t count, std::span<std::complex<float>> spectrum) noexcept;
     void Correlate(const HistoryBuffer& history, std::int64_t present, std::int64_t first, std::size_t length) noexcept;
-    std::size_t BestCoarse() const noexcept;
-    double Refine(const HistoryBuffer& history, std::int64_t present, std::int64_t time,
-                  std::size_t length) const noexcept;
+    // From coarse place to coarse place, of which `first` is that at time 0.
+    std::size_t BestCoarse(const Room& room, std::int64_t first) const noexcept;
+    Place Refine(const HistoryBuffer& history, std::int64_t present, std::int64_t time,
+                 std::size_t length) const noexcept;
+    double EnergyAt(const HistoryBuffer& history, std::int64_t time, std::size_t length) const noexcept;
     double LikenessAt(const HistoryBuffer& history, std::int64_t present, std::int64_t time,
                       std::size_t length) const noexcept;
 
