@@ -182,6 +182,14 @@ void DrawOfEverything(Limner& limner) {
         limner.FillRect({60 + place / 7, 2 * place, place / 3, 1.4F}, color);
         limner.FillRoundRect({40 + place / 3, 2 * place, 4 + place, 5}, 2, color);
     }
+    const ImagePtr rainbow = Drawn(
+        [](Limner& picture) {
+            for (int i = 0; i < 37; ++i)
+                picture.FillRect({static_cast<float>(i), static_cast<float>(i / 4), 1, 9},
+                                 {1, 0.02F * static_cast<float>(i), 0, 0.03F * static_cast<float>(i)});
+        },
+        1, {37, 18});
+    limner.DrawImage(*rainbow, {57, 11, 37, 18}, 1);
     limner.DrawText(u"Every width of letters", {11, false}, {1, 1, 1, 0.8F}, {3, 20, 97, 20}, {});
 }
 

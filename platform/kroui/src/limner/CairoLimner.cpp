@@ -31,6 +31,12 @@ PixelRect NearestPixels(const DeviceBox& box) {
     return {nearest(box.left), nearest(box.top), nearest(box.right), nearest(box.bottom)};
 }
 
+bool IsOn(const PixelRect& pixels, const DeviceBox& box) {
+    const auto isOn = [](double edge, int pixel) { return std::abs(edge - pixel) <= 1.0 / 256; };
+    return isOn(box.left, pixels.left) && isOn(box.top, pixels.top) && isOn(box.right, pixels.right) &&
+           isOn(box.bottom, pixels.bottom);
+}
+
 void SetColor(cairo_t* context, const Color& color) {
     cairo_set_source_rgba(context, color.red, color.green, color.blue, color.alpha);
 }
@@ -123,10 +129,7 @@ void CairoLimner::FillRect(const Rect& rect, const Color& color) {
     DeviceBox box;
     if (!ToDevice(rect, box) || !IsDrawable(box)) return;
     const PixelRect touched = TouchedPixels(box);
-    const auto isOnPixels = [](double edge, int pixel) { return std::abs(edge - pixel) <= 1.0 / 256; };
-    const bool isAligned = isOnPixels(box.left, touched.left) && isOnPixels(box.top, touched.top) &&
-                           isOnPixels(box.right, touched.right) && isOnPixels(box.bottom, touched.bottom);
-    if (isAligned) {
+    if (IsOn(touched, box)) {
         Canvas().Fill(touched, fState.clip, PixelFor(color));
     } else if (fState.smooth) {
         Canvas().FillExact(box, fState.clip, PixelFor(color));
@@ -264,6 +267,12 @@ void CairoLimner::DrawImage(const Image& image, const Rect& rect, float opacity)
     DeviceBox box;
     if (!ToDevice(rect, box) || !IsDrawable(box) || !(opacity > 0) || image.Pixels().empty()) return;
     if (fState.clip.IsEmpty()) return;
+    const PixelRect touched = TouchedPixels(box);
+    const bool isPixelForPixel = touched.Width() == image.PixelWidth() && touched.Height() == image.PixelHeight();
+    if (opacity >= 1 && isPixelForPixel && IsOn(touched, box)) {
+        Canvas().Paint(image.Pixels(), touched, fState.clip);
+        return;
+    }
     // Cairo has no surface for reading only; a source is never written to.
     auto* pixels = const_cast<std::uint32_t*>(image.Pixels().data());
     const SurfaceHandle source(cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(pixels),

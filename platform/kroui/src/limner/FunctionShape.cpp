@@ -110,16 +110,24 @@ void FunctionShape::StrokeColumn(PixelCanvas canvas, const Heights& widened, int
     for (std::size_t part = first; part < end; ++part) {
         const float from = std::max(widened.top[part] - static_cast<float>(firstRow), 0.0F);
         const float to = std::min(widened.bottom[part], clipBottom) - static_cast<float>(firstRow);
-        if (!(from < to)) continue;
-        for (std::size_t row = static_cast<std::size_t>(from); static_cast<float>(row) < to; ++row) {
-            const float rowTop = static_cast<float>(row);
-            fColumn[row] += (std::min(to, rowTop + 1) - std::max(from, rowTop)) / static_cast<float>(fParts);
-        }
+        if (from < to) AddToColumn(from, to);
     }
     fCoverage.resize(fColumn.size());
     std::transform(fColumn.begin(), fColumn.end(), fCoverage.begin(),
                    [smooth](float share) { return CoverageOf(share, smooth); });
     canvas.BlendColumn(column, firstRow, fCoverage, fClip, pixel);
+}
+
+// What one part covers from a height to another, both within the column.
+void FunctionShape::AddToColumn(float from, float to) {
+    const float parts = static_cast<float>(fParts);
+    std::size_t row = static_cast<std::size_t>(from);
+    float below = static_cast<float>(row) + 1; // where the next row begins
+    fColumn[row] += (std::min(to, below) - from) / parts;
+    const float whole = 1 / parts;
+    for (; below + 1 <= to; ++below)
+        fColumn[++row] += whole;
+    if (below < to) fColumn[++row] += (to - below) / parts;
 }
 
 FunctionShape::Columns FunctionShape::ColumnsTo(float base) const {

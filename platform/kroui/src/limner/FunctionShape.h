@@ -38,6 +38,7 @@ private:
     static Heights NoHeights(std::size_t count);
     Heights Widened() const;
     void StrokeColumn(PixelCanvas canvas, const Heights& widened, int column, std::uint32_t pixel, bool smooth);
+    void AddToColumn(float from, float to);
     Columns ColumnsTo(float base) const;
     void FillBlock(PixelCanvas canvas, const Columns& columns, int begin, int end, std::uint32_t pixel) const;
 

@@ -141,6 +141,13 @@ void PixelCanvas::BlendStretched(const Mask& mask, const PixelRect& rect, const 
     }
 }
 
+void PixelCanvas::Paint(std::span<const std::uint32_t> pixels, const PixelRect& rect, const PixelRect& clip) {
+    const PixelRect visible = Intersection(rect, clip);
+    if (visible.IsEmpty()) return;
+    const std::ptrdiff_t stride = rect.Width();
+    PaintRows(RowsOf(visible), pixels.data() + (visible.top - rect.top) * stride + (visible.left - rect.left), stride);
+}
+
 // Every row has one coverage.
 void PixelCanvas::FillByRow(const PixelRect& part, const std::uint8_t* coverage, std::ptrdiff_t stride,
                             std::uint32_t pixel) {

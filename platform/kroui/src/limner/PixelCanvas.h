@@ -63,8 +63,8 @@ struct PixelBuffer {
 // A colour as a premultiplied pixel; components outside 0...1 are brought inside.
 std::uint32_t PixelFor(const Color& color);
 
-// Draws one colour over the pixels of a buffer, which must outlive it. All operations blend "over" and stay inside
-// the clip, which must lie inside the buffer.
+// Draws one colour, or a picture, over the pixels of a buffer, which must outlive it. All operations blend "over" and
+// stay inside the clip, which must lie inside the buffer.
 class PixelCanvas {
 public:
     explicit PixelCanvas(PixelBuffer& buffer) : fBuffer(buffer) {}
@@ -80,6 +80,9 @@ public:
     void BlendRow(int left, int y, std::span<const std::uint8_t> coverage, const PixelRect& clip, std::uint32_t pixel);
     // Stretches a mask to the rectangle: where the rectangle is larger, the mask's middle column or row repeats.
     void BlendStretched(const Mask& mask, const PixelRect& rect, const PixelRect& clip, std::uint32_t pixel);
+
+    // A picture that fills the rectangle, pixel for pixel.
+    void Paint(std::span<const std::uint32_t> pixels, const PixelRect& rect, const PixelRect& clip);
 
 private:
     void BlendPart(const PixelRect& part, const Mask& mask, int left, int top, std::uint32_t pixel);

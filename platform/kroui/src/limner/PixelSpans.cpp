@@ -29,6 +29,10 @@ int BlendGroups(std::uint32_t* /*target*/, const std::uint8_t* /*coverage*/, int
                 std::uint32_t /*pixel*/) {
     return begin;
 }
+template <std::size_t kPixels>
+int PaintGroups(std::uint32_t* /*target*/, const std::uint32_t* /*pixels*/, int begin, int /*count*/) {
+    return begin;
+}
 
 #else
 
@@ -112,6 +116,34 @@ HWY_INLINE int BlendGroups(std::uint32_t* target, const std::uint8_t* coverage, 
     return i;
 }
 
+// What would be more than white, which no well-made picture comes to, is white.
+template <std::size_t kPixels>
+HWY_INLINE int PaintGroups(std::uint32_t* target, const std::uint32_t* pixels, int begin, int count) {
+    using P = Pixels<kPixels>;
+    const typename P::Whole whole;
+    const typename P::Halves halves;
+    const hn::Repartition<std::uint8_t, typename P::Whole> components;
+    const auto opaque = hn::Set(whole, kOpaque);
+    int i = begin;
+    for (; i + P::Count() <= count; i += P::Count()) {
+        const auto added = hn::LoadU(whole, pixels + i);
+        const auto rest = hn::Sub(opaque, hn::ShiftRight<24>(added));
+        if (hn::AllTrue(whole, hn::Eq(rest, hn::Zero(whole)))) {
+            hn::StoreU(added, whole, target + i);
+            continue;
+        }
+        if (hn::AllTrue(whole, hn::Eq(added, hn::Zero(whole)))) continue;
+        const auto left = hn::BitCast(halves, hn::Or(rest, hn::ShiftLeft<16>(rest)));
+        const P old = P::Load(target + i);
+        const auto redBlue = P::By255(hn::Mul(old.redBlue, left));
+        const auto alphaGreen = hn::ShiftLeft<8>(P::By255(hn::Mul(old.alphaGreen, left)));
+        const auto kept = hn::BitCast(components, hn::Or(redBlue, alphaGreen));
+        const auto sum = hn::SaturatedAdd(hn::BitCast(components, added), kept);
+        hn::StoreU(hn::BitCast(whole, sum), whole, target + i);
+    }
+    return i;
+}
+
 #endif
 
 // Wide groups, one of four, then pixel by pixel.
@@ -136,6 +168,17 @@ void BlendRowsWith(const PixelRows& rows, const CoverageRows& coverage, std::uin
     }
 }
 
+void PaintRowsWith(const PixelRows& rows, const std::uint32_t* pixels, std::ptrdiff_t stride) {
+    for (int y = 0; y < rows.height; ++y) {
+        std::uint32_t* const row = rows.first + y * rows.stride;
+        const std::uint32_t* const added = pixels + y * stride;
+        int i = PaintGroups<8>(row, added, 0, rows.width);
+        i = PaintGroups<4>(row, added, i, rows.width);
+        for (; i < rows.width; ++i)
+            PaintPixel(row[i], added[i]);
+    }
+}
+
 } // namespace kroui::limner::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
@@ -144,6 +187,7 @@ namespace kroui::limner {
 
 HWY_EXPORT(FillRowsWith);
 HWY_EXPORT(BlendRowsWith);
+HWY_EXPORT(PaintRowsWith);
 
 namespace {
 
@@ -157,6 +201,13 @@ std::uint32_t By255(std::uint32_t redBlue, std::uint32_t alphaGreen) {
     redBlue = (redBlue + (redBlue >> 8 & kPair)) >> 8 & kPair;
     alphaGreen = (alphaGreen + (alphaGreen >> 8 & kPair)) & ~kPair;
     return redBlue | alphaGreen;
+}
+
+// Of two components each; what is more than 255 is 255.
+std::uint32_t SaturatedPairs(std::uint32_t a, std::uint32_t b) {
+    const std::uint32_t sum = (a & kPair) + (b & kPair);
+    const std::uint32_t carries = sum >> 8 & 0x00010001;
+    return (sum | carries * 0xFF) & kPair;
 }
 
 } // namespace
@@ -173,6 +224,11 @@ void BlendPixel(std::uint32_t& target, std::uint32_t coverage, std::uint32_t pix
                    (pixel >> 8 & kPair) * coverage + (target >> 8 & kPair) * rest);
 }
 
+void PaintPixel(std::uint32_t& target, std::uint32_t pixel) {
+    const std::uint32_t kept = ScaledPixel(target, 255 - (pixel >> 24));
+    target = SaturatedPairs(pixel, kept) | SaturatedPairs(pixel >> 8, kept >> 8) << 8;
+}
+
 void FillRows(const PixelRows& rows, std::uint32_t pixel) {
     if (pixel == 0 || rows.width <= 0) return;
     HWY_DYNAMIC_DISPATCH(FillRowsWith)(rows, pixel);
@@ -180,6 +236,10 @@ void FillRows(const PixelRows& rows, std::uint32_t pixel) {
 
 void BlendRows(const PixelRows& rows, const CoverageRows& coverage, std::uint32_t pixel) {
     HWY_DYNAMIC_DISPATCH(BlendRowsWith)(rows, coverage, pixel);
+}
+
+void PaintRows(const PixelRows& rows, const std::uint32_t* pixels, std::ptrdiff_t stride) {
+    HWY_DYNAMIC_DISPATCH(PaintRowsWith)(rows, pixels, stride);
 }
 
 } // namespace kroui::limner

@@ -5,7 +5,7 @@
 
 namespace kroui::limner {
 
-// The innermost loops of drawing: one colour, premultiplied 0xAARRGGBB, over pixels. An opaque pixel stays opaque
+// The innermost loops of drawing: premultiplied colours 0xAARRGGBB over pixels. An opaque pixel stays opaque
 // whatever is drawn over it. Done with the best vectors that the processor has; the pixels are the same on all.
 
 // A picture's rows blend fastest when their length is a multiple of this.
@@ -29,8 +29,12 @@ struct CoverageRows {
 // A colour of which only `coverage` / 255 is there.
 std::uint32_t ScaledPixel(std::uint32_t pixel, std::uint32_t coverage);
 
+// One pixel of what the others do.
+void PaintPixel(std::uint32_t& target, std::uint32_t pixel);
 void BlendPixel(std::uint32_t& target, std::uint32_t coverage, std::uint32_t pixel);
 void FillRows(const PixelRows& rows, std::uint32_t pixel);
 void BlendRows(const PixelRows& rows, const CoverageRows& coverage, std::uint32_t pixel);
+// Pixels of their own over as many rows, `stride` from row to row.
+void PaintRows(const PixelRows& rows, const std::uint32_t* pixels, std::ptrdiff_t stride);
 
 } // namespace kroui::limner
