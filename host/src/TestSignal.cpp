@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <complex>
 #include <cstdint>
 #include <numbers>
+#include <utility>
 
 namespace qohost {
 
@@ -25,26 +27,48 @@ double FrequencyOf(int note) {
     return 440.0 * std::exp2((note - 69) / 12.0);
 }
 
-// A decaying tone with a few harmonics, the higher ones dying sooner. Adds it at `start` seconds with equal-power
-// panning (0 left, 1 right).
+// A tone's harmonics, the higher ones dying sooner: each a number in the complex plane that turns and shrinks from one
+// sample to the next.
+class Harmonics {
+public:
+    // `decay`: of the fundamental, 1 / seconds.
+    Harmonics(double frequency, double decay, double sampleRate) {
+        for (int i = 0; i < kCount && (i + 1) * frequency < sampleRate / 2; ++i) {
+            const double turn = 2 * std::numbers::pi * frequency * (i + 1) / sampleRate;
+            fValues[i] = 1.0 / (i + 1);
+            fSteps[i] = std::polar(std::exp(-decay * (i + 1) / sampleRate), turn);
+        }
+    }
+    double Next() {
+        double sum = 0;
+        for (int i = 0; i < kCount; ++i) {
+            sum += fValues[i].imag();
+            const auto [real, imaginary] = std::pair(fValues[i].real(), fValues[i].imag());
+            fValues[i] = {real * fSteps[i].real() - imaginary * fSteps[i].imag(),
+                          real * fSteps[i].imag() + imaginary * fSteps[i].real()};
+        }
+        return sum;
+    }
+
+private:
+    static constexpr int kCount = 6;
+
+    std::array<std::complex<double>, kCount> fValues{};
+    std::array<std::complex<double>, kCount> fSteps{};
+};
+
+// Adds a decaying tone at `start` seconds with equal-power panning (0 left, 1 right).
 void AddPluck(Sound& sound, double start, int note, double seconds, double level, double pan) {
-    constexpr int kHarmonics = 6;
     constexpr double kDecays = 5.0; // of the fundamental, within `seconds`
     constexpr double kAttackSeconds = 0.004;
     const double left = level * std::cos(pan * std::numbers::pi / 2);
     const double right = level * std::sin(pan * std::numbers::pi / 2);
     const auto first = static_cast<std::size_t>(start * sound.sampleRate);
     const auto last = std::min(sound.Frames(), static_cast<std::size_t>((start + seconds) * sound.sampleRate));
+    Harmonics harmonics(FrequencyOf(note), kDecays / seconds, sound.sampleRate);
     for (std::size_t i = first; i < last; ++i) {
         const double t = static_cast<double>(i - first) / sound.sampleRate;
-        double value = 0;
-        for (int harmonic = 1; harmonic <= kHarmonics; ++harmonic) {
-            const double frequency = FrequencyOf(note) * harmonic;
-            if (frequency >= sound.sampleRate / 2) break;
-            value +=
-                std::exp(-kDecays * harmonic * t / seconds) / harmonic * std::sin(2 * std::numbers::pi * frequency * t);
-        }
-        value *= std::min(1.0, t / kAttackSeconds) * std::min(1.0, (seconds - t) / kAttackSeconds);
+        const double value = harmonics.Next() * std::min({1.0, t / kAttackSeconds, (seconds - t) / kAttackSeconds});
         sound.channels[0][i] += static_cast<float>(left * value);
         sound.channels[1][i] += static_cast<float>(right * value);
     }

@@ -34,7 +34,9 @@ protected:
         fScripts.emplace("MINE");
         EffectList::Effects effects = AvailableEffects();
         effects.push_back(&fScripts->Description());
-        fSession.emplace(fOutput, fScripts->Description(), fScripts->Filter());
+        Session::Beginning beginning;
+        beginning.filter = fScripts->Filter();
+        fSession.emplace(fOutput, fScripts->Description(), std::move(beginning));
         fView = new WorkbenchView(*fSession, effects, &fPanels);
         fView->UI_SetFrame({0, 0, WorkbenchView::kDefaultSize.width, WorkbenchView::kDefaultSize.height});
         fWindow.Window().SetContent(fView);

@@ -15,8 +15,11 @@ class WorkbenchFixture : public testing::Test {
 protected:
     WorkbenchFixture()
         : fWindow(fLibrary.Supplier(), WorkbenchView::kDefaultSize),
-          fSession(fOutput, Amplify(), {}, qohost::UserPresets(fFolder.Path() / "presets"),
-                   PeaksCache(fFolder.Path() / "peaks")) {
+          fSession(fOutput, Amplify(),
+                   {.filter = {},
+                    .presets = qohost::UserPresets(fFolder.Path() / "presets"),
+                    .peaks = PeaksCache(fFolder.Path() / "peaks"),
+                    .file = {}}) {
         fView = new WorkbenchView(fSession, Effects());
         fView->UI_SetFrame({0, 0, WorkbenchView::kDefaultSize.width, WorkbenchView::kDefaultSize.height});
         fWindow.Window().SetContent(fView);

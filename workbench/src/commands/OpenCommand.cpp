@@ -65,8 +65,10 @@ int Open(const OpenRequest& request) {
                              {WorkbenchView::kDefaultSize, WorkbenchView::kSmallestSize, request.scale});
     RemoveUnfinishedFilesAtTheEnd(); // behind SDL, which makes some of the signals a wish to close the window
     SdlSoundOutput output;
-    Session session(output, effect, scripts ? scripts->Filter() : nullptr);
-    if (sound) session.OpenSound(qohost::InputName(request.file), std::move(sound));
+    Session::Beginning beginning;
+    if (scripts) beginning.filter = scripts->Filter();
+    if (sound) beginning.file = {qohost::InputName(request.file), std::move(sound)};
+    Session session(output, effect, std::move(beginning));
 
     const boost::intrusive_ptr<WorkbenchView> view(new WorkbenchView(session, effects, &panels));
     window.Window().SetTheme(request.theme == Theme::Light().Name() ? Theme::Light() : Theme::Dark());

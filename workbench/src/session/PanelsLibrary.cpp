@@ -20,7 +20,7 @@ PanelPtr NewPanel(const boost::intrusive_ptr<kroaudiofilterhost::AudioFilter>& f
 std::vector<const qoc::components::EffectDescription*> AvailableEffects() {
     std::vector<const qoc::components::EffectDescription*> effects;
     for (const auto& effect : qoc::components::AllEffects())
-        if (effect.create != nullptr && NewPanel(effect.create())) effects.push_back(&effect);
+        if (effect.create != nullptr) effects.push_back(&effect);
     return effects;
 }
 

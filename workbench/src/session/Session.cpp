@@ -13,15 +13,28 @@ namespace workbench {
 
 using qoc::components::EffectDescription;
 
-Session::Session(SoundOutput& output, const EffectDescription& effect, FilterPtr filter, qohost::UserPresets presets,
-                 PeaksCache peaks)
-    : fOutput(output), fUserPresets(std::move(presets)), fEffect(&effect),
-      fCurrent(filter ? &AddLoadedEffect(effect, filter) : &LoadedEffectFor(effect)), fPeaksCache(std::move(peaks)),
-      fSound(qohost::SourceInMemory(std::make_shared<const qohost::Sound>(qohost::MakeTestSignal()))),
-      fPeaks(std::make_unique<PeaksJob>(fSound, fPeaksCache)),
-      fSoundName(krocore::Localize("$$$/Workbench/TestSound=Test sound")) {
-    LoadEngine(fSound, fCurrent->filter);
-    fOutput.Start(fEngine, fSound->SampleRate());
+namespace {
+
+Session::OpenedFile OrTestSound(Session::OpenedFile file) {
+    if (!file.sound)
+        file.sound = qohost::SourceInMemory(std::make_shared<const qohost::Sound>(qohost::MakeTestSignal()));
+    return file;
+}
+
+krocore::string16 ShownName(const std::filesystem::path& file) {
+    if (file.empty()) return krocore::Localize("$$$/Workbench/TestSound=Test sound");
+    return krocore::ToUTF16(file.filename().u8string().empty() ? file.string() : file.filename().string());
+}
+
+} // namespace
+
+Session::Session(SoundOutput& output, const EffectDescription& effect, Beginning beginning)
+    : fOutput(output), fUserPresets(std::move(beginning.presets)), fEffect(&effect),
+      fCurrent(beginning.filter ? &AddLoadedEffect(effect, beginning.filter) : &LoadedEffectFor(effect)),
+      fPeaksCache(std::move(beginning.peaks)) {
+    OpenedFile file = OrTestSound(std::move(beginning.file));
+    LoadEngine(file.sound, fCurrent->filter);
+    Take(std::move(file));
 }
 
 Session::~Session() {
@@ -79,12 +92,17 @@ void Session::OpenSound(const std::filesystem::path& file, std::shared_ptr<const
         fOutput.Start(fEngine, fSound->SampleRate());
         throw;
     }
-    fSound = std::move(sound);
-    fFile = file;
+    Select({});
+    Take({file, std::move(sound)});
+}
+
+// What the engine has loaded.
+void Session::Take(OpenedFile file) {
+    fSound = std::move(file.sound);
+    fFile = std::move(file.name);
+    fSoundName = ShownName(fFile);
     fPeaks = std::make_unique<PeaksJob>(fSound, fPeaksCache);
     fHasToldPeaks = false;
-    Select({});
-    fSoundName = krocore::ToUTF16(file.filename().u8string().empty() ? file.string() : file.filename().string());
     fOutput.Start(fEngine, fSound->SampleRate());
 }
 

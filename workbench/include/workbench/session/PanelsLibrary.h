@@ -27,7 +27,7 @@ using PanelPtr = boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewB
 // A panel for the filter; null when the effect has none.
 PanelPtr NewPanel(const boost::intrusive_ptr<kroaudiofilterhost::AudioFilter>& filter);
 
-// The effects that can process sound and have a panel, by short name. Makes one of each to find out.
+// The effects that can process sound, by short name.
 std::vector<const qoc::components::EffectDescription*> AvailableEffects();
 
 } // namespace workbench

@@ -23,11 +23,23 @@ class Session final : private kroaudiofilterhost::AudioFilterHost {
 public:
     using FilterPtr = boost::intrusive_ptr<kroaudiofilterhost::AudioFilter>;
 
-    // With the built-in sound and the effect. The output and the description live longer. `filter`: runs the effect,
-    // for one that the library can't make; null otherwise. The presets are the user's own.
-    Session(SoundOutput& output, const qoc::components::EffectDescription& effect, FilterPtr filter = {},
-            qohost::UserPresets presets = qohost::UserPresets(qohost::UserPresets::UsualFolder()),
-            PeaksCache peaks = PeaksCache(PeaksCache::UsualFolder()));
+    struct OpenedFile {
+        std::filesystem::path name;
+        std::shared_ptr<const qohost::SoundSource> sound;
+    };
+    // What a session begins with besides its effect.
+    struct Beginning {
+        FilterPtr filter; // runs the effect, for one that the library can't make; null otherwise
+        qohost::UserPresets presets = qohost::UserPresets(qohost::UserPresets::UsualFolder()); // the user's own
+        PeaksCache peaks = PeaksCache(PeaksCache::UsualFolder());
+        OpenedFile file; // without a sound: the built-in one
+    };
+
+    // The output and the description live longer. Throws krocore::config::Error when the effect can't work on the
+    // sound.
+    Session(SoundOutput& output, const qoc::components::EffectDescription& effect)
+        : Session(output, effect, Beginning{}) {}
+    Session(SoundOutput& output, const qoc::components::EffectDescription& effect, Beginning beginning);
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
     ~Session() override;
@@ -109,6 +121,7 @@ private:
     std::filesystem::path FileToRender() const;
     std::vector<std::string> Apply(const qohost::Preset& preset);
     void LoadEngine(const std::shared_ptr<const qohost::SoundSource>& sound, const FilterPtr& filter);
+    void Take(OpenedFile file);
 
     SoundOutput& fOutput;
     qohost::UserPresets fUserPresets;
