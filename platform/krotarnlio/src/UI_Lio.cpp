@@ -3,13 +3,14 @@
 #include "LioRoot.h"
 #include "LocalizeFunction.h"
 
+#include "orrin/parse_cache.h"
 #include "uit/ImageProvider.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <istream>
-#include <iterator>
 #include <span>
+#include <sstream>
 
 namespace krotarnlio {
 
@@ -19,7 +20,9 @@ using orrin::name_t;
 namespace {
 
 std::string ReadAll(std::istream& script) {
-    return {std::istreambuf_iterator<char>(script), {}};
+    std::ostringstream text;
+    if (script.peek() != std::istream::traits_type::eof()) text << script.rdbuf();
+    return std::move(text).str();
 }
 
 ImagePtr Picture(const kroui::limner::SupplierInterface& supplier, const std::vector<std::uint8_t>& bytes,
@@ -51,7 +54,8 @@ std::shared_ptr<orrin::sheet_t> UI_Lio::ParseTarnScript(std::istream& script, st
 UI_KROLioRoot* UI_Lio::ParseLioScript(std::istream& script, std::shared_ptr<orrin::sheet_t> sheet,
                                       const std::string& description) {
     const std::string text = ReadAll(script);
-    const LioScript parsed = ParseLioText(text, description);
+    static orrin::parse_cache_t<LioScript> sParsed(ParseLioText);
+    const auto parsed = sParsed.find(text, description);
     const WithLocalize localize(fMachine);
     LioRoot::Making making{fSupplier, &fMachine, fClientWidgets, {}};
     making.image = [supplier = fSupplier, resources = fResources](std::string_view name, float scale) {
@@ -60,7 +64,7 @@ UI_KROLioRoot* UI_Lio::ParseLioScript(std::istream& script, std::shared_ptr<orri
         const ImagePtr picture = isDouble ? Picture(*supplier, resources(DoubleVariant(name)), 2) : ImagePtr();
         return picture ? picture : Picture(*supplier, resources(name_t(name)), 1);
     };
-    return new LioRoot(parsed, std::move(sheet), making);
+    return new LioRoot(*parsed, std::move(sheet), making);
 }
 
 void UI_Lio::Release(const UI_KROLioRoot* root) {

@@ -5,6 +5,8 @@
 #include "sheet_program.h"
 #include "sheet_script.h"
 
+#include "orrin/parse_cache.h"
+
 #include <array>
 #include <stdexcept>
 #include <utility>
@@ -57,8 +59,9 @@ void sheet_t::load(std::string_view script, const std::string& scriptName) {
 }
 
 sheet_program_t sheet_t::compile(std::string_view script, const std::string& scriptName) const {
+    static parse_cache_t<sheet_script_t> sParsed(parse_sheet_script);
     try {
-        return compile_sheet(parse_sheet_script(script, scriptName),
+        return compile_sheet(*sParsed.find(script, scriptName),
                              [this](name_t name) { return fMachine.knows_variable(name); });
     } catch (const error_t& error) {
         if (const auto cause = misspelt_keyword(script, scriptName, error.position())) throw error_t(*cause);
