@@ -9,12 +9,12 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 run_packages=(
     g++ cmake ninja-build pkg-config
     libboost-dev libcairo2-dev libpango1.0-dev libpugixml-dev libsdl2-dev libsndfile1-dev libfmt-dev libcli11-dev
-    libkissfft-dev libhwy-dev nlohmann-json3-dev
+    libkissfft-dev libhwy-dev nlohmann-json3-dev lv2-dev
     fonts-dejavu-core
 )
 test_packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
-    python3 xvfb xdotool imagemagick
+    python3 xvfb xdotool imagemagick liblilv-dev sordi
 )
 tidy_packages=(clang-tidy-14)
 

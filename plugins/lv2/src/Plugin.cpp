@@ -1,0 +1,264 @@
+#include "qolv2/Plugin.h"
+
+#include "host/Preset.h"
+#include "krocore/config/Error.h"
+
+#include <lv2/atom/atom.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <utility>
+
+namespace qolv2 {
+
+namespace {
+
+constexpr const char* kStateKey = "urn:qoaudio:state";
+constexpr std::size_t kMostChannels = 8;
+constexpr float kDescribedRate = 48000; // hertz, of a plug-in that can't run
+
+} // namespace
+
+Plugin::Plugin(const PluginDescription& description, double sampleRate, const LV2_Feature* const* features)
+    : fDescription(description), fSampleRate(static_cast<float>(sampleRate)), fHost(features), fTransportReader(fHost),
+      fServed(NewFilter()), fRunning(fServed), fDescribing(fServed), fPorts(*fServed) {
+    fData.resize(fPorts.Count());
+    std::size_t index = fPorts.FirstParameterPort();
+    for (const ParameterPort& port : fPorts.Parameters()) {
+        (port.info->IsReadOnly() ? fTold : fTaken).push_back({&port, index++});
+    }
+}
+
+Plugin::~Plugin() = default;
+
+// Prepared, since the ports follow the channels.
+Plugin::FilterPtr Plugin::NewFilter() {
+    FilterPtr filter = fDescription.effect->create();
+    try {
+        Prepare(*filter);
+        fIsUsable = true;
+    } catch (const krocore::config::Error& error) {
+        fHost.Warn(fDescription.uri + ": " + error.what() + "; the sound passes as it is");
+        filter->Prepare(kDescribedRate, fHost.longestBlock, fDescription.Layout());
+    }
+    return filter;
+}
+
+void Plugin::Prepare(Filter& filter) const {
+    using kroaudiofilterhost::AudioFilterQuality;
+    filter.SetQuality(fWantsRendering ? AudioFilterQuality::kRender : AudioFilterQuality::kLive);
+    filter.Prepare(fSampleRate, fHost.longestBlock, fDescription.Layout());
+}
+
+void Plugin::Connect(std::size_t port, void* data) noexcept {
+    if (port < fData.size()) fData[port] = data;
+}
+
+void Plugin::Activate() {
+    if (!fIsUsable) return;
+    StorePorts();
+    fIsRendering = fWantsRendering = ControlValue(kFreeWheelPort, 0) > 0;
+    fRunning->SetBypassed(!(ControlValue(kEnabledPort, 1) > 0));
+    Prepare(*fRunning);
+    fIsFresh = true;
+}
+
+void Plugin::Run(std::size_t frames) noexcept {
+    if (!fIsUsable) return PassThrough(frames);
+    if (fOutgoing) Schedule({.kind = Message::Kind::kRelease, .filter = std::exchange(fOutgoing, nullptr).detach()});
+    TakeTransport();
+    TakePorts();
+    // Some hosts set ports only after activating: no sound has gone before, so nothing glides.
+    if (std::exchange(fIsFresh, false)) fRunning->Reset();
+    Process(frames);
+    TellPorts();
+}
+
+// A port that the host left out counts as `other`.
+float Plugin::ControlValue(FixedPort port, float other) const noexcept {
+    const auto* const data = static_cast<const float*>(fData[fPorts.IndexOf(port)]);
+    return data != nullptr ? *data : other;
+}
+
+// Whether the port has another value than the one that was taken from it.
+bool Plugin::HasNews(const Port& port) const noexcept {
+    const auto* const data = static_cast<const float*>(fData[port.index]);
+    return data != nullptr && *data != port.taken && std::isfinite(*data);
+}
+
+// The value to be stored; none where what is stored says the same, perhaps more exactly.
+std::optional<float> Plugin::TakeValue(Port& port) const noexcept {
+    port.taken = *static_cast<const float*>(fData[port.index]);
+    if (port.parameter->FromStored(fRunning->GetParameterValue(port.parameter->parameter)) == port.taken) return {};
+    return port.parameter->ToStored(port.taken);
+}
+
+// While nothing runs.
+void Plugin::StorePorts() {
+    std::vector<kroaudiofilterhost::AudioFilterParameterValue> values;
+    for (Port& port : fTaken) {
+        if (!HasNews(port)) continue;
+        if (const auto value = TakeValue(port)) values.push_back({port.parameter->parameter, *value});
+    }
+    if (!values.empty()) fRunning->SetParameterValues(values);
+}
+
+void Plugin::TakePorts() noexcept {
+    fRunning->SetBypassed(!(ControlValue(kEnabledPort, 1) > 0));
+    const bool isRendering = ControlValue(kFreeWheelPort, 0) > 0;
+    if (isRendering != fIsRendering) Schedule({.kind = Message::Kind::kSetQuality, .isRendering = isRendering});
+    fIsRendering = isRendering;
+    bool isAutomated = false;
+    for (Port& port : fTaken) {
+        if (HasNews(port)) isAutomated |= Take(port);
+    }
+    if (isAutomated) Schedule({.kind = Message::Kind::kServe});
+}
+
+// True when the worker has something to make of it.
+bool Plugin::Take(Port& port) noexcept {
+    const int parameter = port.parameter->parameter;
+    const auto value = TakeValue(port);
+    if (!value) return false;
+    if (port.parameter->info->IsAutomatable()) {
+        fRunning->Automate(parameter, *value);
+        return true;
+    }
+    Schedule({.kind = Message::Kind::kStore, .parameter = parameter, .value = *value});
+    return false;
+}
+
+void Plugin::TakeTransport() noexcept {
+    const auto* const events = static_cast<const LV2_Atom_Sequence*>(fData[fPorts.IndexOf(kControlPort)]);
+    if (events != nullptr) fTransportReader.Read(*events, fTransport);
+}
+
+// The host's block may be longer than it said.
+void Plugin::Process(std::size_t frames) noexcept {
+    std::array<const float*, kMostChannels> inputs{};
+    std::array<float*, kMostChannels> outputs{};
+    for (std::size_t begin = 0; begin < frames; begin += fHost.longestBlock) {
+        const std::size_t count = std::min(frames - begin, fHost.longestBlock);
+        for (std::size_t i = 0; i < fPorts.Inputs(); ++i)
+            inputs[i] = static_cast<const float*>(fData[i]) + begin;
+        for (std::size_t i = 0; i < fPorts.Outputs(); ++i)
+            outputs[i] = static_cast<float*>(fData[fPorts.Inputs() + i]) + begin;
+        fRunning->SetTransport(fTransport);
+        fRunning->Process({std::span(inputs).first(fPorts.Inputs()), std::span(outputs).first(fPorts.Outputs()), count});
+        if (fTransport.isPlaying) fTransport.position += static_cast<double>(count);
+    }
+}
+
+// Outputs may be any inputs: all are read before the first is written.
+void Plugin::PassThrough(std::size_t frames) noexcept {
+    for (std::size_t i = 0; i < frames; ++i) {
+        std::array<float, kMostChannels> sound{};
+        for (std::size_t channel = 0; channel < fPorts.Inputs(); ++channel)
+            sound[channel] = static_cast<const float*>(fData[channel])[i];
+        for (std::size_t channel = 0; channel < fPorts.Outputs(); ++channel)
+            static_cast<float*>(fData[fPorts.Inputs() + channel])[i] = sound[channel];
+    }
+}
+
+void Plugin::TellPorts() noexcept {
+    if (auto* const latency = static_cast<float*>(fData[fPorts.IndexOf(kLatencyPort)]))
+        *latency = static_cast<float>(fRunning->Latency());
+    for (const Port& port : fTold) {
+        if (auto* const data = static_cast<float*>(fData[port.index]))
+            *data = port.parameter->FromStored(fRunning->GetParameterValue(port.parameter->parameter));
+    }
+}
+
+void Plugin::Schedule(const Message& message) noexcept {
+    const LV2_Worker_Schedule* const worker = fHost.worker;
+    if (worker != nullptr && worker->schedule_work(worker->handle, sizeof message, &message) == LV2_WORKER_SUCCESS)
+        return;
+    const auto respond = [](LV2_Worker_Respond_Handle plugin, std::uint32_t size, const void* data) {
+        return static_cast<Plugin*>(plugin)->Respond(size, data);
+    };
+    Work(respond, this, sizeof message, &message);
+}
+
+LV2_Worker_Status Plugin::Work(LV2_Worker_Respond_Function respond, LV2_Worker_Respond_Handle handle,
+                               std::uint32_t size, const void* data) {
+    Message message;
+    if (size != sizeof message) return LV2_WORKER_ERR_UNKNOWN;
+    std::memcpy(&message, data, size);
+    const std::lock_guard lock(fServedMutex);
+    switch (message.kind) {
+    case Message::Kind::kRelease: FilterPtr(message.filter, false).reset(); return LV2_WORKER_SUCCESS;
+    case Message::Kind::kStore: fServed->SetParameterValueQuietly(message.parameter, message.value); break;
+    case Message::Kind::kServe: fServed->ServeAutomation(); break;
+    case Message::Kind::kSetQuality: fWantsRendering = message.isRendering; break;
+    case Message::Kind::kTake: return LV2_WORKER_ERR_UNKNOWN;
+    }
+    if (fServed->NeedsPrepare() || message.kind == Message::Kind::kSetQuality) Replace(respond, handle);
+    return LV2_WORKER_SUCCESS;
+}
+
+// A filter that is prepared while the other one goes on.
+void Plugin::Replace(LV2_Worker_Respond_Function respond, LV2_Worker_Respond_Handle handle) {
+    FilterPtr filter = fDescription.effect->create();
+    Prepare(*filter);
+    std::vector<kroaudiofilterhost::AudioFilterParameterValue> values;
+    for (int i = 0; i < fServed->GetParameterCount(); ++i)
+        values.push_back({i, fServed->GetParameterValue(i)});
+    filter->SetParameterValues(values);
+    filter->SetBypassed(fServed->IsBypassed());
+    Prepare(*filter);
+    const Message message = {.kind = Message::Kind::kTake, .filter = FilterPtr(filter).detach()};
+    if (respond(handle, sizeof message, &message) == LV2_WORKER_SUCCESS)
+        fServed = std::move(filter);
+    else
+        FilterPtr(message.filter, false).reset();
+}
+
+LV2_Worker_Status Plugin::Respond(std::uint32_t size, const void* data) noexcept {
+    Message message;
+    if (size != sizeof message) return LV2_WORKER_ERR_UNKNOWN;
+    std::memcpy(&message, data, size);
+    if (message.kind != Message::Kind::kTake) return LV2_WORKER_ERR_UNKNOWN;
+    fOutgoing = std::exchange(fRunning, FilterPtr(message.filter, false));
+    // What was automated meanwhile went to the other one.
+    for (Port& port : fTaken)
+        port.taken = kNone;
+    return LV2_WORKER_SUCCESS;
+}
+
+std::string Plugin::StateOfServed() const {
+    const std::lock_guard lock(fServedMutex);
+    return qohost::SaveState(*fServed);
+}
+
+LV2_State_Status Plugin::Save(LV2_State_Store_Function store, LV2_State_Handle handle) const {
+    const LV2_URID key = fHost.Map(kStateKey);
+    const LV2_URID type = fHost.Map(LV2_ATOM__String);
+    if (key == 0 || type == 0) return LV2_STATE_ERR_NO_FEATURE;
+    const std::string state = StateOfServed();
+    return store(handle, key, state.c_str(), state.size() + 1, type, LV2_STATE_IS_POD | LV2_STATE_IS_PORTABLE);
+}
+
+LV2_State_Status Plugin::Restore(LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle) {
+    const LV2_URID key = fHost.Map(kStateKey);
+    if (key == 0) return LV2_STATE_ERR_NO_FEATURE;
+    std::size_t size = 0;
+    std::uint32_t type = 0;
+    std::uint32_t flags = 0;
+    const void* const data = retrieve(handle, key, &size, &type, &flags);
+    if (data == nullptr) return LV2_STATE_ERR_NO_PROPERTY;
+    if (type != fHost.Map(LV2_ATOM__String)) return LV2_STATE_ERR_BAD_TYPE;
+    try {
+        const std::string_view text(static_cast<const char*>(data), size);
+        for (const std::string& note : qohost::LoadState(*fRunning, text.substr(0, text.find('\0'))))
+            fHost.Warn(fDescription.uri + ": " + note);
+    } catch (const krocore::config::Error& error) {
+        fHost.Warn(fDescription.uri + ": the state is not taken: " + error.what());
+        return LV2_STATE_ERR_UNKNOWN;
+    }
+    if (fIsUsable && fRunning->NeedsPrepare()) Prepare(*fRunning);
+    return LV2_STATE_SUCCESS;
+}
+
+} // namespace qolv2
