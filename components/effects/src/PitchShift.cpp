@@ -20,8 +20,8 @@ constexpr ParameterRow kRows[] = {
     {.index = kPitchShiftRatio,
      .id = "ratio",
      .name = "$$$/PitchShift/Ratio=Ratio",
-     .lo = WsolaStretcher::kLowestRatio,
-     .hi = WsolaStretcher::kHighestRatio,
+     .lo = SoundStretcher::kLowestRatio,
+     .hi = SoundStretcher::kHighestRatio,
      .defaultValue = 1,
      .decimals = 4,
      .scale = ParameterScale::kLogarithmic},
@@ -68,7 +68,7 @@ PitchShift::~PitchShift() = default;
 
 std::size_t PitchShift::Tail() const noexcept {
     if (Natural(kPitchShiftRatio) == 1.0F) return 0;
-    const double late = WsolaStretcher::FarthestOff(ReadLengths(), GetSampleRate());
+    const double late = SoundStretcher::FarthestOff(ReadLengths(), GetSampleRate());
     return static_cast<std::size_t>(std::ceil(late)) + BandLimitedInterpolator::kReach;
 }
 
@@ -101,7 +101,7 @@ void PitchShift::ReadParameters(bool settle) noexcept {
     fStretcher.SetLengths(ReadLengths());
 }
 
-WsolaStretcher::Lengths PitchShift::ReadLengths() const noexcept {
+SoundStretcher::Lengths PitchShift::ReadLengths() const noexcept {
     if (IsOn(kPitchShiftUseDefaultSettings)) return {};
     const double sequence = GetSampleRate() / double{Natural(kPitchShiftSplicingFrequency)};
     return {sequence, FractionOfPercent(sequence * Natural(kPitchShiftOverlapping))};

@@ -3,8 +3,8 @@
 #include "qoc/components/ComponentBase.h"
 #include "qoc/dsp/delay/BandLimitedInterpolator.h"
 #include "qoc/dsp/delay/HistoryBuffer.h"
+#include "qoc/dsp/pitch/SoundStretcher.h"
 #include "qoc/dsp/pitch/TimeMap.h"
-#include "qoc/dsp/pitch/WsolaStretcher.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
 
 namespace qoc::components {
@@ -36,7 +36,7 @@ private:
         BandLimitedInterpolator::Weights weights;
     };
 
-    WsolaStretcher::Lengths ReadLengths() const noexcept;
+    SoundStretcher::Lengths ReadLengths() const noexcept;
     void Write(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::int64_t source) noexcept;
     void WriteShifted(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::int64_t source,
                       float wet) noexcept;
@@ -50,7 +50,7 @@ private:
     TimeMap fTimeMap;
     HistoryBuffer fHistory;
     OnsetDetector fOnsets;
-    WsolaStretcher fStretcher;
+    SoundStretcher fStretcher;
     SmoothedValue fRatio;
     SmoothedValue fWet; // 0: the ratio is 1 and the sound passes as it is
     std::size_t fLatency = 0;

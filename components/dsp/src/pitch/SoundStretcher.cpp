@@ -1,4 +1,4 @@
-#include "qoc/dsp/pitch/WsolaStretcher.h"
+#include "qoc/dsp/pitch/SoundStretcher.h"
 
 #include <algorithm>
 #include <cmath>
@@ -32,7 +32,7 @@ constexpr std::int64_t kLookEvery = 16; // samples
 
 } // namespace
 
-void WsolaStretcher::Prepare(std::size_t channels, double sampleRate, double longest) {
+void SoundStretcher::Prepare(std::size_t channels, double sampleRate, double longest) {
     fSampleRate = sampleRate;
     const double sequence = std::max({longest, kLongSequence * sampleRate, 2 * kShortestFade});
     const double compared = std::max(sequence / 2, kComparedSeconds * sampleRate);
@@ -45,12 +45,12 @@ void WsolaStretcher::Prepare(std::size_t channels, double sampleRate, double lon
 }
 
 // By half the length of a piece, at its ends, and by half the room.
-double WsolaStretcher::FarthestOff(const Lengths& lengths, double sampleRate) noexcept {
+double SoundStretcher::FarthestOff(const Lengths& lengths, double sampleRate) noexcept {
     const double sequence = lengths.sequence > 0 ? lengths.sequence : kLongSequence * sampleRate;
     return (sequence + SpliceSearch::kRoomSeconds * sampleRate) / 2;
 }
 
-void WsolaStretcher::Reset() noexcept {
+void SoundStretcher::Reset() noexcept {
     fPosition = fOffset = fFormerOffset = fBegin = fEnd = 0;
     fFade = fLikeness = 1;
     fLevel = fFormerLevel = 1;
@@ -61,7 +61,7 @@ void WsolaStretcher::Reset() noexcept {
     fServed = -OnsetDetector::kNone;
 }
 
-void WsolaStretcher::Follow(std::int64_t frame, const TimeMap& map) noexcept {
+void SoundStretcher::Follow(std::int64_t frame, const TimeMap& map) noexcept {
     const Lengths lengths = LengthsAt(map.RatioAt(frame));
     fPosition = map.PositionAt(frame);
     fOffset = fFormerOffset = static_cast<double>(frame) - fPosition;
@@ -73,7 +73,7 @@ void WsolaStretcher::Follow(std::int64_t frame, const TimeMap& map) noexcept {
     Fade();
 }
 
-void WsolaStretcher::Advance(std::int64_t frame, const Sound& sound) noexcept {
+void SoundStretcher::Advance(std::int64_t frame, const Sound& sound) noexcept {
     fPosition = sound.map.PositionAt(frame);
     if (frame % kLookEvery == 0) FindHit(frame, sound);
     const Reason reason = ReasonToSplice(frame, sound);
@@ -81,7 +81,7 @@ void WsolaStretcher::Advance(std::int64_t frame, const Sound& sound) noexcept {
     Fade();
 }
 
-void WsolaStretcher::Fade() noexcept {
+void SoundStretcher::Fade() noexcept {
     const double share = std::min(1.0, (fPosition - fBegin) / fFade);
     const double former = 1 - share;
     // What two sounds of the same power add up to by their correlation.
@@ -92,7 +92,7 @@ void WsolaStretcher::Fade() noexcept {
     fFormerGain = static_cast<float>(fFormerLevel * level * former);
 }
 
-WsolaStretcher::Lengths WsolaStretcher::LengthsAt(float ratio) const noexcept {
+SoundStretcher::Lengths SoundStretcher::LengthsAt(float ratio) const noexcept {
     Lengths lengths = fLengths;
     if (lengths.sequence == 0) {
         const double share = (1 / kLowestRatio - 1 / double{ratio}) / (1 / kLowestRatio - 1 / kHighestRatio);
@@ -103,7 +103,7 @@ WsolaStretcher::Lengths WsolaStretcher::LengthsAt(float ratio) const noexcept {
     return lengths;
 }
 
-void WsolaStretcher::FindHit(std::int64_t frame, const Sound& sound) noexcept {
+void SoundStretcher::FindHit(std::int64_t frame, const Sound& sound) noexcept {
     const double before = kBeforeOnset * fSampleRate;
     const std::int64_t onset = sound.onsets.FirstFrom(std::llround(std::ceil(Place() + before)));
     const std::int64_t known = frame + static_cast<std::int64_t>(fReach) - sound.onsets.Delay();
@@ -118,7 +118,7 @@ void WsolaStretcher::FindHit(std::int64_t frame, const Sound& sound) noexcept {
 }
 
 // What is due now; a piece that is fading in goes on.
-WsolaStretcher::Reason WsolaStretcher::ReasonToSplice(std::int64_t frame, const Sound& sound) noexcept {
+SoundStretcher::Reason SoundStretcher::ReasonToSplice(std::int64_t frame, const Sound& sound) noexcept {
     if (fFormerGain > 0) return Reason::kNone;
     const double overlap = LengthsAt(sound.map.RatioAt(frame)).overlap;
     if (std::abs(Place() - static_cast<double>(frame)) > fFarthest - overlap) return Reason::kTooFar;
@@ -128,7 +128,7 @@ WsolaStretcher::Reason WsolaStretcher::ReasonToSplice(std::int64_t frame, const 
 }
 
 // At the last moment at which a fade can end before the hit is due, or begins too early.
-bool WsolaStretcher::IsDue(const Hit& hit) const noexcept {
+bool SoundStretcher::IsDue(const Hit& hit) const noexcept {
     if (hit.onset == fServed) return false;
     const double late = LateBy(hit);
     if (std::abs(late) < kHitTolerance * fSampleRate) return false;
@@ -137,7 +137,7 @@ bool WsolaStretcher::IsDue(const Hit& hit) const noexcept {
 }
 
 // Leaves the hit that sounds now or that a fade would run into to the present piece, as long as that is possible.
-bool WsolaStretcher::WaitForHit(const Sound& sound, double overlap) noexcept {
+bool SoundStretcher::WaitForHit(const Sound& sound, double overlap) noexcept {
     const double ahead = overlap + kBeforeOnset * fSampleRate;
     const std::int64_t onset = sound.onsets.LastBefore(std::llround(Place() + ahead));
     const double left = static_cast<double>(onset) + kAfterOnset * fSampleRate - Place();
@@ -146,7 +146,7 @@ bool WsolaStretcher::WaitForHit(const Sound& sound, double overlap) noexcept {
     return true;
 }
 
-void WsolaStretcher::Splice(std::int64_t frame, Reason reason, const Sound& sound) noexcept {
+void SoundStretcher::Splice(std::int64_t frame, Reason reason, const Sound& sound) noexcept {
     Lengths lengths = LengthsAt(sound.map.RatioAt(frame));
     if (reason == Reason::kTooFar) fHit = {};
     if (reason == Reason::kHit) lengths.overlap = std::min(lengths.overlap, kLongestHitFade * fSampleRate);
@@ -172,7 +172,7 @@ void WsolaStretcher::Splice(std::int64_t frame, Reason reason, const Sound& soun
 }
 
 // The hit in the piece on time, or its middle.
-double WsolaStretcher::WantedOffset(const Lengths& lengths, const TimeMap& map) const noexcept {
+double SoundStretcher::WantedOffset(const Lengths& lengths, const TimeMap& map) const noexcept {
     if (fHit.onset != OnsetDetector::kNone && fHit.due < fPosition + lengths.sequence)
         return static_cast<double>(fHit.onset) - fHit.due;
     const double middle = fPosition + lengths.sequence / 2;
@@ -180,7 +180,7 @@ double WsolaStretcher::WantedOffset(const Lengths& lengths, const TimeMap& map) 
 }
 
 // Neither back into a hit that has been heard nor beyond one that has not.
-SpliceSearch::Room WsolaStretcher::RoomFor(Reason reason, const Lengths& lengths, const Sound& sound) const noexcept {
+SpliceSearch::Room SoundStretcher::RoomFor(Reason reason, const Lengths& lengths, const Sound& sound) const noexcept {
     const double wanted = fPosition + WantedOffset(lengths, sound.map);
     const double half = (reason == Reason::kHit ? kHitRoom : SpliceSearch::kRoomSeconds / 2) * fSampleRate;
     double first = wanted - half;

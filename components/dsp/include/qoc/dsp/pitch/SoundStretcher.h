@@ -17,7 +17,7 @@ namespace qoc::dsp {
 // of a hit is never repeated, left out or faded: the piece before it ends early enough for the next one to bring it
 // when it is due. Nor does a sound that dies away rise again where a piece goes back. Lengths are in samples of the
 // stretched sound. Owned by the pitch shifter. Everything but Prepare is real time safe.
-class WsolaStretcher {
+class SoundStretcher {
 public:
     // Of the ratios of the map.
     static constexpr double kLowestRatio = 0.5;
