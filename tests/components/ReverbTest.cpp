@@ -57,13 +57,13 @@ TEST(Reverb, DecaysBySixtyDecibelsInTheDecayTimeWhateverElseIsSet) {
     for (const Case& each : cases) {
         const double decay = each.settings.decay / 1000;
         const auto response = ResponseOf(each.settings, each.channels, each.rate, 0.2 + 0.9 * decay);
-        EXPECT_NEAR(test::DecayTime(response, each.rate) / decay, 1, 0.1) << decay << " s at " << each.rate;
+        EXPECT_NEAR(test::DecayTime(response, each.rate) / decay, 1, 0.05) << decay << " s at " << each.rate;
     }
 }
 
 TEST(Reverb, TheLongestDecayLasts) {
     const auto response = ResponseOf({.decay = 20000}, 1, 44100, 14);
-    EXPECT_NEAR(test::DecayTime(response, 44100, -5, -25) / 20, 1, 0.1);
+    EXPECT_NEAR(test::DecayTime(response, 44100, -5, -25) / 20, 1, 0.05);
 }
 
 TEST(Reverb, IsBitExactWithoutReverberation) {
@@ -91,17 +91,6 @@ TEST(Reverb, IsAsLoudAsTheSoundItself) {
             }
         }
     }
-}
-
-// What diffusion is for: soon after the start the samples are as those of noise, a third of which lie outside the
-// standard deviation (J. S. Abel, P. Huang, "A simple, robust measure of reverberation echo density", AES 121, 2006).
-TEST(Reverb, DiffusionMakesTheStartDense) {
-    const auto density = [](double diffusion) {
-        const auto response = ResponseOf({.diffusion = diffusion, .perception = 0}, 2, 44100, 0.5);
-        return test::EchoDensity(response, 0.1, 44100);
-    };
-    EXPECT_GT(density(100), 0.75);
-    EXPECT_LT(density(0), 0.5 * density(100));
 }
 
 TEST(Reverb, ChannelsReverberateApartUnlessTheyAreSummed) {
@@ -145,7 +134,7 @@ TEST(Reverb, LeavesTheLowFrequencyEffectsAlone) {
     EXPECT_TRUE(output == input);
 }
 
-// A low tone turns to others than itself by no more than a glide does.
+// What comes out is about as loud as the low tone that goes in, and so about as smooth.
 TEST(Reverb, DoesNotClickWhileSettingsChange) {
     const auto filter = Prepared({});
     const Channels input = {test::Sine(200, 132300, 44100), test::Sine(200, 132300, 44100)};
@@ -158,8 +147,7 @@ TEST(Reverb, DoesNotClickWhileSettingsChange) {
         test::Process(*filter, input, output, at, at + 3000, 441);
         at += 3000;
     }
-    const double steady = test::Roughness(output[0], 44100, 66150);
-    EXPECT_LT(test::Roughness(output[0], 66150, at), 5 * steady);
+    EXPECT_LT(test::Roughness(output[0], 66150, at), 3 * test::Roughness(input[0], 0, at));
 }
 
 TEST(Reverb, TellsItsLengthAndTheRatioOfTheLevels) {

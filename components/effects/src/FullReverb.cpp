@@ -132,7 +132,7 @@ constexpr ParameterRow kRows[] = {
 };
 
 constexpr double kWallAbsorption = 0.2; // of a room that is neither bare nor furnished to be dry
-constexpr double kLinesOfRoom = 1.5;    // mean length of the tank's lines against the way from wall to wall
+constexpr double kLinesOfRoom = 5;      // mean length of the tank's lines against the way from wall to wall
 constexpr double kShortestLines = 0.01; // seconds
 
 } // namespace
@@ -191,9 +191,9 @@ void FullReverb::ReadParameters(bool settle) noexcept {
     fEqualiser.Set(EqualiserOfParameters(), settle);
 }
 
-void FullReverb::Reverberate(std::span<float> sound) noexcept {
-    fPredelay.Process(sound.data());
-    fTank.Process(sound.data(), sound.data());
+void FullReverb::Reverberate(std::span<SoundPiece> sound, std::size_t frames) noexcept {
+    fPredelay.Process(sound, frames);
+    fTank.Process(sound, frames);
 }
 
 void FullReverb::Mix(std::span<float> wet, std::span<const float> direct, std::span<const float> reflected) noexcept {
@@ -267,12 +267,15 @@ void FullReverb::ReadRoom(bool settle) noexcept {
                 .isOneSource = IsOn(kFullReverbSumInputs)},
                settle);
     fPredelay.Set(static_cast<std::size_t>(std::lround(Predelay() * GetSampleRate())), settle);
+    const double diffusion = FractionOfPercent(Natural(kFullReverbDiffusion));
     const double lines = std::max(kLinesOfRoom * room.MeanFreeTime(), kShortestLines);
+    const double mean = std::min(lines, MeanLineLength(decay));
     fTank.Set({.decay = decay,
-               .meanLength = std::min(lines, MeanLineLength(decay)),
-               .diffusion = FractionOfPercent(Natural(kFullReverbDiffusion)),
+               .meanLength = mean,
+               .diffusion = diffusion,
                .mixing = 1 - FractionOfPercent(Natural(kFullReverbPerception))},
               settle);
+    fScatter.Set({.diffusion = diffusion, .spread = ReverbTank::SpreadOf(mean)}, settle);
 }
 
 } // namespace qoc::components

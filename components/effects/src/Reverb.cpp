@@ -104,7 +104,7 @@ void Reverb::PrepareProcessing(std::size_t /*maximumBlock*/) {
     fTank.Prepare(sampleRate, fRoom.size());
     fDry.Prepare(sampleRate);
     fWet.Prepare(sampleRate);
-    fSound.assign(fRoom.size(), 0.0F);
+    fSound.assign(fRoom.size(), {});
 }
 
 void Reverb::ResetProcessing() noexcept {
@@ -128,17 +128,31 @@ void Reverb::ReadParameters(bool settle) noexcept {
 }
 
 void Reverb::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
-    for (std::size_t i = 0; i < block.frames; ++i) {
-        fRoom.Take(block, i);
-        std::ranges::copy(fRoom.Sound(), fSound.begin());
-        fPredelay.Process(fSound.data());
-        fTank.Process(fSound.data(), fSound.data());
-        const float dry = fDry.Next();
-        const float wet = fWet.Next();
-        for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
-            block.outputs[channel][i] = dry * fRoom.Dry(channel);
+    for (std::size_t begin = 0, frames = 0; begin < block.frames; begin += frames) {
+        frames = fTank.Within(std::min(kPieceFrames, block.frames - begin));
+        Take(block, begin, frames);
+        fPredelay.Process(fSound, frames);
+        fTank.Process(fSound, frames);
+        Add(block, begin, frames);
+    }
+}
+
+void Reverb::Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames) noexcept {
+    for (std::size_t i = 0; i < frames; ++i) {
+        fRoom.Take(block, begin + i);
         for (std::size_t k = 0; k < fSound.size(); ++k)
-            block.outputs[fRoom.Channels()[k]][i] += wet * fSound[k];
+            fSound[k][i] = fRoom.Sound()[k];
+        const float dry = fDry.Next();
+        for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
+            block.outputs[channel][begin + i] = dry * fRoom.Dry(channel);
+    }
+}
+
+void Reverb::Add(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames) noexcept {
+    for (std::size_t i = 0; i < frames; ++i) {
+        const float wet = fWet.Next();
+        for (std::size_t k = 0; k < fSound.size(); ++k)
+            block.outputs[fRoom.Channels()[k]][begin + i] += wet * fSound[k][i];
     }
 }
 

@@ -120,7 +120,6 @@ constexpr double kMostLines = 1.4;
 
 // The share of the decay time in which the highest frequencies decay at most damping.
 constexpr double kMostDamped = 0.1;
-constexpr double kMovement = 1;
 constexpr int kCutOrder = 2;
 constexpr double kMostOfRate = 0.45; // of the sample rate: beyond it there is nothing to cut
 
@@ -164,8 +163,8 @@ void StudioReverb::ReadParameters(bool settle) noexcept {
     ReadCuts(settle);
 }
 
-void StudioReverb::Reverberate(std::span<float> sound) noexcept {
-    fTank.Process(sound.data(), sound.data());
+void StudioReverb::Reverberate(std::span<SoundPiece> sound, std::size_t frames) noexcept {
+    fTank.Process(sound, frames);
 }
 
 void StudioReverb::Mix(std::span<float> wet, std::span<const float> /*direct*/,
@@ -193,13 +192,15 @@ void StudioReverb::ReadRoom(bool settle) noexcept {
                 .absorption = room.Absorption(decay),
                 .level = FractionOfPercent(Natural(kStudioReverbEarly))},
                settle);
+    const double diffusion = FractionOfPercent(Natural(kStudioReverbDiffusion));
+    const double mean = MeanLineLength(decay) * (kLeastLines + (kMostLines - kLeastLines) * size);
     fTank.Set({.decay = decay,
                .highDecay = std::pow(kMostDamped, FractionOfPercent(Natural(kStudioReverbDamping))),
-               .meanLength = MeanLineLength(decay) * (kLeastLines + (kMostLines - kLeastLines) * size),
-               .diffusion = FractionOfPercent(Natural(kStudioReverbDiffusion)),
-               .mixing = 1,
-               .movement = kMovement},
+               .meanLength = mean,
+               .diffusion = diffusion,
+               .mixing = 1},
               settle);
+    fScatter.Set({.diffusion = diffusion, .spread = ReverbTank::SpreadOf(mean)}, settle);
 }
 
 void StudioReverb::ReadCuts(bool settle) noexcept {

@@ -21,11 +21,13 @@ void CrossfadedDelay::Set(std::size_t delay, bool settle) noexcept {
     fTap.Set(std::min(delay, fLongest), settle);
 }
 
-void CrossfadedDelay::Process(float* frame) noexcept {
-    const CrossfadedTap::Place place = fTap.Next();
-    for (std::size_t channel = 0; channel < fLines.size(); ++channel) {
-        fLines[channel].Write(frame[channel]);
-        frame[channel] = place.In(fLines[channel]);
+void CrossfadedDelay::Process(std::span<SoundPiece> channels, std::size_t frames) noexcept {
+    for (std::size_t i = 0; i < frames; ++i) {
+        const CrossfadedTap::Place place = fTap.Next();
+        for (std::size_t channel = 0; channel < fLines.size(); ++channel) {
+            fLines[channel].Write(channels[channel][i]);
+            channels[channel][i] = place.In(fLines[channel]);
+        }
     }
 }
 

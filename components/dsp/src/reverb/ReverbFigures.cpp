@@ -1,5 +1,7 @@
 #include "qoc/dsp/reverb/ReverbFigures.h"
 
+#include "qoc/dsp/reverb/ReverbTank.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -12,8 +14,8 @@ float DirectRatio(float dry, float wet) noexcept {
 }
 
 double MeanLineLength(double decay) noexcept {
-    constexpr double kShare = 0.06;
-    return std::clamp(kShare * decay, 0.006, 0.055);
+    constexpr double kShare = 0.07;
+    return std::clamp(kShare * decay, 0.006, ReverbTank::kLongestMean);
 }
 
 double AudibleSeconds(double decay) noexcept {

@@ -1,7 +1,8 @@
 #include "qoc/dsp/reverb/ReverbTank.h"
 
+#include "PieceLoops.h"
+
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <numbers>
 
@@ -9,34 +10,12 @@ namespace qoc::dsp {
 
 namespace {
 
-// The lines' lengths form a geometric series around the mean.
-constexpr double kShortestLine = 0.6; // of the mean
-constexpr double kLongestLine = 1.5;
-
-constexpr double kDiffuserSeconds[] = {0.0019, 0.0033, 0.0057, 0.0098};
-constexpr double kDiffuserSpread = 0.043; // by which each group's are longer than those of the group before
-constexpr double kMostDiffusion = 0.7;
-// An allpass rings as well: at most for that part of the decay time.
-constexpr double kDiffuserDecay = 0.4;
+// The lines' lengths form a geometric series, whose mean is 1.
+constexpr double kShortestLine = 0.48;
+constexpr double kLongestLine = 1.81;
 
 constexpr double kHighFrequency = 3500; // hertz: where the decay is midway between that of low and high frequencies
-constexpr double kGlideSeconds = 0.05;
-
-// Samples between the lines' rings. Their sizes are powers of two, and at the same distance from each other all of them
-// would take the same place in the processor's cache.
-constexpr std::size_t kApart = 80;
-
-constexpr std::size_t kTurnPeriod = 32;             // samples from which to which the matrix turns evenly
-constexpr double kAngleLag = 0.03;                  // seconds
-constexpr double kFullAngle = std::numbers::pi / 4; // every line feeds all lines alike
-constexpr double kLeastAngle = 0.12;
-constexpr double kMovement = 0.35; // radians
-constexpr double kMovementHertz[] = {0.37, 0.61, 0.83, 1.13};
-
-// What 60 dB are as an exponent of 10.
-double GainOver(double seconds, double decay) noexcept {
-    return std::pow(10.0, -3 * seconds / decay);
-}
+constexpr double kLeastAngle = 0.24;    // of the matrix, in radians: every line feeds the others a little
 
 bool IsPrime(std::uint32_t number) noexcept {
     for (std::uint32_t divisor = 3; divisor * divisor <= number; divisor += 2) {
@@ -46,8 +25,8 @@ bool IsPrime(std::uint32_t number) noexcept {
 }
 
 // Lengths without common divisors keep echoes of several lines from falling together.
-std::uint32_t PrimeFrom(double least) noexcept {
-    auto number = static_cast<std::uint32_t>(std::max(least, 3.0)) | 1U;
+std::uint32_t PrimeFrom(std::uint32_t least) noexcept {
+    std::uint32_t number = least | 1U;
     while (!IsPrime(number))
         number += 2;
     return number;
@@ -57,249 +36,168 @@ double LineRatio(std::size_t line) noexcept {
     return kShortestLine * std::pow(kLongestLine / kShortestLine, static_cast<double>(line) / (ReverbTank::kLines - 1));
 }
 
-float Between(float from, float to, float share) noexcept {
-    return from + share * (to - from);
-}
-
-template <std::size_t kCount>
-void SetBetween(std::array<float, kCount>& values, const std::array<float, kCount>& from,
-                const std::array<float, kCount>& to, float share) noexcept {
-    for (std::size_t i = 0; i < kCount; ++i)
-        values[i] = Between(from[i], to[i], share);
-}
-
-// The lines that are a stride apart, by pairs.
-template <std::size_t kStride, std::size_t kCount>
-void Rotate(std::array<float, kCount>& sound, float cosine, float sine) noexcept {
-    for (std::size_t first = 0; first < kCount; first += 2 * kStride) {
-        for (std::size_t line = first; line < first + kStride; ++line) {
-            const float one = sound[line];
-            const float other = sound[line + kStride];
-            sound[line] = cosine * one + sine * other;
-            sound[line + kStride] = cosine * other - sine * one;
-        }
-    }
-}
-
 // By which lines are heard upside down: a bent function, so that the sum is akin to none of the vectors that the matrix
-// turns about.
+// is made of.
 constexpr float SignOf(std::size_t line) noexcept {
-    const std::size_t negative = (line & (line >> 1U) & 1U) ^ ((line >> 2U) & (line >> 3U) & 1U);
-    return negative != 0 ? -1.0F : 1.0F;
+    const std::size_t negative = (line & (line >> 1U)) ^ ((line >> 2U) & (line >> 3U)) ^ ((line >> 4U) & line);
+    return (negative & 1U) != 0 ? -1.0F : 1.0F;
+}
+
+// The lines of a diffuser by turns; the second time in another order.
+constexpr std::size_t DiffusedLine(std::size_t turn) noexcept {
+    constexpr std::size_t kCount = EchoDiffuser::kLines;
+    return turn < kCount ? turn : (5 * turn + 3) % kCount;
 }
 
 } // namespace
 
+double ReverbTank::SpreadOf(double meanLength) noexcept {
+    constexpr double kUsualMean = 0.05; // seconds
+    return std::min(1.0, meanLength / kUsualMean);
+}
+
 void ReverbTank::Prepare(double sampleRate, std::size_t channels) {
     fSampleRate = sampleRate;
-    // Primes are not far apart: a hundred samples are room enough for the next one.
-    const double longest = kLongestMean * kLongestLine * sampleRate + 100;
-    const std::size_t size = std::bit_ceil(static_cast<std::size_t>(longest));
-    fMask = size - 1;
-    fStride = size + kApart;
-    fRings.assign(fStride * kLines, 0.0F);
-    fGlideLength = static_cast<std::size_t>(std::ceil(kGlideSeconds * sampleRate));
-
-    const std::size_t groups = std::clamp<std::size_t>(channels, 1, kLines);
-    fGroupOf.resize(channels);
-    for (std::size_t channel = 0; channel < channels; ++channel)
-        fGroupOf[channel] = channel % groups;
-    fGroups.assign(groups, {});
-    for (std::size_t i = 0; i < groups; ++i) {
-        const double lines = std::floor(static_cast<double>(kLines - 1 - i) / static_cast<double>(groups)) + 1;
-        for (std::size_t line = i; line < kLines; line += groups) {
-            fGroupOfLine[line] = i;
-            fInputGain[line] = static_cast<float>(1 / std::sqrt(lines));
-            fOutputGain[line] =
-                SignOf(line) * static_cast<float>(std::sqrt(kLines / (lines * static_cast<double>(groups))));
-        }
-        for (std::size_t stage = 0; stage < kDiffusers; ++stage) {
-            const double seconds = kDiffuserSeconds[stage] * (1 + kDiffuserSpread * static_cast<double>(i));
-            fGroups[i].allpasses[stage].resize(PrimeFrom(seconds * sampleRate));
-        }
+    // Primes are not far apart: a hundred samples are room enough for the next ones.
+    constexpr double kMore = 100;
+    fRings.Prepare(kLines, static_cast<std::size_t>(kLongestMean * kLongestLine * sampleRate + kMore));
+    fGlide.Prepare(sampleRate);
+    fGroups.resize(std::clamp<std::size_t>(channels, 1, kMostGroups));
+    for (std::size_t i = 0; i < fGroups.size(); ++i)
+        fGroups[i].diffuser.Prepare(sampleRate, i);
+    // In proportion to the lengths, so that as much sound is on every part of every line.
+    for (std::size_t line = 0; line < kLines; ++line) {
+        const auto lines = static_cast<double>(LinesOf(line % fGroups.size()));
+        fInputGains[line] = static_cast<float>(std::sqrt(EchoDiffuser::kLines * LineRatio(line) / lines));
     }
 }
 
 void ReverbTank::Reset() noexcept {
-    std::ranges::fill(fRings, 0.0F);
-    fPosition = 0;
-    for (Group& group : fGroups) {
-        for (std::vector<float>& allpass : group.allpasses)
-            std::ranges::fill(allpass, 0.0F);
-        group.positions = {};
-    }
-    fInputBefore = fOutputBefore = {};
-    fTurns = 0;
-    fUntilTurn = 0;
+    fRings.Reset();
+    for (Group& group : fGroups)
+        group.diffuser.Reset();
+    fLost.Reset();
+    fHeard.Reset();
 }
 
 void ReverbTank::Set(const Settings& settings, bool settle) noexcept {
-    if (settle) {
-        fSettings = settings;
-        fFrom = fTo = fNow = VoiceOf(settings);
-        fGlideRemaining = 0;
-        fShare = 1;
-        fHasPending = false;
-        fAngle = kLeastAngle + (kFullAngle - kLeastAngle) * settings.mixing;
-        fTurnedTo.fill(fAngle);
-        return;
-    }
-    fPending = settings;
-    fHasPending = settings != fSettings;
-    if (fGlideRemaining == 0) StartGlide();
+    if (fGlide.Set(settings, settle)) FollowGlide();
 }
 
-void ReverbTank::Process(const float* inputs, float* outputs) noexcept {
-    AdvanceGlide();
-    if (fUntilTurn == 0) Turn();
-    --fUntilTurn;
-    for (Group& group : fGroups)
-        group.diffused = 0;
-    for (std::size_t channel = 0; channel < fGroupOf.size(); ++channel)
-        fGroups[fGroupOf[channel]].diffused += inputs[channel];
-    for (Group& group : fGroups)
-        Diffuse(group);
-
-    Lines sound;
-    ReadLines(sound);
-    Absorb(sound);
-    for (Group& group : fGroups)
-        group.output = fNow.onset * group.diffused;
+void ReverbTank::Process(std::span<SoundPiece> channels, std::size_t frames) noexcept {
+    const SoundPiece& share = fGlide.Share(frames);
+    Take(channels);
+    ReadLines(fFrom.length, fTo.length, share);
+    fLost.Process(fFrom.lost, fTo.lost, share, frames, fGlide.IsMoving(), fLines);
+    Mix(share);
+    for (std::size_t group = 0; group < fGroups.size(); ++group)
+        Feed(group, share, frames);
     for (std::size_t line = 0; line < kLines; ++line)
-        fGroups[fGroupOfLine[line]].output += fOutputGain[line] * sound[line];
-    for (std::size_t channel = 0; channel < fGroupOf.size(); ++channel)
-        outputs[channel] = fNow.level * fGroups[fGroupOf[channel]].output;
-
-    Mix(sound);
-    for (std::size_t line = 0; line < kLines; ++line)
-        fRings[line * fStride + fPosition] = sound[line] + fInputGain[line] * fGroups[fGroupOfLine[line]].diffused;
-    fPosition = (fPosition + 1) & fMask;
+        fRings.Write(line, fLines[line]);
+    ReadLines(fFrom.tap, fTo.tap, share);
+    fHeard.Process(fFrom.heard, fTo.heard, share, frames, fGlide.IsMoving(), fLines);
+    for (std::size_t group = 0; group < fGroups.size(); ++group)
+        Hear(group);
+    for (std::size_t channel = 0; channel < channels.size(); ++channel)
+        channels[channel] = fGroups[channel % fGroups.size()].sound;
+    fRings.Advance(frames);
+    if (fGlide.Advance(frames)) FollowGlide();
 }
 
 ReverbTank::Voice ReverbTank::VoiceOf(const Settings& settings) const noexcept {
     Voice voice;
-    double kept = 0; // of the energy, from one pass through the lines to the next
+    const double mean = std::min(settings.meanLength, kLongestMean) * fSampleRate;
+    std::uint32_t least = kPieceFrames; // what is read was written with the piece before
     for (std::size_t line = 0; line < kLines; ++line) {
-        const double samples = LineRatio(line) * std::min(settings.meanLength, kLongestMean) * fSampleRate;
-        voice.length[line] = PrimeFrom(samples);
-        SetAbsorption(settings, line, voice);
-        const double gain = GainOver(voice.length[line] / fSampleRate, settings.decay);
-        kept += gain * gain / kLines;
+        voice.length[line] = PrimeFrom(std::max(static_cast<std::uint32_t>(LineRatio(line) * mean), least));
+        least = voice.length[line] + 1;
+        // Where along their lines a group's lie: evenly spread and nowhere regular, the first at once.
+        const std::size_t turn = line / fGroups.size();
+        const double turns = std::numbers::phi * static_cast<double>(turn);
+        voice.tap[line] = static_cast<std::uint32_t>((turns - std::floor(turns)) * voice.length[line]);
     }
-    for (std::size_t stage = 0; stage < kDiffusers; ++stage) {
-        const double longest = GainOver(kDiffuserSeconds[stage], kDiffuserDecay * settings.decay);
-        voice.diffusion[stage] = static_cast<float>(std::min(kMostDiffusion * settings.diffusion, longest));
-    }
-    voice.onset = static_cast<float>(settings.diffusion);
-    voice.level = static_cast<float>(1 / std::sqrt(settings.diffusion * settings.diffusion + kept / (1 - kept)));
+    const LineAbsorption::Decay decay = {settings.decay * fSampleRate, settings.highDecay};
+    const double middle = std::tan(std::numbers::pi * std::min(kHighFrequency / fSampleRate, 0.4));
+    voice.lost = LineAbsorption::Voice::Of(decay, voice.length, middle);
+    voice.heard = LineAbsorption::Voice::Of(decay, voice.tap, middle);
+    voice.heard.Scale(OutputGains(settings, voice.length));
+    voice.diffuser = EchoDiffuser::Voice::Of(settings.diffusion, SpreadOf(settings.meanLength));
+    const double angle = kLeastAngle + (std::numbers::pi / 2 - kLeastAngle) * settings.mixing;
+    voice.kept = static_cast<float>(std::cos(angle));
+    voice.fed = static_cast<float>(std::sin(angle));
     return voice;
 }
 
-// A first-order shelf by the bilinear transform. In decibels it is proportional to the line's length, as the decay of
-// all lines is to be the same.
-void ReverbTank::SetAbsorption(const Settings& settings, std::size_t line, Voice& voice) const noexcept {
-    const double seconds = voice.length[line] / fSampleRate;
-    const double low = GainOver(seconds, settings.decay);
-    const double shelf = GainOver(seconds, settings.decay * settings.highDecay) / low;
-    const double hertz = std::min(kHighFrequency, 0.4 * fSampleRate);
-    const double middle = std::tan(std::numbers::pi * hertz / fSampleRate) * std::sqrt(shelf);
-    voice.b0[line] = static_cast<float>(low * (shelf + middle) / (1 + middle));
-    voice.b1[line] = static_cast<float>(low * (middle - shelf) / (1 + middle));
-    voice.a1[line] = static_cast<float>((middle - 1) / (1 + middle));
-}
-
-void ReverbTank::StartGlide() noexcept {
-    if (!fHasPending) return;
-    fHasPending = false;
-    fSettings = fPending;
-    fFrom = fTo;
-    fTo = VoiceOf(fSettings);
-    fGlideRemaining = fGlideLength;
-}
-
-void ReverbTank::AdvanceGlide() noexcept {
-    if (fGlideRemaining == 0) return;
-    if (--fGlideRemaining == 0) {
-        fFrom = fNow = fTo;
-        fShare = 1;
-        StartGlide();
-        return;
-    }
-    fShare = 1 - static_cast<float>(fGlideRemaining) / static_cast<float>(fGlideLength);
-    SetBetween(fNow.b0, fFrom.b0, fTo.b0, fShare);
-    SetBetween(fNow.b1, fFrom.b1, fTo.b1, fShare);
-    SetBetween(fNow.a1, fFrom.a1, fTo.a1, fShare);
-    SetBetween(fNow.diffusion, fFrom.diffusion, fTo.diffusion, fShare);
-    fNow.onset = Between(fFrom.onset, fTo.onset, fShare);
-    fNow.level = Between(fFrom.level, fTo.level, fShare);
-}
-
-// Finds the rotation by which every stage turns with each of the next samples. The rotations begin exact again, so that
-// rounding does not add up.
-void ReverbTank::Turn() noexcept {
-    const double period = static_cast<double>(kTurnPeriod) / fSampleRate;
-    const double wanted = kLeastAngle + (kFullAngle - kLeastAngle) * fSettings.mixing;
-    fAngle += (wanted - fAngle) * (1 - std::exp(-period / kAngleLag));
-    ++fTurns;
-    for (std::size_t stage = 0; stage < kStages; ++stage) {
-        const double phase = std::fmod(kMovementHertz[stage] * period * static_cast<double>(fTurns), 1.0);
-        const double movement = kMovement * fSettings.movement * std::sin(2 * std::numbers::pi * phase);
-        const double from = fTurnedTo[stage];
-        // The movement may begin to move at any time.
-        const double to = from + std::clamp(fAngle + movement - from, -0.01, 0.01);
-        const double step = (to - from) / kTurnPeriod;
-        fCosine[stage] = static_cast<float>(std::cos(from));
-        fSine[stage] = static_cast<float>(std::sin(from));
-        fStepCosine[stage] = static_cast<float>(std::cos(step));
-        fStepSine[stage] = static_cast<float>(std::sin(step));
-        fTurnedTo[stage] = to;
-    }
-    fUntilTurn = kTurnPeriod;
-}
-
-void ReverbTank::Diffuse(Group& group) const noexcept {
-    float sound = group.diffused;
-    for (std::size_t stage = 0; stage < kDiffusers; ++stage) {
-        float& kept = group.allpasses[stage][group.positions[stage]];
-        const float gain = fNow.diffusion[stage];
-        const float before = kept;
-        kept = sound + gain * before;
-        sound = before - gain * kept;
-        if (++group.positions[stage] == group.allpasses[stage].size()) group.positions[stage] = 0;
-    }
-    group.diffused = sound;
-}
-
-void ReverbTank::ReadLines(Lines& sound) const noexcept {
-    for (std::size_t line = 0; line < kLines; ++line)
-        sound[line] = fRings[line * fStride + ((fPosition - fTo.length[line]) & fMask)];
-    if (fGlideRemaining == 0) return;
+// Energy that is spread over all lines passes a place of each with so much in every sample.
+LineAbsorption::Values ReverbTank::OutputGains(const Settings& settings, const Delays& lengths) const noexcept {
+    double samples = 0;
+    for (const std::uint32_t length : lengths)
+        samples += length;
+    const double sixtyDecibels = 6 * std::numbers::ln10; // of energy, as an exponent
+    const double power = samples * sixtyDecibels / (settings.decay * fSampleRate);
+    LineAbsorption::Values gains{};
     for (std::size_t line = 0; line < kLines; ++line) {
-        const float before = fRings[line * fStride + ((fPosition - fFrom.length[line]) & fMask)];
-        sound[line] = Between(before, sound[line], fShare);
+        const std::size_t heard = fGroups.size() * LinesOf(line % fGroups.size());
+        gains[line] = SignOf(line) * static_cast<float>(std::sqrt(power / static_cast<double>(heard)));
     }
+    return gains;
 }
 
-void ReverbTank::Absorb(Lines& sound) noexcept {
-    Lines output; // nothing else can be the same memory, so that the loop becomes one of vectors
+std::size_t ReverbTank::LinesOf(std::size_t group) const noexcept {
+    return (kLines - 1 - group) / fGroups.size() + 1;
+}
+
+void ReverbTank::FollowGlide() noexcept {
+    fFrom = fTo;
+    fTo = VoiceOf(fGlide.To());
+    if (!fGlide.IsMoving()) fFrom = fTo;
+}
+
+void ReverbTank::Take(std::span<const SoundPiece> channels) noexcept {
+    for (Group& group : fGroups)
+        group.sound.fill(0);
+    for (std::size_t channel = 0; channel < channels.size(); ++channel)
+        AddScaled(channels[channel].data(), 1, fGroups[channel % fGroups.size()].sound.data());
+}
+
+void ReverbTank::ReadLines(const Delays& from, const Delays& to, const SoundPiece& share) noexcept {
     for (std::size_t line = 0; line < kLines; ++line)
-        output[line] =
-            fNow.b0[line] * sound[line] + fNow.b1[line] * fInputBefore[line] - fNow.a1[line] * fOutputBefore[line];
-    fInputBefore = sound;
-    sound = fOutputBefore = output;
+        ReadFading(fRings.Read(line, from[line]), fRings.Read(line, to[line]), share, 1, fLines[line]);
 }
 
-void ReverbTank::Mix(Lines& sound) noexcept {
-    Rotate<1>(sound, fCosine[0], fSine[0]);
-    Rotate<2>(sound, fCosine[1], fSine[1]);
-    Rotate<4>(sound, fCosine[2], fSine[2]);
-    Rotate<8>(sound, fCosine[3], fSine[3]);
-    for (std::size_t stage = 0; stage < kStages; ++stage) {
-        const float cosine = fCosine[stage];
-        const float sine = fSine[stage];
-        fCosine[stage] = cosine * fStepCosine[stage] - sine * fStepSine[stage];
-        fSine[stage] = sine * fStepCosine[stage] + cosine * fStepSine[stage];
+// The identity and a skew Hadamard matrix, as cosine and sine: orthogonal whatever the angle.
+void ReverbTank::Mix(const SoundPiece& share) noexcept {
+    constexpr std::size_t kHalf = kLines / 2;
+    Lines others = fLines;
+    for (std::size_t i = 0; i < kLines; i += 4)
+        AddAndSubtractFour(others[i], others[i + 1], others[i + 2], others[i + 3]);
+    for (std::size_t half = 0; half < kLines; half += kHalf) {
+        for (std::size_t i = half; i < half + 4; ++i)
+            AddAndSubtractFour(others[i], others[i + 4], others[i + 8], others[i + 12]);
     }
+    const RotationPiece rotation({fFrom.kept, fFrom.fed}, {fTo.kept, fTo.fed}, share);
+    for (std::size_t line = 0; line < kHalf; ++line) {
+        // The transform of kHalf lines has four times their level.
+        Scale(others[line + kHalf], 0.25F);
+        Scale(others[line], -0.25F);
+        Turn(rotation, fLines[line], others[line + kHalf]);
+        Turn(rotation, fLines[line + kHalf], others[line]);
+    }
+}
+
+void ReverbTank::Feed(std::size_t group, const SoundPiece& share, std::size_t frames) noexcept {
+    EchoDiffuser::Lines echoes;
+    fGroups[group].diffuser.Process(fGroups[group].sound, {fFrom.diffuser, fTo.diffuser, share}, frames, echoes);
+    std::size_t turn = 0;
+    for (std::size_t line = group; line < kLines; line += fGroups.size(), ++turn)
+        AddScaled(echoes[DiffusedLine(turn)].data(), fInputGains[line], fLines[line].data());
+}
+
+void ReverbTank::Hear(std::size_t group) noexcept {
+    SoundPiece& sound = fGroups[group].sound;
+    sound.fill(0);
+    for (std::size_t line = group; line < kLines; line += fGroups.size())
+        AddScaled(fLines[line].data(), 1, sound.data());
 }
 
 } // namespace qoc::dsp

@@ -12,10 +12,11 @@
 namespace qoc::components {
 
 // A room that is described: its size, its shape and where in it the sound stands. The early reflections follow from
-// that; after the pre-delay the reverberation decays by 60 dB in the decay time, in every octave. Pre-delay and decay
-// time may be those that the room would have. An equaliser of three bands shapes reflections and reverberation. The
-// direct sound may be heard as it comes in or, included in the room, from its place. Without reflections and
-// reverberation the sound comes out bit by bit as it went in. The last parameters tell what follows from the room.
+// that, and diffusion scatters them; after the pre-delay the reverberation decays by 60 dB in the decay time, in every
+// octave. Pre-delay and decay time may be those that the room would have. An equaliser of three bands shapes
+// reflections and reverberation. The direct sound may be heard as it comes in or, included in the room, from its place.
+// Without reflections and reverberation the sound comes out bit by bit as it went in. The last parameters tell what
+// follows from the room.
 //
 // Response curve 0: the equaliser in decibels, over the logarithmic axis from kCurveStart to kCurveEnd (or half the
 // sample rate).
@@ -37,7 +38,7 @@ protected:
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;
-    void Reverberate(std::span<float> sound) noexcept override;
+    void Reverberate(std::span<SoundPiece> sound, std::size_t frames) noexcept override;
     void Mix(std::span<float> wet, std::span<const float> direct, std::span<const float> reflected) noexcept override;
 
 private:

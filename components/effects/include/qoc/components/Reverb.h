@@ -5,6 +5,7 @@
 #include "qoc/dsp/reverb/ReverbTank.h"
 #include "qoc/dsp/reverb/RoomChannels.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
+#include "qoc/dsp/stream/SoundPiece.h"
 
 #include <vector>
 
@@ -32,13 +33,16 @@ protected:
 
 private:
     void Tell() noexcept;
+    // A piece from the block, and back.
+    void Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames) noexcept;
+    void Add(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames) noexcept;
 
     RoomChannels fRoom;
     CrossfadedDelay fPredelay;
     ReverbTank fTank;
     SmoothedValue fDry;
     SmoothedValue fWet;
-    std::vector<float> fSound; // of the room's channels
+    std::vector<SoundPiece> fSound; // of the room's channels
 };
 
 } // namespace qoc::components

@@ -2,24 +2,26 @@
 
 #include "qoc/components/ComponentBase.h"
 #include "qoc/dsp/reverb/EarlyReflections.h"
+#include "qoc/dsp/reverb/ReflectionScatter.h"
 #include "qoc/dsp/reverb/ReverbTank.h"
 #include "qoc/dsp/reverb/RoomChannels.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
+#include "qoc/dsp/stream/SoundPiece.h"
 
 #include <span>
 #include <vector>
 
 namespace qoc::components {
 
-// Base of the reverbs that have a room: its first reflections and a tank, of all channels but the low frequency
-// effects'. Sound goes through in pieces, because reflections are found by the piece.
+// Base of the reverbs that have a room: its first reflections, which diffusion scatters, and a tank, of all channels
+// but the low frequency effects'.
 class RoomReverb : public ComponentBase {
 protected:
     using ComponentBase::ComponentBase;
     ~RoomReverb() override;
 
-    // A frame of the room's channels, to become what the tank makes of it.
-    virtual void Reverberate(std::span<float> sound) noexcept = 0;
+    // A piece of the room's channels, to become what the tank makes of it.
+    virtual void Reverberate(std::span<SoundPiece> sound, std::size_t frames) noexcept = 0;
     // Makes what is added to the dry sound in the next frame, of the room's channels: `wet` is what Reverberate has
     // left, `direct` and `reflected` what fEarly tells.
     virtual void Mix(std::span<float> wet, std::span<const float> direct,
@@ -31,20 +33,19 @@ protected:
 
     RoomChannels fRoom;
     EarlyReflections fEarly;
+    ReflectionScatter fScatter;
     ReverbTank fTank;
     SmoothedValue fDry; // of what does not go through the room
 
 private:
-    using Piece = EarlyReflections::Piece;
-
     // `place`: of the frame in its piece.
     void Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::size_t place) noexcept;
     void Add(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::size_t place) noexcept;
 
     // Of the room's channels: pieces, and a frame of each.
-    std::vector<Piece> fLate;
-    std::vector<Piece> fDirect;
-    std::vector<Piece> fReflected;
+    std::vector<SoundPiece> fLate;
+    std::vector<SoundPiece> fDirect;
+    std::vector<SoundPiece> fReflected;
     std::vector<float> fWetFrame;
     std::vector<float> fDirectFrame;
     std::vector<float> fReflectedFrame;

@@ -9,11 +9,10 @@
 
 namespace qoc::components {
 
-// A reverb for mixing, in the manner of a plate: dense from the start and in slow motion, so that nothing rings. The
-// early reflections are those of a room of the size that is set. Middle and low frequencies decay by 60 dB in the decay
-// time; damping shortens the decay of high ones. Without reverberation the sound comes out bit by bit as it went in.
-// Two parameters tell what comes of the others: how long the reverberation is heard, and how much louder than it the
-// direct sound is.
+// A reverb for mixing, in the manner of a plate: dense from the start. The early reflections are those of a room of the
+// size that is set, scattered by diffusion. Middle and low frequencies decay by 60 dB in the decay time; damping
+// shortens the decay of high ones. Without reverberation the sound comes out bit by bit as it went in. Two parameters
+// tell what comes of the others: how long the reverberation is heard, and how much louder than it the direct sound is.
 class StudioReverb : public RoomReverb {
 public:
     StudioReverb();
@@ -28,7 +27,7 @@ protected:
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;
-    void Reverberate(std::span<float> sound) noexcept override;
+    void Reverberate(std::span<SoundPiece> sound, std::size_t frames) noexcept override;
     void Mix(std::span<float> wet, std::span<const float> direct, std::span<const float> reflected) noexcept override;
 
 private:

@@ -2,8 +2,10 @@
 
 #include "qoc/dsp/delay/CrossfadedTap.h"
 #include "qoc/dsp/delay/DelayLine.h"
+#include "qoc/dsp/stream/SoundPiece.h"
 
 #include <cstddef>
+#include <span>
 #include <vector>
 
 namespace qoc::dsp {
@@ -18,8 +20,8 @@ public:
     void Reset() noexcept;
     // In samples, up to the longest. `settle`: without a fade.
     void Set(std::size_t delay, bool settle) noexcept;
-    // Replaces a frame, one sample a channel, by the delayed one.
-    void Process(float* frame) noexcept;
+    // Replaces `frames` samples a channel by the delayed ones.
+    void Process(std::span<SoundPiece> channels, std::size_t frames) noexcept;
 
 private:
     std::vector<DelayLine> fLines; // by channel

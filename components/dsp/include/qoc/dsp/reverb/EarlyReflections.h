@@ -2,6 +2,7 @@
 
 #include "kromediatypes/AudioChannelLabel.h"
 #include "qoc/dsp/reverb/Room.h"
+#include "qoc/dsp/stream/SoundPiece.h"
 
 #include <array>
 #include <cstddef>
@@ -22,8 +23,8 @@ public:
     // Later than the direct sound there are none, in rooms of up to 30000 cubic metres.
     static constexpr double kLongestSeconds = 0.7;
 
-    static constexpr std::size_t kPiece = 32;
-    using Piece = std::array<float, kPiece>;
+    static constexpr std::size_t kPiece = kPieceFrames;
+    using Piece = SoundPiece;
 
     struct Scene {
         Room room;

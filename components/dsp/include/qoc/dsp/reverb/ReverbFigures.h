@@ -9,8 +9,8 @@ namespace qoc::dsp {
 inline constexpr float kMostDirectRatio = 80; // decibels
 float DirectRatio(float dry, float wet) noexcept;
 
-// The mean length of a tank's lines, in seconds, that lets a decay of so many seconds begin densely: echoes follow each
-// other faster when there is less time for them. 6 % of the decay, from 6 to 55 ms.
+// The mean length of a tank's lines, in seconds, that suits a decay of so many seconds: there is time for enough passes
+// through them. 7 % of the decay, from 6 ms to the longest mean of the tank.
 double MeanLineLength(double decay) noexcept;
 
 // Seconds until a decay of 60 dB in `decay` seconds has come to 90 dB, the first pass through the tank included.

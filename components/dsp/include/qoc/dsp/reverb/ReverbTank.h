@@ -1,28 +1,34 @@
 #pragma once
 
+#include "qoc/dsp/reverb/EchoDiffuser.h"
+#include "qoc/dsp/reverb/LineAbsorption.h"
+#include "qoc/dsp/reverb/PieceRings.h"
+#include "qoc/dsp/stream/PieceGlide.h"
+#include "qoc/dsp/stream/SoundPiece.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace qoc::dsp {
 
 // The late reverberation of the reverbs: a feedback delay network (J. M. Jot, A. Chaigne, "Digital delay networks for
-// designing artificial reverberators", 90th AES convention, 1991). Sixteen delay lines feed each other through an
+// designing artificial reverberators", 90th AES convention, 1991). Thirty-two delay lines feed each other through an
 // orthogonal matrix, which keeps energy, so that the decay is that of the gains behind the lines alone: 60 dB in the
-// decay time at all low frequencies and, where that is wanted, faster at high ones. Allpass filters in front thicken
-// the echoes. The matrix is made of rotations and may turn slowly, which keeps resonances from being heard and stays
-// orthogonal meanwhile (S. J. Schlecht, E. A. P. Habets, "Time-varying feedback matrices in feedback delay networks",
-// JASA 138, 2015).
+// decay time at all low frequencies and, where that is wanted, faster at high ones. So many lines, and so long ones,
+// have resonances closer to each other than any of them is wide, and nothing moves: a tone stays what it is. A diffuser
+// in front makes a dense cluster of every echo.
 //
-// The lines are shared out among the channels: a channel goes into its own lines and is the sum of them, so that
-// channels sound alike and are not correlated. The impulse response of a channel that all channels are fed into has the
-// energy 1 whatever is set. Other settings are glided to. Owned by its effect; everything but Prepare is real time
-// safe.
+// The lines are shared out among the channels: a channel goes into its own lines, so that channels sound alike and are
+// not correlated. It hears each of them at a place of its own along the line, as if the sound had long been under way:
+// the decay is even from its start. The impulse response of a channel that all channels are fed into has the energy 1
+// whatever is set. Other settings are glided to. Owned by its effect; everything but Prepare is real time safe.
 class ReverbTank {
 public:
-    static constexpr std::size_t kLines = 16;
-    static constexpr double kLongestMean = 0.08; // seconds
+    static constexpr std::size_t kLines = LineAbsorption::kLines;
+    static constexpr double kLongestMean = 0.1; // seconds
 
     struct Settings {
         double decay = 1;         // seconds until the sound has decayed by 60 dB
@@ -30,10 +36,12 @@ public:
         double meanLength = 0.05; // of the lines, in seconds, up to kLongestMean
         double diffusion = 1;     // 0...1: from single echoes to a smooth start
         double mixing = 1;        // 0...1: how much the lines feed others; at little, echoes stay single
-        double movement = 0;      // 0...1: how far the matrix turns
 
         bool operator==(const Settings&) const = default;
     };
+
+    // The share, 0...1, of their longest that clusters of echoes last in front of lines of so many seconds.
+    static double SpreadOf(double meanLength) noexcept;
 
     // `sampleRate` in hertz.
     void Prepare(double sampleRate, std::size_t channels);
@@ -41,73 +49,53 @@ public:
     void Reset() noexcept;
     // `settle`: to be there now, without a glide.
     void Set(const Settings& settings, bool settle) noexcept;
-    // One sample a channel.
-    void Process(const float* inputs, float* outputs) noexcept;
+    // How many of so many frames the next piece may have.
+    std::size_t Within(std::size_t frames) const noexcept { return fGlide.Within(frames); }
+    // Replaces a piece of each channel by its reverberation.
+    void Process(std::span<SoundPiece> channels, std::size_t frames) noexcept;
 
 private:
-    static constexpr std::size_t kDiffusers = 4;
-    static constexpr std::size_t kStages = 4; // of rotations: 2 to the power of it is kLines
-    using Lines = std::array<float, kLines>;
+    static constexpr std::size_t kMostGroups = 16;
+    using Delays = std::array<std::uint32_t, kLines>; // samples
+    using Lines = LineAbsorption::Lines;
 
     // What a set of settings comes to.
     struct Voice {
-        std::array<std::uint32_t, kLines> length{}; // samples
-        Lines b0{};                                 // the lines' absorption: y = b0 x + b1 x[-1] - a1 y[-1]
-        Lines b1{};
-        Lines a1{};
-        std::array<float, kDiffusers> diffusion{};
-        float onset = 0; // of the diffused sound itself
-        float level = 1;
+        Delays length{};
+        Delays tap{}; // where a line is heard
+        LineAbsorption::Voice lost;
+        LineAbsorption::Voice heard;
+        EchoDiffuser::Voice diffuser;
+        float kept = 0; // the matrix: what a line feeds itself, and all that it feeds others
+        float fed = 1;
     };
-    // The channels that share lines: more than one only when there are more channels than lines.
+    // The channels that share lines: more than one only when there are more channels than groups.
     struct Group {
-        std::array<std::vector<float>, kDiffusers> allpasses; // rings
-        std::array<std::size_t, kDiffusers> positions{};
-        float diffused = 0;
-        float output = 0;
+        EchoDiffuser diffuser;
+        SoundPiece sound{};
     };
 
     Voice VoiceOf(const Settings& settings) const noexcept;
-    void SetAbsorption(const Settings& settings, std::size_t line, Voice& voice) const noexcept;
-    void StartGlide() noexcept;
-    void AdvanceGlide() noexcept;
-    void Turn() noexcept;
-    void Diffuse(Group& group) const noexcept;
-    void ReadLines(Lines& sound) const noexcept;
-    void Absorb(Lines& sound) noexcept;
-    void Mix(Lines& sound) noexcept;
+    LineAbsorption::Values OutputGains(const Settings& settings, const Delays& lengths) const noexcept;
+    std::size_t LinesOf(std::size_t group) const noexcept;
+    void FollowGlide() noexcept;
+    void Take(std::span<const SoundPiece> channels) noexcept;
+    void ReadLines(const Delays& from, const Delays& to, const SoundPiece& share) noexcept;
+    void Mix(const SoundPiece& share) noexcept;
+    void Feed(std::size_t group, const SoundPiece& share, std::size_t frames) noexcept;
+    void Hear(std::size_t group) noexcept;
 
     double fSampleRate = 44100;
-    std::vector<float> fRings; // of the lines one behind the other
-    std::size_t fStride = 0;   // from one to the next
-    std::size_t fMask = 0;
-    std::size_t fPosition = 0;
-    std::vector<Group> fGroups;
-    std::vector<std::size_t> fGroupOf; // by channel
-    std::array<std::size_t, kLines> fGroupOfLine{};
-    Lines fInputGain{};
-    Lines fOutputGain{};
-    Lines fInputBefore{}; // of the absorption
-    Lines fOutputBefore{};
+    PieceRings fRings;
+    std::vector<Group> fGroups; // line by line in turn; channel by channel too
+    LineAbsorption::Values fInputGains{};
+    LineAbsorption fLost;
+    LineAbsorption fHeard;
+    Lines fLines{}; // the piece that is being made
 
-    Settings fSettings; // glided to, or there
-    Settings fPending;  // waits for the glide to end
-    bool fHasPending = false;
+    PieceGlide<Settings> fGlide;
     Voice fFrom;
     Voice fTo;
-    Voice fNow; // its lengths are those of fTo
-    std::size_t fGlideLength = 1;
-    std::size_t fGlideRemaining = 0;
-    float fShare = 1; // of fTo
-
-    double fAngle = 0; // radians, without the movement; lags behind the settings
-    std::uint64_t fTurns = 0;
-    std::size_t fUntilTurn = 0;
-    std::array<double, kStages> fTurnedTo{};
-    std::array<float, kStages> fCosine{};
-    std::array<float, kStages> fSine{};
-    std::array<float, kStages> fStepCosine{};
-    std::array<float, kStages> fStepSine{};
 };
 
 } // namespace qoc::dsp

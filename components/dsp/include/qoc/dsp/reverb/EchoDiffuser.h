@@ -1,0 +1,62 @@
+#pragma once
+
+#include "qoc/dsp/reverb/PieceRings.h"
+#include "qoc/dsp/stream/SoundPiece.h"
+
+#include <array>
+#include <cstddef>
+
+namespace qoc::dsp {
+
+struct RotationPiece;
+
+// Makes a dense cluster of echoes of a sound within some tens of milliseconds: stages of delays, behind each of which
+// rotations mix the lines (a feed-forward network as in S. J. Schlecht, E. A. P. Habets, "Scattering in feedback delay
+// networks", IEEE/ACM TASLP 28, 2020). Each line gets thousands of echoes, another cluster each, and all lines together
+// have the energy of the sound at every frequency. The first echo comes at once. Owned by its effect; everything but
+// Prepare is real time safe.
+class EchoDiffuser {
+public:
+    static constexpr std::size_t kLines = 16;
+    using Lines = std::array<SoundPiece, kLines>;
+
+    struct Voice {
+        // `diffusion` 0...1: from an echo a line to clusters. `spread` 0...1: of the longest delays.
+        static Voice Of(double diffusion, double spread) noexcept;
+
+        float cosine = 1; // of the rotations
+        float sine = 0;
+        float spread = 1;
+    };
+
+    // `share`: of `to` at each sample.
+    struct Glide {
+        Voice from;
+        Voice to;
+        const SoundPiece& share;
+    };
+
+    // `sampleRate` in hertz; diffusers of other numbers make other clusters. Allocates.
+    void Prepare(double sampleRate, std::size_t number);
+    void Reset() noexcept;
+    // Makes `frames` samples of each line.
+    void Process(const SoundPiece& sound, const Glide& glide, std::size_t frames, Lines& lines) noexcept;
+    // Or of one cluster of the energy of the sound.
+    void Process(const SoundPiece& sound, const Glide& glide, std::size_t frames, SoundPiece& sum) noexcept;
+
+private:
+    static constexpr std::size_t kStages = 3;
+
+    struct Stage {
+        void Read(std::size_t ring, std::size_t line, const Glide& glide, float gain, SoundPiece& sound) const noexcept;
+
+        PieceRings rings;
+        std::array<float, kLines> longest{}; // delays in samples
+    };
+
+    RotationPiece Diffuse(const SoundPiece& sound, const Glide& glide, std::size_t frames, Lines& lines) noexcept;
+
+    std::array<Stage, kStages> fStages;
+};
+
+} // namespace qoc::dsp

@@ -1,0 +1,101 @@
+#pragma once
+
+#include "qoc/dsp/stream/SoundPiece.h"
+
+#include <cmath>
+#include <cstddef>
+
+namespace qoc::dsp {
+
+// What is done with pieces of sound. Pieces that are written are never the same memory as others.
+
+struct Rotation {
+    float cosine = 1;
+    float sine = 0;
+};
+
+inline void Scale(SoundPiece& sound, float gain) noexcept {
+    for (float& sample : sound)
+        sample *= gain;
+}
+
+inline void AddScaled(const float* __restrict from, float gain, float* __restrict to) noexcept {
+    for (std::size_t i = 0; i < kPieceFrames; ++i)
+        to[i] += gain * from[i];
+}
+
+// From `from` to `to`; `share`: of the latter.
+inline void SetBetween(float from, float to, const SoundPiece& share, SoundPiece& __restrict values) noexcept {
+    for (std::size_t i = 0; i < kPieceFrames; ++i)
+        values[i] = from + share[i] * (to - from);
+}
+
+// What is heard at a place, or at two that are faded between, so many times as loud.
+inline void ReadFading(const float* __restrict from, const float* __restrict to, const SoundPiece& share, float gain,
+                       SoundPiece& __restrict values) noexcept {
+    if (from == to) {
+        for (std::size_t i = 0; i < kPieceFrames; ++i)
+            values[i] = gain * to[i];
+        return;
+    }
+    for (std::size_t i = 0; i < kPieceFrames; ++i)
+        values[i] = gain * (from[i] + share[i] * (to[i] - from[i]));
+}
+
+// The rotations between two, at each sample.
+struct RotationPiece {
+    RotationPiece(const Rotation& from, const Rotation& to, const SoundPiece& share) noexcept {
+        SetBetween(from.cosine, to.cosine, share, cosine);
+        SetBetween(from.sine, to.sine, share, sine);
+        if (from.cosine == to.cosine && from.sine == to.sine) return;
+        for (std::size_t i = 0; i < kPieceFrames; ++i) {
+            const float length = std::sqrt(cosine[i] * cosine[i] + sine[i] * sine[i]);
+            cosine[i] /= length;
+            sine[i] /= length;
+        }
+    }
+
+    SoundPiece cosine;
+    SoundPiece sine;
+};
+
+// The pairs a, b and c, d, then a, c and b, d: two stages of rotations of four lines at once.
+inline void RotateFour(const RotationPiece& rotation, SoundPiece& __restrict a, SoundPiece& __restrict b,
+                       SoundPiece& __restrict c, SoundPiece& __restrict d) noexcept {
+    const SoundPiece& cosine = rotation.cosine;
+    const SoundPiece& sine = rotation.sine;
+    for (std::size_t i = 0; i < kPieceFrames; ++i) {
+        const float turnedA = cosine[i] * a[i] + sine[i] * b[i];
+        const float turnedB = cosine[i] * b[i] - sine[i] * a[i];
+        const float turnedC = cosine[i] * c[i] + sine[i] * d[i];
+        const float turnedD = cosine[i] * d[i] - sine[i] * c[i];
+        a[i] = cosine[i] * turnedA + sine[i] * turnedC;
+        b[i] = cosine[i] * turnedB + sine[i] * turnedD;
+        c[i] = cosine[i] * turnedC - sine[i] * turnedA;
+        d[i] = cosine[i] * turnedD - sine[i] * turnedB;
+    }
+}
+
+// The first of two rotated sounds.
+inline void Turn(const RotationPiece& rotation, SoundPiece& __restrict sound,
+                 const SoundPiece& __restrict other) noexcept {
+    for (std::size_t i = 0; i < kPieceFrames; ++i)
+        sound[i] = rotation.cosine[i] * sound[i] + rotation.sine[i] * other[i];
+}
+
+// Two stages of a fast Hadamard transform of four lines.
+inline void AddAndSubtractFour(SoundPiece& __restrict a, SoundPiece& __restrict b, SoundPiece& __restrict c,
+                               SoundPiece& __restrict d) noexcept {
+    for (std::size_t i = 0; i < kPieceFrames; ++i) {
+        const float sumOne = a[i] + b[i];
+        const float differenceOne = a[i] - b[i];
+        const float sumTwo = c[i] + d[i];
+        const float differenceTwo = c[i] - d[i];
+        a[i] = sumOne + sumTwo;
+        b[i] = differenceOne + differenceTwo;
+        c[i] = sumOne - sumTwo;
+        d[i] = differenceOne - differenceTwo;
+    }
+}
+
+} // namespace qoc::dsp
