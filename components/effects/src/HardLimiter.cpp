@@ -69,7 +69,7 @@ void HardLimiter::PrepareProcessing(std::size_t /*maximumBlock*/) {
     fCeiling.Prepare(sampleRate);
     fChannels.assign(GetNumberOfInputChannels(), {});
     for (Channel& channel : fChannels) {
-        channel.gain.Prepare(longest);
+        channel.gain.Prepare(longest, sampleRate);
         channel.sound.resize(fLatency + 1);
     }
 }

@@ -5,8 +5,9 @@
 
 namespace qoc::dsp {
 
-void LimiterEnvelope::Prepare(std::size_t longestLookAhead) {
+void LimiterEnvelope::Prepare(std::size_t longestLookAhead, double sampleRate) {
     fLongest = longestLookAhead;
+    fSustained.Prepare(sampleRate);
     fMinimum.Prepare(fLongest + 2 * kHold + 1);
     fFirst.Prepare(fLongest);
     fSecond.Prepare(fLongest);
@@ -21,17 +22,26 @@ void LimiterEnvelope::Start(std::size_t lookAhead) noexcept {
     fSecond.Reset();
     std::ranges::fill(fGains, kOne);
     fPosition = 0;
+    fSustained.Start();
     fReleased = 1;
 }
 
+void LimiterEnvelope::StartFrom(const LimiterEnvelope& other, std::size_t lookAhead) noexcept {
+    Start(lookAhead);
+    fSustained = other.fSustained;
+    fReleased = other.fReleased;
+}
+
 void LimiterEnvelope::SetRelease(double samples) noexcept {
-    fReleaseCoefficient = 1 - std::exp(-1 / samples);
+    fSustained.SetRelease(samples);
+    fQuickCoefficient = -std::expm1(-1 / (kQuickRelease * samples));
 }
 
 LimiterEnvelope::Fixed LimiterEnvelope::Next(Fixed allowed) noexcept {
     const Fixed least = fMinimum.Next(allowed, fLookAhead + 2 * kHold + 1);
-    const double held = static_cast<double>(least) / static_cast<double>(kOne);
-    fReleased = held <= fReleased ? held : fReleased + fReleaseCoefficient * (held - fReleased);
+    const double sustained = fSustained.Next(static_cast<double>(allowed) / static_cast<double>(kOne));
+    fReleased += (sustained > fReleased ? fQuickCoefficient : 1) * (sustained - fReleased);
+    fReleased = std::min(fReleased, static_cast<double>(least) / static_cast<double>(kOne));
     const auto released = std::min(least, static_cast<Fixed>(std::ceil(fReleased * static_cast<double>(kOne))));
     // Together they reach fLookAhead samples back.
     const std::size_t half = fLookAhead / 2;

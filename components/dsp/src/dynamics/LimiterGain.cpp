@@ -4,10 +4,10 @@
 
 namespace qoc::dsp {
 
-void LimiterGain::Prepare(std::size_t longestLookAhead) {
+void LimiterGain::Prepare(std::size_t longestLookAhead, double sampleRate) {
     fLongest = longestLookAhead;
     for (LimiterEnvelope& envelope : fEnvelopes)
-        envelope.Prepare(longestLookAhead);
+        envelope.Prepare(longestLookAhead, sampleRate);
     SetLookAhead(longestLookAhead, true);
 }
 
@@ -42,7 +42,7 @@ float LimiterGain::Next(float allowed) noexcept {
 }
 
 void LimiterGain::StartChange() noexcept {
-    Other().Start(fWanted);
+    Other().StartFrom(Present(), fWanted);
     fUnheard = Other().Sight();
     fFading = FadeLength();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "qoc/dsp/dynamics/SustainedGain.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -8,8 +10,9 @@ namespace qoc::dsp {
 
 // The envelope of a look-ahead limiter's gain: given the gain that each sample may have at most, it goes down along a
 // smooth curve that begins a look-ahead before the sample and never lies above what is allowed, and comes back
-// exponentially. The largest gain over the look-ahead is found first, then the release, then two moving averages of
-// half the look-ahead each. All sums are of integers, so that nothing creeps in however long the sound.
+// exponentially: soon after a single peak, with the release time after what goes on. The largest gain over the
+// look-ahead is found first, then the release, then two moving averages of half the look-ahead each. All sums are of
+// integers, so that nothing creeps in however long the sound.
 class LimiterEnvelope {
 public:
     // The gain stands still for so many samples before and after each that it obeys, because the peaks beside a sample
@@ -20,15 +23,20 @@ public:
     using Fixed = std::int64_t;
     static constexpr Fixed kOne = Fixed{1} << 32;
 
+    // After a single peak the gain comes back with this share of the release time.
+    static constexpr double kQuickRelease = 0.02;
+
     // Room for a look-ahead of so many samples, at least 2. Allocates, and starts with it.
-    void Prepare(std::size_t longestLookAhead);
+    void Prepare(std::size_t longestLookAhead, double sampleRate);
     // Anew, at a gain of 1 and with a look-ahead of 2 samples to the longest. What it tells holds as soon as it has
     // seen Sight() samples.
     void Start(std::size_t lookAhead) noexcept;
+    // As Start(), but it comes back from where `other` is.
+    void StartFrom(const LimiterEnvelope& other, std::size_t lookAhead) noexcept;
     std::size_t LookAhead() const noexcept { return fLookAhead; }
     std::size_t Sight() const noexcept { return fLongest + 2 * kHold + 1; }
 
-    // The time constant in samples: 63 % of the way back.
+    // The time constant in samples: 63 % of the way back, after what goes on.
     void SetRelease(double samples) noexcept;
 
     // Takes the largest gain, 0 to kOne, that the next sample allows. Returns the gain of the sample that came the
@@ -74,7 +82,8 @@ private:
     std::size_t fPosition = 0;
     std::size_t fLongest = 2;
     std::size_t fLookAhead = 2;
-    double fReleaseCoefficient = 1;
+    SustainedGain fSustained;
+    double fQuickCoefficient = 1;
     double fReleased = 1;
 };
 

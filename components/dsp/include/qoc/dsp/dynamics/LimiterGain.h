@@ -12,7 +12,7 @@ namespace qoc::dsp {
 class LimiterGain {
 public:
     // As of a LimiterEnvelope.
-    void Prepare(std::size_t longestLookAhead);
+    void Prepare(std::size_t longestLookAhead, double sampleRate);
     // 2 to the longest, in samples. `settle`: back to a gain of 1, as if nothing had gone before.
     void SetLookAhead(std::size_t samples, bool settle) noexcept;
     void SetRelease(double samples) noexcept;
