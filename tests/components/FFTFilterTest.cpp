@@ -203,10 +203,10 @@ TEST(FFTFilter, TheSizeDecidesTheLatencyWhenTheEffectIsPrepared) {
     struct {
         double size;
         double rate;
-        std::size_t latency; // half the size and two hops of an eighth, but no less than 5 ms each, rounded up to 2^n
+        std::size_t latency; // half the size and three hops of an eighth, but no less than 5 ms each, rounded up to 2^n
     } const cases[] = {
-        {32, 44100, 16 + 512},      {4096, 44100, 2048 + 1024},  {32768, 44100, 16384 + 8192},
-        {1024, 192000, 512 + 2048}, {16384, 96000, 8192 + 4096},
+        {32, 44100, 16 + 768},      {4096, 44100, 2048 + 1536},  {32768, 44100, 16384 + 12288},
+        {1024, 192000, 512 + 3072}, {16384, 96000, 8192 + 6144},
     };
     for (const auto& each : cases) {
         const auto filter = Prepared({.rate = each.rate, .size = each.size});
@@ -215,13 +215,13 @@ TEST(FFTFilter, TheSizeDecidesTheLatencyWhenTheEffectIsPrepared) {
     }
     const auto filter = Prepared({.nodes = {{20, 6}, {1000, -6}, {20000, 0}}, .size = 4096});
     SetSize(*filter, 1024);
-    EXPECT_EQ(filter->Latency(), 3072U);
+    EXPECT_EQ(filter->Latency(), 3584U);
     filter->Reset();
     const std::vector<float> response = Measured(*filter);
     EXPECT_LE(std::ranges::count_if(response, [](float sample) { return std::abs(sample) > 1e-6F; }), 1024);
     EXPECT_NEAR(GainAt(response, 1000, 44100), -6, 0.1);
     SetSize(*filter, 32768);
-    EXPECT_EQ(filter->Latency(), 3072U);
+    EXPECT_EQ(filter->Latency(), 3584U);
 }
 
 TEST(FFTFilter, ACurveOfOnePointIsALevelAndOneOfNoneLeavesTheSound) {

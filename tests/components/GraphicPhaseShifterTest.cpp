@@ -124,7 +124,7 @@ TEST(GraphicPhaseShifter, AFlatCurveNulls) {
     const auto filter = Prepared({.size = 65536});
     const Channels input = test::NoiseChannels(1, 100000);
     EXPECT_LT(test::NullDecibels(input[0], test::Processed(*filter, input)[0], filter->Latency()), -120);
-    EXPECT_EQ(filter->Latency(), 32768U + 8192);
+    EXPECT_EQ(filter->Latency(), 32768U + 12288);
 }
 
 TEST(GraphicPhaseShifter, ACurveOfOnePointIsALevelAndOneOfNoneLeavesTheSound) {

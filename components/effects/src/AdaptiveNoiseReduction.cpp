@@ -129,8 +129,12 @@ void AdaptiveNoiseReduction::PrepareProcessing(std::size_t /*maximumBlock*/) {
     const std::size_t bins = fFrame / 2 + 1;
     // The squared windows add up to half as many as there are hops.
     const double sum = static_cast<double>(hops) / 2;
-    fStream.Prepare(GetNumberOfInputChannels(), {.transform = fFrame, .frame = fFrame, .hop = hop}, RootHann(fFrame, 1),
-                    RootHann(fFrame, 1 / sum));
+    fStepsPerPass = (OverlapAdd::StepsFor(hop) + 1) / 2;
+    std::vector<OverlapAdd::Work> work;
+    for (std::size_t i = 0; i < GetNumberOfInputChannels() * SpectralGain::kPasses; ++i)
+        work.push_back({.steps = fStepsPerPass, .cost = SpectralGain::kCosts[i % SpectralGain::kPasses]});
+    fStream.Prepare(GetNumberOfInputChannels(), {.transform = fFrame, .frame = fFrame, .hop = hop}, work,
+                    RootHann(fFrame, 1), RootHann(fFrame, 1 / sum));
     fFramesPerSecond = GetSampleRate() / static_cast<double>(hop);
     // Of noise whose samples have the mean square 1 a bin has the power 1: the window's energy is half its size.
     fPowerScale = 2 / static_cast<float>(fFrame);
@@ -143,8 +147,8 @@ void AdaptiveNoiseReduction::PrepareProcessing(std::size_t /*maximumBlock*/) {
     const auto lowest = static_cast<std::size_t>(std::ceil(kLowestFrequency / hertzPerBin));
     for (std::size_t i = 0; i < fChannels.size(); ++i) {
         Channel& channel = fChannels[i];
-        channel.tracker.Prepare(GetSampleRate(), i);
-        channel.profile.Prepare(channel.tracker.Bands(), bins, GetSampleRate());
+        channel.estimator.Prepare(bins, GetSampleRate(), i);
+        channel.noise.assign(bins, 0.0F);
         channel.gain.Prepare({.bins = bins,
                               .framesPerSecond = fFramesPerSecond,
                               .hopsPerFrame = hops,
@@ -156,13 +160,11 @@ void AdaptiveNoiseReduction::ResetProcessing() noexcept {
     fStream.Reset();
     fGrid.Reset();
     for (Channel& channel : fChannels) {
-        channel.tracker.Reset();
-        channel.profile.Reset();
+        channel.estimator.Reset();
         channel.gain.Reset();
     }
     fHasListened = false;
     fFrames = 0;
-    fFoundLook.reset();
     fNoiseFloor = kQuietest;
     StoreNoiseFloor();
 }
@@ -183,11 +185,8 @@ void AdaptiveNoiseReduction::ReadParameters(bool /*settle*/) noexcept {
 void AdaptiveNoiseReduction::OnListen(std::span<const float* const> inputs, std::size_t frames) {
     const DenormalGuard guard;
     fHasListened = true;
-    for (std::size_t i = 0; i < fChannels.size(); ++i) {
-        Channel& channel = fChannels[i];
-        channel.tracker.Hear({inputs[i], frames},
-                             [&](const NoiseTracker::Look& look) { channel.profile.Record(look); });
-    }
+    for (std::size_t i = 0; i < fChannels.size(); ++i)
+        fChannels[i].estimator.Listen({inputs[i], frames});
 }
 
 // In parts that end with a frame at the latest, so that a frame knows of the sound up to its end and no further.
@@ -208,47 +207,51 @@ void AdaptiveNoiseReduction::ProcessBlock(const kroaudiofilterhost::AudioFilterB
 }
 
 void AdaptiveNoiseReduction::Hear(std::size_t frames) noexcept {
-    for (std::size_t i = 0; i < fChannels.size(); ++i) {
-        NoiseProfile& profile = fChannels[i].profile;
-        fChannels[i].tracker.Hear({fInputs[i], frames}, [&](const NoiseTracker::Look& look) {
-            profile.Add(look);
-            profile.Find(profile.Looks());
-            MeasureNoiseFloor();
-        });
-    }
+    bool isFound = false;
+    for (std::size_t i = 0; i < fChannels.size(); ++i)
+        isFound = fChannels[i].estimator.Hear({fInputs[i], frames}) || isFound;
+    if (isFound) MeasureNoiseFloor();
 }
 
 // The noise around the frame, of a sound that was heard beforehand.
 void AdaptiveNoiseReduction::RecallNoise() noexcept {
-    const std::size_t hop = fChannels.front().tracker.LookHop();
     const std::size_t centre = fFrames - std::min(fFrames, fFrame / 2);
-    const std::size_t look = (centre - std::min(centre, hop / 2)) / hop; // the centre of look 0 is at the hop
-    if (look == fFoundLook) return;
-    fFoundLook = look;
+    bool isFound = false;
     for (Channel& channel : fChannels)
-        channel.profile.Find(look);
-    MeasureNoiseFloor();
+        isFound = channel.estimator.Recall(centre) || isFound;
+    if (isFound) MeasureNoiseFloor();
 }
 
-void AdaptiveNoiseReduction::ProcessSpectra(std::span<const Spectrum> spectra) noexcept {
+void AdaptiveNoiseReduction::BeginFrame() noexcept {
     if (fHasListened) RecallNoise();
-    for (std::size_t channel = 0; channel < spectra.size(); ++channel)
-        Reduce(fChannels[channel], spectra[channel]);
+    fTaken = fSettings;
+    for (Channel& channel : fChannels)
+        std::ranges::copy(channel.estimator.Noise(), channel.noise.begin());
 }
 
-void AdaptiveNoiseReduction::Reduce(Channel& channel, Spectrum spectrum) noexcept {
-    std::ranges::transform(spectrum, fPowers.begin(),
-                           [this](std::complex<float> bin) { return fPowerScale * std::norm(bin); });
-    const auto gains = channel.gain.Update(fPowers, channel.profile.Noise(), fSettings);
-    for (std::size_t bin = 0; bin < spectrum.size(); ++bin)
-        spectrum[bin] *= gains[bin];
+// Channel by channel, pass by pass.
+void AdaptiveNoiseReduction::ProcessSpectra(std::span<const Spectrum> spectra, std::size_t step) noexcept {
+    const std::size_t index = step / (SpectralGain::kPasses * fStepsPerPass);
+    const std::size_t pass = step / fStepsPerPass % SpectralGain::kPasses;
+    const auto bins = StepRange::Of(step % fStepsPerPass, fStepsPerPass, fPowers.size());
+    const Spectrum spectrum = spectra[index];
+    Channel& channel = fChannels[index];
+    if (pass == 0 && bins.begin == 0) channel.gain.Begin(fPowers, channel.noise, fTaken);
+    if (pass == 0) {
+        for (std::size_t bin = bins.begin; bin < bins.end; ++bin)
+            fPowers[bin] = fPowerScale * std::norm(spectrum[bin]);
+    }
+    channel.gain.Pass(pass, bins);
+    if (pass + 1 < SpectralGain::kPasses) return;
+    for (std::size_t bin = bins.begin; bin < bins.end; ++bin)
+        spectrum[bin] *= channel.gain.Gains()[bin];
 }
 
 void AdaptiveNoiseReduction::MeasureNoiseFloor() noexcept {
     double highest = 0;
     for (const Channel& channel : fChannels) {
         double sum = 0;
-        for (const float power : channel.profile.Noise())
+        for (const float power : channel.estimator.Noise())
             sum += power;
         highest = std::max(highest, sum / static_cast<double>(fPowers.size()));
     }

@@ -17,6 +17,8 @@ namespace {
 constexpr float kLongestShift = 20; // milliseconds
 constexpr float kHalfTurn = 180;    // degrees
 constexpr std::size_t kOverlaps = 4;
+constexpr double kAlignCost = 8;        // of a pass over a channel's phases, in transforms
+constexpr std::size_t kPartsOfPass = 8; // of an analysis
 
 constexpr const char* kSizeNames[] = {"1024", "2048", "4096", "8192", "16384"};
 constexpr std::size_t kSmallestSize = 1024;
@@ -169,7 +171,7 @@ void AutoPhaseCorrection::PrepareProcessing(std::size_t maximumBlock) {
     fAnalyses.SetHop(step);
     fStepsPerAnalysis = fHop / step;
     fDelay = static_cast<std::size_t>(std::ceil(SamplesOf(kLongestShift, GetSampleRate()))) + kReach + 1;
-    fHistory.Prepare(channels, std::bit_ceil(fSize + 2 * fDelay + fHop + maximumBlock));
+    fHistory.Prepare(channels, std::bit_ceil(fSize + 2 * (fDelay + fHop) + maximumBlock));
     fTransform = std::make_unique<RealFFT>(fSize);
     fWindow = RootHann(fSize);
     fScratch.resize(fSize);
@@ -177,9 +179,14 @@ void AutoPhaseCorrection::PrepareProcessing(std::size_t maximumBlock) {
     std::vector<float> synthesis = fWindow;
     for (float& value : synthesis)
         value *= 2.0F / kOverlaps;
-    fOverlapAdd.Prepare(channels, {.transform = fSize, .frame = fSize, .hop = fSize / kOverlaps}, fWindow, synthesis);
-    fLatency = fDelay + fOverlapAdd.Latency();
-    fGlide = 1 - std::exp(-1 / (kGlideSeconds * GetSampleRate()));
+    const OverlapAdd::Layout layout{.transform = fSize, .frame = fSize, .hop = fSize / kOverlaps};
+    fStepsPerPass = OverlapAdd::StepsFor(layout.hop);
+    fOverlapAdd.Prepare(
+        channels, layout,
+        std::vector(channels * PhaseAligner::kPasses, OverlapAdd::Work{.steps = fStepsPerPass, .cost = kAlignCost}),
+        fWindow, synthesis);
+    fLatency = fDelay + fHop + fOverlapAdd.Latency();
+    fGlide = 2 / (kGlideSeconds * GetSampleRate());
     fChannels.resize(channels);
     fMoved.clear();
     fOutputs.resize(channels);
@@ -191,6 +198,28 @@ void AutoPhaseCorrection::PrepareProcessing(std::size_t maximumBlock) {
         channel.moved.resize(maximumBlock);
         fMoved.push_back(channel.moved.data());
     }
+    PlanAnalysis();
+}
+
+void AutoPhaseCorrection::PlanAnalysis() {
+    fWork.clear();
+    fPace.Clear();
+    for (std::size_t channel = 0; channel < fChannels.size(); ++channel) {
+        AddSteps(Kind::kWindow, channel, 0, 5);
+        AddSteps(Kind::kTransform, channel, 0, 2);
+    }
+    AddSteps(Kind::kReference, 0, 0, TimeDelayEstimator::CostOf(0));
+    for (std::size_t other = 0; other + 1 < fChannels.size(); ++other) {
+        for (std::size_t pass = 0; pass < TimeDelayEstimator::kPasses; ++pass)
+            AddSteps(Kind::kOther, other, pass, TimeDelayEstimator::CostOf(pass));
+    }
+    fPace.SpreadOver(fHop);
+}
+
+void AutoPhaseCorrection::AddSteps(Kind kind, std::size_t channel, std::size_t pass, double cost) {
+    for (std::size_t part = 0; part < kPartsOfPass; ++part)
+        fWork.push_back({kind, channel, pass, {part, kPartsOfPass}});
+    fPace.Add(kPartsOfPass, cost);
 }
 
 void AutoPhaseCorrection::ResetProcessing() noexcept {
@@ -199,10 +228,12 @@ void AutoPhaseCorrection::ResetProcessing() noexcept {
     fOverlapAdd.Reset();
     fAnalyses.Reset();
     fSteps = 0;
+    fAnalysis.isWorking = false;
     for (Channel& channel : fChannels) {
         channel.delay.Reset();
         channel.aligner.Reset();
         channel.found = 0;
+        channel.levelRatio = 1;
         channel.isCopy = false;
         channel.alike = 0;
         channel.unsettled = 0;
@@ -233,6 +264,7 @@ void AutoPhaseCorrection::ReadParameters(bool settle) noexcept {
         FollowSettings(channel, index == fReference);
         if (!settle) continue;
         channel.shift = channel.target;
+        channel.speed = 0;
         ComputeWeights(channel);
     }
 }
@@ -244,9 +276,17 @@ void AutoPhaseCorrection::ProcessBlock(const kroaudiofilterhost::AudioFilterBloc
     }
     fAnalyses.Cut(
         block.frames,
-        [&](std::size_t start, std::size_t frames, std::size_t /*position*/) { ProcessChunk(block, start, frames); },
+        [&](std::size_t start, std::size_t frames, std::size_t position) {
+            ProcessChunk(block, start, frames);
+            if (!fAnalysis.isWorking) return;
+            const std::size_t step = fHop / fStepsPerAnalysis;
+            fPace.RunUntil(fSteps % fStepsPerAnalysis * step + position + frames,
+                           [this](std::size_t index) { Do(fWork[index]); });
+        },
         [&] {
-            if (++fSteps % fStepsPerAnalysis == 0) Analyse();
+            if (++fSteps % fStepsPerAnalysis != 0) return;
+            FinishAnalysis();
+            BeginAnalysis();
         });
 }
 
@@ -261,16 +301,25 @@ void AutoPhaseCorrection::ProcessChunk(const kroaudiofilterhost::AudioFilterBloc
 }
 
 void AutoPhaseCorrection::Move(Channel& channel, std::size_t index, std::size_t frames) noexcept {
-    std::int64_t time = fHistory.Now() - static_cast<std::int64_t>(frames + fDelay);
+    std::int64_t time = fHistory.Now() - static_cast<std::int64_t>(frames + fDelay + fHop);
     for (std::size_t i = 0; i < frames; ++i, ++time) {
         if (channel.shift != channel.target) {
-            const double left = channel.target - channel.shift;
-            channel.shift = std::abs(left) < kArrived ? channel.target : channel.shift + left * fGlide;
+            Glide(channel);
             ComputeWeights(channel);
         }
         const float sample = SampleAt(channel, index, time + channel.whole) * channel.level.Next();
         channel.moved[i] = std::clamp(sample, -kLoudest, kLoudest);
     }
+}
+
+// Damped critically: it sets off and arrives without a kink, which would click.
+void AutoPhaseCorrection::Glide(Channel& channel) const noexcept {
+    const double left = channel.target - channel.shift;
+    channel.speed += fGlide * (fGlide * left - 2 * channel.speed);
+    channel.shift += channel.speed;
+    if (std::abs(left) > kArrived || std::abs(channel.speed) > kArrived) return;
+    channel.shift = channel.target;
+    channel.speed = 0;
 }
 
 float AutoPhaseCorrection::SampleAt(Channel& channel, std::size_t index, std::int64_t time) noexcept {
@@ -289,21 +338,58 @@ void AutoPhaseCorrection::ComputeWeights(Channel& channel) noexcept {
     fInterpolator.Compute(kKind, channel.weighted, 1, kReach, channel.weights);
 }
 
-void AutoPhaseCorrection::Analyse() noexcept {
+void AutoPhaseCorrection::BeginAnalysis() noexcept {
     // A start in the middle of the window would be found to be common to all channels.
     if (fHistory.Now() < static_cast<std::int64_t>(fSize + 2 * fDelay)) return;
-    for (std::size_t index = 0; index < fChannels.size(); ++index)
-        Transform(fChannels[index], index);
-    const Channel& reference = fChannels[fReference];
+    fAnalysis = {.time = fHistory.Now(),
+                 .reference = fReference,
+                 .frame = {.kept = fKept, .longest = fLongestShift, .takesDelayOut = fShiftsTime},
+                 .isWorking = true};
+    fPace.Restart();
+}
+
+void AutoPhaseCorrection::Do(const Step& step) noexcept {
+    switch (step.kind) {
+    case Kind::kWindow: return Window(step.channel, StepRange::Of(step.part.index, step.part.count, fSize));
+    case Kind::kTransform: return fTransform->Forward(fScratch, fChannels[step.channel].spectrum, step.part);
+    case Kind::kReference: return fChannels[fAnalysis.reference].delay.Add(FrameOf(fAnalysis.reference), step.part);
+    case Kind::kOther:
+        return FindDelay(step.channel + (step.channel < fAnalysis.reference ? 0 : 1), step.pass, step.part);
+    }
+}
+
+void AutoPhaseCorrection::Window(std::size_t index, StepRange samples) noexcept {
+    const std::ptrdiff_t origin = index == fAnalysis.reference ? 0 : fChannels[index].delay.Origin();
+    const float* const sound = fHistory.At(index, fAnalysis.time - static_cast<std::int64_t>(fSize + fDelay) + origin);
+    for (std::size_t i = samples.begin; i < samples.end; ++i)
+        fScratch[i] = std::clamp(sound[i], -kLoudest, kLoudest) * fWindow[i] * fWindow[i];
+}
+
+void AutoPhaseCorrection::FindDelay(std::size_t index, std::size_t pass, RealFFT::Part part) noexcept {
+    TimeDelayEstimator& delay = fChannels[index].delay;
+    if (pass == 0 && part.index == 0) delay.Begin(FrameOf(index));
+    delay.Pass(pass, part);
+}
+
+TimeDelayEstimator::Frame AutoPhaseCorrection::FrameOf(std::size_t index) const noexcept {
+    TimeDelayEstimator::Frame frame = fAnalysis.frame;
+    frame.reference = fChannels[fAnalysis.reference].spectrum;
+    frame.other = fChannels[index].spectrum;
+    return frame;
+}
+
+void AutoPhaseCorrection::FinishAnalysis() noexcept {
+    if (!fAnalysis.isWorking) return;
+    fAnalysis.isWorking = false;
     for (std::size_t index = 0; index < fChannels.size(); ++index) {
         Channel& channel = fChannels[index];
-        const bool isReference = index == fReference;
-        channel.delay.Add(reference.spectrum, channel.spectrum, fKept);
-        if (isReference)
-            channel.found = 0;
+        if (index == fAnalysis.reference)
+            channel.delay.ForgetDelay();
         else
             Compare(channel);
-        FollowSettings(channel, isReference);
+        channel.found = channel.delay.Delay();
+        if (fBalances) channel.levelRatio = channel.delay.LevelRatio();
+        FollowSettings(channel, index == fReference);
     }
     StoreFoundShift();
 }
@@ -314,25 +400,12 @@ void AutoPhaseCorrection::Compare(Channel& channel) noexcept {
     constexpr double kStarts = 0.3; // of the difference may be left
     constexpr double kGoesOn = 0.5;
     constexpr double kLeastDifference = 1e-6; // 57 dB below
-    const auto found = channel.delay.Find(fLongestShift);
-    if (found) {
-        channel.found = *found;
-        channel.delay.SetOrigin(std::lround(*found));
-    }
-    const auto [untreated, treated] = channel.delay.LikenessAt(fShiftsTime ? channel.found : 0);
+    const auto [untreated, treated] = channel.delay.GetLikeness();
     const double difference = 1 - untreated;
     const bool isAlike =
         difference > kLeastDifference && 1 - treated < (channel.isCopy ? kGoesOn : kStarts) * difference;
     channel.alike = isAlike ? channel.alike + fHop : 0;
     channel.isCopy = isAlike && (channel.isCopy || channel.alike >= fResponse / 2);
-}
-
-void AutoPhaseCorrection::Transform(Channel& channel, std::size_t index) noexcept {
-    const float* const sound = fHistory.At(index, fHistory.Now() - static_cast<std::int64_t>(fSize + fDelay) +
-                                                      (index == fReference ? 0 : channel.delay.Origin()));
-    for (std::size_t i = 0; i < fSize; ++i)
-        fScratch[i] = std::clamp(sound[i], -kLoudest, kLoudest) * fWindow[i] * fWindow[i];
-    fTransform->Forward(fScratch, channel.spectrum);
 }
 
 void AutoPhaseCorrection::FollowSettings(Channel& channel, bool isReference) noexcept {
@@ -344,27 +417,45 @@ void AutoPhaseCorrection::FollowSettings(Channel& channel, bool isReference) noe
     else
         channel.target = -fTimeShift;
     const bool balances = fBalances && !isReference;
-    const float level = balances ? std::clamp(channel.delay.LevelRatio(), 1 / kMostBalance, kMostBalance) : 1.0F;
+    const float level = balances ? std::clamp(channel.levelRatio, 1 / kMostBalance, kMostBalance) : 1.0F;
     if (level != channel.level.Target()) channel.level.SetTarget(level);
 }
 
-void AutoPhaseCorrection::ProcessSpectra(std::span<const Spectrum> spectra) noexcept {
-    for (std::size_t index = 0; index < spectra.size(); ++index) {
-        if (index == fReference) continue;
+void AutoPhaseCorrection::BeginFrame() noexcept {
+    fTakenReference = fReference;
+    fTakenTurn = fTurn;
+    fTakenAligning = fAligning;
+    for (std::size_t index = 0; index < fChannels.size(); ++index) {
         Channel& channel = fChannels[index];
-        // Phases tell nothing while the channel is still on its way, nor as long as a frame has some of that.
-        if (std::abs(channel.target - channel.shift) > kNearby) channel.unsettled = kOverlaps;
-        if (channel.unsettled > 0) {
-            --channel.unsettled;
-            channel.aligner.Reset();
-        }
-        if (fIsAutomatic && !channel.isCopy)
-            channel.aligner.Reset();
-        else if (fIsAutomatic)
-            channel.aligner.Align(spectra[fReference], spectra[index], fAligning);
-        else if (fTurn != std::complex<float>(1))
-            std::ranges::for_each(spectra[index], [this](std::complex<float>& value) { value *= fTurn; });
+        channel.treatment = index == fReference ? Treatment::kNone : TreatmentFor(channel);
     }
+}
+
+AutoPhaseCorrection::Treatment AutoPhaseCorrection::TreatmentFor(Channel& channel) const noexcept {
+    // Phases tell nothing while the channel is still on its way, nor as long as a frame has some of that.
+    if (std::abs(channel.target - channel.shift) > kNearby) channel.unsettled = kOverlaps;
+    if (channel.unsettled > 0) {
+        --channel.unsettled;
+        channel.aligner.Reset();
+    }
+    if (!fIsAutomatic) return fTurn == std::complex<float>(1) ? Treatment::kNone : Treatment::kTurn;
+    if (channel.isCopy) return Treatment::kAlign;
+    channel.aligner.Reset();
+    return Treatment::kNone;
+}
+
+// Channel by channel, pass by pass.
+void AutoPhaseCorrection::ProcessSpectra(std::span<const Spectrum> spectra, std::size_t step) noexcept {
+    const std::size_t index = step / (PhaseAligner::kPasses * fStepsPerPass);
+    const std::size_t pass = step / fStepsPerPass % PhaseAligner::kPasses;
+    const Spectrum spectrum = spectra[index];
+    const auto bins = StepRange::Of(step % fStepsPerPass, fStepsPerPass, spectrum.size());
+    Channel& channel = fChannels[index];
+    if (channel.treatment == Treatment::kAlign)
+        channel.aligner.Align(spectra[fTakenReference], spectrum, fTakenAligning, pass, bins);
+    if (channel.treatment != Treatment::kTurn || pass > 0) return;
+    for (std::size_t bin = bins.begin; bin < bins.end; ++bin)
+        spectrum[bin] *= fTakenTurn;
 }
 
 // Of the first channel beside the reference.

@@ -201,6 +201,9 @@ constexpr std::size_t kNamedRanges = 3;
 // In hertz: the voices from their lowest tones to the sibilants, the bass to the tones that tell its notes.
 constexpr std::pair<float, float> kRanges[kNamedRanges] = {{80, 8000}, {150, 10000}, {20, 300}};
 
+constexpr double kCost = 30;      // of comparing the spectra, in transforms
+constexpr std::size_t kGroup = 8; // bins
+
 // The square root of the window, so that it stands once before and once behind the transform.
 std::vector<float> AnalysisWindow(WindowKind kind, std::size_t frame) {
     std::vector<float> window(frame);
@@ -257,7 +260,9 @@ void CenterChannelExtract::PrepareProcessing(std::size_t /*maximumBlock*/) {
     const OverlapAdd::Layout layout{.transform = size, .frame = hop * overlaps, .hop = hop};
     const std::vector<float> analysis =
         AnalysisWindow(kWindows[static_cast<std::size_t>(Item(kCenterExtractWindow))], layout.frame);
-    fTransform.Prepare(kStereo, layout, analysis, SynthesisWindow(analysis, hop, size));
+    fSteps = OverlapAdd::StepsFor(hop);
+    fTransform.Prepare(kStereo, layout, std::array{OverlapAdd::Work{.steps = fSteps, .cost = kCost}}, analysis,
+                       SynthesisWindow(analysis, hop, size));
     fLatency = fTransform.Latency();
     fHertzPerBin = GetSampleRate() / static_cast<float>(size);
     fFrameSeconds = static_cast<float>(hop) / GetSampleRate();
@@ -276,18 +281,18 @@ void CenterChannelExtract::ResetProcessing() noexcept {
 
 // Frames overlap, so that what changes from one to the next is faded.
 void CenterChannelExtract::ReadParameters(bool /*settle*/) noexcept {
-    fPlace = ReadPlace();
-    fBand = ReadBand();
-    fPhaseEdge = ReadEdge(kCenterExtractPhaseDiscrimination, kPi / kHalfTurn);
-    fPanEdge = ReadEdge(kCenterExtractAmplitudeDiscrimination, static_cast<float>(FractionOfPercent(1)));
-    fCenterLevel = LevelFrom(kCenterExtractCenterLevel);
-    fSideLevel = LevelFrom(kCenterExtractSideLevel);
-    fBleed = static_cast<float>(FractionOfPercent(Natural(kCenterExtractBleed)));
     const auto decay = static_cast<float>(SecondsOfMilliseconds(Natural(kCenterExtractDecay)));
-    fKept = decay > 0 ? std::exp(-fFrameSeconds / decay) : 0;
-    fIsMono = IsOn(kCenterExtractMono);
-    fKeepsOutside = IsOn(kCenterExtractKeepOutside);
-    fHearsRemoved = IsOn(kCenterExtractHearRemoved);
+    fSettings = {.place = ReadPlace(),
+                 .band = ReadBand(),
+                 .phaseEdge = ReadEdge(kCenterExtractPhaseDiscrimination, kPi / kHalfTurn),
+                 .panEdge = ReadEdge(kCenterExtractAmplitudeDiscrimination, static_cast<float>(FractionOfPercent(1))),
+                 .centerLevel = LevelFrom(kCenterExtractCenterLevel),
+                 .sideLevel = LevelFrom(kCenterExtractSideLevel),
+                 .bleed = static_cast<float>(FractionOfPercent(Natural(kCenterExtractBleed))),
+                 .kept = decay > 0 ? std::exp(-fFrameSeconds / decay) : 0,
+                 .isMono = IsOn(kCenterExtractMono),
+                 .keepsOutside = IsOn(kCenterExtractKeepOutside),
+                 .hearsRemoved = IsOn(kCenterExtractHearRemoved)};
 }
 
 void CenterChannelExtract::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
@@ -299,22 +304,27 @@ void CenterChannelExtract::ProcessBlock(const kroaudiofilterhost::AudioFilterBlo
     fTransform.Process({block.inputs.first(kStereo), block.outputs.first(kStereo), block.frames}, *this);
 }
 
-void CenterChannelExtract::ProcessSpectra(std::span<const Spectrum> spectra) noexcept {
-    const Spectrum left = spectra[0];
-    const Spectrum right = spectra[1];
-    const float turnPerBin = 2 * kPi * fHertzPerBin * fPlace.delay;
-    for (std::size_t bin = 0; bin < fShares.size(); ++bin) {
-        const auto index = static_cast<float>(bin);
-        const float hertz = index * fHertzPerBin;
-        const bool isInside = hertz >= fBand.low && hertz <= fBand.high;
-        const auto turn = std::polar(1.0F, fPlace.phase + index * turnPerBin);
-        const float found = isInside ? ShareOf(left[bin], right[bin], turn) : 0;
-        fShares[bin] = std::max(found, fShares[bin] * fKept);
-        const float level = LevelOf(fShares[bin], isInside);
-        left[bin] *= level;
-        right[bin] *= level;
-        if (fIsMono) left[bin] = right[bin] = (left[bin] + right[bin]) / 2.0F;
+// Bins are dealt out to the steps in small groups: those in the range take more work than those outside.
+void CenterChannelExtract::ProcessSpectra(std::span<const Spectrum> spectra, std::size_t step) noexcept {
+    const std::size_t bins = fShares.size();
+    for (std::size_t begin = kGroup * step; begin < bins; begin += kGroup * fSteps) {
+        for (std::size_t bin = begin; bin < std::min(bins, begin + kGroup); ++bin)
+            ProcessBin(bin, spectra[0][bin], spectra[1][bin]);
     }
+}
+
+void CenterChannelExtract::ProcessBin(std::size_t bin, std::complex<float>& left, std::complex<float>& right) noexcept {
+    const auto index = static_cast<float>(bin);
+    const float hertz = index * fHertzPerBin;
+    const bool isInside = hertz >= fTaken.band.low && hertz <= fTaken.band.high;
+    const float turnPerBin = 2 * kPi * fHertzPerBin * fTaken.place.delay;
+    const auto turn = std::polar(1.0F, fTaken.place.phase + index * turnPerBin);
+    const float found = isInside ? ShareOf(left, right, turn) : 0;
+    fShares[bin] = std::max(found, fShares[bin] * fTaken.kept);
+    const float level = LevelOf(fShares[bin], isInside);
+    left *= level;
+    right *= level;
+    if (fTaken.isMono) left = right = (left + right) / 2.0F;
 }
 
 // How much of a frequency is center. Where one channel is much weaker its phase tells nothing.
@@ -325,19 +335,19 @@ float CenterChannelExtract::ShareOf(std::complex<float> left, std::complex<float
     const float power = leftMagnitude * leftMagnitude + rightMagnitude * rightMagnitude;
     if (!(power > 0)) return 0;
     const float pan = std::atan2(rightMagnitude, leftMagnitude) * 4 / kPi - 1;
-    const float byPan = Within(std::abs(pan - fPlace.pan), fPanEdge.inner, fPanEdge.outer);
+    const float byPan = Within(std::abs(pan - fTaken.place.pan), fTaken.panEdge.inner, fTaken.panEdge.outer);
     if (byPan == 0) return 0;
     const float apart = std::abs(std::arg(left * std::conj(right * turn)));
-    const float byPhase = Within(apart, fPhaseEdge.inner, fPhaseEdge.outer);
+    const float byPhase = Within(apart, fTaken.phaseEdge.inner, fTaken.phaseEdge.outer);
     const float likeness = 2 * leftMagnitude * rightMagnitude / power;
     return byPan * (1 - likeness * (1 - byPhase));
 }
 
 float CenterChannelExtract::LevelOf(float share, bool isInside) const noexcept {
-    if (!isInside && fKeepsOutside) return fHearsRemoved ? 0 : 1;
-    const float whole = share + fBleed * (1 - share);
-    const float level = whole * fCenterLevel + (1 - whole) * fSideLevel;
-    return fHearsRemoved ? 1 - level : level;
+    if (!isInside && fTaken.keepsOutside) return fTaken.hearsRemoved ? 0 : 1;
+    const float whole = share + fTaken.bleed * (1 - share);
+    const float level = whole * fTaken.centerLevel + (1 - whole) * fTaken.sideLevel;
+    return fTaken.hearsRemoved ? 1 - level : level;
 }
 
 float CenterChannelExtract::LevelFrom(int index) const noexcept {

@@ -1,6 +1,7 @@
 #include "qoc/components/CurveFilter.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <numbers>
@@ -14,6 +15,7 @@ constexpr double kShortestFade = 0.005; // seconds, half a frame
 constexpr std::size_t kHopsPerSize = 8;
 constexpr std::size_t kLongestHop = 4096;
 constexpr std::size_t kFramesPerPart = 2; // a part is as long as a frame: two hops
+constexpr double kPartCost = 0.1;         // of multiplying one, in transforms
 constexpr float kSilentPower = 1e-20F;    // -200 dB, the lowest that is told
 
 // Half frames long enough for a fade, short enough for the work to be spread evenly.
@@ -88,7 +90,6 @@ void CurveFilter::PrepareProcessing(std::size_t /*maximumBlock*/) {
     fSize = ChosenSize();
     const std::size_t hop = HopFor(fSize, GetSampleRate());
     const std::size_t frame = kFramesPerPart * hop;
-    fStream.Prepare(GetNumberOfInputChannels(), {.transform = 2 * frame, .frame = frame, .hop = hop}, HannFrame(frame));
     fPartitionTransform = std::make_unique<RealFFT>(2 * frame);
     fHandOver.Clear();
     Redesign();
@@ -97,6 +98,10 @@ void CurveFilter::PrepareProcessing(std::size_t /*maximumBlock*/) {
     fKept = kFramesPerPart * (fFilter->Count() - 1) + 1;
     fSum.assign(FilterPartitions::SplitSize(fPartitionTransform->Bins()), 0.0F);
     fPast.assign(GetNumberOfInputChannels() * fKept * fSum.size(), 0.0F);
+    fSteps = OverlapAdd::StepsFor(hop);
+    const double cost = kPartCost * static_cast<double>(GetNumberOfInputChannels() * (fFilter->Count() + 1));
+    fStream.Prepare(GetNumberOfInputChannels(), {.transform = 2 * frame, .frame = frame, .hop = hop},
+                    std::array{OverlapAdd::Work{.steps = fSteps, .cost = cost}}, HannFrame(frame));
 }
 
 void CurveFilter::ResetProcessing() noexcept {
@@ -113,20 +118,26 @@ void CurveFilter::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block
     fStream.Process(block, *this);
 }
 
-void CurveFilter::ProcessSpectra(std::span<const Spectrum> spectra) noexcept {
+void CurveFilter::BeginFrame() noexcept {
     if (auto offered = fHandOver.Take()) fHandOver.GiveBack(std::exchange(fFilter, std::move(offered)));
     fFrame = (fFrame + 1) % fKept;
-    for (std::size_t channel = 0; channel < spectra.size(); ++channel)
-        Convolve(channel, spectra[channel]);
+    fTakenOnlyChannel = fOnlyChannel;
 }
 
-void CurveFilter::Convolve(std::size_t channel, Spectrum spectrum) noexcept {
-    FilterPartitions::Split(spectrum, Past(channel, 0));
-    std::ranges::fill(fSum, 0.0F);
-    const FilterPartitions& filter = fOnlyChannel.value_or(channel) == channel ? *fFilter : *fIdentity;
+void CurveFilter::ProcessSpectra(std::span<const Spectrum> spectra, std::size_t step) noexcept {
+    const StepRange bins = FilterPartitions::BinsOf(step, fSteps, fPartitionTransform->Bins());
+    for (std::size_t channel = 0; channel < spectra.size(); ++channel)
+        Convolve(channel, spectra[channel], bins);
+}
+
+void CurveFilter::Convolve(std::size_t channel, Spectrum spectrum, StepRange bins) noexcept {
+    FilterPartitions::Split(spectrum, bins, Past(channel, 0));
+    for (std::size_t half = 0; half < fSum.size(); half += fSum.size() / 2)
+        std::fill_n(fSum.begin() + static_cast<std::ptrdiff_t>(half + bins.begin), bins.end - bins.begin, 0.0F);
+    const FilterPartitions& filter = fTakenOnlyChannel.value_or(channel) == channel ? *fFilter : *fIdentity;
     for (std::size_t part = 0; part < filter.Count(); ++part)
-        filter.MultiplyAdd(part, Past(channel, kFramesPerPart * part), fSum);
-    FilterPartitions::Join(fSum, spectrum);
+        filter.MultiplyAdd(part, bins, Past(channel, kFramesPerPart * part), fSum);
+    FilterPartitions::Join(fSum, bins, spectrum);
 }
 
 // The spectrum of so many frames ago.

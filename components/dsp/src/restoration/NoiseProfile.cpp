@@ -103,29 +103,39 @@ void NoiseProfile::Append(const NoiseTracker::Look& look) {
 }
 
 void NoiseProfile::Find(std::size_t look) noexcept {
-    if (fLooks.empty()) return;
-    // As many at the ends of the sound as in its midst.
-    const std::size_t count = std::min(Looks(), kWindow);
-    FindLevels(std::min(look > kReach ? look - kReach : 0, Looks() - count), count);
-    LimitToSurroundings();
-    LimitToTrend();
-    std::ranges::transform(fPlaces, fNoise.begin(), [this](const Place& place) {
-        return (1 - place.above) * fLevels[place.band] + place.above * fLevels[place.band + 1];
-    });
+    for (std::size_t step = 0; step < kSteps; ++step)
+        Find(look, step);
 }
 
-void NoiseProfile::FindLevels(std::size_t first, std::size_t count) noexcept {
-    for (std::size_t band = 0; band < fBands.size(); ++band) {
+void NoiseProfile::Find(std::size_t look, std::size_t step) noexcept {
+    if (fLooks.empty()) return;
+    constexpr std::size_t kParts = (kSteps - 2) / 2;
+    const auto bands = StepRange::Of(step % kParts, kParts, fBands.size());
+    if (step < kParts)
+        FindLevels(look, bands);
+    else if (step < 2 * kParts)
+        LimitToSurroundings(bands);
+    else if (step == 2 * kParts)
+        LimitToTrend();
+    else
+        Tell();
+}
+
+void NoiseProfile::FindLevels(std::size_t look, StepRange bands) noexcept {
+    // As many at the ends of the sound as in its midst.
+    const std::size_t count = std::min(Looks(), kWindow);
+    const std::size_t first = std::min(look > kReach ? look - kReach : 0, Looks() - count);
+    for (std::size_t band = bands.begin; band < bands.end; ++band) {
         std::size_t heard = 0;
         float sum = 0;
-        for (std::size_t look = first; look < first + count; ++look) {
-            const float* const noise = fLooks.data() + look * fLookSize + band;
+        for (std::size_t each = first; each < first + count; ++each) {
+            const float* const noise = fLooks.data() + each * fLookSize + band;
             const float sound = noise[fBands.size()];
             if (sound < kSilence) continue;
             fSorted[heard++] = *noise;
             sum += sound;
         }
-        fLevels[band] = heard > 0 ? LevelAmong(heard, fBands[band].deviation) : 0.0F;
+        fFound[band] = heard > 0 ? LevelAmong(heard, fBands[band].deviation) : 0.0F;
         fMeans[band] = heard > 0 ? sum / static_cast<float>(heard) : 0.0F;
     }
 }
@@ -140,10 +150,10 @@ float NoiseProfile::LevelAmong(std::size_t count, float deviation) noexcept {
 
 // What is breathed into a voice is as steady as noise, but has the voice's resonances: a band with much sound is not
 // taken for much noisier than the quieter ones around it.
-void NoiseProfile::LimitToSurroundings() noexcept {
-    std::ranges::copy(fLevels, fFound.begin());
-    for (std::size_t band = 0; band < fBands.size(); ++band) {
-        if (IsTrusted(band)) continue;
+void NoiseProfile::LimitToSurroundings(StepRange bands) noexcept {
+    for (std::size_t band = bands.begin; band < bands.end; ++band) {
+        fLevels[band] = fFound[band];
+        if (IsTrusted(band, fFound[band])) continue;
         const float frequency = fBands[band].logFrequency;
         const auto reach = static_cast<float>(std::numbers::ln2);
         const auto begin = std::ranges::lower_bound(fBands, frequency - reach, {}, &BandFigures::logFrequency);
@@ -161,19 +171,25 @@ void NoiseProfile::LimitToSurroundings() noexcept {
 void NoiseProfile::LimitToTrend() noexcept {
     Trend trend;
     for (std::size_t band = 0; band < fBands.size(); ++band)
-        if (IsTrusted(band)) trend.Add(fBands[band].logFrequency, std::log(fLevels[band]));
+        if (IsTrusted(band, fLevels[band])) trend.Add(fBands[band].logFrequency, std::log(fLevels[band]));
     if (!trend.IsCertain()) return;
     const double slope = std::clamp(trend.Slope(), kSteepestFall, kSteepestRise);
     const double height = trend.HeightAtZero(slope);
     for (std::size_t band = 0; band < fBands.size(); ++band) {
-        if (IsTrusted(band)) continue;
+        if (IsTrusted(band, fLevels[band])) continue;
         const auto level = static_cast<float>(std::exp(height + slope * fBands[band].logFrequency));
         fLevels[band] = std::min(fLevels[band], kAboveTrend * level);
     }
 }
 
-bool NoiseProfile::IsTrusted(std::size_t band) const noexcept {
-    return fLevels[band] > kSilence && fMeans[band] <= kTrusted * fLevels[band];
+void NoiseProfile::Tell() noexcept {
+    std::ranges::transform(fPlaces, fNoise.begin(), [this](const Place& place) {
+        return (1 - place.above) * fLevels[place.band] + place.above * fLevels[place.band + 1];
+    });
+}
+
+bool NoiseProfile::IsTrusted(std::size_t band, float level) const noexcept {
+    return level > kSilence && fMeans[band] <= kTrusted * level;
 }
 
 } // namespace qoc::dsp

@@ -20,13 +20,21 @@ constexpr double kIndependent = 0.67; // values in a bin under a Hann window
 constexpr double kSteadiest = 1.6;
 constexpr double kSilence = 1e-20;
 
-// The steps of a look, each in a hop of its own. The transform comes at an odd hop, when few frames of others end.
-constexpr std::size_t kBandSteps = 4;
-constexpr std::size_t kTurns = 4;
+// Rings hold a second look's worth, so that nothing is overwritten while it is worked on.
+constexpr std::size_t kRingHops = 2 * kHopsPerLook;
 
-std::size_t TransformStep(std::size_t turn) {
-    return 1 + 2 * turn;
-}
+// How long a look is worked on, in hops; those of other turns longer, so that they are not finished at once.
+constexpr std::size_t kTurns = 4;
+constexpr std::size_t kLeastHopsOfWork = 4;
+
+// The steps that each kind of work is cut into, and about how long it takes, in nanoseconds.
+constexpr std::size_t kParts = 32;
+constexpr double kSteadinessCost = 150; // a band
+constexpr double kWindowCost = 0.4;     // a sample
+constexpr double kTransformCost = 1;    // a sample
+constexpr double kPowersCost = 0.4;     // a sample
+constexpr double kQuarterCost = 5;      // a bin
+constexpr double kMeanCost = 0.8;       // a bin
 
 // Of the power 1.
 std::vector<float> Hann(std::size_t size) {
@@ -77,17 +85,46 @@ void NoiseTracker::Prepare(double sampleRate, std::size_t turn) {
     fLongWindow = Hann(frame);
     fFrameWeights = Hann(kHopsPerLook); // squared they are those that the long window gives the frames
     std::ranges::transform(fFrameWeights, fFrameWeights.begin(), [](float weight) { return weight * weight; });
-    fSound.assign(frame, 0.0F);
+    fSound.assign(kRingHops * fBands.ShortFrame() / 2, 0.0F);
     fShortFrame.assign(fBands.ShortFrame(), 0.0F);
     fLongFrame.assign(frame, 0.0F);
+    fShortSpectrum.assign(fShortTransform.Bins(), {});
     fSpectrum.assign(frame / 2 + 1, {});
     fPowers.assign(frame / 2 + 1, 0.0F);
     fSorted.assign(frame / 2 + 1, 0.0F);
     fSums.assign(fShortTransform.Bins() + 1, 0.0);
-    fShortPowers.assign(bands * kHopsPerLook, 0.0F);
+    fShortPowers.assign(bands * kRingHops, 0.0F);
     for (std::vector<float>* values : {&fSteadiness, &fNoise, &fMeans})
         values->assign(bands, 0.0F);
+    PlanLook();
     Reset();
+}
+
+void NoiseTracker::PlanLook() {
+    fSteps.clear();
+    fPace.Clear();
+    const auto frame = static_cast<double>(fBands.Frame());
+    AddSteps(Kind::kSteadiness, kSteadinessCost * static_cast<double>(fBands.All().size()));
+    AddSteps(Kind::kWindow, kWindowCost * frame);
+    AddSteps(Kind::kTransform, kTransformCost * frame);
+    AddSteps(Kind::kPowers, kPowersCost * frame);
+    for (std::size_t band = 0; band < fBands.All().size(); ++band) {
+        const NoiseBands::Band& bins = fBands.All()[band];
+        fSteps.push_back({Kind::kBand, {band, fBands.All().size()}});
+        fPace.Add(1, kQuarterCost * static_cast<double>(bins.LongCount()) +
+                         kMeanCost * static_cast<double>(bins.longEnd - bins.longBegin));
+    }
+    fPace.SpreadOver(HopsOfWork() * fBands.ShortFrame() / 2);
+}
+
+void NoiseTracker::AddSteps(Kind kind, double cost) {
+    for (std::size_t part = 0; part < kParts; ++part)
+        fSteps.push_back({kind, {part, kParts}});
+    fPace.Add(kParts, cost);
+}
+
+std::size_t NoiseTracker::HopsOfWork() const noexcept {
+    return kLeastHopsOfWork + 2 * fTurn;
 }
 
 void NoiseTracker::Reset() noexcept {
@@ -95,12 +132,18 @@ void NoiseTracker::Reset() noexcept {
     std::ranges::fill(fSound, 0.0F);
     std::ranges::fill(fShortPowers, 0.0F);
     fHops = 0;
-    fStep = 0;
+    fLookEnd = 0;
 }
 
 void NoiseTracker::Keep(std::span<const float> samples, std::size_t position) noexcept {
-    const std::size_t place = fHops % kHopsPerLook * (fBands.ShortFrame() / 2) + position;
+    const std::size_t place = fHops % kRingHops * (fBands.ShortFrame() / 2) + position;
     std::ranges::transform(samples, fSound.begin() + static_cast<std::ptrdiff_t>(place), SaneSample);
+}
+
+void NoiseTracker::WorkUntil(std::size_t position) noexcept {
+    if (fLookEnd == 0) return;
+    const std::size_t hops = fHops - fLookEnd;
+    fPace.RunUntil(hops * (fBands.ShortFrame() / 2) + position, [this](std::size_t step) { Do(fSteps[step]); });
 }
 
 // Whether a look is finished.
@@ -108,56 +151,61 @@ bool NoiseTracker::FinishHop() noexcept {
     ++fHops;
     AnalyseShort();
     if (fHops < kHopsPerLook) return false;
-    if (fHops % (kHopsPerLook / 2) != 0) return ContinueLook();
-    BeginLook();
-    return false;
+    if (fHops % (kHopsPerLook / 2) == 0) {
+        fLookEnd = fHops;
+        fPace.Restart();
+    }
+    return fHops - fLookEnd == HopsOfWork();
 }
 
 void NoiseTracker::AnalyseShort() noexcept {
     const std::size_t hop = fBands.ShortFrame() / 2;
-    const std::size_t older = (fHops + kHopsPerLook - 2) % kHopsPerLook;
-    const std::size_t newer = (older + 1) % kHopsPerLook;
+    const std::size_t older = (fHops + kRingHops - 2) % kRingHops;
+    const std::size_t newer = (older + 1) % kRingHops;
     for (std::size_t i = 0; i < hop; ++i) {
         fShortFrame[i] = fSound[older * hop + i] * fShortWindow[i];
         fShortFrame[hop + i] = fSound[newer * hop + i] * fShortWindow[hop + i];
     }
-    const std::span spectrum = std::span(fSpectrum).first(fShortTransform.Bins());
-    fShortTransform.Forward(fShortFrame, spectrum);
-    for (std::size_t bin = 0; bin < spectrum.size(); ++bin)
-        fSums[bin + 1] = fSums[bin] + std::norm(spectrum[bin]);
+    fShortTransform.Forward(fShortFrame, fShortSpectrum);
+    for (std::size_t bin = 0; bin < fShortSpectrum.size(); ++bin)
+        fSums[bin + 1] = fSums[bin] + std::norm(fShortSpectrum[bin]);
     const auto bands = fBands.All();
     for (std::size_t band = 0; band < bands.size(); ++band)
-        fShortPowers[band * kHopsPerLook + newer] =
+        fShortPowers[band * kRingHops + newer] =
             static_cast<float>(fSums[bands[band].shortEnd] - fSums[bands[band].shortBegin]);
 }
 
-// Takes what the next hop overwrites.
-void NoiseTracker::BeginLook() noexcept {
-    const auto oldest = fSound.begin() + static_cast<std::ptrdiff_t>(fHops % kHopsPerLook * (fBands.ShortFrame() / 2));
-    std::rotate_copy(fSound.begin(), oldest, fSound.end(), fLongFrame.begin());
-    for (std::size_t band = 0; band < fSteadiness.size(); ++band)
-        fSteadiness[band] = SteadinessOf(band);
-    fStep = 0;
-}
-
-bool NoiseTracker::ContinueLook() noexcept {
-    ++fStep;
-    if (fStep == TransformStep(fTurn)) AnalyseLong();
-    if (fStep <= TransformStep(fTurn)) return false;
-    const std::size_t step = fStep - TransformStep(fTurn) - 1;
-    if (step >= kBandSteps) return false;
-    const auto bands = fBands.All();
-    for (std::size_t band = step * bands.size() / kBandSteps; band < (step + 1) * bands.size() / kBandSteps; ++band) {
-        fNoise[band] = QuarterOf(bands[band]) * fScales[band].quarter * fSteadiness[band];
-        fMeans[band] = MeanOf(bands[band]);
+void NoiseTracker::Do(const Step& step) noexcept {
+    const auto [part, parts] = step.part;
+    switch (step.kind) {
+    case Kind::kSteadiness: {
+        const auto bands = StepRange::Of(part, parts, fSteadiness.size());
+        for (std::size_t band = bands.begin; band < bands.end; ++band)
+            fSteadiness[band] = SteadinessOf(band);
+        return;
     }
-    return step + 1 == kBandSteps;
+    case Kind::kWindow: return WindowLong(StepRange::Of(part, parts, fLongFrame.size()));
+    case Kind::kTransform: return fLongTransform.Forward(fLongFrame, fSpectrum, step.part);
+    case Kind::kPowers: {
+        const auto bins = StepRange::Of(part, parts, fSpectrum.size());
+        for (std::size_t bin = bins.begin; bin < bins.end; ++bin)
+            fPowers[bin] = std::norm(fSpectrum[bin]);
+        return;
+    }
+    case Kind::kBand: return MeasureBand(part);
+    }
 }
 
-void NoiseTracker::AnalyseLong() noexcept {
-    std::ranges::transform(fLongFrame, fLongWindow, fLongFrame.begin(), std::multiplies<>());
-    fLongTransform.Forward(fLongFrame, fSpectrum);
-    std::ranges::transform(fSpectrum, fPowers.begin(), [](std::complex<float> bin) { return std::norm(bin); });
+void NoiseTracker::WindowLong(StepRange samples) noexcept {
+    const std::size_t oldest = (fLookEnd + kRingHops - kHopsPerLook) % kRingHops * (fBands.ShortFrame() / 2);
+    for (std::size_t i = samples.begin; i < samples.end; ++i)
+        fLongFrame[i] = fSound[(oldest + i) % fSound.size()] * fLongWindow[i];
+}
+
+void NoiseTracker::MeasureBand(std::size_t band) noexcept {
+    const NoiseBands::Band& bins = fBands.All()[band];
+    fNoise[band] = QuarterOf(bins) * fScales[band].quarter * fSteadiness[band];
+    fMeans[band] = MeanOf(bins);
 }
 
 // Of the powers in a band.
@@ -178,12 +226,13 @@ float NoiseTracker::MeanOf(const NoiseBands::Band& band) const noexcept {
 
 // About 1 for noise, less for what swells and fades.
 float NoiseTracker::SteadinessOf(std::size_t band) noexcept {
-    const std::span powers = std::span(fShortPowers).subspan(band * kHopsPerLook, kHopsPerLook);
+    const float* const powers = fShortPowers.data() + band * kRingHops;
     double mean = 0;
-    for (std::size_t i = 0; i < kHopsPerLook; ++i)
-        mean += double{fFrameWeights[i]} * powers[(fHops + i) % kHopsPerLook];
+    for (std::size_t i = 0; i < kHopsPerLook; ++i) {
+        fSorted[i] = powers[(fLookEnd + kRingHops - kHopsPerLook + i) % kRingHops];
+        mean += double{fFrameWeights[i]} * fSorted[i];
+    }
     if (mean < kSilence) return 0;
-    std::ranges::copy(powers, fSorted.begin());
     std::nth_element(fSorted.begin(), fSorted.begin() + kShortRank, fSorted.begin() + kHopsPerLook);
     const double quiet = double{fSorted[kShortRank]} * fScales[band].fifth;
     return static_cast<float>(std::min(kSteadiest, quiet / mean));

@@ -10,10 +10,12 @@ void PhaseAligner::Prepare(std::size_t bins) {
     fReferencePower.resize(bins);
     fOtherPower.resize(bins);
     fSums.resize(bins + 1);
+    fFrames = 1;
     Reset();
 }
 
 void PhaseAligner::Reset() noexcept {
+    if (fFrames == 0) return;
     std::ranges::fill(fCross, std::complex<float>());
     std::ranges::fill(fReferencePower, 0.0F);
     std::ranges::fill(fOtherPower, 0.0F);
@@ -21,17 +23,17 @@ void PhaseAligner::Reset() noexcept {
 }
 
 void PhaseAligner::Align(std::span<const std::complex<float>> reference, std::span<std::complex<float>> other,
-                         const Settings& settings) noexcept {
-    Add(reference, other, settings.kept);
+                         const Settings& settings, std::size_t pass, StepRange bins) noexcept {
+    if (pass == 0) return Add(reference, other, settings.kept, bins);
     const float reach = std::exp2(settings.octaves / 2) - 1; // of a bin's number, to either side
-    for (std::size_t bin = 0; bin < other.size(); ++bin)
+    for (std::size_t bin = bins.begin; bin < bins.end; ++bin)
         other[bin] *= TurnFor(bin, settings, reach);
 }
 
 void PhaseAligner::Add(std::span<const std::complex<float>> reference, std::span<const std::complex<float>> other,
-                       float kept) noexcept {
-    fFrames = fFrames * kept + 1;
-    for (std::size_t bin = 0; bin < fCross.size(); ++bin) {
+                       float kept, StepRange bins) noexcept {
+    if (bins.begin == 0) fFrames = fFrames * kept + 1;
+    for (std::size_t bin = bins.begin; bin < bins.end; ++bin) {
         fCross[bin] = fCross[bin] * kept + reference[bin] * std::conj(other[bin]);
         fReferencePower[bin] = fReferencePower[bin] * kept + std::norm(reference[bin]);
         fOtherPower[bin] = fOtherPower[bin] * kept + std::norm(other[bin]);

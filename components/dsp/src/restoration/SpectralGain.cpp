@@ -84,92 +84,105 @@ void SpectralGain::Reset() noexcept {
     fCertainty = 0;
 }
 
-std::span<const float> SpectralGain::Update(std::span<const float> powers, std::span<const float> noise,
-                                            const Settings& settings) noexcept {
-    Compare(powers, noise, settings.noiseScale);
-    Average();
-    fCertainty = std::max(fCertainty * fCertaintyDecay, MeasureCertainty(settings.presence));
-    FindPresence(settings.presence);
-    Spread(settings.width);
-    Estimate(powers, settings);
-    return fGains;
+void SpectralGain::Begin(std::span<const float> powers, std::span<const float> noise,
+                         const Settings& settings) noexcept {
+    fPowers = powers;
+    fNoise = noise;
+    fSettings = settings;
+    fCertain = 0;
+}
+
+void SpectralGain::Pass(std::size_t pass, StepRange bins) noexcept {
+    switch (pass) {
+    case 0: return Compare(bins);
+    case 1: return Average(bins);
+    case 2: return MeasureCertainty(bins);
+    case 3: return FindPresence(bins);
+    default: return Estimate(bins);
+    }
 }
 
 float SpectralGain::LogSpectralAmplitudeGain(float prior, float posterior) noexcept {
     return AmplitudeGain(prior, posterior);
 }
 
-void SpectralGain::Compare(std::span<const float> powers, std::span<const float> noise, float scale) noexcept {
-    for (std::size_t bin = 0; bin < powers.size(); ++bin) {
-        fInverse[bin] = 1 / std::max(kLeastNoise, scale * noise[bin]);
-        fPosterior[bin] = std::min(kMostPosterior, powers[bin] * fInverse[bin]);
+void SpectralGain::Compare(StepRange bins) noexcept {
+    for (std::size_t bin = bins.begin; bin < bins.end; ++bin) {
+        fInverse[bin] = 1 / std::max(kLeastNoise, fSettings.noiseScale * fNoise[bin]);
+        fPosterior[bin] = std::min(kMostPosterior, fPowers[bin] * fInverse[bin]);
     }
+    if (bins.end == fPosterior.size()) JoinLowest();
+}
+
+void SpectralGain::JoinLowest() noexcept {
     const float below =
         std::accumulate(fPosterior.begin(), fPosterior.begin() + static_cast<std::ptrdiff_t>(fLowest), 0.0F);
     const float mean = below / (kDoubtBelow * static_cast<float>(fLowest));
     std::fill_n(fPosterior.begin(), fLowest, std::max(mean, fPosterior[fLowest]));
 }
 
-void SpectralGain::Average() noexcept {
+void SpectralGain::Average(StepRange bins) noexcept {
     const std::size_t last = fPosterior.size() - 1;
-    for (std::size_t bin = 0; bin <= last; ++bin) {
+    for (std::size_t bin = bins.begin; bin < bins.end; ++bin) {
         const float around = fPosterior[bin == 0 ? 1 : bin - 1] + fPosterior[bin == last ? last - 1 : bin + 1];
         const float power = std::min(kMostHeld, 0.5F * fPosterior[bin] + 0.25F * around);
         fHeld[bin] = fHolding * fHeld[bin] + (1 - fHolding) * power;
         fSums[bin + 1] = fSums[bin] + std::min(kMostInMean, fPosterior[bin]);
     }
-    for (std::size_t bin = 0; bin <= last; ++bin) {
+}
+
+void SpectralGain::MeasureCertainty(StepRange bins) noexcept {
+    constexpr float kCertainHit = 4;
+    const float presence = fSettings.presence;
+    for (std::size_t bin = bins.begin; bin < bins.end; ++bin) {
         const Surroundings& around = fSurroundings[bin];
         fBroad[bin] = (fSums[around.end] - fSums[around.begin]) * around.weight;
+        const float hit = fBroad[bin] - 1 - (presence - 1) * around.chance;
+        fCertain += std::clamp(std::max(kCertainHit * hit, fHeld[bin] - presence), 0.0F, 1.0F);
     }
+    if (bins.end < fHeld.size()) return;
+    const float certainty = std::min(1.0F, fCertain / (kCertainPart * static_cast<float>(fHeld.size())));
+    fCertainty = std::max(fCertainty * fCertaintyDecay, certainty);
 }
 
-float SpectralGain::MeasureCertainty(float presence) const noexcept {
-    constexpr float kCertainHit = 4;
-    float certain = 0;
-    for (std::size_t bin = 0; bin < fHeld.size(); ++bin) {
-        const float hit = fBroad[bin] - 1 - (presence - 1) * fSurroundings[bin].chance;
-        certain += std::clamp(std::max(kCertainHit * hit, fHeld[bin] - presence), 0.0F, 1.0F);
-    }
-    return std::min(1.0F, certain / (kCertainPart * static_cast<float>(fHeld.size())));
-}
-
-void SpectralGain::FindPresence(float presence) noexcept {
+void SpectralGain::FindPresence(StepRange bins) noexcept {
+    const float presence = fSettings.presence;
     const float tone = 1 / (presence * (1 - fCertainty * (1 - kToneThen)));
     const float hit = 1 / ((presence - 1) * (1 - fCertainty * (1 - kHitThen)));
-    for (std::size_t bin = 0; bin < fPresence.size(); ++bin) {
+    for (std::size_t bin = bins.begin; bin < bins.end; ++bin) {
         const float held = (fHeld[bin] * tone - 1) / kToneRamp;
         const float broad = ((fBroad[bin] - 1) * hit / fSurroundings[bin].chance - 1) / kHitRamp;
         fPresence[bin] = std::clamp(std::max(held, broad), 0.0F, 1.0F);
-    }
-}
-
-void SpectralGain::Spread(std::size_t width) noexcept {
-    const std::size_t bins = fPresence.size();
-    const float scale = kSpread / static_cast<float>(2 * width + 1);
-    for (std::size_t bin = 0; bin < bins; ++bin)
         fSums[bin + 1] = fSums[bin] + fPresence[bin];
-    for (std::size_t bin = 0; bin < bins; ++bin) {
-        const std::size_t begin = bin - std::min(bin, width);
-        const std::size_t end = std::min(bins, bin + width + 1);
-        const float around = (fSums[end] - fSums[begin]) * scale;
-        fPresence[bin] = std::max(fPresence[bin], std::min(1.0F, around));
     }
 }
 
-void SpectralGain::Estimate(std::span<const float> powers, const Settings& settings) noexcept {
-    const float scale = 1 / settings.threshold;
-    for (std::size_t bin = 0; bin < powers.size(); ++bin) {
-        float gain = fPresence[bin] > 0 ? 1.0F : 0.0F;
-        if (fPresence[bin] > 0 && fPosterior[bin] < kFarAbove) {
-            const float before = std::min(kMostPosterior, fSound[bin] * fInverse[bin]);
-            const float prior = fMemory * before + (1 - fMemory) * std::max(fPosterior[bin] - 1, 0.0F);
-            gain = AmplitudeGain(std::max(kLeastPrior, prior * scale), fPosterior[bin]);
-        }
-        fSound[bin] = gain * gain * powers[bin];
-        const float told = settings.floor + fPresence[bin] * std::max(0.0F, gain - settings.floor);
-        fGains[bin] = std::max(told, fGains[bin] * settings.decayPerFrame);
+void SpectralGain::Estimate(StepRange bins) noexcept {
+    for (std::size_t bin = bins.begin; bin < bins.end; ++bin)
+        fPresence[bin] = std::max(fPresence[bin], std::min(1.0F, PresenceAround(bin)));
+    const float scale = 1 / fSettings.threshold;
+    const float memory = fMemory;
+    const float floor = fSettings.floor;
+    const float decay = fSettings.decayPerFrame;
+    // All bins alike, without a branch, so that they can be worked on several at a time.
+    for (std::size_t bin = bins.begin; bin < bins.end; ++bin) {
+        const float posterior = fPosterior[bin];
+        const float before = std::min(kMostPosterior, fSound[bin] * fInverse[bin]);
+        const float prior = memory * before + (1 - memory) * std::max(posterior - 1, 0.0F);
+        const float estimate = AmplitudeGain(std::max(kLeastPrior, prior * scale), posterior);
+        const float gain = fPresence[bin] > 0 ? (posterior < kFarAbove ? estimate : 1.0F) : 0.0F;
+        fSound[bin] = gain * gain * fPowers[bin];
+        const float told = floor + fPresence[bin] * std::max(0.0F, gain - floor);
+        fGains[bin] = std::max(told, fGains[bin] * decay);
     }
+}
+
+// The mean of those around a bin, and as much again.
+float SpectralGain::PresenceAround(std::size_t bin) const noexcept {
+    const std::size_t width = fSettings.width;
+    const std::size_t begin = bin - std::min(bin, width);
+    const std::size_t end = std::min(fPresence.size(), bin + width + 1);
+    return (fSums[end] - fSums[begin]) * kSpread / static_cast<float>(2 * width + 1);
 }
 
 } // namespace qoc::dsp

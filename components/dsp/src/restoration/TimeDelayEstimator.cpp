@@ -8,6 +8,20 @@
 
 namespace qoc::dsp {
 
+namespace {
+
+// Without the care for infinite values that the operators of complex numbers take.
+template <typename T>
+std::complex<T> Times(const std::complex<T>& a, const std::complex<T>& b) noexcept {
+    return {a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real()};
+}
+template <typename T>
+std::complex<T> TimesConjugate(const std::complex<T>& a, const std::complex<T>& b) noexcept {
+    return Times(a, std::conj(b));
+}
+
+} // namespace
+
 void TimeDelayEstimator::Prepare(std::size_t size) {
     fTransform.emplace(size);
     const std::size_t bins = fTransform->Bins();
@@ -15,6 +29,9 @@ void TimeDelayEstimator::Prepare(std::size_t size) {
     fReferencePower.resize(bins);
     fOtherPower.resize(bins);
     fWhite.resize(bins);
+    const std::size_t padded = (bins + kLanes - 1) / kLanes * kLanes;
+    fWhiteReal.assign(padded, 0.0);
+    fWhiteImaginary.assign(padded, 0.0);
     fCorrelation.resize(size);
     Reset();
 }
@@ -24,93 +41,50 @@ void TimeDelayEstimator::Reset() noexcept {
     std::ranges::fill(fReferencePower, 0.0F);
     std::ranges::fill(fOtherPower, 0.0F);
     fOrigin = 0;
+    fDelay = 0;
+    fLikeness = {};
 }
 
 double TimeDelayEstimator::AngularStep() const noexcept {
     return 2 * std::numbers::pi / static_cast<double>(fCorrelation.size());
 }
 
-void TimeDelayEstimator::Add(std::span<const std::complex<float>> reference, std::span<const std::complex<float>> other,
-                             float kept) noexcept {
-    for (std::size_t bin = 0; bin < fCross.size(); ++bin) {
-        fCross[bin] = fCross[bin] * kept + other[bin] * std::conj(reference[bin]);
-        fReferencePower[bin] = fReferencePower[bin] * kept + std::norm(reference[bin]);
-        fOtherPower[bin] = fOtherPower[bin] * kept + std::norm(other[bin]);
+void TimeDelayEstimator::Begin(const Frame& frame) noexcept {
+    fFrame = frame;
+}
+
+void TimeDelayEstimator::Pass(std::size_t pass, RealFFT::Part part) noexcept {
+    const auto bins = StepRange::Of(part.index, part.count, fCross.size());
+    if (pass > 4 && pass < 5 + kMostSlopes) return Improve(bins);
+    switch (pass) {
+    case 0: return Add(fFrame, part);
+    case 1: return FindStrongest(bins);
+    case 2: return Whiten(bins);
+    case 3: return fTransform->Inverse(fWhite, fCorrelation, part);
+    case 4: return IsLast(bins) ? FindPeakLag() : void();
+    case 5 + kMostSlopes: return AddSlope(bins);
+    case 6 + kMostSlopes: return MoveOrigin(bins);
+    default: return Compare(bins);
     }
 }
 
-void TimeDelayEstimator::SetOrigin(std::ptrdiff_t origin) noexcept {
-    if (origin == fOrigin) return;
-    const double angle = AngularStep() * static_cast<double>(origin - fOrigin);
-    for (std::size_t bin = 0; bin < fCross.size(); ++bin)
-        fCross[bin] *= std::complex<float>(std::polar(1.0, angle * static_cast<double>(bin)));
-    fOrigin = origin;
-}
-
-std::optional<double> TimeDelayEstimator::Find(double longest) noexcept {
-    // Of sounds that have nothing in common the peak is a few times 1 / sqrt(bins).
-    constexpr double kLeastPeak = 0.2;
-    Whiten();
-    if (fUsedBins == 0) return {};
-    const auto origin = static_cast<double>(fOrigin);
-    const double reach = std::min(longest, static_cast<double>(fCorrelation.size()) / 4);
-    const double delay = Peak(static_cast<double>(PeakLag(static_cast<std::ptrdiff_t>(reach))) - origin);
-    if (std::abs(SlopeAt(delay).value) < kLeastPeak * static_cast<double>(fUsedBins)) return {};
-    return std::clamp(delay + origin, -reach, reach);
-}
-
-// The peak beside a whole lag, by Newton's method between bounds that close in: where they are left, by halves.
-double TimeDelayEstimator::Peak(double lag) const noexcept {
-    constexpr int kMostSteps = 24;
-    constexpr double kNear = 1e-6; // samples
-    const Slope middle = SlopeAt(lag);
-    const double sign = middle.value < 0 ? -1 : 1;
-    double lo = middle.first * sign > 0 ? lag : lag - 1;
-    double hi = lo + 1;
-    double delay = lag;
-    Slope slope = middle;
-    for (int step = 0; step < kMostSteps && hi - lo > kNear; ++step) {
-        const double newton = delay - slope.first / slope.second;
-        const bool isPeak = slope.second * sign < 0 && newton > lo && newton < hi;
-        const double next = isPeak ? newton : (lo + hi) / 2;
-        if (std::abs(next - delay) < kNear) return next;
-        delay = next;
-        slope = SlopeAt(delay);
-        (slope.first * sign > 0 ? lo : hi) = delay;
+void TimeDelayEstimator::Add(const Frame& frame, RealFFT::Part part) noexcept {
+    const auto [begin, end] = StepRange::Of(part.index, part.count, fCross.size());
+    for (std::size_t bin = begin; bin < end; ++bin) {
+        const std::complex<float> reference = frame.reference[bin];
+        const std::complex<float> other = frame.other[bin];
+        fCross[bin] = fCross[bin] * frame.kept + TimesConjugate(other, reference);
+        fReferencePower[bin] = fReferencePower[bin] * frame.kept + std::norm(reference);
+        fOtherPower[bin] = fOtherPower[bin] * frame.kept + std::norm(other);
     }
-    return delay;
 }
 
-TimeDelayEstimator::Likeness TimeDelayEstimator::LikenessAt(double delay) const noexcept {
-    // Of fewer bins a sum does not tell what is common from what is so by chance.
-    constexpr std::size_t kLeastBand = 32;
-    const double aligned = AngularStep() * (delay - static_cast<double>(fOrigin));
-    const double untreated = -AngularStep() * static_cast<double>(fOrigin);
-    std::complex<double> band;
-    double reference = 0;
-    double other = 0;
-    double allReference = 0;
-    double allOther = 0;
-    double common = 0;
-    double bands = 0;
-    double inPhase = 0;
-    std::size_t end = kLeastBand; // of the octave
-    for (std::size_t bin = 1; bin < fCross.size(); ++bin) {
-        const std::complex<double> cross(fCross[bin]);
-        band += cross * std::polar(1.0, aligned * static_cast<double>(bin));
-        inPhase += (cross * std::polar(1.0, untreated * static_cast<double>(bin))).real();
-        reference += fReferencePower[bin];
-        other += fOtherPower[bin];
-        if (bin + 1 < end && bin + 1 < fCross.size()) continue;
-        common += std::abs(band);
-        bands += std::sqrt(reference * other);
-        allReference += std::exchange(reference, 0);
-        allOther += std::exchange(other, 0);
-        band = 0;
-        end *= 2;
-    }
-    if (!(bands > 0)) return {};
-    return {.untreated = inPhase / std::sqrt(allReference * allOther), .treated = common / bands};
+double TimeDelayEstimator::CostOf(std::size_t pass) noexcept {
+    constexpr double kSlope = 3;
+    if (pass > 4 && pass < 6 + kMostSlopes) return kSlope;
+    constexpr double kFirst[] = {4, 2, 8, 2, 2};
+    if (pass < std::size(kFirst)) return kFirst[pass];
+    return pass + 1 < kPasses ? 8 : 15;
 }
 
 float TimeDelayEstimator::LevelRatio() const noexcept {
@@ -119,27 +93,31 @@ float TimeDelayEstimator::LevelRatio() const noexcept {
     return reference > 0 && other > 0 ? static_cast<float>(std::sqrt(reference / other)) : 1.0F;
 }
 
+void TimeDelayEstimator::FindStrongest(StepRange bins) noexcept {
+    if (bins.begin == 0) fStrongest = 0;
+    for (std::size_t bin = bins.begin; bin < bins.end; ++bin)
+        fStrongest = std::max(fStrongest, PowerOf(bin));
+}
+
 // Leaves the phase difference, as far as it has been the same over the frames. What is 70 dB below the strongest bin
 // is mostly what the window lets through of others.
-void TimeDelayEstimator::Whiten() noexcept {
+void TimeDelayEstimator::Whiten(StepRange bins) noexcept {
     constexpr double kLeastPower = 1e-14; // of powers times powers
-    const auto powerOf = [this](std::size_t bin) { return double{fReferencePower[bin]} * fOtherPower[bin]; };
-    double strongest = 0;
-    for (std::size_t bin = 0; bin < fCross.size(); ++bin)
-        strongest = std::max(strongest, powerOf(bin));
-    fUsedBins = 0;
+    if (bins.begin == 0) fUsedBins = 0;
     // Both ends are real and tell no delay.
-    for (std::size_t bin = 0; bin < fWhite.size(); ++bin) {
-        const double power = powerOf(bin);
-        const bool isUsed = bin != 0 && bin + 1 != fWhite.size() && power > strongest * kLeastPower;
+    for (std::size_t bin = bins.begin; bin < bins.end; ++bin) {
+        const double power = PowerOf(bin);
+        const bool isUsed = bin != 0 && bin + 1 != fWhite.size() && power > fStrongest * kLeastPower;
         fWhite[bin] = isUsed ? fCross[bin] / static_cast<float>(std::sqrt(power)) : std::complex<float>();
+        fWhiteReal[bin] = fWhite[bin].real();
+        fWhiteImaginary[bin] = fWhite[bin].imag();
         fUsedBins += isUsed ? 1 : 0;
     }
 }
 
-std::ptrdiff_t TimeDelayEstimator::PeakLag(std::ptrdiff_t reach) noexcept {
-    fTransform->Inverse(fWhite, fCorrelation);
+void TimeDelayEstimator::FindPeakLag() noexcept {
     const auto size = static_cast<std::ptrdiff_t>(fCorrelation.size());
+    const auto reach = static_cast<std::ptrdiff_t>(std::min(fFrame.longest, static_cast<double>(size) / 4));
     const auto magnitudeAt = [&](std::ptrdiff_t lag) {
         return std::abs(fCorrelation[static_cast<std::size_t>((lag - fOrigin + size) % size)]);
     };
@@ -147,23 +125,129 @@ std::ptrdiff_t TimeDelayEstimator::PeakLag(std::ptrdiff_t reach) noexcept {
     for (std::ptrdiff_t lag = -reach; lag <= reach; ++lag) {
         if (magnitudeAt(lag) > magnitudeAt(best)) best = lag;
     }
-    return best;
+    fSearch = {.delay = static_cast<double>(best) - static_cast<double>(fOrigin), .isDone = fUsedBins == 0};
 }
 
-TimeDelayEstimator::Slope TimeDelayEstimator::SlopeAt(double delay) const noexcept {
+void TimeDelayEstimator::Improve(StepRange bins) noexcept {
+    if (fSearch.isDone) return;
+    AddSlope(bins);
+    if (IsLast(bins)) Refine();
+}
+
+// The slope at the search's delay: bins beside each other go on in lanes of their own.
+void TimeDelayEstimator::AddSlope(StepRange bins) noexcept {
     const double step = AngularStep();
-    const std::complex<double> turn = std::polar(1.0, step * delay);
-    std::complex<double> phase = 1;
-    Slope slope;
-    for (std::size_t bin = 0; bin < fWhite.size(); ++bin) {
-        const std::complex<double> value = std::complex<double>(fWhite[bin]) * phase;
-        const double angular = step * static_cast<double>(bin);
-        slope.value += value.real();
-        slope.first -= angular * value.imag();
-        slope.second -= angular * angular * value.real();
-        phase *= turn;
+    const double angle = step * fSearch.delay;
+    SlopeSums sums = fSlopeSums;
+    if (bins.begin == 0) {
+        sums = {};
+        for (std::size_t lane = 0; lane < kLanes; ++lane) {
+            sums.cosine[lane] = std::cos(angle * static_cast<double>(lane));
+            sums.sine[lane] = std::sin(angle * static_cast<double>(lane));
+        }
     }
-    return slope;
+    const double cosine = std::cos(angle * kLanes);
+    const double sine = std::sin(angle * kLanes);
+    const std::size_t end = IsLast(bins) ? fWhiteReal.size() : bins.end / kLanes * kLanes;
+    for (std::size_t bin = bins.begin / kLanes * kLanes; bin < end; bin += kLanes) {
+        for (std::size_t lane = 0; lane < kLanes; ++lane) {
+            const double white = fWhiteReal[bin + lane];
+            const double imaginary = fWhiteImaginary[bin + lane];
+            const double angular = step * static_cast<double>(bin + lane);
+            const double real = white * sums.cosine[lane] - imaginary * sums.sine[lane];
+            sums.value[lane] += real;
+            sums.first[lane] -= angular * (white * sums.sine[lane] + imaginary * sums.cosine[lane]);
+            sums.second[lane] -= angular * angular * real;
+            const double turned = sums.cosine[lane] * cosine - sums.sine[lane] * sine;
+            sums.sine[lane] = sums.cosine[lane] * sine + sums.sine[lane] * cosine;
+            sums.cosine[lane] = turned;
+        }
+    }
+    fSlopeSums = sums;
+    if (IsLast(bins)) FinishSlope();
+}
+
+void TimeDelayEstimator::FinishSlope() noexcept {
+    const auto sum = [](const Lanes& lanes) { return (lanes[0] + lanes[1]) + (lanes[2] + lanes[3]); };
+    fSlope = {sum(fSlopeSums.value), sum(fSlopeSums.first), sum(fSlopeSums.second)};
+}
+
+void TimeDelayEstimator::Refine() noexcept {
+    constexpr double kNear = 1e-6; // samples
+    if (fSearch.sign == 0) {
+        fSearch.sign = fSlope.value < 0 ? -1 : 1;
+        fSearch.lo = fSlope.first * fSearch.sign > 0 ? fSearch.delay : fSearch.delay - 1;
+        fSearch.hi = fSearch.lo + 1;
+    } else {
+        (fSlope.first * fSearch.sign > 0 ? fSearch.lo : fSearch.hi) = fSearch.delay;
+    }
+    if (fSearch.hi - fSearch.lo <= kNear) {
+        fSearch.isDone = true;
+        return;
+    }
+    const double newton = fSearch.delay - fSlope.first / fSlope.second;
+    const bool isPeak = fSlope.second * fSearch.sign < 0 && newton > fSearch.lo && newton < fSearch.hi;
+    const double next = isPeak ? newton : (fSearch.lo + fSearch.hi) / 2;
+    fSearch.isDone = std::abs(next - fSearch.delay) < kNear;
+    fSearch.delay = next;
+}
+
+// Of sounds that have nothing in common the peak is a few times 1 / sqrt(bins).
+void TimeDelayEstimator::TakeDelay() noexcept {
+    constexpr double kLeastPeak = 0.2;
+    fNextOrigin = fOrigin;
+    if (fUsedBins == 0 || std::abs(fSlope.value) < kLeastPeak * static_cast<double>(fUsedBins)) return;
+    const double reach = std::min(fFrame.longest, static_cast<double>(fCorrelation.size()) / 4);
+    fDelay = std::clamp(fSearch.delay + static_cast<double>(fOrigin), -reach, reach);
+    fNextOrigin = std::lround(fDelay);
+}
+
+void TimeDelayEstimator::MoveOrigin(StepRange bins) noexcept {
+    if (bins.begin == 0) {
+        TakeDelay();
+        fPhase = 1;
+    }
+    if (fNextOrigin == fOrigin) return;
+    const std::complex<double> turn = std::polar(1.0, AngularStep() * static_cast<double>(fNextOrigin - fOrigin));
+    for (std::size_t bin = bins.begin; bin < bins.end; ++bin) {
+        fCross[bin] = Times(fCross[bin], std::complex<float>(fPhase));
+        fPhase = Times(fPhase, turn);
+    }
+    if (IsLast(bins)) fOrigin = fNextOrigin;
+}
+
+void TimeDelayEstimator::Compare(StepRange bins) noexcept {
+    if (bins.begin == 0) fSums = {};
+    const double origin = AngularStep() * static_cast<double>(fOrigin);
+    const double delay = fFrame.takesDelayOut ? AngularStep() * fDelay : 0;
+    const std::complex<double> aligned = std::polar(1.0, delay - origin);
+    const std::complex<double> untreated = std::polar(1.0, -origin);
+    for (std::size_t bin = bins.begin; bin < bins.end; ++bin) {
+        const std::complex<double> cross(fCross[bin]);
+        if (bin > 0) {
+            fSums.band += Times(cross, fSums.alignedPhase);
+            fSums.inPhase += Times(cross, fSums.untreatedPhase).real();
+            fSums.reference += fReferencePower[bin];
+            fSums.other += fOtherPower[bin];
+        }
+        fSums.alignedPhase = Times(fSums.alignedPhase, aligned);
+        fSums.untreatedPhase = Times(fSums.untreatedPhase, untreated);
+        if (bin + 1 < fSums.end && bin + 1 < fCross.size()) continue;
+        fSums.common += std::abs(fSums.band);
+        fSums.bands += std::sqrt(fSums.reference * fSums.other);
+        fSums.allReference += std::exchange(fSums.reference, 0);
+        fSums.allOther += std::exchange(fSums.other, 0);
+        fSums.band = 0;
+        fSums.end *= 2;
+    }
+    if (IsLast(bins)) FinishComparing();
+}
+
+void TimeDelayEstimator::FinishComparing() noexcept {
+    fLikeness = {};
+    if (!(fSums.bands > 0)) return;
+    fLikeness = {.untreated = fSums.inPhase / std::sqrt(fSums.allReference * fSums.allOther),
+                 .treated = fSums.common / fSums.bands};
 }
 
 } // namespace qoc::dsp

@@ -3,23 +3,39 @@
 #include "qoc/dsp/stream/SaneSample.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace qoc::dsp {
 
 namespace {
 
-// Drops the first `count` values and lets zeros follow.
-void Shift(std::vector<float>& values, std::size_t count) noexcept {
-    const auto kept = std::copy(values.begin() + static_cast<std::ptrdiff_t>(count), values.end(), values.begin());
-    std::fill(kept, values.end(), 0.0F);
+constexpr std::size_t kSamplesPerStep = 32;
+constexpr std::size_t kMostSteps = 64;
+
+// What goes with a transform costs so much of it.
+constexpr double kWindowCost = 0.5;
+constexpr double kAddCost = 0.5;
+
+// Calls `take(place, i, count)` for the one or two runs of a ring that begin at `place` and hold the values from
+// `begin` to below `end`.
+template <class Take>
+void CutRing(std::size_t ring, std::size_t place, std::size_t begin, std::size_t end, const Take& take) noexcept {
+    while (begin < end) {
+        const std::size_t at = (place + begin) % ring;
+        const std::size_t count = std::min(end - begin, ring - at);
+        take(at, begin, count);
+        begin += count;
+    }
 }
 
 } // namespace
 
-void OverlapAdd::Prepare(std::size_t channels, const Layout& layout, std::vector<float> analysis,
-                         std::vector<float> synthesis) {
+std::size_t OverlapAdd::StepsFor(std::size_t hop) noexcept {
+    return std::clamp<std::size_t>(hop / kSamplesPerStep, 1, kMostSteps);
+}
+
+void OverlapAdd::Prepare(std::size_t channels, const Layout& layout, std::span<const Work> work,
+                         std::vector<float> analysis, std::vector<float> synthesis) {
     fLayout = layout;
     fGrid.SetHop(layout.hop);
     fTransform.emplace(layout.transform);
@@ -28,12 +44,14 @@ void OverlapAdd::Prepare(std::size_t channels, const Layout& layout, std::vector
     fScratch.assign(layout.transform, 0.0F);
     fChannels.assign(channels, {});
     fSpectra.clear();
+    const std::size_t hopsOut = (layout.transform + 2 * layout.hop - 1) / layout.hop;
     for (Channel& channel : fChannels) {
-        channel.input.assign(layout.frame, 0.0F);
-        channel.output.assign(layout.transform, 0.0F);
+        channel.input.assign(layout.frame + layout.hop, 0.0F);
+        channel.output.assign(hopsOut * layout.hop, 0.0F);
         channel.spectrum.assign(fTransform->Bins(), {});
         fSpectra.emplace_back(channel.spectrum);
     }
+    PlanWork(work);
     Reset();
 }
 
@@ -43,47 +61,104 @@ void OverlapAdd::Reset() noexcept {
         std::ranges::fill(channel.output, 0.0F);
     }
     fGrid.Reset();
+    fPace.Restart();
+    fOldest = 0;
+    fHeard = 0;
+    fHasFrame = false;
 }
 
 void OverlapAdd::Process(const kromediatypes::AudioBlock& block, SpectrumProcessor& processor) noexcept {
     fGrid.Cut(
         block.frames,
-        [&](std::size_t begin, std::size_t frames, std::size_t position) { Exchange(block, begin, frames, position); },
-        [&] { RunFrame(processor); });
+        [&](std::size_t begin, std::size_t frames, std::size_t position) {
+            Exchange(block, begin, frames, position);
+            if (fHasFrame) fPace.RunUntil(position + frames, [&](std::size_t step) { Do(fJobs[step], processor); });
+        },
+        [&] { FinishHop(processor); });
+}
+
+void OverlapAdd::PlanWork(std::span<const Work> work) {
+    fPace.Clear();
+    fJobs.clear();
+    const std::size_t parts = StepsFor(fLayout.hop);
+    for (std::size_t channel = 0; channel < fChannels.size(); ++channel) {
+        AddJobs(Kind::kWindow, channel, (parts + 1) / 2, kWindowCost);
+        AddJobs(Kind::kForward, channel, parts, 1);
+    }
+    std::size_t numbered = 0;
+    for (const Work& each : work) {
+        fPace.Add(each.steps, each.cost);
+        for (std::size_t step = 0; step < each.steps; ++step)
+            fJobs.push_back({Kind::kProcess, 0, {numbered++}});
+    }
+    for (std::size_t channel = 0; channel < fChannels.size(); ++channel) {
+        AddJobs(Kind::kInverse, channel, parts, 1);
+        AddJobs(Kind::kAdd, channel, (parts + 1) / 2, kAddCost);
+    }
+    fPace.SpreadOver(fLayout.hop);
+}
+
+void OverlapAdd::AddJobs(Kind kind, std::size_t channel, std::size_t parts, double cost) {
+    fPace.Add(parts, cost);
+    for (std::size_t part = 0; part < parts; ++part)
+        fJobs.push_back({kind, channel, {part, parts}});
 }
 
 // Input first, for the output may be the same memory.
 void OverlapAdd::Exchange(const kromediatypes::AudioBlock& block, std::size_t begin, std::size_t frames,
                           std::size_t position) noexcept {
-    for (std::size_t channel = 0; channel < fChannels.size(); ++channel) {
-        float* const newest = fChannels[channel].input.data() + (fLayout.frame - fLayout.hop) + position;
-        std::transform(block.inputs[channel] + begin, block.inputs[channel] + begin + frames, newest, SaneSample);
-        std::copy_n(fChannels[channel].output.data() + position, frames, block.outputs[channel] + begin);
+    for (std::size_t index = 0; index < fChannels.size(); ++index) {
+        Channel& channel = fChannels[index];
+        float* const newest = channel.input.data() + (fOldest + fLayout.frame) % channel.input.size() + position;
+        float* const heard = channel.output.data() + fHeard + position;
+        std::transform(block.inputs[index] + begin, block.inputs[index] + begin + frames, newest, SaneSample);
+        std::copy_n(heard, frames, block.outputs[index] + begin);
+        std::fill_n(heard, frames, 0.0F);
     }
 }
 
-void OverlapAdd::RunFrame(SpectrumProcessor& processor) noexcept {
-    for (Channel& channel : fChannels)
-        Analyse(channel);
-    processor.ProcessSpectra(fSpectra);
-    for (Channel& channel : fChannels)
-        Synthesise(channel);
+void OverlapAdd::FinishHop(SpectrumProcessor& processor) noexcept {
+    fPace.Restart();
+    fHasFrame = true;
+    if (fChannels.empty()) return;
+    fOldest = (fOldest + fLayout.hop) % fChannels.front().input.size();
+    fHeard = (fHeard + fLayout.hop) % fChannels.front().output.size();
+    processor.BeginFrame();
 }
 
-void OverlapAdd::Analyse(Channel& channel) noexcept {
-    for (std::size_t i = 0; i < fLayout.frame; ++i)
-        fScratch[i] = channel.input[i] * fAnalysis[i];
-    std::fill(fScratch.begin() + static_cast<std::ptrdiff_t>(fLayout.frame), fScratch.end(), 0.0F);
-    fTransform->Forward(fScratch, channel.spectrum);
-    Shift(channel.input, fLayout.hop);
+void OverlapAdd::Do(const Job& job, SpectrumProcessor& processor) noexcept {
+    Channel& channel = fChannels[job.channel];
+    const auto range = StepRange::Of(job.part.index, job.part.count, fLayout.transform);
+    switch (job.kind) {
+    case Kind::kWindow: return Window(channel, range);
+    case Kind::kForward: return fTransform->Forward(fScratch, channel.spectrum, job.part);
+    case Kind::kProcess: return processor.ProcessSpectra(fSpectra, job.part.index);
+    case Kind::kInverse: return fTransform->Inverse(channel.spectrum, fScratch, job.part);
+    case Kind::kAdd: return Add(channel, range);
+    }
 }
 
-void OverlapAdd::Synthesise(Channel& channel) noexcept {
-    fTransform->Inverse(channel.spectrum, fScratch);
-    Shift(channel.output, fLayout.hop);
-    if (!fSynthesis.empty()) std::ranges::transform(fScratch, fSynthesis, fScratch.begin(), std::multiplies<>());
-    for (std::size_t i = 0; i < fLayout.transform; ++i)
-        channel.output[i] += fScratch[i];
+void OverlapAdd::Window(const Channel& channel, StepRange range) noexcept {
+    const auto [begin, end] = range;
+    const auto place = [this](std::size_t i) { return fScratch.begin() + static_cast<std::ptrdiff_t>(i); };
+    const std::size_t sounding = std::clamp(fLayout.frame, begin, end);
+    CutRing(channel.input.size(), fOldest, begin, sounding, [&](std::size_t at, std::size_t i, std::size_t count) {
+        std::transform(&channel.input[at], &channel.input[at] + count, &fAnalysis[i], place(i), std::multiplies<>());
+    });
+    std::fill(place(sounding), place(end), 0.0F);
+}
+
+// From the next hop on.
+void OverlapAdd::Add(Channel& channel, StepRange range) noexcept {
+    const auto [begin, end] = range;
+    if (!fSynthesis.empty()) {
+        for (std::size_t i = begin; i < end; ++i)
+            fScratch[i] *= fSynthesis[i];
+    }
+    CutRing(
+        channel.output.size(), fHeard + fLayout.hop, begin, end, [&](std::size_t at, std::size_t i, std::size_t count) {
+            std::transform(&fScratch[i], &fScratch[i] + count, &channel.output[at], &channel.output[at], std::plus<>());
+        });
 }
 
 } // namespace qoc::dsp

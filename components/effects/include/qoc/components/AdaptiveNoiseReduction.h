@@ -1,19 +1,17 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
-#include "qoc/dsp/restoration/NoiseProfile.h"
-#include "qoc/dsp/restoration/NoiseTracker.h"
+#include "qoc/dsp/restoration/NoiseEstimator.h"
 #include "qoc/dsp/restoration/SpectralGain.h"
 #include "qoc/dsp/spectrum/OverlapAdd.h"
 #include "qoc/dsp/stream/HopGrid.h"
 
-#include <optional>
 #include <vector>
 
 namespace qoc::components {
 
-// Takes broadband noise out of a sound without having been shown the noise: a NoiseTracker and a NoiseProfile find it,
-// for each channel by itself, and a SpectralGain lets less of it through. It learns as the sound goes on: what comes
+// Takes broadband noise out of a sound without having been shown the noise: a NoiseEstimator finds it, for each
+// channel by itself, and a SpectralGain lets less of it through. It learns as the sound goes on: what comes
 // within the first half second passes. When it has listened to the whole sound before, it knows of each place the noise
 // of the seconds around it, and works from the first sample on.
 //
@@ -22,7 +20,7 @@ class AdaptiveNoiseReduction : public ComponentBase, private SpectrumProcessor {
 public:
     AdaptiveNoiseReduction();
 
-    std::size_t Latency() const noexcept override { return fFrame; }
+    std::size_t Latency() const noexcept override { return fStream.Latency(); }
     std::size_t Tail() const noexcept override { return fStream.Tail(); }
     bool WantsToListen() const noexcept override { return true; }
 
@@ -37,15 +35,15 @@ protected:
 
 private:
     struct Channel {
-        NoiseTracker tracker;
-        NoiseProfile profile;
+        NoiseEstimator estimator;
+        std::vector<float> noise; // of the frame that is worked on
         SpectralGain gain;
     };
 
     void Hear(std::size_t frames) noexcept;
     void RecallNoise() noexcept;
-    void ProcessSpectra(std::span<const Spectrum> spectra) noexcept override;
-    void Reduce(Channel& channel, Spectrum spectrum) noexcept;
+    void BeginFrame() noexcept override;
+    void ProcessSpectra(std::span<const Spectrum> spectra, std::size_t step) noexcept override;
     void MeasureNoiseFloor() noexcept;
     void StoreNoiseFloor() noexcept;
 
@@ -61,9 +59,10 @@ private:
     std::vector<float*> fOutputs;
     bool fHasListened = false;
     std::size_t fFrames = 0; // processed since Reset
-    std::optional<std::size_t> fFoundLook;
     SpectralGain::Settings fSettings;
-    double fNoiseFloor = 0; // dB, of the noisiest channel
+    SpectralGain::Settings fTaken; // of the frame that is worked on
+    std::size_t fStepsPerPass = 1; // over a channel's bins
+    double fNoiseFloor = 0;        // dB, of the noisiest channel
     double fStoredNoiseFloor = 1;
 };
 

@@ -47,7 +47,24 @@ private:
         float outer = 0;
     };
 
-    void ProcessSpectra(std::span<const Spectrum> spectra) noexcept override;
+    // What counts for a frame.
+    struct Settings {
+        Place place;
+        Band band;
+        Edge phaseEdge;
+        Edge panEdge;
+        float centerLevel = 1;
+        float sideLevel = 0;
+        float bleed = 0;
+        float kept = 0; // share left of the frame before
+        bool isMono = false;
+        bool keepsOutside = false;
+        bool hearsRemoved = false;
+    };
+
+    void BeginFrame() noexcept override { fTaken = fSettings; }
+    void ProcessSpectra(std::span<const Spectrum> spectra, std::size_t step) noexcept override;
+    void ProcessBin(std::size_t bin, std::complex<float>& left, std::complex<float>& right) noexcept;
     float ShareOf(std::complex<float> left, std::complex<float> right, std::complex<float> turn) const noexcept;
     float LevelOf(float share, bool isInside) const noexcept;
     float LevelFrom(int index) const noexcept;
@@ -65,17 +82,9 @@ private:
     float fHertzPerBin = 0;
     float fFrameSeconds = 0; // from one to the next
 
-    Place fPlace;
-    Band fBand;
-    Edge fPhaseEdge;
-    Edge fPanEdge;
-    float fCenterLevel = 1;
-    float fSideLevel = 0;
-    float fBleed = 0;
-    float fKept = 0; // share left of the frame before
-    bool fIsMono = false;
-    bool fKeepsOutside = false;
-    bool fHearsRemoved = false;
+    std::size_t fSteps = 1;
+    Settings fSettings;
+    Settings fTaken; // of the frame that is worked on
 };
 
 } // namespace qoc::components

@@ -85,8 +85,9 @@ protected:
     void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
 
 private:
-    void ProcessSpectra(std::span<const Spectrum> spectra) noexcept override;
-    void Convolve(std::size_t channel, Spectrum spectrum) noexcept;
+    void BeginFrame() noexcept override;
+    void ProcessSpectra(std::span<const Spectrum> spectra, std::size_t step) noexcept override;
+    void Convolve(std::size_t channel, Spectrum spectrum, StepRange bins) noexcept;
     std::span<float> Past(std::size_t channel, std::size_t frames) noexcept;
 
     bool IsPrepared() const noexcept { return fSize > 0; }
@@ -113,6 +114,8 @@ private:
     std::unique_ptr<FilterPartitions> fFilter;
     std::unique_ptr<FilterPartitions> fIdentity; // for channels that are not filtered
     std::optional<std::size_t> fOnlyChannel;
+    std::optional<std::size_t> fTakenOnlyChannel; // of the frame
+    std::size_t fSteps = 1;
     std::vector<float> fPast; // split spectra of the last frames, by channel and frame
     std::vector<float> fSum;  // a split spectrum
     std::size_t fKept = 0;    // frames

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "qoc/dsp/spectrum/RealFFT.h"
+#include "qoc/dsp/stream/PacedSteps.h"
 
 #include <complex>
 #include <cstddef>
@@ -22,12 +23,15 @@ public:
 
     // How many floats a split spectrum of so many bins has.
     static std::size_t SplitSize(std::size_t bins) noexcept { return 2 * Padded(bins); }
-    static void Split(std::span<const std::complex<float>> spectrum, std::span<float> split) noexcept;
-    static void Join(std::span<const float> split, std::span<std::complex<float>> spectrum) noexcept;
+    // The bins, whole lanes of them, that one of so many steps is about.
+    static StepRange BinsOf(std::size_t step, std::size_t steps, std::size_t bins) noexcept;
+    static void Split(std::span<const std::complex<float>> spectrum, StepRange bins, std::span<float> split) noexcept;
+    static void Join(std::span<const float> split, StepRange bins, std::span<std::complex<float>> spectrum) noexcept;
 
     std::size_t Count() const noexcept { return fIsSilent.size(); }
     // sum += part * spectrum, both split; nothing to do for a part of zeros. Real time safe.
-    void MultiplyAdd(std::size_t part, std::span<const float> spectrum, std::span<float> sum) const noexcept;
+    void MultiplyAdd(std::size_t part, StepRange bins, std::span<const float> spectrum,
+                     std::span<float> sum) const noexcept;
 
 private:
     static constexpr std::size_t kLanes = 8;

@@ -25,6 +25,9 @@ public:
     // Finds the noise of the seconds around one of the looks, which are counted from 0; the last one for a number that
     // is too large. Without any look nothing changes.
     void Find(std::size_t look) noexcept;
+    // The same in steps, 0 to one below kSteps, in order; what has been found is told from the last one on.
+    static constexpr std::size_t kSteps = 34;
+    void Find(std::size_t look, std::size_t step) noexcept;
     // The power of each bin, of noise whose samples have that mean square; 0 before it was found.
     std::span<const float> Noise() const noexcept { return fNoise; }
 
@@ -39,11 +42,12 @@ private:
     };
 
     void Append(const NoiseTracker::Look& look);
-    void FindLevels(std::size_t first, std::size_t count) noexcept;
+    void FindLevels(std::size_t look, StepRange bands) noexcept;
     float LevelAmong(std::size_t count, float deviation) noexcept;
-    void LimitToSurroundings() noexcept;
+    void LimitToSurroundings(StepRange bands) noexcept;
     void LimitToTrend() noexcept;
-    bool IsTrusted(std::size_t band) const noexcept;
+    void Tell() noexcept;
+    bool IsTrusted(std::size_t band, float level) const noexcept;
 
     std::vector<BandFigures> fBands;
     std::vector<Place> fPlaces; // of the bins

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "qoc/dsp/stream/PacedSteps.h"
+
 #include <complex>
 #include <cstddef>
 #include <span>
@@ -23,10 +25,11 @@ public:
     void Prepare(std::size_t bins);
     // Forgets all frames.
     void Reset() noexcept;
-    // Takes the next frame of both, as many bins as prepared, and turns the bins of `other`.
-
+    // Takes the next frame of both, as many bins as prepared, and turns the bins of `other`. It takes passes over all
+    // bins, so that the work can be cut: pass 0 over the bins in order, then pass 1.
+    static constexpr std::size_t kPasses = 2;
     void Align(std::span<const std::complex<float>> reference, std::span<std::complex<float>> other,
-               const Settings& settings) noexcept;
+               const Settings& settings, std::size_t pass, StepRange bins) noexcept;
 
 private:
     // Sums from bin 0 up to a bin, so that any band's sum is one difference.
@@ -36,8 +39,8 @@ private:
         double other = 0;
     };
 
-    void Add(std::span<const std::complex<float>> reference, std::span<const std::complex<float>> other,
-             float kept) noexcept;
+    void Add(std::span<const std::complex<float>> reference, std::span<const std::complex<float>> other, float kept,
+             StepRange bins) noexcept;
     std::complex<float> TurnFor(std::size_t bin, const Settings& settings, float reach) const noexcept;
 
     std::vector<std::complex<float>> fCross;

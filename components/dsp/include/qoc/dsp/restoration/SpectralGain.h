@@ -1,5 +1,7 @@
 #pragma once
 
+#include "qoc/dsp/stream/PacedSteps.h"
+
 #include <cstddef>
 #include <span>
 #include <vector>
@@ -35,10 +37,15 @@ public:
     // Forgets all sound.
     void Reset() noexcept;
 
-    // The gains, factors of amplitude from the floor to 1, for the powers of the next frame; valid until the next call.
-    // `powers` and `noise` in the same unit, by bin.
-    std::span<const float> Update(std::span<const float> powers, std::span<const float> noise,
-                                  const Settings& settings) noexcept;
+    // The gains for the next frame take passes over all bins, so that the work can be cut: pass 0 over the bins in
+    // order, then pass 1, and so on. `powers` and `noise` in the same unit, by bin; they are read from the first pass
+    // to the last, the powers of a bin from its first pass on.
+    static constexpr std::size_t kPasses = 5;
+    static constexpr double kCosts[kPasses] = {1, 1.5, 2.5, 2, 3}; // in transforms of that size, about
+    void Begin(std::span<const float> powers, std::span<const float> noise, const Settings& settings) noexcept;
+    void Pass(std::size_t pass, StepRange bins) noexcept;
+    // Factors of amplitude from the floor to 1; each bin's is there after its last pass.
+    std::span<const float> Gains() const noexcept { return fGains; }
 
     // Of a bin: how loud the sound is, `prior` as expected and `posterior` with the noise in it, against the noise.
     // Within 1 % of Ephraim and Malah's formula.
@@ -53,18 +60,23 @@ private:
         float chance = 0; // how much their mean varies in noise
     };
 
-    void Compare(std::span<const float> powers, std::span<const float> noise, float scale) noexcept;
-    void Average() noexcept;
-    float MeasureCertainty(float presence) const noexcept;
-    void FindPresence(float presence) noexcept;
-    void Spread(std::size_t width) noexcept;
-    void Estimate(std::span<const float> powers, const Settings& settings) noexcept;
+    void Compare(StepRange bins) noexcept;
+    void JoinLowest() noexcept;
+    void Average(StepRange bins) noexcept;
+    void MeasureCertainty(StepRange bins) noexcept;
+    void FindPresence(StepRange bins) noexcept;
+    void Estimate(StepRange bins) noexcept;
+    float PresenceAround(std::size_t bin) const noexcept;
 
+    std::span<const float> fPowers;
+    std::span<const float> fNoise;
+    Settings fSettings;
     std::size_t fLowest = 0;
     float fMemory = 0; // of the decision directed estimate
     float fHolding = 0;
     float fCertaintyDecay = 0;
     float fCertainty = 0; // 0...1, that there is sound anywhere
+    float fCertain = 0;   // bins that hold sound for certain, so far
     std::vector<Surroundings> fSurroundings;
     std::vector<float> fGains;
     std::vector<float> fInverse;   // of the noise

@@ -3,22 +3,28 @@
 #include "kromediatypes/AudioBlock.h"
 #include "qoc/dsp/spectrum/RealFFT.h"
 #include "qoc/dsp/stream/HopGrid.h"
+#include "qoc/dsp/stream/PacedSteps.h"
 
 #include <complex>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <vector>
 
 namespace qoc::dsp {
 
-// What an effect does to the spectra of one frame.
+// What an effect does to the spectra of one frame, in steps.
 class SpectrumProcessor {
 public:
     using Spectrum = std::span<std::complex<float>>;
 
-    // The spectra of the frame of every channel, transform / 2 + 1 bins each, to be changed in place. Sound thread.
-    virtual void ProcessSpectra(std::span<const Spectrum> spectra) noexcept = 0;
+    // A frame is complete, and its steps follow with the sound after it: settings that count for it are taken over
+    // here, so that how the steps fall does not matter. Sound thread.
+    virtual void BeginFrame() noexcept {}
+    // The spectra of the frame of every channel, transform / 2 + 1 bins each, to be changed in place: 0 to one below
+    // the number of steps prepared for, in order. Sound thread.
+    virtual void ProcessSpectra(std::span<const Spectrum> spectra, std::size_t step) noexcept = 0;
 
 protected:
     ~SpectrumProcessor() = default;
@@ -29,7 +35,9 @@ protected:
 // `transform`, transformed, handed to a SpectrumProcessor, transformed back and added to the output. What the processor
 // does is heard without a seam if the product of the two windows, shifted by the hop, adds up to 1; the zeros leave it
 // room for a response of transform - frame samples. Frames lie on a grid that starts at Reset, so that blocks of any
-// size give the same output. Owned by its effect. Samples that are no number, or absurdly large, count as zero.
+// size give the same output. The work on a frame is spread evenly over the time of the hop after it, so that no block
+// carries all of it, and the sound is later by that hop. Owned by its effect. Samples that are no number, or absurdly
+// large, count as zero.
 class OverlapAdd {
 public:
     struct Layout {
@@ -37,16 +45,24 @@ public:
         std::size_t frame = 0;     // a multiple of the hop
         std::size_t hop = 0;
     };
+    // Steps of what the processor does to a frame that take about as long as each other.
+    struct Work {
+        std::size_t steps = 1;
+        double cost = 1; // of all of them, in transforms of one channel
+    };
+    // Into how many steps work of any kind on a hop is usefully cut: more would be less than the shortest block's part.
+    static std::size_t StepsFor(std::size_t hop) noexcept;
 
-    // Allocates, and resets. `analysis` weights the `frame` samples that go in; `synthesis`, which is empty or has
-    // `transform` values, those that come out.
-    void Prepare(std::size_t channels, const Layout& layout, std::vector<float> analysis,
+    // Allocates, and resets. `work` is in the order in which it is done; its steps are numbered through. `analysis`
+    // weights the `frame` samples that go in; `synthesis`, which is empty or has `transform` values, those that come
+    // out.
+    void Prepare(std::size_t channels, const Layout& layout, std::span<const Work> work, std::vector<float> analysis,
                  std::vector<float> synthesis = {});
-    // Forgets all sound.
+    // Forgets all sound, and the work that is under way.
     void Reset() noexcept;
 
     // How many samples the output of an untouched spectrum comes later than the input.
-    std::size_t Latency() const noexcept { return fLayout.frame; }
+    std::size_t Latency() const noexcept { return fLayout.frame + fLayout.hop; }
     // How many samples later than that the output may still sound, when a processor changes spectra as it likes.
     std::size_t Tail() const noexcept { return fLayout.transform; }
     // Sound thread. As many channels as prepared; outputs may be the inputs.
@@ -54,16 +70,26 @@ public:
 
 private:
     struct Channel {
-        std::vector<float> input;  // the last frame's worth
-        std::vector<float> output; // what the frames so far add up to, from the next hop on
+        std::vector<float> input;  // a ring: the frame that is worked on, and the hop that comes in
+        std::vector<float> output; // a ring: the hop that is heard, and what the frames so far add up to after it
         std::vector<std::complex<float>> spectrum;
     };
+    enum class Kind : std::uint8_t { kWindow, kForward, kProcess, kInverse, kAdd };
+    // A part of the work on one channel, or on all for the processor.
+    struct Job {
+        Kind kind;
+        std::size_t channel;
+        RealFFT::Part part;
+    };
 
+    void PlanWork(std::span<const Work> work);
+    void AddJobs(Kind kind, std::size_t channel, std::size_t parts, double cost);
     void Exchange(const kromediatypes::AudioBlock& block, std::size_t begin, std::size_t frames,
                   std::size_t position) noexcept;
-    void RunFrame(SpectrumProcessor& processor) noexcept;
-    void Analyse(Channel& channel) noexcept;
-    void Synthesise(Channel& channel) noexcept;
+    void FinishHop(SpectrumProcessor& processor) noexcept;
+    void Do(const Job& job, SpectrumProcessor& processor) noexcept;
+    void Window(const Channel& channel, StepRange range) noexcept;
+    void Add(Channel& channel, StepRange range) noexcept;
 
     Layout fLayout;
     std::optional<RealFFT> fTransform;
@@ -73,6 +99,11 @@ private:
     std::vector<Channel> fChannels;
     std::vector<SpectrumProcessor::Spectrum> fSpectra;
     HopGrid fGrid;
+    PacedSteps fPace;
+    std::vector<Job> fJobs;  // by step
+    std::size_t fOldest = 0; // where the frame begins in the input's ring
+    std::size_t fHeard = 0;  // where the hop that is heard begins in the output's ring
+    bool fHasFrame = false;
 };
 
 } // namespace qoc::dsp
