@@ -34,7 +34,7 @@ chmod 755 "$fresh"
 quietly cmake --install "$root/build" --prefix "$fresh/install"
 libraries=$(dirname "$(find "$fresh/install" -name 'libkro.so')")
 mv "$libraries/lv2/qoaudio.lv2" "$fresh/bundle"
-for library in kro qocinterface qoc qohost; do
+for library in kro qocinterface qoc qohost QoAudioComponentsUI; do
     cp -L "$libraries/lib$library".so.[0-9].[0-9] "$fresh/bundle/"
 done
 rm -rf "$bundle"

@@ -9,7 +9,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 run_packages=(
     g++ cmake ninja-build pkg-config
     libboost-dev libcairo2-dev libpango1.0-dev libpugixml-dev libsdl2-dev libsndfile1-dev libfmt-dev libcli11-dev
-    libkissfft-dev libhwy-dev nlohmann-json3-dev lv2-dev
+    libkissfft-dev libhwy-dev nlohmann-json3-dev lv2-dev libx11-dev libxext-dev
     fonts-dejavu-core
 )
 test_packages=(

@@ -125,7 +125,7 @@ private:
     // Kept without taking memory, as a host's queue does.
     struct Bytes {
         Bytes(const void* data, std::uint32_t itsSize) : size(itsSize) { std::memcpy(bytes.data(), data, size); }
-        std::array<char, 64> bytes{};
+        std::array<char, 2048> bytes{};
         std::uint32_t size;
     };
     static constexpr std::size_t kMostWork = 1000;

@@ -237,6 +237,10 @@ void AudioFilter::OnListen(std::span<const float* const> /*inputs*/, std::size_t
 void AudioFilter::OnParametersChanged(ParameterIndices /*changed*/) {
 }
 
+void AudioFilter::MirrorParameter(int index, float value) {
+    if (IsParameter(index) && std::isfinite(value)) StoreParameter(index, value);
+}
+
 void AudioFilter::StoreParameter(int index, float value) noexcept {
     fValues[static_cast<std::size_t>(index)].store(value, std::memory_order_relaxed);
     fDirtyCount.fetch_add(1, std::memory_order_release);

@@ -25,6 +25,7 @@ using Scale = kroaudiofilterhost::AudioFilterParameterInfo::Scale;
 constexpr float kDescribedRate = 48000; // hertz: how far frequencies go
 constexpr std::size_t kBlock = 1024;
 constexpr const char* kBinary = "<qoaudio.so>";
+constexpr const char* kPanel = "<urn:qoaudio:panel>";
 constexpr const char* kProject = "<urn:qoaudio:project>";
 constexpr const char* kState = "<urn:qoaudio:state>";
 
@@ -34,6 +35,7 @@ constexpr const char* kPrefixes = R"(@prefix atom: <http://lv2plug.in/ns/ext/ato
 @prefix log: <http://lv2plug.in/ns/ext/log#> .
 @prefix lv2: <http://lv2plug.in/ns/lv2core#> .
 @prefix opts: <http://lv2plug.in/ns/ext/options#> .
+@prefix patch: <http://lv2plug.in/ns/ext/patch#> .
 @prefix owl: <http://www.w3.org/2002/07/owl#> .
 @prefix pprops: <http://lv2plug.in/ns/ext/port-props#> .
 @prefix pset: <http://lv2plug.in/ns/ext/presets#> .
@@ -42,6 +44,7 @@ constexpr const char* kPrefixes = R"(@prefix atom: <http://lv2plug.in/ns/ext/ato
 @prefix rsz: <http://lv2plug.in/ns/ext/resize-port#> .
 @prefix state: <http://lv2plug.in/ns/ext/state#> .
 @prefix time: <http://lv2plug.in/ns/ext/time#> .
+@prefix ui: <http://lv2plug.in/ns/extensions/ui#> .
 @prefix units: <http://lv2plug.in/ns/extensions/units#> .
 @prefix urid: <http://lv2plug.in/ns/ext/urid#> .
 @prefix work: <http://lv2plug.in/ns/ext/worker#> .
@@ -126,8 +129,19 @@ std::string SwitchPort(const PluginPorts& ports, FixedPort which, const char* sy
 std::string ControlPort(const PluginPorts& ports) {
     TurtleStatements port = Port("atom:AtomPort", "Input", ports.IndexOf(kControlPort), "control", "Control");
     port.Add("atom:bufferType", "atom:Sequence");
-    port.Add("atom:supports", "time:Position");
+    port.Add("atom:supports", "time:Position , patch:Message");
+    port.Add("rsz:minimumSize", "8192");
     port.Add("lv2:designation", "lv2:control");
+    port.Add("lv2:portProperty", "lv2:connectionOptional");
+    return port.Nameless();
+}
+
+std::string NotifyPort(const PluginPorts& ports) {
+    constexpr int kRoom = 8192; // bytes
+    TurtleStatements port = Port("atom:AtomPort", "Output", ports.IndexOf(kNotifyPort), "notify", "Notify");
+    port.Add("atom:bufferType", "atom:Sequence");
+    port.Add("atom:supports", "patch:Message");
+    port.Add("rsz:minimumSize", std::to_string(kRoom));
     port.Add("lv2:portProperty", "lv2:connectionOptional");
     return port.Nameless();
 }
@@ -196,7 +210,14 @@ std::string NameInURI(std::string_view name) {
 } // namespace
 
 void BundleWriter::Write() {
-    fManifest = kPrefixes;
+    TurtleStatements panel;
+    panel.Add("a", "ui:X11UI");
+    panel.Add("ui:binary", "<qoaudio_panels.so>");
+    panel.Add("lv2:requiredFeature", "ui:idleInterface , ui:parent , urid:map");
+    panel.Add("lv2:optionalFeature", "ui:resize , ui:touch , opts:options , log:log");
+    panel.Add("opts:supportedOption", "ui:scaleFactor , <http://lv2plug.in/ns/ext/parameters#sampleRate>");
+    panel.Add("lv2:extensionData", "ui:idleInterface");
+    fManifest = Common() + panel.About(kPanel);
     std::map<std::string, std::string> files;
     for (const PluginDescription& plugin : AllPlugins()) {
         std::string& text = files.try_emplace(std::string(plugin.effect->shortName) + ".ttl", Common()).first->second;
@@ -230,12 +251,14 @@ void BundleWriter::AddPlugin(const PluginDescription& plugin, std::string& text)
     about.Add("lv2:optionalFeature", "lv2:hardRTCapable , work:schedule , opts:options , bufsz:boundedBlockLength , log:log");
     about.Add("opts:supportedOption", "bufsz:maxBlockLength");
     about.Add("lv2:extensionData", "work:interface , state:interface");
+    about.Add("ui:ui", kPanel);
     for (const std::string& port : AudioPorts(ports))
         about.Add("lv2:port", port);
     about.Add("lv2:port", LatencyPort(ports));
     about.Add("lv2:port", SwitchPort(ports, kEnabledPort, "enabled", "Enabled", "lv2:enabled", 1));
     about.Add("lv2:port", SwitchPort(ports, kFreeWheelPort, "freewheel", "Free-Wheeling", "lv2:freeWheeling", 0));
     about.Add("lv2:port", ControlPort(ports));
+    about.Add("lv2:port", NotifyPort(ports));
     for (std::size_t i = 0; i < ports.Parameters().size(); ++i)
         about.Add("lv2:port", TextOf(ports, i));
     text += about.About(TurtleURI(plugin.uri));

@@ -3,10 +3,11 @@
 #include "host/Preset.h"
 #include "krocore/config/Error.h"
 
-#include <lv2/atom/atom.h>
+#include <lv2/atom/util.h>
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cmath>
 #include <cstring>
 #include <utility>
@@ -23,7 +24,9 @@ constexpr float kDescribedRate = 48000; // hertz, of a plug-in that can't run
 
 Plugin::Plugin(const PluginDescription& description, double sampleRate, const LV2_Feature* const* features)
     : fDescription(description), fSampleRate(static_cast<float>(sampleRate)), fHost(features), fTransportReader(fHost),
-      fServed(NewFilter()), fRunning(fServed), fDescribing(fServed), fPorts(*fServed) {
+      fServed(NewFilter()), fRunning(fServed), fDescribing(fServed), fPorts(*fServed),
+      fCurveEvents(fHost, *fServed) {
+    if (fHost.map != nullptr) lv2_atom_forge_init(&fForge, const_cast<LV2_URID_Map*>(fHost.map));
     fData.resize(fPorts.Count());
     std::size_t index = fPorts.FirstParameterPort();
     for (const ParameterPort& port : fPorts.Parameters()) {
@@ -32,6 +35,17 @@ Plugin::Plugin(const PluginDescription& description, double sampleRate, const LV
 }
 
 Plugin::~Plugin() = default;
+
+// Only the values that count are sent.
+std::uint32_t Plugin::Message::Size() const noexcept {
+    return static_cast<std::uint32_t>(offsetof(Message, values) + valueCount * sizeof(float));
+}
+
+bool Plugin::Message::Read(const void* data, std::uint32_t size) noexcept {
+    if (size < offsetof(Message, values) || size > sizeof *this) return false;
+    std::memcpy(this, data, size);
+    return Size() == size;
+}
 
 // Prepared, since the ports follow the channels.
 Plugin::FilterPtr Plugin::NewFilter() {
@@ -68,12 +82,13 @@ void Plugin::Activate() {
 void Plugin::Run(std::size_t frames) noexcept {
     if (!fIsUsable) return PassThrough(frames);
     if (fOutgoing) Schedule({.kind = Message::Kind::kRelease, .filter = std::exchange(fOutgoing, nullptr).detach()});
-    TakeTransport();
+    TakeEvents();
     TakePorts();
     // Some hosts set ports only after activating: no sound has gone before, so nothing glides.
     if (std::exchange(fIsFresh, false)) fRunning->Reset();
     Process(frames);
     TellPorts();
+    TellCurves();
 }
 
 // A port that the host left out counts as `other`.
@@ -130,9 +145,25 @@ bool Plugin::Take(Port& port) noexcept {
     return false;
 }
 
-void Plugin::TakeTransport() noexcept {
+void Plugin::TakeEvents() noexcept {
     const auto* const events = static_cast<const LV2_Atom_Sequence*>(fData[fPorts.IndexOf(kControlPort)]);
-    if (events != nullptr) fTransportReader.Read(*events, fTransport);
+    if (events == nullptr) return;
+    LV2_ATOM_SEQUENCE_FOREACH(events, event) {
+        if (fCurveEvents.IsObject(event->body)) Take(*reinterpret_cast<const LV2_Atom_Object*>(&event->body));
+    }
+}
+
+void Plugin::Take(const LV2_Atom_Object& object) noexcept {
+    if (fTransportReader.Read(object, fTransport)) return;
+    if (fCurveEvents.IsGet(object)) fTellsCurves = true;
+    const auto setting = fCurveEvents.ReadSet(object);
+    if (!setting) return;
+    Message message;
+    message.kind = Message::Kind::kSetCurve;
+    message.curve = setting->curve;
+    message.valueCount = setting->values.size();
+    std::ranges::copy(setting->values, message.values.begin());
+    Schedule(message);
 }
 
 // The host's block may be longer than it said.
@@ -171,31 +202,54 @@ void Plugin::TellPorts() noexcept {
     }
 }
 
+void Plugin::TellCurves() noexcept {
+    auto* const events = static_cast<LV2_Atom_Sequence*>(fData[fPorts.IndexOf(kNotifyPort)]);
+    if (events == nullptr || fHost.map == nullptr) return;
+    lv2_atom_forge_set_buffer(&fForge, reinterpret_cast<std::uint8_t*>(events), events->atom.size);
+    LV2_Atom_Forge_Frame frame;
+    lv2_atom_forge_sequence_head(&fForge, &frame, 0);
+    CurveEvents::Values values;
+    const std::size_t curves = std::exchange(fTellsCurves, false) ? fCurveEvents.Count() : 0;
+    for (std::size_t curve = 0; curve < curves; ++curve) {
+        const std::size_t count = fCurveEvents.ValuesOf(*fRunning, curve, values);
+        lv2_atom_forge_frame_time(&fForge, 0);
+        fCurveEvents.WriteSet(fForge, {curve, std::span(values).first(count)});
+    }
+    lv2_atom_forge_pop(&fForge, &frame);
+}
+
 void Plugin::Schedule(const Message& message) noexcept {
     const LV2_Worker_Schedule* const worker = fHost.worker;
-    if (worker != nullptr && worker->schedule_work(worker->handle, sizeof message, &message) == LV2_WORKER_SUCCESS)
-        return;
+    const std::uint32_t size = message.Size();
+    if (worker != nullptr && worker->schedule_work(worker->handle, size, &message) == LV2_WORKER_SUCCESS) return;
     const auto respond = [](LV2_Worker_Respond_Handle plugin, std::uint32_t size, const void* data) {
         return static_cast<Plugin*>(plugin)->Respond(size, data);
     };
-    Work(respond, this, sizeof message, &message);
+    Work(respond, this, size, &message);
 }
 
 LV2_Worker_Status Plugin::Work(LV2_Worker_Respond_Function respond, LV2_Worker_Respond_Handle handle,
                                std::uint32_t size, const void* data) {
     Message message;
-    if (size != sizeof message) return LV2_WORKER_ERR_UNKNOWN;
-    std::memcpy(&message, data, size);
+    if (!message.Read(data, size)) return LV2_WORKER_ERR_UNKNOWN;
     const std::lock_guard lock(fServedMutex);
     switch (message.kind) {
     case Message::Kind::kRelease: FilterPtr(message.filter, false).reset(); return LV2_WORKER_SUCCESS;
     case Message::Kind::kStore: fServed->SetParameterValueQuietly(message.parameter, message.value); break;
+    case Message::Kind::kSetCurve: SetCurve(message); break;
     case Message::Kind::kServe: fServed->ServeAutomation(); break;
     case Message::Kind::kSetQuality: fWantsRendering = message.isRendering; break;
     case Message::Kind::kTake: return LV2_WORKER_ERR_UNKNOWN;
     }
     if (fServed->NeedsPrepare() || message.kind == Message::Kind::kSetQuality) Replace(respond, handle);
     return LV2_WORKER_SUCCESS;
+}
+
+void Plugin::SetCurve(const Message& message) {
+    std::vector<kroaudiofilterhost::AudioFilterCurvePoint> points;
+    for (std::size_t i = 0; i + 1 < message.valueCount; i += 2)
+        points.push_back({message.values[i], message.values[i + 1]});
+    fServed->SetCurve(message.curve, points);
 }
 
 // A filter that is prepared while the other one goes on.
@@ -209,7 +263,7 @@ void Plugin::Replace(LV2_Worker_Respond_Function respond, LV2_Worker_Respond_Han
     filter->SetBypassed(fServed->IsBypassed());
     Prepare(*filter);
     const Message message = {.kind = Message::Kind::kTake, .filter = FilterPtr(filter).detach()};
-    if (respond(handle, sizeof message, &message) == LV2_WORKER_SUCCESS)
+    if (respond(handle, message.Size(), &message) == LV2_WORKER_SUCCESS)
         fServed = std::move(filter);
     else
         FilterPtr(message.filter, false).reset();
@@ -217,8 +271,7 @@ void Plugin::Replace(LV2_Worker_Respond_Function respond, LV2_Worker_Respond_Han
 
 LV2_Worker_Status Plugin::Respond(std::uint32_t size, const void* data) noexcept {
     Message message;
-    if (size != sizeof message) return LV2_WORKER_ERR_UNKNOWN;
-    std::memcpy(&message, data, size);
+    if (!message.Read(data, size)) return LV2_WORKER_ERR_UNKNOWN;
     if (message.kind != Message::Kind::kTake) return LV2_WORKER_ERR_UNKNOWN;
     fOutgoing = std::exchange(fRunning, FilterPtr(message.filter, false));
     // What was automated meanwhile went to the other one.
@@ -257,6 +310,7 @@ LV2_State_Status Plugin::Restore(LV2_State_Retrieve_Function retrieve, LV2_State
         fHost.Warn(fDescription.uri + ": the state is not taken: " + error.what());
         return LV2_STATE_ERR_UNKNOWN;
     }
+    fTellsCurves = true;
     if (fIsUsable && fRunning->NeedsPrepare()) Prepare(*fRunning);
     return LV2_STATE_SUCCESS;
 }

@@ -17,36 +17,23 @@ double BodyOf(const LV2_Atom* atom) noexcept {
 } // namespace
 
 TransportReader::TransportReader(const HostFeatures& host)
-    : fObject(host.Map(LV2_ATOM__Object)), fBlank(host.Map(LV2_ATOM__Blank)), fPosition(host.Map(LV2_TIME__Position)),
+    : fPosition(host.Map(LV2_TIME__Position)),
       fFrame(host.Map(LV2_TIME__frame)), fSpeed(host.Map(LV2_TIME__speed)),
       fTempo(host.Map(LV2_TIME__beatsPerMinute)), fBeatUnit(host.Map(LV2_TIME__beatUnit)),
       fBeatsPerBar(host.Map(LV2_TIME__beatsPerBar)), fInt(host.Map(LV2_ATOM__Int)), fLong(host.Map(LV2_ATOM__Long)),
       fFloat(host.Map(LV2_ATOM__Float)), fDouble(host.Map(LV2_ATOM__Double)) {
 }
 
-bool TransportReader::Read(const LV2_Atom_Sequence& events,
+bool TransportReader::Read(const LV2_Atom_Object& object,
                            kroaudiofilterhost::AudioFilterTransport& transport) const noexcept {
-    bool isTold = false;
-    if (fPosition == 0) return false;
-    LV2_ATOM_SEQUENCE_FOREACH(&events, event) {
-        if (event->body.type != fObject && event->body.type != fBlank) continue;
-        const auto& object = *reinterpret_cast<const LV2_Atom_Object*>(&event->body);
-        if (object.body.otype != fPosition) continue;
-        Take(object, transport);
-        isTold = true;
-    }
-    return isTold;
-}
-
-void TransportReader::Take(const LV2_Atom_Object& position,
-                           kroaudiofilterhost::AudioFilterTransport& transport) const noexcept {
+    if (fPosition == 0 || object.body.otype != fPosition) return false;
     constexpr double kMostBeats = 1000;
     const LV2_Atom* frame = nullptr;
     const LV2_Atom* speed = nullptr;
     const LV2_Atom* tempo = nullptr;
     const LV2_Atom* unit = nullptr;
     const LV2_Atom* beats = nullptr;
-    lv2_atom_object_get(&position, fFrame, &frame, fSpeed, &speed, fTempo, &tempo, fBeatUnit, &unit, fBeatsPerBar, &beats,
+    lv2_atom_object_get(&object, fFrame, &frame, fSpeed, &speed, fTempo, &tempo, fBeatUnit, &unit, fBeatsPerBar, &beats,
                         0);
     transport.position = Number(frame, transport.position);
     transport.isPlaying = Number(speed, transport.isPlaying ? 1 : 0) > 0;
@@ -57,6 +44,7 @@ void TransportReader::Take(const LV2_Atom_Object& position,
     transport.tempo.beatsPerMinute = positive(tempo, transport.tempo.beatsPerMinute);
     transport.tempo.noteLength = static_cast<std::int32_t>(std::lround(positive(unit, transport.tempo.noteLength)));
     transport.tempo.beatsPerBar = static_cast<std::int32_t>(std::lround(positive(beats, transport.tempo.beatsPerBar)));
+    return true;
 }
 
 double TransportReader::Number(const LV2_Atom* atom, double other) const noexcept {

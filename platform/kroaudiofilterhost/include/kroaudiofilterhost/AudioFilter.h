@@ -124,6 +124,9 @@ public:
     virtual bool GetResponseCurve(int index, std::size_t size, std::vector<float>& values) const;
 
     // For the host.
+    // Stores in a read-only parameter what another instance of the effect tells, which makes the sound: for a filter
+    // that only a panel shows. An index that is none and a value that is not finite are refused.
+    void MirrorParameter(int index, float value);
     // While bypassed, the sound goes by as late as through the effect, which goes on listening; going over takes 5 ms.
     // Any thread.
     void SetBypassed(bool bypassed) noexcept { fIsBypassed.store(bypassed, std::memory_order_relaxed); }

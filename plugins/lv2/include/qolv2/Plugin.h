@@ -1,5 +1,6 @@
 #pragma once
 
+#include "qolv2/CurveEvents.h"
 #include "qolv2/HostFeatures.h"
 #include "qolv2/PluginCatalogue.h"
 #include "qolv2/PluginPorts.h"
@@ -49,12 +50,18 @@ private:
 
     // From the sound thread to the worker, and back.
     struct Message {
-        enum class Kind : std::uint8_t { kStore, kServe, kSetQuality, kRelease, kTake };
+        enum class Kind : std::uint8_t { kStore, kSetCurve, kServe, kSetQuality, kRelease, kTake };
         Kind kind = Kind::kServe;
         bool isRendering = false;
         int parameter = 0;
         float value = 0; // stored
         Filter* filter = nullptr;
+        std::size_t curve = 0;
+        std::size_t valueCount = 0;
+        CurveEvents::Values values{}; // as many as count
+
+        std::uint32_t Size() const noexcept;
+        bool Read(const void* data, std::uint32_t size) noexcept;
     };
 
     static constexpr float kNone = std::numeric_limits<float>::quiet_NaN();
@@ -74,11 +81,14 @@ private:
     void StorePorts();
     void TakePorts() noexcept;
     bool Take(Port& port) noexcept;
-    void TakeTransport() noexcept;
+    void TakeEvents() noexcept;
+    void Take(const LV2_Atom_Object& object) noexcept;
     void Process(std::size_t frames) noexcept;
     void PassThrough(std::size_t frames) noexcept;
     void TellPorts() noexcept;
+    void TellCurves() noexcept;
     void Schedule(const Message& message) noexcept;
+    void SetCurve(const Message& message);
     std::string StateOfServed() const;
     void Replace(LV2_Worker_Respond_Function respond, LV2_Worker_Respond_Handle handle);
 
@@ -97,6 +107,9 @@ private:
     FilterPtr fOutgoing;   // waits for the worker to take it
     FilterPtr fDescribing; // whose parameters the ports are
     PluginPorts fPorts;
+    CurveEvents fCurveEvents;
+    LV2_Atom_Forge fForge{};
+    bool fTellsCurves = true; // to the panel, at the next block
     std::vector<void*> fData;  // by port
     std::vector<Port> fTaken; // of parameters, in
     std::vector<Port> fTold;  // out

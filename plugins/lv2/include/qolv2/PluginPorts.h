@@ -12,7 +12,8 @@ enum FixedPort : std::size_t {
     kLatencyPort,   // out
     kEnabledPort,   // in
     kFreeWheelPort, // in: rendering, faster or slower than it plays
-    kControlPort,   // in, events: where the host is
+    kControlPort,   // in, events: where the host is, what the panel sets
+    kNotifyPort,    // out, events: for the panel
     kFixedPorts,
 };
 

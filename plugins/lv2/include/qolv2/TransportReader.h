@@ -12,17 +12,13 @@ class TransportReader {
 public:
     explicit TransportReader(const HostFeatures& host);
 
-    // Takes the events of the next block; what they don't say stays. True when one was about the transport. Sound
-    // thread.
-    bool Read(const LV2_Atom_Sequence& events, kroaudiofilterhost::AudioFilterTransport& transport) const noexcept;
+    // Takes what the object says of the transport; the rest stays. False when it is about something else. Sound thread.
+    bool Read(const LV2_Atom_Object& object, kroaudiofilterhost::AudioFilterTransport& transport) const noexcept;
 
 private:
-    void Take(const LV2_Atom_Object& position, kroaudiofilterhost::AudioFilterTransport& transport) const noexcept;
     // The number, of whatever kind of atom; `other` when it is none.
     double Number(const LV2_Atom* atom, double other) const noexcept;
 
-    LV2_URID fObject;
-    LV2_URID fBlank;
     LV2_URID fPosition;
     LV2_URID fFrame;
     LV2_URID fSpeed;

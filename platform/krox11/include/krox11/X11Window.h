@@ -1,0 +1,85 @@
+#pragma once
+
+#include "kroui/limner/CairoSupplier.h"
+#include "kroui/limner/PixelSurface.h"
+#include "kroui/ui/UI_Window.h"
+
+#include <boost/function.hpp>
+
+#include <map>
+#include <memory>
+
+namespace krox11 {
+
+class X11Connection;
+class X11Picture;
+
+// A window inside another program's window, as plug-in hosts want it, over Xlib with pictures in shared memory. The
+// program runs the loop: it calls Idle some 30 times a second. It has a connection of its own to the X server. Owned by
+// the panel's owner; user-interface thread. Windows of one program know nothing of each other.
+//
+// Keys come only while the window has the focus, which it takes at a click; those that nobody in it wants go to the
+// window around it.
+class X11Window final : private kroui::ui::WindowBackend {
+public:
+    struct Settings {
+        unsigned long parent = 0; // of the X server; 0: a window on its own
+        kroui::Size size;         // view units
+        float scale = 1;
+    };
+
+    // Not yet shown. The supplier outlives it. Throws krocore::config::Error when there is no X server.
+    X11Window(const kroui::limner::CairoSupplier& supplier, const Settings& settings);
+    ~X11Window() override;
+
+    kroui::ui::UI_Window& Window() { return *fWindow; }
+    unsigned long Handle() const { return fHandle; }
+    int PixelWidth() const { return fPixelWidth; }
+    int PixelHeight() const { return fPixelHeight; }
+    void Show();
+    // Asks for room for so many view units.
+    void Resize(kroui::Size size);
+    // Called when the window has another size (pixels), by whomever.
+    void SetSizeListener(boost::function<void()> listener) { fSizeListener = std::move(listener); }
+
+    // Handles the events that have come, and paints what is damaged. Timers are the program's to run.
+    void Idle();
+
+private:
+    void RequestPaint() override {}
+    kroui::limner::Surface& GetSurface() override { return fSurface; }
+    void Present(std::span<const kroui::Rect> pixelRects) override;
+    void SetCursor(kroui::ui::Cursor cursor) override;
+    void SetTextInput(bool /*on*/, const kroui::Rect& /*caretRect*/) override {}
+    std::u16string ClipboardText() override;
+    void SetClipboardText(std::u16string_view text) override;
+
+    struct Event; // one of the X server's
+    void Handle(Event& event);
+    void HandleButton(const Event& event);
+    void HandleKey(Event& event);
+    void HandleSelectionRequest(const Event& event);
+    void FitContent(int pixelWidth, int pixelHeight);
+    int ClicksOf(const Event& event);
+    kroui::Point ToView(int x, int y) const;
+
+    std::unique_ptr<X11Connection> fConnection; // goes last
+    kroui::limner::PixelSurface fSurface;
+    unsigned long fHandle = 0;
+    unsigned long fParent;
+    std::unique_ptr<X11Picture> fPicture;
+    std::unique_ptr<kroui::ui::UI_Window> fWindow;
+    kroui::Size fWanted; // view units: the content is at least as large
+    int fPixelWidth = 0;
+    int fPixelHeight = 0;
+    boost::function<void()> fSizeListener;
+    std::map<kroui::ui::Cursor, unsigned long> fCursors;
+    kroui::ui::Cursor fCursor = kroui::ui::Cursor::kArrow;
+    std::u16string fClipboard;    // while the window owns the selection
+    unsigned long fLastPress = 0; // milliseconds of the X server
+    int fLastX = 0;
+    int fLastY = 0;
+    int fClicks = 0;
+};
+
+} // namespace krox11

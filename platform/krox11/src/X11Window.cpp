@@ -1,0 +1,274 @@
+#include "krox11/X11Window.h"
+
+#include "X11Connection.h"
+#include "X11Keys.h"
+#include "X11Picture.h"
+#include "krocore/String.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xutil.h>
+#include <X11/cursorfont.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <thread>
+
+namespace krox11 {
+
+using kroui::Point;
+using kroui::Rect;
+using kroui::ui::Cursor;
+using kroui::ui::Key;
+
+namespace {
+
+constexpr long kEvents = ExposureMask | StructureNotifyMask | PointerMotionMask | ButtonPressMask | ButtonReleaseMask |
+                         KeyPressMask | EnterWindowMask | LeaveWindowMask | FocusChangeMask;
+constexpr unsigned long kDoubleClick = 400; // ms
+constexpr int kDoubleClickRadius = 4;       // pixels
+constexpr unsigned kFirstWheelButton = 4;
+constexpr unsigned kLastWheelButton = 7;
+
+unsigned ShapeOf(Cursor cursor) {
+    switch (cursor) {
+    case Cursor::kHand: return XC_hand2;
+    case Cursor::kText: return XC_xterm;
+    case Cursor::kHorizontal: return XC_sb_h_double_arrow;
+    case Cursor::kVertical: return XC_sb_v_double_arrow;
+    case Cursor::kMove: return XC_fleur;
+    case Cursor::kCross: return XC_crosshair;
+    case Cursor::kArrow: break;
+    }
+    return XC_left_ptr;
+}
+
+} // namespace
+
+struct X11Window::Event {
+    XEvent x;
+};
+
+X11Window::X11Window(const kroui::limner::CairoSupplier& supplier, const Settings& settings)
+    : fConnection(std::make_unique<X11Connection>()), fSurface(supplier), fWanted(settings.size) {
+    Display* const display = fConnection->Get();
+    fParent = settings.parent != 0 ? settings.parent : DefaultRootWindow(display);
+    kroui::ui::WindowBackend& backend = *this;
+    fWindow = std::make_unique<kroui::ui::UI_Window>(supplier, backend);
+    fWindow->SetHostScale(settings.scale);
+    const float scale = fWindow->ScaleFactor();
+    fPixelWidth = std::max(1, static_cast<int>(std::ceil(settings.size.width * scale)));
+    fPixelHeight = std::max(1, static_cast<int>(std::ceil(settings.size.height * scale)));
+    XSetWindowAttributes attributes{};
+    attributes.event_mask = kEvents;
+    fHandle =
+        XCreateWindow(display, fParent, 0, 0, static_cast<unsigned>(fPixelWidth), static_cast<unsigned>(fPixelHeight),
+                      0, CopyFromParent, InputOutput, nullptr, CWEventMask, &attributes);
+    fPicture = std::make_unique<X11Picture>(*fConnection, fHandle);
+    FitContent(fPixelWidth, fPixelHeight);
+}
+
+X11Window::~X11Window() {
+    fWindow.reset();
+    fPicture.reset();
+    for (const auto& [cursor, shape] : fCursors)
+        XFreeCursor(fConnection->Get(), shape);
+    XDestroyWindow(fConnection->Get(), fHandle);
+}
+
+void X11Window::Show() {
+    FitContent(fPixelWidth, fPixelHeight);
+    XMapRaised(fConnection->Get(), fHandle);
+    XFlush(fConnection->Get());
+}
+
+// What it comes to is told by an event.
+void X11Window::Resize(kroui::Size size) {
+    fWanted = size;
+    const float scale = fWindow->ScaleFactor();
+    XResizeWindow(fConnection->Get(), fHandle, static_cast<unsigned>(std::max(1.0F, std::ceil(size.width * scale))),
+                  static_cast<unsigned>(std::max(1.0F, std::ceil(size.height * scale))));
+    XFlush(fConnection->Get());
+}
+
+void X11Window::Idle() {
+    Display* const display = fConnection->Get();
+    while (XPending(display) > 0) {
+        Event event{};
+        XNextEvent(display, &event.x);
+        Handle(event);
+    }
+    if (fWindow->NeedsPaint()) fWindow->Paint();
+}
+
+// The content fills the window, and is cut off where that is smaller than it.
+void X11Window::FitContent(int pixelWidth, int pixelHeight) {
+    fPixelWidth = pixelWidth;
+    fPixelHeight = pixelHeight;
+    const float scale = fWindow->ScaleFactor();
+    const kroui::Size size = {static_cast<float>(pixelWidth) / scale, static_cast<float>(pixelHeight) / scale};
+    fWindow->SetSize(size);
+    if (fWindow->Content() == nullptr) return;
+    fWindow->Content()->UI_SetFrame({0, 0, std::max(size.width, fWanted.width), std::max(size.height, fWanted.height)});
+}
+
+Point X11Window::ToView(int x, int y) const {
+    const float scale = fWindow->ScaleFactor();
+    return {static_cast<float>(x) / scale, static_cast<float>(y) / scale};
+}
+
+void X11Window::Handle(Event& event) {
+    switch (event.x.type) {
+    case Expose: fWindow->InvalidateAll(); break;
+    case ConfigureNotify:
+        if (event.x.xconfigure.width == fPixelWidth && event.x.xconfigure.height == fPixelHeight) break;
+        FitContent(event.x.xconfigure.width, event.x.xconfigure.height);
+        fWindow->InvalidateAll();
+        if (fSizeListener) fSizeListener();
+        break;
+    case MotionNotify:
+        fWindow->MouseMoved(ToView(event.x.xmotion.x, event.x.xmotion.y), ModifiersFromX11(event.x.xmotion.state));
+        break;
+    case ButtonPress:
+    case ButtonRelease: HandleButton(event); break;
+    case KeyPress: HandleKey(event); break;
+    case LeaveNotify:
+        if (event.x.xcrossing.mode == NotifyNormal) fWindow->MouseLeft();
+        break;
+    case FocusOut:
+        if (event.x.xfocus.mode == NotifyNormal && event.x.xfocus.detail != NotifyPointer) fWindow->Deactivated();
+        break;
+    case SelectionRequest: HandleSelectionRequest(event); break;
+    case SelectionClear: fClipboard.clear(); break;
+    default: break;
+    }
+}
+
+void X11Window::HandleButton(const Event& event) {
+    const XButtonEvent& button = event.x.xbutton;
+    const Point place = ToView(button.x, button.y);
+    const std::uint8_t modifiers = ModifiersFromX11(button.state);
+    if (button.button >= kFirstWheelButton && button.button <= kLastWheelButton) {
+        const bool isDown = event.x.type == ButtonPress;
+        const float notch = button.button % 2 == 0 ? 1 : -1;
+        const bool isVertical = button.button < kFirstWheelButton + 2;
+        if (isDown) fWindow->MouseWheel(place, isVertical ? 0 : -notch, isVertical ? notch : 0, modifiers);
+        return;
+    }
+    if (button.button > Button3) return;
+    if (event.x.type == ButtonPress) {
+        XSetInputFocus(fConnection->Get(), fHandle, RevertToParent, button.time);
+        fWindow->MousePressed(place, static_cast<int>(button.button), ClicksOf(event), modifiers);
+    } else {
+        fWindow->MouseReleased(place, static_cast<int>(button.button), modifiers);
+    }
+}
+
+int X11Window::ClicksOf(const Event& event) {
+    const XButtonEvent& button = event.x.xbutton;
+    const bool isNear =
+        std::abs(button.x - fLastX) <= kDoubleClickRadius && std::abs(button.y - fLastY) <= kDoubleClickRadius;
+    fClicks = isNear && button.time - fLastPress < kDoubleClick ? fClicks + 1 : 1;
+    fLastPress = button.time;
+    fLastX = button.x;
+    fLastY = button.y;
+    return fClicks;
+}
+
+// What nobody here wants is the host's: space plays there.
+void X11Window::HandleKey(Event& event) {
+    XKeyEvent& key = event.x.xkey;
+    KeySym symbol = NoSymbol;
+    char bytes[8];
+    XLookupString(&key, bytes, sizeof bytes, &symbol, nullptr);
+    const std::u16string text = TextFromX11(symbol, key.state);
+    const kroui::ui::KeyEvent pressed = KeyFromX11(symbol, key.state);
+    if (!text.empty() && fWindow->TextTyped(text)) return;
+    if (pressed.key != Key::kNone && fWindow->KeyPressed(pressed)) return;
+    key.window = fParent;
+    XSendEvent(fConnection->Get(), fParent, True, KeyPressMask, &event.x);
+}
+
+void X11Window::Present(std::span<const Rect> pixelRects) {
+    for (const Rect& rect : pixelRects) {
+        const X11Picture::Part part = {static_cast<int>(rect.left), static_cast<int>(rect.top),
+                                       static_cast<int>(rect.width), static_cast<int>(rect.height)};
+        fPicture->Show(fSurface.Pixels(), fSurface.PixelWidth(), fSurface.PixelHeight(), fSurface.Stride(), part);
+    }
+    fPicture->Finish();
+}
+
+void X11Window::SetCursor(Cursor cursor) {
+    if (cursor == fCursor) return;
+    fCursor = cursor;
+    auto [entry, isNew] = fCursors.try_emplace(cursor, 0);
+    if (isNew) entry->second = XCreateFontCursor(fConnection->Get(), ShapeOf(cursor));
+    XDefineCursor(fConnection->Get(), fHandle, entry->second);
+}
+
+void X11Window::SetClipboardText(std::u16string_view text) {
+    fClipboard = text;
+    XSetSelectionOwner(fConnection->Get(), fConnection->Name("CLIPBOARD"), fHandle, CurrentTime);
+}
+
+// Another program wants what this one has.
+void X11Window::HandleSelectionRequest(const Event& event) {
+    const XSelectionRequestEvent& request = event.x.xselectionrequest;
+    const Atom utf8 = fConnection->Name("UTF8_STRING");
+    const Atom targets = fConnection->Name("TARGETS");
+    XEvent answer{};
+    answer.xselection = {.type = SelectionNotify,
+                         .serial = 0,
+                         .send_event = True,
+                         .display = request.display,
+                         .requestor = request.requestor,
+                         .selection = request.selection,
+                         .target = request.target,
+                         .property = request.property,
+                         .time = request.time};
+    const std::string text = krocore::ToStdString(fClipboard);
+    if (request.target == targets) {
+        const Atom known[] = {targets, utf8};
+        XChangeProperty(request.display, request.requestor, request.property, XA_ATOM, 32, PropModeReplace,
+                        reinterpret_cast<const unsigned char*>(known), 2);
+    } else if (request.target == utf8 || request.target == XA_STRING) {
+        XChangeProperty(request.display, request.requestor, request.property, request.target, 8, PropModeReplace,
+                        reinterpret_cast<const unsigned char*>(text.data()), static_cast<int>(text.size()));
+    } else {
+        answer.xselection.property = None;
+    }
+    XSendEvent(request.display, request.requestor, False, 0, &answer);
+    XFlush(request.display);
+}
+
+// The program that has it answers within a moment, or not at all.
+std::u16string X11Window::ClipboardText() {
+    Display* const display = fConnection->Get();
+    const Atom clipboard = fConnection->Name("CLIPBOARD");
+    if (XGetSelectionOwner(display, clipboard) == fHandle) return fClipboard;
+    const Atom place = fConnection->Name("KROX11_CLIPBOARD");
+    XConvertSelection(display, clipboard, fConnection->Name("UTF8_STRING"), place, fHandle, CurrentTime);
+    XEvent event{};
+    constexpr int kTries = 100;
+    for (int i = 0; !XCheckTypedWindowEvent(display, fHandle, SelectionNotify, &event); ++i) {
+        if (i == kTries) return {};
+        std::this_thread::sleep_for(std::chrono::milliseconds(3));
+    }
+    if (event.xselection.property == None) return {};
+    Atom type = None;
+    int bits = 0;
+    unsigned long count = 0;
+    unsigned long left = 0;
+    unsigned char* bytes = nullptr;
+    constexpr long kMostWords = 1L << 20;
+    XGetWindowProperty(display, fHandle, place, 0, kMostWords, True, AnyPropertyType, &type, &bits, &count, &left,
+                       &bytes);
+    if (bytes == nullptr) return {};
+    const krocore::string16 text =
+        krocore::ToUTF16(std::string_view(reinterpret_cast<const char*>(bytes), bits == 8 ? count : 0));
+    XFree(bytes);
+    return {text.begin(), text.end()};
+}
+
+} // namespace krox11
