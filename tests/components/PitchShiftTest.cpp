@@ -3,6 +3,7 @@
 #include "AllocationCounter.h"
 #include "MeasureSound.h"
 #include "qoc/components/ParameterIndices.h"
+#include "qoc/dsp/spectrum/RealFFT.h"
 
 #include <gtest/gtest.h>
 
@@ -144,6 +145,23 @@ TEST(PitchShift, EverySoundComesOutWhenItIsDue) {
         EXPECT_NEAR(static_cast<double>(first), kOn + latency, kTolerance) << each.ratio;
         EXPECT_NEAR(static_cast<double>(last), kOff + latency, kTolerance) << each.ratio;
     }
+}
+
+// The energy of the frequencies that are tones against that of the others, in dB, through Hann's window.
+template <typename IsTone>
+double ToneToRest(std::vector<float> sound, const IsTone& isTone) {
+    const std::size_t size = sound.size();
+    for (std::size_t i = 0; i < size; ++i)
+        sound[i] *=
+            static_cast<float>(1 - std::cos(2 * pi * (static_cast<double>(i) + 0.5) / static_cast<double>(size)));
+    const qoc::dsp::RealFFT transform(size);
+    std::vector<std::complex<float>> spectrum(transform.Bins());
+    transform.Forward(sound, spectrum);
+    double tones = 0, rest = 0;
+    for (std::size_t bin = 0; bin < spectrum.size(); ++bin)
+        (isTone(static_cast<double>(bin) * kRate / static_cast<double>(size)) ? tones : rest) +=
+            std::norm(spectrum[bin]);
+    return 10 * std::log10(tones / rest);
 }
 
 constexpr double kHitsApart = 0.11; // seconds
@@ -314,6 +332,37 @@ TEST(PitchShift, NothingFoldsBack) {
                 }
             }
         }
+    }
+}
+
+// Tones that share no short period, by what lies more than 4 Hz beside where they are to be.
+TEST(PitchShift, AChordComesOutCleanAtHighPrecision) {
+    constexpr std::size_t kFrames = 3 * 44100;
+    struct Case {
+        double ratio;
+        std::vector<double> tones;
+        double least; // dB; splices leave 3 to 28
+    };
+    const Case cases[] = {
+        {0.75, {261.63, 329.63, 392.0}, 50},      {0.75, {220, 277.18, 329.63, 415.3}, 50},
+        {0.5, {196, 233.08, 277.18, 329.63}, 50}, {0.9439, {220, 277.18, 329.63}, 50},
+        {1.2599, {220, 261.63, 329.63}, 45},      {2.0, {220, 277.18, 329.63, 415.3}, 40},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(testing::Message() << each.ratio << ", from " << each.tones.front() << " Hz");
+        std::vector<float> chord(kFrames);
+        for (const double hertz : each.tones)
+            std::ranges::transform(chord, test::Sine(hertz, kFrames, kRate, 0.2), chord.begin(), std::plus<>());
+        const auto filter = Prepared(1, {each.ratio});
+        const double exact =
+            filter->GetParameterInfo(kPitchShiftRatio)->ToNatural(filter->GetParameterValue(kPitchShiftRatio));
+        Channels sound = {std::move(chord)};
+        Process(*filter, sound, 0, kFrames);
+        std::vector<float> steady(sound[0].end() - 65536, sound[0].end());
+        const auto isTone = [&](double hertz) {
+            return std::ranges::any_of(each.tones, [&](double tone) { return std::abs(hertz - exact * tone) < 4; });
+        };
+        EXPECT_GT(ToneToRest(std::move(steady), isTone), each.least);
     }
 }
 

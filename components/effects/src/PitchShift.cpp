@@ -74,7 +74,8 @@ std::size_t PitchShift::Tail() const noexcept {
 
 void PitchShift::PrepareProcessing(std::size_t maximumBlock) {
     const double sampleRate = GetSampleRate();
-    fStretcher.Prepare(GetNumberOfInputChannels(), sampleRate, sampleRate / kLowestSplicingFrequency);
+    fStretcher.Prepare(GetNumberOfInputChannels(), sampleRate, sampleRate / kLowestSplicingFrequency,
+                       BandLimitedInterpolator::kReach + 4);
     const std::size_t reach = fStretcher.Reach() + kReach;
     fLatency = reach;
     const std::size_t kept = std::bit_ceil(fLatency + reach + maximumBlock);
@@ -99,6 +100,7 @@ void PitchShift::ReadParameters(bool settle) noexcept {
     if (settle) fWet.Settle(ratio == 1.0F ? 0.0F : 1.0F);
     fPrecision = static_cast<BandLimitedInterpolator::Precision>(Item(kPitchShiftPrecision));
     fStretcher.SetLengths(ReadLengths());
+    fStretcher.SetSpectral(fPrecision == BandLimitedInterpolator::Precision::kHigh);
 }
 
 SoundStretcher::Lengths PitchShift::ReadLengths() const noexcept {
@@ -139,13 +141,17 @@ void PitchShift::WriteShifted(const kroaudiofilterhost::AudioFilterBlock& block,
                               float wet) noexcept {
     const float ratio = fTimeMap.RatioAt(source);
     fStretcher.Advance(source, {fTimeMap, fHistory, fOnsets});
-    const float former = fStretcher.FormerGain();
+    const auto voices = fStretcher.Voices(fHistory);
     fInterpolator.Set(fPrecision, ratio);
-    PlaceReading(fStretcher.Place(), fPresent);
-    if (former > 0) PlaceReading(fStretcher.FormerPlace(), fFormer);
+    for (std::size_t voice = 0; voice < voices.size(); ++voice) {
+        if (voices[voice].gain > 0) PlaceReading(voices[voice].place, fReadings[voice]);
+    }
     for (std::size_t channel = 0; channel < block.outputs.size(); ++channel) {
-        float shifted = fStretcher.Gain() * Read(fPresent, channel);
-        if (former > 0) shifted += former * Read(fFormer, channel);
+        float shifted = 0;
+        for (std::size_t voice = 0; voice < voices.size(); ++voice) {
+            if (voices[voice].gain > 0)
+                shifted += voices[voice].gain * Read(*voices[voice].sound, fReadings[voice], channel);
+        }
         const float dry = *fHistory.At(channel, source);
         block.outputs[channel][frame] = wet == 1 ? shifted : dry + wet * (shifted - dry);
     }
@@ -157,8 +163,8 @@ void PitchShift::PlaceReading(double place, Reading& reading) noexcept {
     reading.whole = static_cast<std::int64_t>(whole);
 }
 
-float PitchShift::Read(const Reading& reading, std::size_t channel) const noexcept {
-    return reading.weights.Apply(fHistory.At(channel, reading.whole + reading.weights.First()));
+float PitchShift::Read(const HistoryBuffer& sound, const Reading& reading, std::size_t channel) noexcept {
+    return reading.weights.Apply(sound.At(channel, reading.whole + reading.weights.First()));
 }
 
 } // namespace qoc::components

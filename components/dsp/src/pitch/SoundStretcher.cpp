@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace qoc::dsp {
 
@@ -14,33 +15,42 @@ constexpr double kFade = 0.008;
 constexpr double kShortestFade = 16; // samples
 // What is compared, at least: enough of low tones, however short the fade is.
 constexpr double kComparedSeconds = 0.012;
-
-// What of a hit is heard once: from a little before its onset until it has lost its edge.
-constexpr double kBeforeOnset = 0.001; // seconds
-constexpr double kAfterOnset = 0.012;
-// A hit may come so much too early or too late, and is moved by so much more for the sake of a better splice.
-constexpr double kHitTolerance = 0.004;
+// By how much a hit is moved at most for the sake of a better splice.
 constexpr double kHitRoom = 0.004;
-constexpr double kLongestHitFade = 0.004;
-// By how much the energy rises at most where a piece goes back, and how fast it recovers, also where a hit begins.
-constexpr double kMostRise = 2;
-constexpr double kSlowRecovery = 0.03; // seconds
-constexpr double kFastRecovery = 0.001;
-constexpr double kRecoveryBeforeOnset = 0.005;
 // Hits are looked for that often.
-constexpr std::int64_t kLookEvery = 16; // samples
+constexpr std::int64_t kLookEvery = 32; // samples
+
+// Whether splices suit the sound is listened to a little earlier than it has to be known, to spread the work, and
+// while it is stretched by its spectrum that often.
+constexpr double kListenBefore = 0.004; // seconds
+constexpr double kListenEvery = 0.05;
+// A piece that is that much softer than its sound is no beginning.
+constexpr double kLeastLevel = 0.9;
+// Frames, at most, for a sound with a pitch: its tones lie far from each other, and move.
+constexpr double kVoiceFrame = 0.048; // seconds
+constexpr int kMostTries = 10;
+// Frames that overlap when fades have no length, by how many more when they are as long as a sequence, and by default.
+constexpr double kLeastFrames = 4;
+constexpr double kMoreFrames = 8;
+constexpr double kUsualFrames = 6;
 
 } // namespace
 
-void SoundStretcher::Prepare(std::size_t channels, double sampleRate, double longest) {
+void SoundStretcher::Prepare(std::size_t channels, double sampleRate, double longest, std::size_t margin) {
     fSampleRate = sampleRate;
     const double sequence = std::max({longest, kLongSequence * sampleRate, 2 * kShortestFade});
     const double compared = std::max(sequence / 2, kComparedSeconds * sampleRate);
     fSearch.Prepare(channels, sampleRate, static_cast<std::size_t>(std::ceil(compared)));
+    fJudge.Prepare(sampleRate);
+    fHits.Prepare(sampleRate);
+    fFade.Prepare(sampleRate);
+    fSpectral.Prepare(channels, sampleRate, margin);
     // The sound compared lies around the middle of a fade. From a piece's begin to its middle are so many frames at the
     // lowest ratio.
     fFarthest = FarthestOff({sequence, 0}, sampleRate);
-    fReach = static_cast<std::size_t>(std::ceil(std::max(fFarthest + compared, sequence / 2 / kLowestRatio))) + 4;
+    const double reach = std::max(fFarthest + compared, sequence / 2 / kLowestRatio);
+    fReach = std::max(static_cast<std::size_t>(std::ceil(reach)) + 4, fSpectral.LeastReach());
+    fSpectral.SetReach(fReach);
     Reset();
 }
 
@@ -51,45 +61,23 @@ double SoundStretcher::FarthestOff(const Lengths& lengths, double sampleRate) no
 }
 
 void SoundStretcher::Reset() noexcept {
-    fPosition = fOffset = fFormerOffset = fBegin = fEnd = 0;
-    fFade = fLikeness = 1;
-    fLevel = fFormerLevel = 1;
-    fRecovery = 1;
+    fPosition = fEnd = fListensAt = 0;
+    fPiece = fFormer = {};
     fGain = 1;
     fFormerGain = 0;
-    fHit = {};
-    fServed = -OnsetDetector::kNone;
+    fWantsSpectral = false;
+    fTries = 0;
+    fJudge.Reset();
+    fHits.Reset();
+    fSpectral.Reset();
+    fFade.Reset();
 }
 
-void SoundStretcher::Follow(std::int64_t frame, const TimeMap& map) noexcept {
-    const Lengths lengths = LengthsAt(map.RatioAt(frame));
-    fPosition = map.PositionAt(frame);
-    fOffset = fFormerOffset = static_cast<double>(frame) - fPosition;
-    fFade = 1;
-    fBegin = fPosition - fFade;
-    fEnd = fPosition + (lengths.sequence - lengths.overlap) / 2;
-    fLevel = 1;
-    fHit = {};
-    Fade();
-}
-
-void SoundStretcher::Advance(std::int64_t frame, const Sound& sound) noexcept {
-    fPosition = sound.map.PositionAt(frame);
-    if (frame % kLookEvery == 0) FindHit(frame, sound);
-    const Reason reason = ReasonToSplice(frame, sound);
-    if (reason != Reason::kNone) Splice(frame, reason, sound);
-    Fade();
-}
-
-void SoundStretcher::Fade() noexcept {
-    const double share = std::min(1.0, (fPosition - fBegin) / fFade);
-    const double former = 1 - share;
-    // What two sounds of the same power add up to by their correlation.
-    const double power = share * share + former * former + 2 * fLikeness * share * former;
-    const double level = former > 0 ? 1 / std::sqrt(power) : 1;
-    fLevel += fRecovery * (1 - fLevel);
-    fGain = static_cast<float>(fLevel * level * share);
-    fFormerGain = static_cast<float>(fFormerLevel * level * former);
+void SoundStretcher::SetLengths(const Lengths& lengths) noexcept {
+    fLengths = lengths;
+    const bool isUsual = lengths.sequence == 0;
+    const double frames = isUsual ? kUsualFrames : kLeastFrames + kMoreFrames * lengths.overlap / lengths.sequence;
+    fSpectral.SetFrames(isUsual ? std::numeric_limits<double>::infinity() : frames * lengths.sequence, frames);
 }
 
 SoundStretcher::Lengths SoundStretcher::LengthsAt(float ratio) const noexcept {
@@ -103,97 +91,168 @@ SoundStretcher::Lengths SoundStretcher::LengthsAt(float ratio) const noexcept {
     return lengths;
 }
 
-void SoundStretcher::FindHit(std::int64_t frame, const Sound& sound) noexcept {
-    const double before = kBeforeOnset * fSampleRate;
-    const std::int64_t onset = sound.onsets.FirstFrom(std::llround(std::ceil(Place() + before)));
-    const std::int64_t known = frame + static_cast<std::int64_t>(fReach) - sound.onsets.Delay();
-    if (onset > known) {
-        fHit = {};
-    } else if (onset != fHit.onset) {
-        fHit = {onset, sound.map.PositionAt(onset)};
+void SoundStretcher::Follow(std::int64_t frame, const TimeMap& map) noexcept {
+    const Lengths lengths = LengthsAt(map.RatioAt(frame));
+    fPosition = map.PositionAt(frame);
+    fPiece = {static_cast<double>(frame) - fPosition};
+    fGain = 1;
+    fFormerGain = 0;
+    fWantsSpectral = false;
+    fTries = 0;
+    fHits.Reset();
+    fSpectral.Stop();
+    fFade.Reset();
+    fFade.Begin(fPosition - 1, 1, {});
+    EndAt(fPosition + (lengths.sequence - lengths.overlap) / 2);
+}
+
+void SoundStretcher::Advance(std::int64_t frame, const Sound& sound) noexcept {
+    fPosition = sound.map.PositionAt(frame);
+    fSpectral.Advance(frame, sound.map, sound.history);
+    if (fPiece.isSpectral) fPiece.offset = static_cast<double>(frame) - fPosition;
+    if (frame % kLookEvery == 0) Look(frame, sound);
+    if (fMayBeSpectral && fPosition >= fListensAt) {
+        fJudge.Listen(fSearch, sound.history, fPiece.isSpectral ? frame : std::llround(Place()));
+        fListensAt = std::numeric_limits<double>::infinity();
     }
-    const std::int64_t last = sound.onsets.LastBefore(std::llround(Place() + kRecoveryBeforeOnset * fSampleRate));
-    const bool isHit = last != -OnsetDetector::kNone && Place() < static_cast<double>(last) + kAfterOnset * fSampleRate;
-    fRecovery = 1 / ((isHit ? kFastRecovery : kSlowRecovery) * fSampleRate);
+    const Reason reason = ReasonToSplice(frame, sound);
+    if (reason != Reason::kNone) Splice(frame, reason, sound);
+    Fade();
+}
+
+void SoundStretcher::Look(std::int64_t frame, const Sound& sound) noexcept {
+    fHits.Look(Place(), frame + static_cast<std::int64_t>(fReach) - sound.onsets.Delay(), sound.map, sound.onsets);
+    fSpectral.SetBounds(fHits.LastHeard(), fHits.Next());
+    const bool isFree = !fPiece.isSpectral && fFormerGain == 0;
+    if (fWantsSpectral && fMayBeSpectral && isFree) TryToStartSpectral(frame, sound);
+}
+
+std::array<SoundStretcher::Voice, 2> SoundStretcher::Voices(const HistoryBuffer& history) const noexcept {
+    return {VoiceOf(fPiece, fGain, history), VoiceOf(fFormer, fFormerGain, history)};
+}
+
+SoundStretcher::Voice SoundStretcher::VoiceOf(const Piece& piece, double gain,
+                                              const HistoryBuffer& history) const noexcept {
+    const auto factor = static_cast<float>(gain);
+    if (piece.isSpectral) return {&fSpectral.Stretched(), fSpectral.TimeOf(fPosition), factor};
+    return {&history, fPosition + piece.offset, factor};
+}
+
+// The stretched sound begins as a copy of the piece before it, so that the two add up.
+void SoundStretcher::Fade() noexcept {
+    if (fPiece.isSpectral) {
+        fGain = fFormerGain > 0 ? fSpectral.ShareAt(fPosition) : 1;
+        fFormerGain = (1 - fGain) * fFade.Level();
+        if (fFormerGain == 0) fFade.Reset();
+        return;
+    }
+    fFade.Advance(fPosition, fHits.IsHit());
+    fGain = fFade.Gain();
+    fFormerGain = fFade.FormerGain();
+    if (fFormer.isSpectral && fFormerGain == 0) fSpectral.Stop();
 }
 
 // What is due now; a piece that is fading in goes on.
 SoundStretcher::Reason SoundStretcher::ReasonToSplice(std::int64_t frame, const Sound& sound) noexcept {
     if (fFormerGain > 0) return Reason::kNone;
+    if (fPiece.isSpectral) {
+        if (fHits.IsDueAnyway(fPosition)) return Reason::kHit;
+        return fPosition < fEnd && fMayBeSpectral ? Reason::kNone : Reason::kEnd;
+    }
     const double overlap = LengthsAt(sound.map.RatioAt(frame)).overlap;
     if (std::abs(Place() - static_cast<double>(frame)) > fFarthest - overlap) return Reason::kTooFar;
-    if (fHit.onset != OnsetDetector::kNone && IsDue(fHit)) return Reason::kHit;
-    if (fPosition < fEnd || WaitForHit(sound, overlap)) return Reason::kNone;
-    return Reason::kEnd;
-}
-
-// At the last moment at which a fade can end before the hit is due, or begins too early.
-bool SoundStretcher::IsDue(const Hit& hit) const noexcept {
-    if (hit.onset == fServed) return false;
-    const double late = LateBy(hit);
-    if (std::abs(late) < kHitTolerance * fSampleRate) return false;
-    const double left = hit.due + std::min(late, 0.0) - fPosition;
-    return left <= (kLongestHitFade + kBeforeOnset + kHitTolerance) * fSampleRate;
-}
-
-// Leaves the hit that sounds now or that a fade would run into to the present piece, as long as that is possible.
-bool SoundStretcher::WaitForHit(const Sound& sound, double overlap) noexcept {
-    const double ahead = overlap + kBeforeOnset * fSampleRate;
-    const std::int64_t onset = sound.onsets.LastBefore(std::llround(Place() + ahead));
-    const double left = static_cast<double>(onset) + kAfterOnset * fSampleRate - Place();
-    if (onset == -OnsetDetector::kNone || left <= 0) return false;
-    fEnd = fPosition + left;
-    return true;
+    if (fHits.IsDue(fPosition, fPiece.offset)) return Reason::kHit;
+    if (fPosition < fEnd) return Reason::kNone;
+    const double wait = fHits.TimeToWait(Place(), overlap, sound.onsets);
+    if (wait == 0) return Reason::kEnd;
+    fEnd = fPosition + wait;
+    return Reason::kNone;
 }
 
 void SoundStretcher::Splice(std::int64_t frame, Reason reason, const Sound& sound) noexcept {
     Lengths lengths = LengthsAt(sound.map.RatioAt(frame));
-    if (reason == Reason::kTooFar) fHit = {};
-    if (reason == Reason::kHit) lengths.overlap = std::min(lengths.overlap, kLongestHitFade * fSampleRate);
-    const SpliceSearch::Room room = RoomFor(reason, lengths, sound);
+    if (reason == Reason::kTooFar) fHits.Reset();
+    if (reason == Reason::kHit) lengths.overlap = std::min(lengths.overlap, HitSchedule::kLongestFade * fSampleRate);
+    const SpliceSearch::Place found = FindPlace(lengths, RoomFor(reason, lengths, sound.map), sound.history);
+    if (reason == Reason::kEnd && fMayBeSpectral && StaysSpectral(frame, found.likeness, sound)) return;
+    // A hit that comes early may have to wait for more than one piece.
+    if (reason == Reason::kHit) fTries = 0;
+    if (reason == Reason::kHit && found.time > Place() - 2 * lengths.overlap) fHits.Serve();
+    BeginPiece(lengths, found);
+}
+
+// `time` of the result is where to read now.
+SpliceSearch::Place SoundStretcher::FindPlace(const Lengths& lengths, const SpliceSearch::Room& room,
+                                              const HistoryBuffer& history) noexcept {
     const double compared = std::max(lengths.overlap, kComparedSeconds * fSampleRate);
-    const double before = (compared - lengths.overlap) / 2;
-    const double present = std::floor(Place() - before);
+    // Around the middle of the fade, or as far as the sound is there.
+    const double before = fPiece.isSpectral ? compared : (compared - lengths.overlap) / 2;
+    const Voice present = VoiceOf(fPiece, 1, history);
+    const double first = std::floor(present.place - before);
     const auto shift = std::llround(before);
-    const SpliceSearch::Place found =
-        fSearch.Find(sound.history, static_cast<std::int64_t>(present),
-                     {room.wanted - shift, room.first - shift, room.last - shift}, static_cast<std::size_t>(compared));
-    const double jump = found.time - present;
-    // One that comes early may have to wait for more than one piece.
-    if (reason == Reason::kHit && jump > -2 * lengths.overlap) fServed = fHit.onset;
-    fFormerOffset = fOffset;
-    fOffset += jump;
-    fLikeness = found.likeness;
-    fFormerLevel = fLevel;
-    if (jump < 0) fLevel = std::min(1.0, fLevel * std::sqrt(kMostRise / found.rise));
-    fBegin = fPosition;
-    fFade = lengths.overlap;
-    fEnd = fPosition + lengths.sequence - lengths.overlap;
+    SpliceSearch::Place found =
+        fSearch.Find({*present.sound, static_cast<std::int64_t>(first), static_cast<std::size_t>(compared)}, history,
+                     {room.wanted - shift, room.first - shift, room.last - shift});
+    found.time += present.place - first;
+    return found;
 }
 
-// The hit in the piece on time, or its middle.
-double SoundStretcher::WantedOffset(const Lengths& lengths, const TimeMap& map) const noexcept {
-    if (fHit.onset != OnsetDetector::kNone && fHit.due < fPosition + lengths.sequence)
-        return static_cast<double>(fHit.onset) - fHit.due;
+// A hit in the piece on time, or its middle.
+SpliceSearch::Room SoundStretcher::RoomFor(Reason reason, const Lengths& lengths, const TimeMap& map) const noexcept {
     const double middle = fPosition + lengths.sequence / 2;
-    return map.FrameAt(middle) - middle;
+    const double offset = fHits.OffsetBefore(fPosition + lengths.sequence, map.FrameAt(middle) - middle);
+    const double wanted = fPosition + offset;
+    const double half = (reason == Reason::kHit ? kHitRoom : SpliceSearch::kRoomSeconds / 2) * fSampleRate;
+    const auto [first, last] = fHits.PlacesFor({wanted - half, wanted + half}, Place(), lengths.overlap);
+    return {std::llround(std::clamp(wanted, first, last)), std::llround(first), std::llround(last)};
 }
 
-// Neither back into a hit that has been heard nor beyond one that has not.
-SpliceSearch::Room SoundStretcher::RoomFor(Reason reason, const Lengths& lengths, const Sound& sound) const noexcept {
-    const double wanted = fPosition + WantedOffset(lengths, sound.map);
-    const double half = (reason == Reason::kHit ? kHitRoom : SpliceSearch::kRoomSeconds / 2) * fSampleRate;
-    double first = wanted - half;
-    double last = wanted + half;
-    const std::int64_t heard = sound.onsets.LastBefore(std::llround(Place()));
-    if (reason != Reason::kTooFar && heard != -OnsetDetector::kNone) {
-        const double end = static_cast<double>(heard) + kAfterOnset * fSampleRate;
-        first = std::max(first, std::min(end, Place()));
-    }
-    if (fHit.onset != OnsetDetector::kNone)
-        last = std::min(last, static_cast<double>(fHit.onset) - kBeforeOnset * fSampleRate - lengths.overlap);
-    last = std::max(last, first);
-    return {std::llround(std::clamp(wanted, first, last)), std::llround(first), std::llround(last)};
+void SoundStretcher::BeginPiece(const Lengths& lengths, const SpliceSearch::Place& found) noexcept {
+    fFormer = fPiece;
+    fFade.Begin(fPosition, lengths.overlap, {found.likeness, found.rise, !fPiece.isSpectral && found.time < Place()});
+    fPiece = {found.time - fPosition};
+    EndAt(fPosition + lengths.sequence - lengths.overlap);
+}
+
+void SoundStretcher::EndAt(double position) noexcept {
+    fEnd = position;
+    fListensAt = position - kListenBefore * fSampleRate;
+}
+
+bool SoundStretcher::StaysSpectral(std::int64_t frame, double likeness, const Sound& sound) noexcept {
+    fWantsSpectral = !(fPiece.isSpectral ? fJudge.SuitsAgain(likeness) : fJudge.SuitsStill(likeness));
+    if (!fWantsSpectral) fTries = 0;
+    if (!fWantsSpectral || (fPiece.isVoice && !SuitsVoiceFrames())) return false;
+    if (!fPiece.isSpectral) return TryToStartSpectral(frame, sound);
+    ++fTries;
+    EndAt(fPosition + kListenEvery * fSampleRate);
+    return true;
+}
+
+bool SoundStretcher::TryToStartSpectral(std::int64_t frame, const Sound& sound) noexcept {
+    if (fHits.IsHit() || fFade.Level() < kLeastLevel || RisesToDue(frame, sound.history)) return false;
+    const bool isVoice = SuitsVoiceFrames();
+    const double longest = isVoice ? kVoiceFrame * fSampleRate : std::numeric_limits<double>::infinity();
+    if (!fSpectral.Start(frame, fPiece.offset, longest, sound.map)) return false;
+    fFormer = fPiece;
+    fPiece = {fFormer.offset, true, isVoice};
+    fGain = 0;
+    fFormerGain = 1;
+    EndAt(fPosition + kListenEvery * fSampleRate);
+    return true;
+}
+
+// A voice does not go on that long without a splice that suits it.
+bool SoundStretcher::SuitsVoiceFrames() const noexcept {
+    return fJudge.HasPitch() && fTries < kMostTries;
+}
+
+// Whether a sound that dies away would be heard to rise if it went on with what is due instead of what is read.
+bool SoundStretcher::RisesToDue(std::int64_t frame, const HistoryBuffer& history) const noexcept {
+    const auto compared = static_cast<std::int64_t>(kComparedSeconds * fSampleRate);
+    const SpliceSearch::Present present = {history, std::llround(Place()) - compared / 2,
+                                           static_cast<std::size_t>(compared)};
+    return fSearch.RiseTo(present, history, frame - compared / 2) > SpliceFade::kMostRise;
 }
 
 } // namespace qoc::dsp

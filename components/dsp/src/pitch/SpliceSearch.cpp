@@ -21,6 +21,7 @@ constexpr double kPull = 0.4;
 // Of the energy of what is compared: below it nothing resembles anything.
 constexpr double kSilence = 1e-6;
 constexpr double kLeast = 1e-20;
+constexpr double kInaudible = 1e-10; // a sample
 
 double Product(const float* one, const float* other, std::size_t count) noexcept {
     return UnrolledSum<double>(0, count, [=](std::size_t i) { return double{one[i]} * other[i]; });
@@ -61,13 +62,13 @@ void SpliceSearch::Prepare(std::size_t channels, double sampleRate, std::size_t 
     fEnergy.assign(most + 1, 0.0);
 }
 
-SpliceSearch::Place SpliceSearch::Find(const HistoryBuffer& history, std::int64_t present, const Room& room,
-                                       std::size_t length) noexcept {
+SpliceSearch::Place SpliceSearch::Find(const Present& present, const HistoryBuffer& history,
+                                       const Room& room) noexcept {
     const auto step = static_cast<std::int64_t>(fStep);
     const std::int64_t first = room.wanted - static_cast<std::int64_t>(fRoom) / 2 * step;
-    Correlate(history, present, first, length / fStep);
+    Correlate(present, history, first);
     const std::size_t best = BestCoarse(room, first);
-    Place place = Refine(history, present, first + static_cast<std::int64_t>(best) * step, length);
+    Place place = Refine(present, history, first + static_cast<std::int64_t>(best) * step);
     place.time = std::clamp(place.time, static_cast<double>(room.first), static_cast<double>(room.last));
     return place;
 }
@@ -81,8 +82,8 @@ void SpliceSearch::Gather(const float* sound, std::size_t count, std::span<std::
 }
 
 // Leaves the likeness of each coarse place in fSound.
-void SpliceSearch::Correlate(const HistoryBuffer& history, std::int64_t present, std::int64_t first,
-                             std::size_t length) noexcept {
+void SpliceSearch::Correlate(const Present& present, const HistoryBuffer& history, std::int64_t first) noexcept {
+    const std::size_t length = present.length / fStep;
     const std::size_t nearby = length + fRoom;
     fTransform = &*std::ranges::find_if(fTransforms, [nearby](const RealFFT& each) { return each.Size() >= nearby; });
     const std::size_t bins = fTransform->Bins();
@@ -90,7 +91,7 @@ void SpliceSearch::Correlate(const HistoryBuffer& history, std::int64_t present,
     std::fill_n(fEnergy.begin(), nearby + 1, 0.0);
     fPresentEnergy = 0;
     for (std::size_t channel = 0; channel < fChannels; ++channel) {
-        Gather(history.At(channel, present), length, {fPresent.data(), bins});
+        Gather(present.sound.At(channel, present.time), length, {fPresent.data(), bins});
         fPresentEnergy += Product(fSound.data(), fSound.data(), length);
         Gather(history.At(channel, first), nearby, {fNear.data(), bins});
         for (std::size_t i = 0; i < nearby; ++i)
@@ -123,9 +124,9 @@ std::size_t SpliceSearch::BestCoarse(const Room& room, std::int64_t first) const
     return best;
 }
 
-SpliceSearch::Place SpliceSearch::Refine(const HistoryBuffer& history, std::int64_t present, std::int64_t time,
-                                         std::size_t length) const noexcept {
-    const auto likenessAt = [&](std::int64_t at) { return LikenessAt(history, present, at, length); };
+SpliceSearch::Place SpliceSearch::Refine(const Present& present, const HistoryBuffer& history,
+                                         std::int64_t time) const noexcept {
+    const auto likenessAt = [&](std::int64_t at) { return LikenessAt(present, history, at); };
     const std::int64_t reach = fStep == 1 ? 0 : static_cast<std::int64_t>(fStep);
     double before = 0;
     double peak = likenessAt(time - reach - 1);
@@ -138,9 +139,15 @@ SpliceSearch::Place SpliceSearch::Refine(const HistoryBuffer& history, std::int6
         best = peak;
         found = static_cast<double>(at) + PeakBetween(before, peak, behind);
     }
-    const double energy = EnergyAt(history, present, length) + kLeast;
-    const double rise = (EnergyAt(history, std::llround(found), length) + kLeast) / energy;
-    return {found, std::clamp(best / std::sqrt(energy), 0.0, 1.0), rise};
+    const double energy = EnergyAt(present.sound, present.time, present.length) + kLeast;
+    const double rise = RiseTo(present, history, std::llround(found));
+    const bool isSilent = std::max(1.0, rise) * energy < kInaudible * static_cast<double>(present.length);
+    return {found, isSilent ? 1 : std::clamp(best / std::sqrt(energy), 0.0, 1.0), rise};
+}
+
+double SpliceSearch::RiseTo(const Present& present, const HistoryBuffer& history, std::int64_t time) const noexcept {
+    return (EnergyAt(history, time, present.length) + kLeast) /
+           (EnergyAt(present.sound, present.time, present.length) + kLeast);
 }
 
 double SpliceSearch::EnergyAt(const HistoryBuffer& history, std::int64_t time, std::size_t length) const noexcept {
@@ -150,14 +157,14 @@ double SpliceSearch::EnergyAt(const HistoryBuffer& history, std::int64_t time, s
     return energy;
 }
 
-double SpliceSearch::LikenessAt(const HistoryBuffer& history, std::int64_t present, std::int64_t time,
-                                std::size_t length) const noexcept {
+double SpliceSearch::LikenessAt(const Present& present, const HistoryBuffer& history,
+                                std::int64_t time) const noexcept {
     double product = 0;
     double energy = 0;
     for (std::size_t channel = 0; channel < fChannels; ++channel) {
         const float* const sound = history.At(channel, time);
-        product += Product(history.At(channel, present), sound, length);
-        energy += Product(sound, sound, length);
+        product += Product(present.sound.At(channel, present.time), sound, present.length);
+        energy += Product(sound, sound, present.length);
     }
     return Normalised(product, energy, fPresentEnergy);
 }

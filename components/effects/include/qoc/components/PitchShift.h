@@ -7,6 +7,8 @@
 #include "qoc/dsp/pitch/TimeMap.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
 
+#include <array>
+
 namespace qoc::components {
 
 // Shifts the pitch and keeps the length: the sound is stretched by the ratio and read back that much faster, in one go.
@@ -41,12 +43,11 @@ private:
     void WriteShifted(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::int64_t source,
                       float wet) noexcept;
     void PlaceReading(double place, Reading& reading) noexcept;
-    float Read(const Reading& reading, std::size_t channel) const noexcept;
+    static float Read(const HistoryBuffer& sound, const Reading& reading, std::size_t channel) noexcept;
 
     BandLimitedInterpolator fInterpolator;
     BandLimitedInterpolator::Precision fPrecision = BandLimitedInterpolator::Precision::kHigh;
-    Reading fPresent;
-    Reading fFormer; // of the piece that fades out
+    std::array<Reading, 2> fReadings; // of the stretcher's voices
     TimeMap fTimeMap;
     HistoryBuffer fHistory;
     OnsetDetector fOnsets;

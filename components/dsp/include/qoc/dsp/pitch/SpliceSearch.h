@@ -36,21 +36,28 @@ public:
         double rise = 1;     // of the energy
     };
 
-    // The place in the room from which on `length` samples resemble those from `present` on most, rather close to the
-    // wanted one than far. The history has all samples from room and length before to as much behind both times.
-    Place Find(const HistoryBuffer& history, std::int64_t present, const Room& room, std::size_t length) noexcept;
+    // What is to go on: `length` samples from a time on.
+    struct Present {
+        const HistoryBuffer& sound;
+        std::int64_t time = 0;
+        std::size_t length = 0;
+    };
+
+    // The place in the room from which on the history resembles the present sound most, rather close to the wanted one
+    // than far. The history has all samples from room and length before to as much behind the wanted time.
+    Place Find(const Present& present, const HistoryBuffer& history, const Room& room) noexcept;
+    // The energy of the history from `time` on against that of the present sound.
+    double RiseTo(const Present& present, const HistoryBuffer& history, std::int64_t time) const noexcept;
 
 private:
     // Leaves `count` coarse samples, sums of fStep each, in fSound, and their spectrum.
     void Gather(const float* sound, std::size_t count, std::span<std::complex<float>> spectrum) noexcept;
-    void Correlate(const HistoryBuffer& history, std::int64_t present, std::int64_t first, std::size_t length) noexcept;
+    void Correlate(const Present& present, const HistoryBuffer& history, std::int64_t first) noexcept;
     // From coarse place to coarse place, of which `first` is that at time 0.
     std::size_t BestCoarse(const Room& room, std::int64_t first) const noexcept;
-    Place Refine(const HistoryBuffer& history, std::int64_t present, std::int64_t time,
-                 std::size_t length) const noexcept;
+    Place Refine(const Present& present, const HistoryBuffer& history, std::int64_t time) const noexcept;
     double EnergyAt(const HistoryBuffer& history, std::int64_t time, std::size_t length) const noexcept;
-    double LikenessAt(const HistoryBuffer& history, std::int64_t present, std::int64_t time,
-                      std::size_t length) const noexcept;
+    double LikenessAt(const Present& present, const HistoryBuffer& history, std::int64_t time) const noexcept;
 
     std::size_t fChannels = 0;
     std::size_t fStep = 1;            // samples to a coarse one

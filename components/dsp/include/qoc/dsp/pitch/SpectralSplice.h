@@ -1,0 +1,45 @@
+#pragma once
+
+#include <array>
+#include <complex>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace qoc::dsp {
+
+// Turns the phases of a frame so that it goes on where another one has brought the sound: each peak of the spectrum
+// with all that lies nearer to it than to the next (identity phase locking, Laroche and Dolson, "Improved phase vocoder
+// time-scale modification of audio", 1999), by the angle that brings the frame a hop before nearest to the one that
+// sounded (Puckette, "Phase-locked vocoder", 1995), so that no frequency has to be estimated and none is off. All
+// channels are turned alike, which keeps what lies between them. Owned by the spectral stretcher. Everything but
+// Prepare is real time safe.
+class SpectralSplice {
+public:
+    using Bin = std::complex<float>;
+
+    struct Channel {
+        std::span<const Bin> present;
+        std::span<const Bin> before; // the sound a hop before `present`
+        std::span<Bin> sounded;      // the frame that sounds then; becomes the present one, turned
+    };
+
+    // `bins`: the most a spectrum has. Allocates.
+    void Prepare(std::size_t bins);
+    // How many frames overlap, under Hann's window before and behind the transform. What two frames in a row don't have
+    // in common gets lost where they overlap: regions are made so much louder.
+    void SetOverlap(double frames) noexcept;
+    void Turn(std::span<const Channel> channels) noexcept;
+
+private:
+    void FindRegions(std::span<const Channel> channels) noexcept;
+    float GainAt(double coherence) const noexcept;
+    bool IsPeak(std::size_t bin, std::size_t bins) const noexcept;
+
+    std::array<float, 33> fGains{}; // by coherence, from 0 to 1
+    double fOverlap = 0;
+    std::vector<float> fPower;      // of all channels
+    std::vector<std::size_t> fEnds; // of the regions, one behind the last bin
+};
+
+} // namespace qoc::dsp

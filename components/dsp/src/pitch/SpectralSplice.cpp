@@ -1,0 +1,139 @@
+#include "qoc/dsp/pitch/SpectralSplice.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace qoc::dsp {
+
+namespace {
+
+// A peak is higher than so many bins to either side: the width of a window's main lobe.
+constexpr std::size_t kNeighbours = 1;
+
+// Written out: the operator takes care of infinite values, which costs time.
+std::complex<float> Product(std::complex<float> one, std::complex<float> other) noexcept {
+    return {one.real() * other.real() - one.imag() * other.imag(),
+            one.real() * other.imag() + one.imag() * other.real()};
+}
+
+std::complex<float> Unit(std::complex<double> value) noexcept {
+    const double size = std::sqrt(std::norm(value));
+    if (!(size > 0) || !std::isfinite(size)) return 1;
+    return {static_cast<float>(value.real() / size), static_cast<float>(value.imag() / size)};
+}
+
+// Of a region.
+struct Common {
+    std::complex<double> product; // what turns `before` nearest to what sounded
+    double before = 0;
+    double sounded = 0;
+};
+
+void Add(const SpectralSplice::Channel& channel, std::size_t begin, std::size_t end, Common& common) noexcept {
+    std::complex<float> product;
+    float before = 0;
+    float sounded = 0;
+    for (std::size_t bin = begin; bin < end; ++bin) {
+        product += Product(channel.sounded[bin], std::conj(channel.before[bin]));
+        before += std::norm(channel.before[bin]);
+        sounded += std::norm(channel.sounded[bin]);
+    }
+    common.product += product;
+    common.before += before;
+    common.sounded += sounded;
+}
+
+// The integral over the product of two squared Hann windows, so much of their length apart, against that of one.
+double WindowsInCommon(double apart) noexcept {
+    constexpr int kPoints = 64;
+    const auto square = [](double place) { return std::pow(std::sin(std::numbers::pi * place), 4); };
+    double sum = 0;
+    for (int i = 0; i < kPoints; ++i) {
+        const double place = apart + (1 - apart) * (i + 0.5) / kPoints;
+        sum += square(place) * square(place - apart) * (1 - apart) / kPoints;
+    }
+    return sum / (35.0 / 128);
+}
+
+} // namespace
+
+void SpectralSplice::Prepare(std::size_t bins) {
+    fPower.assign(bins, 0.0F);
+    fEnds.assign(bins, 0);
+    fEnds.clear();
+}
+
+void SpectralSplice::Turn(std::span<const Channel> channels) noexcept {
+    FindRegions(channels);
+    std::size_t begin = 0;
+    for (const std::size_t end : fEnds) {
+        Common common;
+        for (const Channel& channel : channels)
+            Add(channel, begin, end, common);
+        const double coherence = std::abs(common.product) / std::sqrt(common.before * common.sounded);
+        const std::complex<float> turn = Unit(common.product) * GainAt(coherence);
+        for (const Channel& channel : channels) {
+            for (std::size_t bin = begin; bin < end; ++bin)
+                channel.sounded[bin] = Product(channel.present[bin], turn);
+        }
+        begin = end;
+    }
+}
+
+// The power of a sum of frames, of which each has `coherence` in common with the next, against that of equal ones.
+void SpectralSplice::SetOverlap(double frames) noexcept {
+    if (frames == fOverlap) return;
+    fOverlap = frames;
+    for (std::size_t i = 0; i < fGains.size(); ++i) {
+        const double coherence = static_cast<double>(i) / static_cast<double>(fGains.size() - 1);
+        double power = 1;
+        double equal = 1;
+        double share = 1;
+        for (int apart = 1; apart < frames; ++apart) {
+            const double common = 2 * WindowsInCommon(apart / frames);
+            power += common * (share *= coherence);
+            equal += common;
+        }
+        fGains[i] = static_cast<float>(std::sqrt(equal / power));
+    }
+}
+
+float SpectralSplice::GainAt(double coherence) const noexcept {
+    if (!(coherence < 1)) return 1;
+    const double place = coherence * static_cast<double>(fGains.size() - 1);
+    const auto before = static_cast<std::size_t>(place);
+    return std::lerp(fGains[before], fGains[before + 1], static_cast<float>(place - static_cast<double>(before)));
+}
+
+// A region ends at the lowest bin between two peaks.
+void SpectralSplice::FindRegions(std::span<const Channel> channels) noexcept {
+    const std::size_t bins = channels.front().present.size();
+    std::fill_n(fPower.begin(), bins, 0.0F);
+    for (const Channel& channel : channels) {
+        for (std::size_t bin = 0; bin < bins; ++bin)
+            fPower[bin] += std::norm(channel.present[bin]);
+    }
+    fEnds.clear();
+    std::size_t lowest = 0; // since the last peak
+    bool hasPeak = false;
+    for (std::size_t bin = 0; bin < bins; ++bin) {
+        if (fPower[bin] < fPower[lowest]) lowest = bin;
+        if (!IsPeak(bin, bins)) continue;
+        if (hasPeak) fEnds.push_back(lowest);
+        hasPeak = true;
+        lowest = bin;
+    }
+    fEnds.push_back(bins);
+}
+
+bool SpectralSplice::IsPeak(std::size_t bin, std::size_t bins) const noexcept {
+    const std::size_t begin = bin - std::min(bin, kNeighbours);
+    const std::size_t end = std::min(bin + kNeighbours + 1, bins);
+    for (std::size_t other = begin; other < end; ++other) {
+        if (fPower[other] > fPower[bin] || (other < bin && fPower[other] == fPower[bin])) return false;
+    }
+    return true;
+}
+
+} // namespace qoc::dsp
