@@ -26,6 +26,9 @@ constexpr double kListenBefore = 0.004; // seconds
 constexpr double kListenEvery = 0.05;
 // A piece that is that much softer than its sound is no beginning.
 constexpr double kLeastLevel = 0.9;
+// A sound that has fallen by more than that in that time dies away too fast for frames.
+constexpr double kMostFall = 16; // of the energy
+constexpr double kLately = 0.05; // seconds
 // Frames, at most, for a sound with a pitch: its tones lie far from each other, and move.
 constexpr double kVoiceFrame = 0.048; // seconds
 constexpr int kMostTries = 10;
@@ -230,7 +233,7 @@ bool SoundStretcher::StaysSpectral(std::int64_t frame, double likeness, const So
 }
 
 bool SoundStretcher::TryToStartSpectral(std::int64_t frame, const Sound& sound) noexcept {
-    if (fHits.IsHit() || fFade.Level() < kLeastLevel || RisesToDue(frame, sound.history)) return false;
+    if (fHits.IsHit() || fFade.Level() < kLeastLevel || WouldRise(frame, sound.history)) return false;
     const bool isVoice = SuitsVoiceFrames();
     const double longest = isVoice ? kVoiceFrame * fSampleRate : std::numeric_limits<double>::infinity();
     if (!fSpectral.Start(frame, fPiece.offset, longest, sound.map)) return false;
@@ -247,12 +250,15 @@ bool SoundStretcher::SuitsVoiceFrames() const noexcept {
     return fJudge.HasPitch() && fTries < kMostTries;
 }
 
-// Whether a sound that dies away would be heard to rise if it went on with what is due instead of what is read.
-bool SoundStretcher::RisesToDue(std::int64_t frame, const HistoryBuffer& history) const noexcept {
+// Whether a sound that dies away would be heard to rise if it went on with frames of what is due: because what is read
+// is ahead of that, or because frames would bring back what they begin with.
+bool SoundStretcher::WouldRise(std::int64_t frame, const HistoryBuffer& history) const noexcept {
     const auto compared = static_cast<std::int64_t>(kComparedSeconds * fSampleRate);
-    const SpliceSearch::Present present = {history, std::llround(Place()) - compared / 2,
-                                           static_cast<std::size_t>(compared)};
-    return fSearch.RiseTo(present, history, frame - compared / 2) > SpliceFade::kMostRise;
+    const auto place = std::llround(Place()) - compared / 2;
+    const SpliceSearch::Present present = {history, place, static_cast<std::size_t>(compared)};
+    const auto lately = place - std::llround(kLately * fSampleRate);
+    return fSearch.RiseTo(present, history, frame - compared / 2) > SpliceFade::kMostRise ||
+           fSearch.RiseTo(present, history, lately) > kMostFall;
 }
 
 } // namespace qoc::dsp

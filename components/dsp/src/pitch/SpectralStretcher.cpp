@@ -14,13 +14,15 @@ namespace qoc::dsp {
 namespace {
 
 // Of frames: the longest that there is time for is the best, as it keeps more tones apart.
-constexpr std::array<double, 6> kFrames = {0.032, 0.046, 0.07, 0.0925, 0.11, 0.128}; // seconds
+constexpr std::array<double, 7> kFrames = {0.032, 0.046, 0.07, 0.0925, 0.11, 0.128, 0.145}; // seconds
 // What there always is time for: frames of which size at which ratio.
 constexpr std::size_t kShortSize = 2;
 constexpr double kLowestRatio = 0.5;
 constexpr std::size_t kUsualSize = 3;
 constexpr double kUsualRatio = 0.75;
 constexpr double kSlack = 0.01; // seconds
+// So much later than it is due a sound without hits may change for the sake of longer frames.
+constexpr double kMostLate = 0.032;
 // The mean of a squared Hann window, and how much of what frames add up to counts as all.
 constexpr double kWindowMean = 0.375;
 constexpr double kWhole = 0.98;
@@ -54,6 +56,7 @@ std::vector<float> HannWindow(std::size_t size) {
 void SpectralStretcher::Prepare(std::size_t channels, double sampleRate, std::size_t margin) {
     fMargin = static_cast<std::int64_t>(margin);
     fSlack = static_cast<std::int64_t>(kSlack * sampleRate);
+    fMostLate = static_cast<std::int64_t>(kMostLate * sampleRate);
     fSizes.clear();
     for (const double seconds : kFrames) {
         const std::size_t size = FastSize(seconds * sampleRate);
@@ -160,9 +163,11 @@ bool SpectralStretcher::Start(std::int64_t frame, double offset, double longest,
 SpectralStretcher::Fit SpectralStretcher::FitOf(const Size& size, std::int64_t frame, double offset,
                                                 const TimeMap& map) const noexcept {
     const auto position = static_cast<double>(Lead(frame, map) + size.half);
-    const auto due = static_cast<std::int64_t>(std::ceil(map.FrameAt(position)));
+    const std::int64_t known = frame + fReach - size.half;
+    const std::int64_t late = static_cast<std::int64_t>(std::ceil(map.FrameAt(position))) - known;
+    const std::int64_t due = known + std::min<std::int64_t>(late, 0);
     const auto heard = static_cast<std::int64_t>(position + offset);
-    if (due + size.half > frame + fReach || std::max(due, heard) + size.half > fLastBound) return Fit::kNot;
+    if (late > fMostLate || std::max(due, heard) + size.half > fLastBound) return Fit::kNot;
     return std::min(due, heard) - size.half < fFirstBound ? Fit::kNotYet : Fit::kNow;
 }
 

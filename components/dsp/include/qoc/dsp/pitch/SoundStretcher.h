@@ -91,7 +91,7 @@ private:
     bool StaysSpectral(std::int64_t frame, double likeness, const Sound& sound) noexcept;
     bool TryToStartSpectral(std::int64_t frame, const Sound& sound) noexcept;
     bool SuitsVoiceFrames() const noexcept;
-    bool RisesToDue(std::int64_t frame, const HistoryBuffer& history) const noexcept;
+    bool WouldRise(std::int64_t frame, const HistoryBuffer& history) const noexcept;
     void EndAt(double position) noexcept;
 
     double fSampleRate = 44100;

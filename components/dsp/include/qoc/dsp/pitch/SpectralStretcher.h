@@ -86,6 +86,7 @@ private:
     std::int64_t fMargin = 0;
     double fLongest = 0;
     double fFrames = 4;
+    std::int64_t fMostLate = 0;
     std::int64_t fSlack = 0;  // frames over which the work of one is spread
     std::vector<Size> fSizes; // from short to long
     const Size* fSize = nullptr;
