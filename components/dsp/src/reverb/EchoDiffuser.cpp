@@ -24,23 +24,38 @@ constexpr float kGain = 0.25F; // of a line, so that all of them have the energy
 static_assert(kGain * kGain * EchoDiffuser::kLines == 1);
 
 // A bent function: rotations of it are nowhere large.
-constexpr float SignOf(std::size_t line) noexcept {
-    const std::size_t negative = (line & (line >> 1U) & 1U) ^ ((line >> 2U) & (line >> 3U) & 1U);
-    return negative != 0 ? -1.0F : 1.0F;
-}
-
-void Rotate(const RotationPiece& rotation, EchoDiffuser::Lines& lines) noexcept {
-    for (std::size_t i = 0; i < EchoDiffuser::kLines; i += 4)
-        RotateFour(rotation, lines[i], lines[i + 1], lines[i + 2], lines[i + 3]);
-    for (std::size_t i = 0; i < EchoDiffuser::kLines / 4; ++i)
-        RotateFour(rotation, lines[i], lines[i + 4], lines[i + 8], lines[i + 12]);
+constexpr bool IsUpsideDown(std::size_t line) noexcept {
+    return (((line & (line >> 1U)) ^ ((line >> 2U) & (line >> 3U))) & 1U) != 0;
 }
 
 } // namespace
 
+// Sounds are turned by tangents, and scaled before by the fourth power of the cosine: once for each stride.
+struct EchoDiffuser::Rotations {
+    Rotations(const Voice& from, const Voice& to, const SoundPiece& share) noexcept {
+        SetBetween(from.tangent, to.tangent, share, tangent);
+        for (std::size_t i = 0; i < kPieceFrames; ++i) {
+            const float squared = 1 / (1 + tangent[i] * tangent[i]);
+            gain[i] = squared * squared;
+            opposite[i] = -gain[i];
+        }
+    }
+
+    void Turn(Lines& lines) const noexcept {
+        for (std::size_t i = 0; i < kLines; i += 4)
+            RotateFour(tangent, lines[i], lines[i + 1], lines[i + 2], lines[i + 3]);
+        for (std::size_t i = 0; i < kLines / 4; ++i)
+            RotateFour(tangent, lines[i], lines[i + 4], lines[i + 8], lines[i + 12]);
+    }
+
+    SoundPiece tangent;
+    SoundPiece gain;
+    SoundPiece opposite;
+};
+
 EchoDiffuser::Voice EchoDiffuser::Voice::Of(double diffusion, double spread) noexcept {
     const double angle = std::numbers::pi / 4 * std::sqrt(diffusion);
-    return {static_cast<float>(std::cos(angle)), static_cast<float>(std::sin(angle)), static_cast<float>(spread)};
+    return {static_cast<float>(std::tan(angle)), static_cast<float>(spread)};
 }
 
 void EchoDiffuser::Prepare(double sampleRate, std::size_t number) {
@@ -48,7 +63,7 @@ void EchoDiffuser::Prepare(double sampleRate, std::size_t number) {
         const double longest = kLongestSeconds[stage] * sampleRate;
         for (std::size_t line = 0; line < kLines; ++line)
             fStages[stage].longest[line] = static_cast<float>(PlaceOf(number, stage, line) * longest);
-        // All lines of the first stage delay the same sound.
+        fStages[stage].isOneRing = stage == 0;
         fStages[stage].rings.Prepare(stage == 0 ? 1 : kLines, static_cast<std::size_t>(longest));
     }
 }
@@ -59,41 +74,57 @@ void EchoDiffuser::Reset() noexcept {
 }
 
 void EchoDiffuser::Process(const SoundPiece& sound, const Glide& glide, std::size_t frames, Lines& lines) noexcept {
-    Rotate(Diffuse(sound, glide, frames, lines), lines);
+    const Rotations rotations(glide.from, glide.to, glide.share);
+    Begin(sound, glide, rotations, lines);
+    fStages[kStages - 1].Read(glide, rotations, lines);
+    rotations.Turn(lines);
+    Advance(frames);
 }
 
+// What is turned last would only be added up.
 void EchoDiffuser::Process(const SoundPiece& sound, const Glide& glide, std::size_t frames, SoundPiece& sum) noexcept {
     Lines lines;
-    Diffuse(sound, glide, frames, lines);
+    Begin(sound, glide, Rotations(glide.from, glide.to, glide.share), lines);
+    fStages[kStages - 1].Read(glide, Rotations({0, 1}, {0, 1}, glide.share), lines);
     sum.fill(0);
     for (const SoundPiece& line : lines)
         AddScaled(line.data(), 1, sum.data());
+    Advance(frames);
 }
 
-// But for the last rotations, which are returned.
-RotationPiece EchoDiffuser::Diffuse(const SoundPiece& sound, const Glide& glide, std::size_t frames,
-                                    Lines& lines) noexcept {
-    const RotationPiece rotation({glide.from.cosine, glide.from.sine}, {glide.to.cosine, glide.to.sine}, glide.share);
-    fStages[0].rings.Write(0, sound);
-    for (std::size_t line = 0; line < kLines; ++line)
-        fStages[0].Read(0, line, glide, kGain, lines[line]);
+// Up to the last stage's delays.
+void EchoDiffuser::Begin(const SoundPiece& sound, const Glide& glide, const Rotations& rotations,
+                         Lines& lines) noexcept {
+    SoundPiece share = sound;
+    Scale(share, kGain);
+    fStages[0].rings.Write(0, share);
     for (std::size_t stage = 1; stage < kStages; ++stage) {
-        Rotate(rotation, lines);
-        for (std::size_t line = 0; line < kLines; ++line) {
+        fStages[stage - 1].Read(glide, rotations, lines);
+        rotations.Turn(lines);
+        for (std::size_t line = 0; line < kLines; ++line)
             fStages[stage].rings.Write(line, lines[line]);
-            fStages[stage].Read(line, line, glide, 1, lines[line]);
-        }
     }
+}
+
+void EchoDiffuser::Advance(std::size_t frames) noexcept {
     for (Stage& stage : fStages)
         stage.rings.Advance(frames);
-    return rotation;
 }
 
-void EchoDiffuser::Stage::Read(std::size_t ring, std::size_t line, const Glide& glide, float gain,
-                               SoundPiece& sound) const noexcept {
-    const auto before = static_cast<std::size_t>(glide.from.spread * longest[line]);
-    const auto delay = static_cast<std::size_t>(glide.to.spread * longest[line]);
-    ReadFading(rings.Read(ring, before), rings.Read(ring, delay), glide.share, gain * SignOf(line), sound);
+void EchoDiffuser::Stage::Read(const Glide& glide, const Rotations& rotations, Lines& lines) const noexcept {
+    for (std::size_t line = 0; line < kLines; ++line) {
+        const std::size_t ring = isOneRing ? 0 : line;
+        const SoundPiece& gain = IsUpsideDown(line) ? rotations.opposite : rotations.gain;
+        const float* const heard = rings.Read(ring, static_cast<std::size_t>(glide.to.spread * longest[line]));
+        if (glide.from.spread == glide.to.spread) {
+            Multiply(heard, gain, lines[line]);
+            continue;
+        }
+        const float* const before = rings.Read(ring, static_cast<std::size_t>(glide.from.spread * longest[line]));
+        SoundPiece both;
+        Fade(before, heard, glide.share, both);
+        Multiply(both.data(), gain, lines[line]);
+    }
 }
 
 } // namespace qoc::dsp

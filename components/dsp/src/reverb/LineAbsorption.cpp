@@ -47,50 +47,47 @@ void LineAbsorption::Reset() noexcept {
     fOutputBefore = {};
 }
 
-void LineAbsorption::Process(const Voice& from, const Voice& to, const SoundPiece& share, std::size_t frames,
-                             bool isGliding, Lines& sound) noexcept {
-    if (!isGliding && !to.isFlat) {
+void LineAbsorption::Process(const Source& from, const Source& to, const SoundPiece& share, std::size_t frames,
+                             bool isGliding, Lines& lines) noexcept {
+    if (isGliding) {
+        for (std::size_t line = 0; line < kLines; ++line) {
+            Fade(from.sound[line], to.sound[line], share, lines[line]);
+            ShelveGliding(line, from.voice, to.voice, share, frames, lines[line]);
+        }
+    } else if (to.voice.isFlat) {
+        Amplify(to, frames, lines);
+    } else {
         for (std::size_t first = 0; first < kLines; first += kAtOnce)
-            Shelve(first, to, frames, sound);
-        return;
+            Shelve(first, to, frames, lines);
     }
+}
+
+void LineAbsorption::Amplify(const Source& source, std::size_t frames, Lines& lines) noexcept {
     for (std::size_t line = 0; line < kLines; ++line) {
-        if (from.isFlat && to.isFlat)
-            Amplify(line, from, to, share, frames, sound[line]);
-        else
-            ShelveGliding(line, from, to, share, frames, sound[line]);
+        qoc::dsp::Scale(source.sound[line], source.voice.b0[line], lines[line]);
+        fInputBefore[line] = source.sound[line][frames - 1];
+        fOutputBefore[line] = lines[line][frames - 1];
     }
 }
 
-void LineAbsorption::Amplify(std::size_t line, const Voice& from, const Voice& to, const SoundPiece& share,
-                             std::size_t frames, SoundPiece& sound) noexcept {
-    fInputBefore[line] = sound[frames - 1];
-    SoundPiece gain;
-    SetBetween(from.b0[line], to.b0[line], share, gain);
-    for (std::size_t i = 0; i < kPieceFrames; ++i)
-        sound[i] *= gain[i];
-    fOutputBefore[line] = sound[frames - 1];
-}
-
-void LineAbsorption::Shelve(std::size_t first, const Voice& voice, std::size_t frames, Lines& sound) noexcept {
+void LineAbsorption::Shelve(std::size_t first, const Source& source, std::size_t frames, Lines& lines) noexcept {
     std::array<float, kAtOnce> a1;
     std::array<float, kAtOnce> output;
     for (std::size_t k = 0; k < kAtOnce; ++k) {
         const std::size_t line = first + k;
-        std::array<float, 1 + kPieceFrames> inputs;
-        inputs[0] = fInputBefore[line];
-        std::ranges::copy(sound[line], inputs.begin() + 1);
-        const float b0 = voice.b0[line];
-        const float b1 = voice.b1[line];
-        for (std::size_t i = 0; i < kPieceFrames; ++i)
-            sound[line][i] = b0 * inputs[1 + i] + b1 * inputs[i];
-        fInputBefore[line] = inputs[frames];
-        a1[k] = voice.a1[line];
+        const float* const sound = source.sound[line];
+        const float b0 = source.voice.b0[line];
+        const float b1 = source.voice.b1[line];
+        lines[line][0] = b0 * sound[0] + b1 * fInputBefore[line];
+        for (std::size_t i = 1; i < kPieceFrames; ++i)
+            lines[line][i] = b0 * sound[i] + b1 * sound[i - 1];
+        fInputBefore[line] = sound[frames - 1];
+        a1[k] = source.voice.a1[line];
         output[k] = fOutputBefore[line];
     }
     for (std::size_t i = 0; i < frames; ++i) {
         for (std::size_t k = 0; k < kAtOnce; ++k)
-            sound[first + k][i] = output[k] = sound[first + k][i] - a1[k] * output[k];
+            lines[first + k][i] = output[k] = lines[first + k][i] - a1[k] * output[k];
     }
     std::ranges::copy(output, fOutputBefore.begin() + static_cast<std::ptrdiff_t>(first));
 }

@@ -19,6 +19,11 @@ inline void Scale(SoundPiece& sound, float gain) noexcept {
         sample *= gain;
 }
 
+inline void Scale(const float* __restrict from, float gain, SoundPiece& __restrict to) noexcept {
+    for (std::size_t i = 0; i < kPieceFrames; ++i)
+        to[i] = gain * from[i];
+}
+
 inline void AddScaled(const float* __restrict from, float gain, float* __restrict to) noexcept {
     for (std::size_t i = 0; i < kPieceFrames; ++i)
         to[i] += gain * from[i];
@@ -30,16 +35,16 @@ inline void SetBetween(float from, float to, const SoundPiece& share, SoundPiece
         values[i] = from + share[i] * (to - from);
 }
 
-// What is heard at a place, or at two that are faded between, so many times as loud.
-inline void ReadFading(const float* __restrict from, const float* __restrict to, const SoundPiece& share, float gain,
-                       SoundPiece& __restrict values) noexcept {
-    if (from == to) {
-        for (std::size_t i = 0; i < kPieceFrames; ++i)
-            values[i] = gain * to[i];
-        return;
-    }
+// From one sound to another; `share`: of the latter.
+inline void Fade(const float* __restrict from, const float* __restrict to, const SoundPiece& share,
+                 SoundPiece& __restrict values) noexcept {
     for (std::size_t i = 0; i < kPieceFrames; ++i)
-        values[i] = gain * (from[i] + share[i] * (to[i] - from[i]));
+        values[i] = from[i] + share[i] * (to[i] - from[i]);
+}
+
+inline void Multiply(const float* __restrict sound, const SoundPiece& gain, SoundPiece& __restrict values) noexcept {
+    for (std::size_t i = 0; i < kPieceFrames; ++i)
+        values[i] = sound[i] * gain[i];
 }
 
 // The rotations between two, at each sample.
@@ -59,20 +64,19 @@ struct RotationPiece {
     SoundPiece sine;
 };
 
-// The pairs a, b and c, d, then a, c and b, d: two stages of rotations of four lines at once.
-inline void RotateFour(const RotationPiece& rotation, SoundPiece& __restrict a, SoundPiece& __restrict b,
+// The pairs a, b and c, d, then a, c and b, d: two stages of rotations of four lines at once, by their tangents. What
+// comes out is as much too loud as the cosines' square is below 1.
+inline void RotateFour(const SoundPiece& tangent, SoundPiece& __restrict a, SoundPiece& __restrict b,
                        SoundPiece& __restrict c, SoundPiece& __restrict d) noexcept {
-    const SoundPiece& cosine = rotation.cosine;
-    const SoundPiece& sine = rotation.sine;
     for (std::size_t i = 0; i < kPieceFrames; ++i) {
-        const float turnedA = cosine[i] * a[i] + sine[i] * b[i];
-        const float turnedB = cosine[i] * b[i] - sine[i] * a[i];
-        const float turnedC = cosine[i] * c[i] + sine[i] * d[i];
-        const float turnedD = cosine[i] * d[i] - sine[i] * c[i];
-        a[i] = cosine[i] * turnedA + sine[i] * turnedC;
-        b[i] = cosine[i] * turnedB + sine[i] * turnedD;
-        c[i] = cosine[i] * turnedC - sine[i] * turnedA;
-        d[i] = cosine[i] * turnedD - sine[i] * turnedB;
+        const float turnedA = a[i] + tangent[i] * b[i];
+        const float turnedB = b[i] - tangent[i] * a[i];
+        const float turnedC = c[i] + tangent[i] * d[i];
+        const float turnedD = d[i] - tangent[i] * c[i];
+        a[i] = turnedA + tangent[i] * turnedC;
+        b[i] = turnedB + tangent[i] * turnedD;
+        c[i] = turnedC - tangent[i] * turnedA;
+        d[i] = turnedD - tangent[i] * turnedB;
     }
 }
 

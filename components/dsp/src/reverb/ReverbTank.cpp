@@ -87,15 +87,15 @@ void ReverbTank::Set(const Settings& settings, bool settle) noexcept {
 void ReverbTank::Process(std::span<SoundPiece> channels, std::size_t frames) noexcept {
     const SoundPiece& share = fGlide.Share(frames);
     Take(channels);
-    ReadLines(fFrom.length, fTo.length, share);
-    fLost.Process(fFrom.lost, fTo.lost, share, frames, fGlide.IsMoving(), fLines);
+    const bool isGliding = fGlide.IsMoving();
+    fLost.Process({SoundAt(fFrom.length), fFrom.lost}, {SoundAt(fTo.length), fTo.lost}, share, frames, isGliding,
+                  fLines);
     Mix(share);
     for (std::size_t group = 0; group < fGroups.size(); ++group)
         Feed(group, share, frames);
     for (std::size_t line = 0; line < kLines; ++line)
         fRings.Write(line, fLines[line]);
-    ReadLines(fFrom.tap, fTo.tap, share);
-    fHeard.Process(fFrom.heard, fTo.heard, share, frames, fGlide.IsMoving(), fLines);
+    fHeard.Process({SoundAt(fFrom.tap), fFrom.heard}, {SoundAt(fTo.tap), fTo.heard}, share, frames, isGliding, fLines);
     for (std::size_t group = 0; group < fGroups.size(); ++group)
         Hear(group);
     for (std::size_t channel = 0; channel < channels.size(); ++channel)
@@ -160,9 +160,11 @@ void ReverbTank::Take(std::span<const SoundPiece> channels) noexcept {
         AddScaled(channels[channel].data(), 1, fGroups[channel % fGroups.size()].sound.data());
 }
 
-void ReverbTank::ReadLines(const Delays& from, const Delays& to, const SoundPiece& share) noexcept {
+std::array<const float*, ReverbTank::kLines> ReverbTank::SoundAt(const Delays& delays) const noexcept {
+    std::array<const float*, kLines> sound;
     for (std::size_t line = 0; line < kLines; ++line)
-        ReadFading(fRings.Read(line, from[line]), fRings.Read(line, to[line]), share, 1, fLines[line]);
+        sound[line] = fRings.Read(line, delays[line]);
+    return sound;
 }
 
 // The identity and a skew Hadamard matrix, as cosine and sine: orthogonal whatever the angle.

@@ -8,8 +8,6 @@
 
 namespace qoc::dsp {
 
-struct RotationPiece;
-
 // Makes a dense cluster of echoes of a sound within some tens of milliseconds: stages of delays, behind each of which
 // rotations mix the lines (a feed-forward network as in S. J. Schlecht, E. A. P. Habets, "Scattering in feedback delay
 // networks", IEEE/ACM TASLP 28, 2020). Each line gets thousands of echoes, another cluster each, and all lines together
@@ -24,8 +22,7 @@ public:
         // `diffusion` 0...1: from an echo a line to clusters. `spread` 0...1: of the longest delays.
         static Voice Of(double diffusion, double spread) noexcept;
 
-        float cosine = 1; // of the rotations
-        float sine = 0;
+        float tangent = 0; // of the rotations
         float spread = 1;
     };
 
@@ -47,14 +44,17 @@ public:
 private:
     static constexpr std::size_t kStages = 3;
 
+    struct Rotations;
     struct Stage {
-        void Read(std::size_t ring, std::size_t line, const Glide& glide, float gain, SoundPiece& sound) const noexcept;
+        void Read(const Glide& glide, const Rotations& rotations, Lines& lines) const noexcept;
 
         PieceRings rings;
+        bool isOneRing = false;              // all lines delay the same sound
         std::array<float, kLines> longest{}; // delays in samples
     };
 
-    RotationPiece Diffuse(const SoundPiece& sound, const Glide& glide, std::size_t frames, Lines& lines) noexcept;
+    void Begin(const SoundPiece& sound, const Glide& glide, const Rotations& rotations, Lines& lines) noexcept;
+    void Advance(std::size_t frames) noexcept;
 
     std::array<Stage, kStages> fStages;
 };

@@ -37,17 +37,22 @@ public:
     };
 
     void Reset() noexcept;
-    // `share`: of `to` against `from` at each of the samples, `frames` of which count. `isGliding`: they are not the
-    // same.
-    void Process(const Voice& from, const Voice& to, const SoundPiece& share, std::size_t frames, bool isGliding,
-                 Lines& sound) noexcept;
+    // What lines send, and how it is treated.
+    struct Source {
+        std::array<const float*, kLines> sound; // kPieceFrames samples of each
+        const Voice& voice;
+    };
+
+    // Makes what comes of the lines. `share`: of `to` against `from` at each of the samples, `frames` of which count.
+    // `isGliding`: they are not the same.
+    void Process(const Source& from, const Source& to, const SoundPiece& share, std::size_t frames, bool isGliding,
+                 Lines& lines) noexcept;
 
 private:
     static constexpr std::size_t kAtOnce = 8; // lines: a recursion waits for itself, several do not for each other
 
-    void Amplify(std::size_t line, const Voice& from, const Voice& to, const SoundPiece& share, std::size_t frames,
-                 SoundPiece& sound) noexcept;
-    void Shelve(std::size_t first, const Voice& voice, std::size_t frames, Lines& sound) noexcept;
+    void Amplify(const Source& source, std::size_t frames, Lines& lines) noexcept;
+    void Shelve(std::size_t first, const Source& source, std::size_t frames, Lines& lines) noexcept;
     void ShelveGliding(std::size_t line, const Voice& from, const Voice& to, const SoundPiece& share,
                        std::size_t frames, SoundPiece& sound) noexcept;
 

@@ -80,7 +80,7 @@ private:
     std::size_t LinesOf(std::size_t group) const noexcept;
     void FollowGlide() noexcept;
     void Take(std::span<const SoundPiece> channels) noexcept;
-    void ReadLines(const Delays& from, const Delays& to, const SoundPiece& share) noexcept;
+    std::array<const float*, kLines> SoundAt(const Delays& delays) const noexcept;
     void Mix(const SoundPiece& share) noexcept;
     void Feed(std::size_t group, const SoundPiece& share, std::size_t frames) noexcept;
     void Hear(std::size_t group) noexcept;
