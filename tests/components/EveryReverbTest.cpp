@@ -1,3 +1,4 @@
+#include "EveryVectorTarget.h"
 #include "MeasureReverb.h"
 #include "qoc/components/FullReverb.h"
 #include "qoc/components/ParameterIndices.h"
@@ -146,6 +147,17 @@ TEST(EveryReverb, AHeldToneStaysAtItsPitch) {
     for (const Kind& kind : kKinds) {
         const Channels output = test::Processed(*Prepared(kind), {tone, tone});
         EXPECT_LT(Wander(output[0], kHertz, 4, 44100), 1) << kind.name;
+    }
+}
+
+TEST(EveryReverb, SoundsTheSameWithEveryKindOfVectors) {
+    for (const Kind& kind : kKinds) {
+        Channels first;
+        test::WithEveryVectorTarget([&](const std::string& name) {
+            const Channels response = test::ImpulseResponse(*Prepared(kind, 2, 44100, 60), 8820);
+            if (first.empty()) first = response;
+            EXPECT_TRUE(response == first) << kind.name << " " << name;
+        });
     }
 }
 

@@ -1,5 +1,7 @@
 #include "qoc/dsp/reverb/EarlyReflections.h"
 
+#include "LineVectors.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -183,19 +185,29 @@ void EarlyReflections::Add(const Taps& taps, const Part& part, bool isBefore, st
     Add(taps.reflected, part, isBefore, reflected);
 }
 
+// As many taps of the first one's channel as are added at once. Returns their number.
+std::size_t EarlyReflections::AddSome(std::span<const Tap> taps, const Part& part, Piece& sums) const noexcept {
+    constexpr std::size_t kMost = Room::kImages - 1;
+    std::array<const float*, kMost> heard;
+    std::array<float, kMost> gains;
+    std::size_t count = 0;
+    for (; count < std::min(kMost, taps.size()) && taps[count].channel == taps.front().channel; ++count) {
+        const Tap& tap = taps[count];
+        heard[count] = &fRings[tap.source * RingSize() + ((part.position - tap.delay) & fMask)];
+        gains[count] = tap.gain;
+    }
+    AddLines(std::span(heard).first(count), gains, sums);
+    return count;
+}
+
 // Taps of one channel stand together. A whole piece is added whatever its length: what lies behind is left out.
 void EarlyReflections::Add(std::span<const Tap> taps, const Part& part, bool isBefore,
                            std::span<Piece> outputs) const noexcept {
     for (std::size_t at = 0; at < taps.size();) {
         const std::uint32_t channel = taps[at].channel;
         Piece sums{};
-        for (; at < taps.size() && taps[at].channel == channel; ++at) {
-            const float gain = taps[at].gain;
-            const float* const heard =
-                &fRings[taps[at].source * RingSize() + ((part.position - taps[at].delay) & fMask)];
-            for (std::size_t i = 0; i < kPiece; ++i)
-                sums[i] += gain * heard[i];
-        }
+        while (at < taps.size() && taps[at].channel == channel)
+            at += AddSome(taps.subspan(at), part, sums);
         for (std::size_t i = 0; i < part.frames; ++i) {
             const float share = isBefore ? ShareBefore(i) : 1 - ShareBefore(i);
             outputs[channel][part.begin + i] += share * sums[i];

@@ -1,5 +1,6 @@
 #include "qoc/dsp/reverb/EchoDiffuser.h"
 
+#include "LineVectors.h"
 #include "PieceLoops.h"
 
 #include <cmath>
@@ -23,11 +24,6 @@ double PlaceOf(std::size_t number, std::size_t stage, std::size_t line) noexcept
 constexpr float kGain = 0.25F; // of a line, so that all of them have the energy of the sound
 static_assert(kGain * kGain * EchoDiffuser::kLines == 1);
 
-// A bent function: rotations of it are nowhere large.
-constexpr bool IsUpsideDown(std::size_t line) noexcept {
-    return (((line & (line >> 1U)) ^ ((line >> 2U) & (line >> 3U))) & 1U) != 0;
-}
-
 } // namespace
 
 // Sounds are turned by tangents, and scaled before by the fourth power of the cosine: once for each stride.
@@ -37,20 +33,11 @@ struct EchoDiffuser::Rotations {
         for (std::size_t i = 0; i < kPieceFrames; ++i) {
             const float squared = 1 / (1 + tangent[i] * tangent[i]);
             gain[i] = squared * squared;
-            opposite[i] = -gain[i];
         }
-    }
-
-    void Turn(Lines& lines) const noexcept {
-        for (std::size_t i = 0; i < kLines; i += 4)
-            RotateFour(tangent, lines[i], lines[i + 1], lines[i + 2], lines[i + 3]);
-        for (std::size_t i = 0; i < kLines / 4; ++i)
-            RotateFour(tangent, lines[i], lines[i + 4], lines[i + 8], lines[i + 12]);
     }
 
     SoundPiece tangent;
     SoundPiece gain;
-    SoundPiece opposite;
 };
 
 EchoDiffuser::Voice EchoDiffuser::Voice::Of(double diffusion, double spread) noexcept {
@@ -73,36 +60,51 @@ void EchoDiffuser::Reset() noexcept {
         stage.rings.Reset();
 }
 
+// What a stage's lines send at present.
+struct EchoDiffuser::Delayed {
+    Delayed(const Stage& stage, const Glide& glide) noexcept {
+        for (std::size_t line = 0; line < kLines; ++line) {
+            sound[line] = stage.SoundAt(line, glide.to);
+            if (glide.from.spread == glide.to.spread) continue;
+            Fade(stage.SoundAt(line, glide.from), sound[line], glide.share, faded[line]);
+            sound[line] = faded[line].data();
+        }
+    }
+
+    std::array<const float*, kLines> sound;
+    Lines faded;
+};
+
 void EchoDiffuser::Process(const SoundPiece& sound, const Glide& glide, std::size_t frames, Lines& lines) noexcept {
     const Rotations rotations(glide.from, glide.to, glide.share);
-    Begin(sound, glide, rotations, lines);
-    fStages[kStages - 1].Read(glide, rotations, lines);
-    rotations.Turn(lines);
+    Begin(sound, glide, rotations);
+    std::array<float*, kLines> to;
+    for (std::size_t line = 0; line < kLines; ++line)
+        to[line] = lines[line].data();
+    TurnLines(rotations.tangent, rotations.gain, Delayed(fStages.back(), glide).sound, to);
     Advance(frames);
 }
 
 // What is turned last would only be added up.
 void EchoDiffuser::Process(const SoundPiece& sound, const Glide& glide, std::size_t frames, SoundPiece& sum) noexcept {
-    Lines lines;
-    Begin(sound, glide, Rotations(glide.from, glide.to, glide.share), lines);
-    fStages[kStages - 1].Read(glide, Rotations({0, 1}, {0, 1}, glide.share), lines);
-    sum.fill(0);
-    for (const SoundPiece& line : lines)
-        AddScaled(line.data(), 1, sum.data());
+    Begin(sound, glide, Rotations(glide.from, glide.to, glide.share));
+    SumLines(Delayed(fStages.back(), glide).sound, sum);
     Advance(frames);
 }
 
 // Up to the last stage's delays.
-void EchoDiffuser::Begin(const SoundPiece& sound, const Glide& glide, const Rotations& rotations,
-                         Lines& lines) noexcept {
+void EchoDiffuser::Begin(const SoundPiece& sound, const Glide& glide, const Rotations& rotations) noexcept {
     SoundPiece share = sound;
     Scale(share, kGain);
     fStages[0].rings.Write(0, share);
     for (std::size_t stage = 1; stage < kStages; ++stage) {
-        fStages[stage - 1].Read(glide, rotations, lines);
-        rotations.Turn(lines);
+        PieceRings& rings = fStages[stage].rings;
+        std::array<float*, kLines> to;
         for (std::size_t line = 0; line < kLines; ++line)
-            fStages[stage].rings.Write(line, lines[line]);
+            to[line] = rings.Place(line);
+        TurnLines(rotations.tangent, rotations.gain, Delayed(fStages[stage - 1], glide).sound, to);
+        for (std::size_t line = 0; line < kLines; ++line)
+            rings.Written(line);
     }
 }
 
@@ -111,20 +113,8 @@ void EchoDiffuser::Advance(std::size_t frames) noexcept {
         stage.rings.Advance(frames);
 }
 
-void EchoDiffuser::Stage::Read(const Glide& glide, const Rotations& rotations, Lines& lines) const noexcept {
-    for (std::size_t line = 0; line < kLines; ++line) {
-        const std::size_t ring = isOneRing ? 0 : line;
-        const SoundPiece& gain = IsUpsideDown(line) ? rotations.opposite : rotations.gain;
-        const float* const heard = rings.Read(ring, static_cast<std::size_t>(glide.to.spread * longest[line]));
-        if (glide.from.spread == glide.to.spread) {
-            Multiply(heard, gain, lines[line]);
-            continue;
-        }
-        const float* const before = rings.Read(ring, static_cast<std::size_t>(glide.from.spread * longest[line]));
-        SoundPiece both;
-        Fade(before, heard, glide.share, both);
-        Multiply(both.data(), gain, lines[line]);
-    }
+const float* EchoDiffuser::Stage::SoundAt(std::size_t line, const Voice& voice) const noexcept {
+    return rings.Read(isOneRing ? 0 : line, static_cast<std::size_t>(voice.spread * longest[line]));
 }
 
 } // namespace qoc::dsp

@@ -1,8 +1,8 @@
 #include "qoc/dsp/reverb/LineAbsorption.h"
 
+#include "LineVectors.h"
 #include "PieceLoops.h"
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -54,42 +54,16 @@ void LineAbsorption::Process(const Source& from, const Source& to, const SoundPi
             Fade(from.sound[line], to.sound[line], share, lines[line]);
             ShelveGliding(line, from.voice, to.voice, share, frames, lines[line]);
         }
-    } else if (to.voice.isFlat) {
-        Amplify(to, frames, lines);
-    } else {
-        for (std::size_t first = 0; first < kLines; first += kAtOnce)
-            Shelve(first, to, frames, lines);
+        return;
     }
-}
-
-void LineAbsorption::Amplify(const Source& source, std::size_t frames, Lines& lines) noexcept {
+    if (to.voice.isFlat)
+        ScaleLines(to.voice.b0, to.sound, lines);
+    else
+        ShelveLines({to.voice.b0, to.voice.b1, to.voice.a1, fInputBefore, fOutputBefore}, to.sound, lines);
     for (std::size_t line = 0; line < kLines; ++line) {
-        qoc::dsp::Scale(source.sound[line], source.voice.b0[line], lines[line]);
-        fInputBefore[line] = source.sound[line][frames - 1];
+        fInputBefore[line] = to.sound[line][frames - 1];
         fOutputBefore[line] = lines[line][frames - 1];
     }
-}
-
-void LineAbsorption::Shelve(std::size_t first, const Source& source, std::size_t frames, Lines& lines) noexcept {
-    std::array<float, kAtOnce> a1;
-    std::array<float, kAtOnce> output;
-    for (std::size_t k = 0; k < kAtOnce; ++k) {
-        const std::size_t line = first + k;
-        const float* const sound = source.sound[line];
-        const float b0 = source.voice.b0[line];
-        const float b1 = source.voice.b1[line];
-        lines[line][0] = b0 * sound[0] + b1 * fInputBefore[line];
-        for (std::size_t i = 1; i < kPieceFrames; ++i)
-            lines[line][i] = b0 * sound[i] + b1 * sound[i - 1];
-        fInputBefore[line] = sound[frames - 1];
-        a1[k] = source.voice.a1[line];
-        output[k] = fOutputBefore[line];
-    }
-    for (std::size_t i = 0; i < frames; ++i) {
-        for (std::size_t k = 0; k < kAtOnce; ++k)
-            lines[first + k][i] = output[k] = lines[first + k][i] - a1[k] * output[k];
-    }
-    std::ranges::copy(output, fOutputBefore.begin() + static_cast<std::ptrdiff_t>(first));
 }
 
 void LineAbsorption::ShelveGliding(std::size_t line, const Voice& from, const Voice& to, const SoundPiece& share,

@@ -19,11 +19,6 @@ inline void Scale(SoundPiece& sound, float gain) noexcept {
         sample *= gain;
 }
 
-inline void Scale(const float* __restrict from, float gain, SoundPiece& __restrict to) noexcept {
-    for (std::size_t i = 0; i < kPieceFrames; ++i)
-        to[i] = gain * from[i];
-}
-
 inline void AddScaled(const float* __restrict from, float gain, float* __restrict to) noexcept {
     for (std::size_t i = 0; i < kPieceFrames; ++i)
         to[i] += gain * from[i];
@@ -40,11 +35,6 @@ inline void Fade(const float* __restrict from, const float* __restrict to, const
                  SoundPiece& __restrict values) noexcept {
     for (std::size_t i = 0; i < kPieceFrames; ++i)
         values[i] = from[i] + share[i] * (to[i] - from[i]);
-}
-
-inline void Multiply(const float* __restrict sound, const SoundPiece& gain, SoundPiece& __restrict values) noexcept {
-    for (std::size_t i = 0; i < kPieceFrames; ++i)
-        values[i] = sound[i] * gain[i];
 }
 
 // The rotations between two, at each sample.
@@ -64,42 +54,11 @@ struct RotationPiece {
     SoundPiece sine;
 };
 
-// The pairs a, b and c, d, then a, c and b, d: two stages of rotations of four lines at once, by their tangents. What
-// comes out is as much too loud as the cosines' square is below 1.
-inline void RotateFour(const SoundPiece& tangent, SoundPiece& __restrict a, SoundPiece& __restrict b,
-                       SoundPiece& __restrict c, SoundPiece& __restrict d) noexcept {
-    for (std::size_t i = 0; i < kPieceFrames; ++i) {
-        const float turnedA = a[i] + tangent[i] * b[i];
-        const float turnedB = b[i] - tangent[i] * a[i];
-        const float turnedC = c[i] + tangent[i] * d[i];
-        const float turnedD = d[i] - tangent[i] * c[i];
-        a[i] = turnedA + tangent[i] * turnedC;
-        b[i] = turnedB + tangent[i] * turnedD;
-        c[i] = turnedC - tangent[i] * turnedA;
-        d[i] = turnedD - tangent[i] * turnedB;
-    }
-}
-
 // The first of two rotated sounds.
 inline void Turn(const RotationPiece& rotation, SoundPiece& __restrict sound,
                  const SoundPiece& __restrict other) noexcept {
     for (std::size_t i = 0; i < kPieceFrames; ++i)
         sound[i] = rotation.cosine[i] * sound[i] + rotation.sine[i] * other[i];
-}
-
-// Two stages of a fast Hadamard transform of four lines.
-inline void AddAndSubtractFour(SoundPiece& __restrict a, SoundPiece& __restrict b, SoundPiece& __restrict c,
-                               SoundPiece& __restrict d) noexcept {
-    for (std::size_t i = 0; i < kPieceFrames; ++i) {
-        const float sumOne = a[i] + b[i];
-        const float differenceOne = a[i] - b[i];
-        const float sumTwo = c[i] + d[i];
-        const float differenceTwo = c[i] - d[i];
-        a[i] = sumOne + sumTwo;
-        b[i] = differenceOne + differenceTwo;
-        c[i] = sumOne - sumTwo;
-        d[i] = differenceOne - differenceTwo;
-    }
 }
 
 } // namespace qoc::dsp

@@ -1,5 +1,6 @@
 #include "qoc/dsp/reverb/ReverbTank.h"
 
+#include "LineVectors.h"
 #include "PieceLoops.h"
 
 #include <algorithm>
@@ -167,24 +168,9 @@ std::array<const float*, ReverbTank::kLines> ReverbTank::SoundAt(const Delays& d
     return sound;
 }
 
-// The identity and a skew Hadamard matrix, as cosine and sine: orthogonal whatever the angle.
 void ReverbTank::Mix(const SoundPiece& share) noexcept {
-    constexpr std::size_t kHalf = kLines / 2;
-    Lines others = fLines;
-    for (std::size_t i = 0; i < kLines; i += 4)
-        AddAndSubtractFour(others[i], others[i + 1], others[i + 2], others[i + 3]);
-    for (std::size_t half = 0; half < kLines; half += kHalf) {
-        for (std::size_t i = half; i < half + 4; ++i)
-            AddAndSubtractFour(others[i], others[i + 4], others[i + 8], others[i + 12]);
-    }
     const RotationPiece rotation({fFrom.kept, fFrom.fed}, {fTo.kept, fTo.fed}, share);
-    for (std::size_t line = 0; line < kHalf; ++line) {
-        // The transform of kHalf lines has four times their level.
-        Scale(others[line + kHalf], 0.25F);
-        Scale(others[line], -0.25F);
-        Turn(rotation, fLines[line], others[line + kHalf]);
-        Turn(rotation, fLines[line + kHalf], others[line]);
-    }
+    MixLines(rotation.cosine, rotation.sine, fLines);
 }
 
 void ReverbTank::Feed(std::size_t group, const SoundPiece& share, std::size_t frames) noexcept {
@@ -198,8 +184,13 @@ void ReverbTank::Feed(std::size_t group, const SoundPiece& share, std::size_t fr
 void ReverbTank::Hear(std::size_t group) noexcept {
     SoundPiece& sound = fGroups[group].sound;
     sound.fill(0);
-    for (std::size_t line = group; line < kLines; line += fGroups.size())
-        AddScaled(fLines[line].data(), 1, sound.data());
+    std::array<const float*, kLines> lines;
+    std::array<float, kLines> gains;
+    gains.fill(1);
+    std::size_t count = 0;
+    for (std::size_t line = group; line < kLines; line += fGroups.size(), ++count)
+        lines[count] = fLines[line].data();
+    AddLines(std::span(lines).first(count), gains, sound);
 }
 
 } // namespace qoc::dsp

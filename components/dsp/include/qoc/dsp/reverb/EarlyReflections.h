@@ -85,6 +85,7 @@ private:
     void Add(const Taps& taps, const Part& part, bool isBefore, std::span<Piece> direct,
              std::span<Piece> reflected) const noexcept;
     void Add(std::span<const Tap> taps, const Part& part, bool isBefore, std::span<Piece> outputs) const noexcept;
+    std::size_t AddSome(std::span<const Tap> taps, const Part& part, Piece& sums) const noexcept;
 
     double fSampleRate = 44100;
     std::vector<Microphone> fMicrophones;

@@ -45,15 +45,16 @@ private:
     static constexpr std::size_t kStages = 3;
 
     struct Rotations;
+    struct Delayed;
     struct Stage {
-        void Read(const Glide& glide, const Rotations& rotations, Lines& lines) const noexcept;
+        const float* SoundAt(std::size_t line, const Voice& voice) const noexcept;
 
         PieceRings rings;
         bool isOneRing = false;              // all lines delay the same sound
         std::array<float, kLines> longest{}; // delays in samples
     };
 
-    void Begin(const SoundPiece& sound, const Glide& glide, const Rotations& rotations, Lines& lines) noexcept;
+    void Begin(const SoundPiece& sound, const Glide& glide, const Rotations& rotations) noexcept;
     void Advance(std::size_t frames) noexcept;
 
     std::array<Stage, kStages> fStages;

@@ -49,10 +49,6 @@ public:
                  Lines& lines) noexcept;
 
 private:
-    static constexpr std::size_t kAtOnce = 8; // lines: a recursion waits for itself, several do not for each other
-
-    void Amplify(const Source& source, std::size_t frames, Lines& lines) noexcept;
-    void Shelve(std::size_t first, const Source& source, std::size_t frames, Lines& lines) noexcept;
     void ShelveGliding(std::size_t line, const Voice& from, const Voice& to, const SoundPiece& share,
                        std::size_t frames, SoundPiece& sound) noexcept;
 

@@ -18,9 +18,13 @@ public:
     void Reset() noexcept;
 
     void Write(std::size_t line, const SoundPiece& piece) noexcept {
-        float* const ring = &fSamples[line * fStride];
-        std::memcpy(ring + fPosition, piece.data(), sizeof piece); // which std::copy would not do in line
-        if (fPosition < kPieceFrames || fPosition > fMask + 1 - kPieceFrames) Mirror(ring);
+        std::memcpy(Place(line), piece.data(), sizeof piece); // which std::copy would not do in line
+        Written(line);
+    }
+    // Where to write a piece; Written tells when that is done.
+    float* Place(std::size_t line) noexcept { return &fSamples[line * fStride + fPosition]; }
+    void Written(std::size_t line) noexcept {
+        if (fPosition < kPieceFrames || fPosition > fMask + 1 - kPieceFrames) Mirror(&fSamples[line * fStride]);
     }
     // kPieceFrames samples in a row, the first of them `delay` samples before the first of the piece that is written
     // now. Reads at delays that are shorter than the piece come after the writing.

@@ -1,0 +1,241 @@
+// Compiled once for every kind of vectors; none of it may contract products and sums, so that all round alike.
+#include "reverb/LineVectors.h"
+
+#include <array>
+#include <cstddef>
+
+// Vectors whose length is not known when it is compiled can't stand in arrays; those of more than eight floats gain
+// little here.
+#define HWY_DISABLED_TARGETS (HWY_AVX3 | HWY_AVX3_DL | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "reverb/LineVectors.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace qoc::dsp::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Lanes = hn::CappedTag<float, 8>;
+using Vector = hn::Vec<Lanes>;
+
+template <typename Tag, std::size_t kCount>
+HWY_INLINE std::array<hn::Vec<Tag>, kCount> LoadAt(Tag tag, const SoundPiece* lines, std::size_t at) {
+    std::array<hn::Vec<Tag>, kCount> x;
+    for (std::size_t k = 0; k < kCount; ++k)
+        x[k] = hn::LoadU(tag, &lines[k][at]);
+    return x;
+}
+
+// What is done with all pairs of lines that are a stride apart, for strides of 1, 2, 4... A stride is a constant of its
+// own, or else the lines would not stay in registers.
+template <std::size_t kStride = 1, std::size_t kCount, typename Pair>
+HWY_INLINE void ForAllPairs(std::array<Vector, kCount>& x, const Pair& pair) {
+    if constexpr (kStride < kCount) {
+        for (std::size_t k = 0; k < kCount; ++k) {
+            if ((k & kStride) == 0) pair(x[k], x[k + kStride]);
+        }
+        ForAllPairs<2 * kStride>(x, pair);
+    }
+}
+
+void Turn(const SoundPiece& tangent, const SoundPiece& gain, const float* const* from, float* const* to) {
+    constexpr std::size_t kCount = 16;
+    const Lanes lanes;
+    for (std::size_t i = 0; i < kPieceFrames; i += hn::Lanes(lanes)) {
+        const Vector t = hn::LoadU(lanes, &tangent[i]);
+        const Vector g = hn::LoadU(lanes, &gain[i]);
+        std::array<Vector, kCount> x;
+        for (std::size_t k = 0; k < kCount; ++k)
+            x[k] = hn::Mul(IsUpsideDown(k) ? hn::Neg(g) : g, hn::LoadU(lanes, from[k] + i));
+        ForAllPairs(x, [&](Vector& one, Vector& other) HWY_ATTR {
+            const Vector before = one;
+            one = hn::Add(one, hn::Mul(t, other));
+            other = hn::Sub(other, hn::Mul(t, before));
+        });
+        for (std::size_t k = 0; k < kCount; ++k)
+            hn::StoreU(x[k], lanes, to[k] + i);
+    }
+}
+
+void Sum(const float* const* from, SoundPiece& sum) {
+    constexpr std::size_t kCount = 16;
+    const Lanes lanes;
+    for (std::size_t i = 0; i < kPieceFrames; i += hn::Lanes(lanes)) {
+        Vector x = hn::Zero(lanes);
+        for (std::size_t k = 0; k < kCount; ++k) {
+            const Vector line = hn::LoadU(lanes, from[k] + i);
+            x = IsUpsideDown(k) ? hn::Sub(x, line) : hn::Add(x, line);
+        }
+        hn::StoreU(x, lanes, &sum[i]);
+    }
+}
+
+// The whole piece stays in registers.
+void AddScaled(const float* const* from, const float* gains, std::size_t count, SoundPiece& sum) {
+    const Lanes lanes;
+    constexpr std::size_t kVectors = kPieceFrames / hn::MaxLanes(Lanes());
+    std::array<Vector, kVectors> x;
+    for (std::size_t i = 0; i < kVectors; ++i)
+        x[i] = hn::LoadU(lanes, &sum[i * hn::Lanes(lanes)]);
+    for (std::size_t k = 0; k < count; ++k) {
+        const Vector gain = hn::Set(lanes, gains[k]);
+        for (std::size_t i = 0; i < kVectors; ++i)
+            x[i] = hn::Add(x[i], hn::Mul(gain, hn::LoadU(lanes, from[k] + i * hn::Lanes(lanes))));
+    }
+    for (std::size_t i = 0; i < kVectors; ++i)
+        hn::StoreU(x[i], lanes, &sum[i * hn::Lanes(lanes)]);
+}
+
+template <std::size_t kCount>
+HWY_INLINE void Hadamard(std::array<Vector, kCount>& x) {
+    ForAllPairs(x, [](Vector& one, Vector& other) HWY_ATTR {
+        const Vector before = one;
+        one = hn::Add(one, other);
+        other = hn::Sub(before, other);
+    });
+}
+
+void Mix(const SoundPiece& cosine, const SoundPiece& sine, SoundPiece* lines) {
+    constexpr std::size_t kHalf = 16;
+    const Lanes lanes;
+    const Vector scale = hn::Set(lanes, 0.25F); // the transform of kHalf lines has four times their level
+    for (std::size_t i = 0; i < kPieceFrames; i += hn::Lanes(lanes)) {
+        auto first = LoadAt<Lanes, kHalf>(lanes, lines, i);
+        Hadamard(first);
+        auto second = LoadAt<Lanes, kHalf>(lanes, lines + kHalf, i);
+        Hadamard(second);
+        const Vector c = hn::LoadU(lanes, &cosine[i]);
+        const Vector s = hn::Mul(scale, hn::LoadU(lanes, &sine[i]));
+        for (std::size_t k = 0; k < kHalf; ++k) {
+            float* const one = &lines[k][i];
+            float* const other = &lines[k + kHalf][i];
+            hn::StoreU(hn::Add(hn::Mul(c, hn::LoadU(lanes, one)), hn::Mul(s, second[k])), lanes, one);
+            hn::StoreU(hn::Sub(hn::Mul(c, hn::LoadU(lanes, other)), hn::Mul(s, first[k])), lanes, other);
+        }
+    }
+}
+
+#if HWY_TARGET == HWY_SCALAR
+void Shelve(const LineShelves& shelves, const float* const* sound, SoundPiece* lines) {
+    for (std::size_t line = 0; line < shelves.b0.size(); ++line) {
+        float input = shelves.inputBefore[line];
+        float output = shelves.outputBefore[line];
+        for (std::size_t i = 0; i < kPieceFrames; ++i) {
+            output = shelves.b0[line] * sound[line][i] + shelves.b1[line] * input - shelves.a1[line] * output;
+            input = sound[line][i];
+            lines[line][i] = output;
+        }
+    }
+}
+#else
+using Four = hn::FixedTag<float, 4>;
+using FourVector = hn::Vec<Four>;
+
+// Four samples of four lines: line by line, or sample by sample.
+using Square = std::array<FourVector, 4>;
+
+HWY_INLINE Square Transposed(const Square& x) {
+    const Four four;
+    const FourVector a = hn::InterleaveLower(four, x[0], x[1]);
+    const FourVector b = hn::InterleaveUpper(four, x[0], x[1]);
+    const FourVector c = hn::InterleaveLower(four, x[2], x[3]);
+    const FourVector d = hn::InterleaveUpper(four, x[2], x[3]);
+    return {hn::ConcatLowerLower(four, c, a), hn::ConcatUpperUpper(four, c, a), hn::ConcatLowerLower(four, d, b),
+            hn::ConcatUpperUpper(four, d, b)};
+}
+
+// The shelves of four lines, a lane each.
+struct FourShelves {
+    HWY_INLINE FourShelves(const LineShelves& shelves, std::size_t line)
+        : b0(hn::LoadU(Four(), &shelves.b0[line])), b1(hn::LoadU(Four(), &shelves.b1[line])),
+          a1(hn::LoadU(Four(), &shelves.a1[line])), input(hn::LoadU(Four(), &shelves.inputBefore[line])),
+          output(hn::LoadU(Four(), &shelves.outputBefore[line])) {}
+
+    HWY_INLINE void Process(const float* const* sound, SoundPiece* lines, std::size_t at) {
+        Square x;
+        for (std::size_t k = 0; k < x.size(); ++k)
+            x[k] = hn::LoadU(Four(), sound[k] + at);
+        x = Transposed(x);
+        for (FourVector& now : x) {
+            output = hn::Sub(hn::Add(hn::Mul(b0, now), hn::Mul(b1, input)), hn::Mul(a1, output));
+            input = now;
+            now = output;
+        }
+        x = Transposed(x);
+        for (std::size_t k = 0; k < x.size(); ++k)
+            hn::StoreU(x[k], Four(), &lines[k][at]);
+    }
+
+    FourVector b0;
+    FourVector b1;
+    FourVector a1;
+    FourVector input;
+    FourVector output;
+};
+
+// Two recursions by turns: each waits for itself.
+void Shelve(const LineShelves& shelves, const float* const* sound, SoundPiece* lines) {
+    for (std::size_t line = 0; line < shelves.b0.size(); line += 8) {
+        FourShelves one(shelves, line);
+        FourShelves other(shelves, line + 4);
+        for (std::size_t i = 0; i < kPieceFrames; i += 4) {
+            one.Process(sound + line, lines + line, i);
+            other.Process(sound + line + 4, lines + line + 4, i);
+        }
+    }
+}
+#endif
+
+void Scale(const float* gains, const float* const* sound, SoundPiece* lines, std::size_t count) {
+    const Lanes lanes;
+    for (std::size_t k = 0; k < count; ++k) {
+        const Vector gain = hn::Set(lanes, gains[k]);
+        for (std::size_t i = 0; i < kPieceFrames; i += hn::Lanes(lanes))
+            hn::StoreU(hn::Mul(gain, hn::LoadU(lanes, sound[k] + i)), lanes, &lines[k][i]);
+    }
+}
+
+} // namespace qoc::dsp::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace qoc::dsp {
+
+HWY_EXPORT(Turn);
+HWY_EXPORT(Sum);
+HWY_EXPORT(AddScaled);
+HWY_EXPORT(Mix);
+HWY_EXPORT(Shelve);
+HWY_EXPORT(Scale);
+
+void TurnLines(const SoundPiece& tangent, const SoundPiece& gain, std::span<const float* const, 16> from,
+               std::span<float* const, 16> to) noexcept {
+    HWY_DYNAMIC_DISPATCH(Turn)(tangent, gain, from.data(), to.data());
+}
+
+void SumLines(std::span<const float* const, 16> from, SoundPiece& sum) noexcept {
+    HWY_DYNAMIC_DISPATCH(Sum)(from.data(), sum);
+}
+
+void AddLines(std::span<const float* const> from, std::span<const float> gains, SoundPiece& sum) noexcept {
+    HWY_DYNAMIC_DISPATCH(AddScaled)(from.data(), gains.data(), from.size(), sum);
+}
+
+void MixLines(const SoundPiece& cosine, const SoundPiece& sine, std::span<SoundPiece, 32> lines) noexcept {
+    HWY_DYNAMIC_DISPATCH(Mix)(cosine, sine, lines.data());
+}
+
+void ShelveLines(const LineShelves& shelves, std::span<const float* const> sound,
+                 std::span<SoundPiece> lines) noexcept {
+    HWY_DYNAMIC_DISPATCH(Shelve)(shelves, sound.data(), lines.data());
+}
+
+void ScaleLines(std::span<const float> gains, std::span<const float* const> sound,
+                std::span<SoundPiece> lines) noexcept {
+    HWY_DYNAMIC_DISPATCH(Scale)(gains.data(), sound.data(), lines.data(), lines.size());
+}
+
+} // namespace qoc::dsp
+#endif
