@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <span>
 #include <utility>
 
 namespace qoc::components {
@@ -159,13 +160,13 @@ std::size_t Chorus::Tail() const noexcept {
 void Chorus::PrepareProcessing(std::size_t /*maximumBlock*/) {
     const double rate = GetSampleRate();
     const double longest = SecondsOfMilliseconds(double{kLongestDelay} + kLongestSpread) + kLongestLag;
-    fSides = SidesOf(GetInputBuses().front().GetLayout());
-    fLines.assign(fSides.size(), {});
-    for (DelayLine& line : fLines)
-        line.Prepare(static_cast<std::size_t>(std::ceil(longest * rate)) + static_cast<std::size_t>(kShortestDelay));
-    fInputs.resize(fSides.size());
-    fWet.resize(fSides.size());
-    fFedBack.resize(fSides.size());
+    fChannels.clear();
+    for (const ChannelSide side : SidesOf(GetInputBuses().front().GetLayout())) {
+        Channel& channel = fChannels.emplace_back();
+        channel.side = side;
+        channel.line.Prepare(static_cast<std::size_t>(std::ceil(longest * rate)) +
+                             static_cast<std::size_t>(kShortestDelay) + TapRow::kMost);
+    }
     for (SmoothedValue* value :
          {&fDelay, &fDepth, &fSpread, &fFeedback, &fLevelDepth, &fAverage, &fDryLevel, &fWetLevel})
         value->Prepare(rate);
@@ -179,8 +180,8 @@ void Chorus::PrepareProcessing(std::size_t /*maximumBlock*/) {
 }
 
 void Chorus::ResetProcessing() noexcept {
-    for (DelayLine& line : fLines)
-        line.Reset();
+    for (Channel& channel : fChannels)
+        channel.line.Reset();
     fDelayOscillator.Reset();
     fLevelOscillator.Reset();
 }
@@ -226,93 +227,147 @@ void Chorus::SetVoices(bool settle) noexcept {
         voice.lags[Index(ChannelSide::kLeft)].Set(lag * width * std::max(0.0, place), settle);
         voice.lags[Index(ChannelSide::kRight)].Set(lag * width * std::max(0.0, -place), settle);
         voice.share.Set(i < count ? 1.0 / count : 0, settle);
-        for (const auto* values : {&voice.levels, &voice.lags})
-            for (const SmoothedValue& value : *values)
-                fGliding = std::max(fGliding, value.Remaining());
-        fGliding = std::max(fGliding, voice.share.Remaining());
-        if (settle) Advance(voice);
     }
 }
 
 void Chorus::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
-    for (std::size_t frame = 0; frame < block.frames; ++frame) {
-        for (std::size_t channel = 0; channel < fInputs.size(); ++channel)
-            fInputs[channel] = SaneSample(block.inputs[channel][frame]);
-        std::ranges::fill(fWet, 0.0F);
-        std::ranges::fill(fFedBack, 0.0F);
-        const Moment moment = NextMoment();
-        if (fGliding > 0) {
-            --fGliding;
-            std::ranges::for_each(fVoices, Advance);
-        }
-        for (const Voice& voice : fVoices)
-            AddVoice(voice, moment);
-        WriteLines();
-        const float dry = fDryLevel.Next();
-        const float wet = fWetLevel.Next();
-        for (std::size_t channel = 0; channel < fWet.size(); ++channel)
-            block.outputs[channel][frame] = dry * fInputs[channel] + wet * fWet[channel];
+    for (std::size_t begin = 0; begin < block.frames;) {
+        const std::size_t count = std::min(block.frames - begin, RowLength());
+        ProcessRow(block, begin, count);
+        begin += count;
     }
 }
 
-Chorus::Moment Chorus::NextMoment() noexcept {
-    const double levelPhase = fLevelOscillator.Next();
-    const bool isLevelStill = fLevelDepth.IsSettled() && fLevelDepth.Target() == 0;
-    return {.delayOscillator = Oscillator::At(fDelayOscillator.Next()),
-            .levelOscillator = isLevelStill ? Oscillator::Value() : Oscillator::At(levelPhase),
-            .delay = fDelay.Next(),
-            .depth = fDepth.Next(),
-            .spread = fSpread.Next(),
-            .levelDepth = fLevelDepth.Next()};
+// So many samples that none is fed back to another of them.
+std::size_t Chorus::RowLength() const noexcept {
+    if (!IsFedBack()) return TapRow::kMost;
+    const double shortest = double{fDelay.LeastAhead()} * (1 - double{fDepth.MostAhead()});
+    const auto whole = static_cast<std::size_t>(std::max(kShortestDelay, shortest));
+    return std::min(TapRow::kMost, whole - TapWeights::kAhead);
 }
 
-void Chorus::Advance(Voice& voice) noexcept {
-    for (std::size_t side = 0; side < kSides; ++side) {
-        voice.level[side] = voice.levels[side].Next();
-        voice.lag[side] = voice.lags[side].Next();
+void Chorus::ProcessRow(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin,
+                        std::size_t count) noexcept {
+    TakeInputs(block, begin, count);
+    Advance(count);
+    for (Voice& voice : fVoices)
+        AddVoice(voice, count);
+    FeedBack(count);
+    Row dry;
+    Row wet;
+    fDryLevel.Next(std::span(dry).first(count));
+    fWetLevel.Next(std::span(wet).first(count));
+    for (std::size_t i = 0; i < fChannels.size(); ++i) {
+        const Channel& channel = fChannels[i];
+        float* const output = block.outputs[i] + begin;
+        for (std::size_t k = 0; k < count; ++k)
+            output[k] = dry[k] * channel.input[k] + wet[k] * channel.wet[k];
     }
-    voice.feedbackShare = voice.share.Next();
+}
+
+void Chorus::TakeInputs(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin,
+                        std::size_t count) noexcept {
+    Row average;
+    Row sum{};
+    fAverage.Next(std::span(average).first(count));
+    for (std::size_t i = 0; i < fChannels.size(); ++i) {
+        Row& input = fChannels[i].input;
+        std::transform(block.inputs[i] + begin, block.inputs[i] + begin + count, input.begin(), SaneSample);
+        for (std::size_t k = 0; k < count; ++k)
+            sum[k] += input[k];
+    }
+    const float share = 1 / static_cast<float>(fChannels.size());
+    for (Channel& channel : fChannels) {
+        for (std::size_t k = 0; k < count; ++k)
+            channel.taken[k] = channel.input[k] + average[k] * (sum[k] * share - channel.input[k]);
+        std::fill_n(channel.wet.begin(), count, 0.0F);
+        std::fill_n(channel.fedBack.begin(), count, 0.0F);
+        if (!IsFedBack()) channel.line.Write(std::span(channel.taken).first(count));
+    }
+}
+
+void Chorus::Advance(std::size_t count) noexcept {
+    const auto first = [&](auto& row) { return std::span(row).first(count); };
+    fDelayOscillator.Next(first(fMoments.delaySines), first(fMoments.delayCosines));
+    fMoments.isLevelStill = fLevelDepth.IsSettled() && fLevelDepth.Target() == 0;
+    if (fMoments.isLevelStill) {
+        fLevelOscillator.Skip(count);
+    } else {
+        fLevelDepth.Next(first(fMoments.levelDepth));
+        fLevelOscillator.Next(first(fMoments.levelSines), first(fMoments.levelCosines));
+    }
+    fDelay.Next(first(fMoments.delay));
+    fDepth.Next(first(fMoments.depth));
+    fSpread.Next(first(fMoments.spread));
 }
 
 // The feedback hears voices where they stand in the middle and at their own level.
-void Chorus::AddVoice(const Voice& voice, const Moment& moment) noexcept {
-    if (voice.feedbackShare == 0) return;
-    const double swing = moment.depth * ShareBelow(moment.delayOscillator, voice.ahead);
-    const double delay = moment.delay * (1 - swing) + moment.spread * voice.place;
-    const auto level =
-        moment.levelDepth == 0
-            ? 1.0F
-            : static_cast<float>(std::exp2(-moment.levelDepth * ShareBelow(moment.levelOscillator, voice.ahead)));
-    const TapWeights middle = WeightsAt(delay);
-    const TapWeights left =
-        voice.lag[Index(ChannelSide::kLeft)] == 0 ? middle : WeightsAt(delay + voice.lag[Index(ChannelSide::kLeft)]);
-    const TapWeights right =
-        voice.lag[Index(ChannelSide::kRight)] == 0 ? middle : WeightsAt(delay + voice.lag[Index(ChannelSide::kRight)]);
-    const std::array<const TapWeights*, kSides> weights = {&middle, &left, &right};
-    for (std::size_t channel = 0; channel < fLines.size(); ++channel) {
-        const std::size_t side = Index(fSides[channel]);
-        const float sample = fLines[channel].At(*weights[side]);
-        fWet[channel] += level * voice.level[side] * sample;
-        fFedBack[channel] += voice.feedbackShare * (side == 0 ? sample : fLines[channel].At(middle));
+void Chorus::AddVoice(Voice& voice, std::size_t count) noexcept {
+    if (voice.share.IsSettled() && voice.share.Target() == 0) return;
+    SetTaps(voice, count);
+    SetLevels(voice, count);
+    voice.share.Next(std::span(fShare).first(count));
+    for (Channel& channel : fChannels)
+        AddVoice(channel, count);
+}
+
+void Chorus::SetTaps(Voice& voice, std::size_t count) noexcept {
+    TapRow::Delays delays;
+    const Oscillator::Value ahead = voice.ahead;
+    for (std::size_t k = 0; k < count; ++k) {
+        const double sine = fMoments.delaySines[k] * ahead.cosine + fMoments.delayCosines[k] * ahead.sine;
+        const double swing = fMoments.depth[k] * (1 - sine) / 2;
+        const double delay = fMoments.delay[k] * (1 - swing) + fMoments.spread[k] * voice.place;
+        delays[k] = std::max(kShortestDelay, delay);
+    }
+    for (std::size_t side = 0; side < kSides; ++side) {
+        SmoothedValue& lag = voice.lags[side];
+        fTapsOf[side] = fTaps.data();
+        if (side != 0 && lag.IsSettled() && lag.Target() == 0) continue;
+        fTapsOf[side] = &fTaps[side];
+        TapRow::Delays late = delays;
+        Row later;
+        lag.Next(std::span(later).first(count));
+        for (std::size_t k = 0; k < count; ++k)
+            late[k] += later[k];
+        fTaps[side].Set(std::span(late).first(count), fIsFine);
     }
 }
 
-// The lines' newest sample is the one before the present.
-TapWeights Chorus::WeightsAt(double delay) const noexcept {
-    const double before = std::max(kShortestDelay, delay) - 1;
-    return fIsFine ? TapWeights(before) : TapWeights::Linear(before);
+void Chorus::SetLevels(Voice& voice, std::size_t count) noexcept {
+    for (std::size_t side = 0; side < kSides; ++side)
+        voice.levels[side].Next(std::span(fLevels[side]).first(count));
+    if (fMoments.isLevelStill) return;
+    for (std::size_t k = 0; k < count; ++k) {
+        const Oscillator::Value oscillator{fMoments.levelSines[k], fMoments.levelCosines[k]};
+        const auto level = static_cast<float>(std::exp2(-fMoments.levelDepth[k] * ShareBelow(oscillator, voice.ahead)));
+        for (Row& row : fLevels)
+            row[k] *= level;
+    }
 }
 
-void Chorus::WriteLines() noexcept {
-    const float average = fAverage.Next();
-    const float feedback = fFeedback.Next();
-    float sum = 0;
-    for (const float input : fInputs)
-        sum += input;
-    const float mean = sum / static_cast<float>(fInputs.size());
-    for (std::size_t channel = 0; channel < fLines.size(); ++channel) {
-        const float taken = fInputs[channel] + average * (mean - fInputs[channel]);
-        fLines[channel].Write(taken + feedback * fFedBack[channel]);
+void Chorus::AddVoice(Channel& channel, std::size_t count) noexcept {
+    const std::size_t side = Index(channel.side);
+    const bool isFedBack = IsFedBack();
+    const std::ptrdiff_t age = isFedBack ? -1 : static_cast<std::ptrdiff_t>(count) - 1;
+    Row sound;
+    fTapsOf[side]->Read(channel.line, age, sound.data());
+    for (std::size_t k = 0; k < count; ++k)
+        channel.wet[k] += fLevels[side][k] * sound[k];
+    if (!isFedBack) return;
+    if (fTapsOf[side] != fTapsOf.front()) fTapsOf.front()->Read(channel.line, age, sound.data());
+    for (std::size_t k = 0; k < count; ++k)
+        channel.fedBack[k] += fShare[k] * sound[k];
+}
+
+void Chorus::FeedBack(std::size_t count) noexcept {
+    if (!IsFedBack()) return;
+    Row feedback;
+    fFeedback.Next(std::span(feedback).first(count));
+    for (Channel& channel : fChannels) {
+        for (std::size_t k = 0; k < count; ++k)
+            channel.taken[k] += feedback[k] * channel.fedBack[k];
+        channel.line.Write(std::span(channel.taken).first(count));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "qoc/dsp/stream/SmoothedValue.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace qoc::dsp {
@@ -39,6 +40,23 @@ float SmoothedValue::Next() noexcept {
         fSecond += fCoefficient * (fFirst - fSecond);
     }
     return static_cast<float>(fSecond);
+}
+
+void SmoothedValue::Next(std::span<float> values) noexcept {
+    if (IsSettled()) {
+        std::ranges::fill(values, fTarget);
+    } else {
+        std::ranges::generate(values, [this] { return Next(); });
+    }
+}
+
+// Each low-pass stays between where it is and where it goes.
+float SmoothedValue::LeastAhead() const noexcept {
+    return std::min({fTarget, static_cast<float>(fFirst), static_cast<float>(fSecond)});
+}
+
+float SmoothedValue::MostAhead() const noexcept {
+    return std::max({fTarget, static_cast<float>(fFirst), static_cast<float>(fSecond)});
 }
 
 } // namespace qoc::dsp

@@ -2,6 +2,7 @@
 
 #include "qoc/components/ComponentBase.h"
 #include "qoc/dsp/delay/DelayLine.h"
+#include "qoc/dsp/delay/TapRow.h"
 #include "qoc/dsp/math/Oscillator.h"
 #include "qoc/dsp/stream/ChannelSide.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
@@ -44,35 +45,51 @@ private:
         std::array<SmoothedValue, kSides> levels;
         std::array<SmoothedValue, kSides> lags;
         SmoothedValue share;
-        // What these have come to.
-        std::array<float, kSides> level{};
-        std::array<float, kSides> lag{}; // samples
-        float feedbackShare = 0;
     };
-    // What all voices have in common at a sample.
-    struct Moment {
-        Oscillator::Value delayOscillator;
-        Oscillator::Value levelOscillator;
-        double delay; // samples
-        double depth;
-        double spread;     // samples
-        double levelDepth; // octaves of the amplitude
+    // A value for each of the samples that are processed at once.
+    using Row = TapRow::Samples;
+    // What all voices have in common.
+    struct Moments {
+        TapRow::Delays delaySines; // of the oscillators
+        TapRow::Delays delayCosines;
+        TapRow::Delays levelSines;
+        TapRow::Delays levelCosines;
+        Row delay; // samples
+        Row depth;
+        Row spread;               // samples
+        bool isLevelStill = true; // otherwise:
+        Row levelDepth;           // octaves of the amplitude
+    };
+    struct Channel {
+        ChannelSide side;
+        DelayLine line;
+        Row input;
+        Row taken; // by the line: the input, averaged
+        Row wet;
+        Row fedBack;
     };
 
     void SetVoices(bool settle) noexcept;
-    static void Advance(Voice& voice) noexcept;
-    Moment NextMoment() noexcept;
-    void AddVoice(const Voice& voice, const Moment& moment) noexcept;
-    TapWeights WeightsAt(double delay) const noexcept;
-    void WriteLines() noexcept;
+    std::size_t RowLength() const noexcept;
+    void ProcessRow(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t count) noexcept;
+    void TakeInputs(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t count) noexcept;
+    void Advance(std::size_t count) noexcept;
+    void AddVoice(Voice& voice, std::size_t count) noexcept;
+    void SetTaps(Voice& voice, std::size_t count) noexcept;
+    void SetLevels(Voice& voice, std::size_t count) noexcept;
+    void AddVoice(Channel& channel, std::size_t count) noexcept;
+    void FeedBack(std::size_t count) noexcept;
+    // The feedback is at work or on its way: the lines take the sound only when the voices have been heard.
+    bool IsFedBack() const noexcept { return !fFeedback.IsSettled() || fFeedback.Target() != 0; }
 
     std::array<Voice, kMostVoices> fVoices;
-    std::size_t fGliding = 0; // samples until the voices stand still
-    std::vector<ChannelSide> fSides;
-    std::vector<DelayLine> fLines;
-    std::vector<float> fInputs; // of the present sample, by channel
-    std::vector<float> fWet;
-    std::vector<float> fFedBack;
+    std::vector<Channel> fChannels;
+    Moments fMoments;
+    // Of the present voice.
+    std::array<TapRow, kSides> fTaps;
+    std::array<const TapRow*, kSides> fTapsOf{}; // by side, which may have the same ones
+    std::array<Row, kSides> fLevels;
+    Row fShare;
     Oscillator fDelayOscillator;
     Oscillator fLevelOscillator;
     SmoothedValue fDelay;

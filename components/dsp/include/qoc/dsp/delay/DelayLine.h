@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
 #include <tuple>
 #include <vector>
 
@@ -37,6 +38,14 @@ public:
         fPosition = (fPosition + 1) & fMask;
         fSamples[fPosition] = sample;
         if (fPosition < kRepeated) fSamples[fPosition + fMask + 1] = sample;
+    }
+    void Write(std::span<const float> samples) noexcept {
+        for (const float sample : samples)
+            Write(sample);
+    }
+    // The samples from one on that is so old, oldest first, as many as stand in a row; those of one place always do.
+    std::span<const float> From(std::size_t delay) const noexcept {
+        return std::span(fSamples).subspan((fPosition - delay) & fMask);
     }
     // `delay` in whole samples, at most the longest.
     float At(std::size_t delay) const noexcept { return fSamples[(fPosition - delay) & fMask]; }

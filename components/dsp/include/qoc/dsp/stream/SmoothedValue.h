@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 
 namespace qoc::dsp {
 
@@ -35,6 +36,11 @@ public:
     std::size_t Remaining() const noexcept { return fRemaining; }
     // The value for the next sample.
     float Next() noexcept;
+    // Those for the next samples.
+    void Next(std::span<float> values) noexcept;
+    // No value is below that, or above, until there is another target.
+    float LeastAhead() const noexcept;
+    float MostAhead() const noexcept;
 
 private:
     double fCoefficient = 1.0;
