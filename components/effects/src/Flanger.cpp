@@ -99,7 +99,8 @@ std::size_t Flanger::Tail() const noexcept {
 
 void Flanger::PrepareProcessing(std::size_t /*maximumBlock*/) {
     const double rate = GetSampleRate();
-    const auto longest = static_cast<std::size_t>(std::ceil(SecondsOfMilliseconds(kLongestDelay) * rate)) + Latency();
+    const auto longest =
+        static_cast<std::size_t>(std::ceil(SecondsOfMilliseconds(kLongestDelay) * rate)) + Latency() + TapRow::kMost;
     fChannels.clear();
     for (const ChannelSide side : SidesOf(GetInputBuses().front().GetLayout())) {
         Channel& channel = fChannels.emplace_back();
@@ -137,49 +138,127 @@ void Flanger::ReadParameters(bool settle) noexcept {
 }
 
 void Flanger::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
-    for (std::size_t frame = 0; frame < block.frames; ++frame) {
-        const Moment moment = NextMoment();
-        for (std::size_t i = 0; i < fChannels.size(); ++i)
-            block.outputs[i][frame] = Next(fChannels[i], moment, SaneSample(block.inputs[i][frame]));
+    for (std::size_t begin = 0; begin < block.frames;) {
+        const std::size_t count = std::min(block.frames - begin, RowLength());
+        ProcessRow(block, begin, count);
+        begin += count;
     }
 }
 
-Flanger::Moment Flanger::NextMoment() noexcept {
-    const double phase = fOscillator.Next();
-    const double initial = fInitial.Next();
-    Moment moment{.initial = initial,
-                  .change = fFinal.Next() - initial,
-                  .waiting = fWaiting.Next(),
-                  .position = 0,
-                  .positionAhead = 0,
-                  .feedback = fFeedback.Next(),
-                  .originalLevel = fOriginalLevel.Next(),
-                  .delayedLevel = fDelayedLevel.Next()};
-    const double roundness = fRoundness.Next();
-    const double ahead = phase + fPhase.Next();
-    moment.position = PositionAt(phase, roundness);
-    moment.positionAhead = PositionAt(ahead - std::floor(ahead), roundness);
-    return moment;
-}
-
-// From 0 to 1 in the first half of the round, and back in the second.
-double Flanger::PositionAt(double phase, double roundness) noexcept {
-    const double straight = 1 - std::abs(2 * phase - 1);
-    const double round = roundness > 0 ? (1 - std::cos(2 * std::numbers::pi * phase)) / 2 : 0;
-    return straight + roundness * (round - straight);
+// So many samples that none is fed back to another of them.
+std::size_t Flanger::RowLength() const noexcept {
+    if (!IsFedBack()) return TapRow::kMost;
+    const double shortest = std::min(fInitial.LeastAhead(), fFinal.LeastAhead());
+    const auto whole = static_cast<std::size_t>(std::max(kShortestLoop, shortest));
+    return std::min(TapRow::kMost, whole - TapWeights::kAhead);
 }
 
 // Everything comes later by what the weights need of the sound behind a place, except what is fed back.
-float Flanger::Next(Channel& channel, const Moment& moment, float input) noexcept {
-    const double delay = moment.initial + moment.change * (channel.isAhead ? moment.positionAhead : moment.position);
-    const float fedBack =
-        moment.feedback == 0 ? 0 : channel.line.At(TapWeights(std::max(delay, kShortestLoop) - 1)) * moment.feedback;
-    channel.line.Write(input + fedBack);
-    channel.original.Write(input);
-    const float original = moment.waiting == 0 ? channel.original.At(TapWeights::kAhead)
-                                               : channel.original.At(TapWeights(moment.waiting + TapWeights::kAhead));
-    const float delayed = channel.line.At(TapWeights(delay + TapWeights::kAhead));
-    return moment.originalLevel * original + moment.delayedLevel * delayed;
+void Flanger::ProcessRow(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin,
+                         std::size_t count) noexcept {
+    SetSweeps(count);
+    // All are taken before any is given: an output may be another's input.
+    for (std::size_t i = 0; i < fChannels.size(); ++i)
+        Write(fChannels[i], block.inputs[i] + begin, count);
+    Row originalLevel;
+    Row delayedLevel;
+    fOriginalLevel.Next(std::span(originalLevel).first(count));
+    fDelayedLevel.Next(std::span(delayedLevel).first(count));
+    const auto age = static_cast<std::ptrdiff_t>(count) - 1 + TapWeights::kAhead;
+    for (std::size_t i = 0; i < fChannels.size(); ++i) {
+        const Channel& channel = fChannels[i];
+        Row original;
+        Row delayed;
+        ReadOriginal(channel, original, count);
+        fSweeps[channel.isAhead ? 1 : 0].taps.Read(channel.line, age, delayed.data());
+        float* const output = block.outputs[i] + begin;
+        for (std::size_t k = 0; k < count; ++k)
+            output[k] = originalLevel[k] * original[k] + delayedLevel[k] * delayed[k];
+    }
+}
+
+// Of the channels that are in step, and of those ahead.
+void Flanger::SetSweeps(std::size_t count) noexcept {
+    const auto first = [count](auto& row) { return std::span(row).first(count); };
+    fIsFedBack = IsFedBack();
+    fFeedback.Next(first(fFeedbacks));
+    fInitial.Next(first(fInitials));
+    fFinal.Next(first(fFinals));
+    fRoundness.Next(first(fRoundnesses));
+    fIsWaiting = !fWaiting.IsSettled() || fWaiting.Target() != 0;
+    if (fIsWaiting) SetOriginalTaps(count);
+
+    TapRow::Delays phases;
+    TapRow::Delays sines;
+    TapRow::Delays cosines;
+    fOscillator.Phases(first(phases));
+    fOscillator.Next(first(sines), first(cosines));
+    SetSweep(fSweeps[0], first(phases), first(cosines));
+
+    const bool isPhaseStill = fPhase.IsSettled();
+    Row ahead;
+    fPhase.Next(first(ahead));
+    Oscillator::Value turn = Oscillator::At(ahead.front());
+    for (std::size_t k = 0; k < count; ++k) {
+        if (!isPhaseStill) turn = Oscillator::At(ahead[k]);
+        cosines[k] = cosines[k] * turn.cosine - sines[k] * turn.sine;
+        phases[k] += ahead[k];
+        phases[k] -= phases[k] >= 1 ? 1 : 0;
+    }
+    SetSweep(fSweeps[1], first(phases), first(cosines));
+}
+
+// The sweep goes from 0 to 1 in the first half of the round, and back in the second.
+void Flanger::SetSweep(Sweep& sweep, std::span<const double> phases, std::span<const double> cosines) noexcept {
+    const std::size_t count = phases.size();
+    TapRow::Delays delays;
+    TapRow::Delays loop;
+    bool isLongEnough = true;
+    for (std::size_t k = 0; k < count; ++k) {
+        const double straight = 1 - std::abs(2 * phases[k] - 1);
+        const double round = (1 - cosines[k]) / 2;
+        const double position = straight + fRoundnesses[k] * (round - straight);
+        // Between two floats there is nothing below 0.
+        delays[k] = std::max(0.0, fInitials[k] + (double{fFinals[k]} - fInitials[k]) * position);
+        loop[k] = std::max(kShortestLoop, delays[k]);
+        isLongEnough = isLongEnough && delays[k] >= kShortestLoop;
+    }
+    sweep.isLongEnough = isLongEnough;
+    sweep.taps.Set(std::span(delays).first(count), true);
+    if (fIsFedBack && !isLongEnough) sweep.loopTaps.Set(std::span(loop).first(count), true);
+}
+
+void Flanger::SetOriginalTaps(std::size_t count) noexcept {
+    Row waiting;
+    fWaiting.Next(std::span(waiting).first(count));
+    TapRow::Delays delays;
+    std::copy_n(waiting.begin(), count, delays.begin());
+    fOriginalTaps.Set(std::span(delays).first(count), true);
+}
+
+void Flanger::Write(Channel& channel, const float* input, std::size_t count) noexcept {
+    Row sound;
+    std::transform(input, input + count, sound.begin(), SaneSample);
+    channel.original.Write(std::span(sound).first(count));
+    if (fIsFedBack) {
+        const Sweep& sweep = fSweeps[channel.isAhead ? 1 : 0];
+        Row fedBack;
+        (sweep.isLongEnough ? sweep.taps : sweep.loopTaps).Read(channel.line, -1, fedBack.data());
+        for (std::size_t k = 0; k < count; ++k)
+            sound[k] += fFeedbacks[k] * fedBack[k];
+    }
+    channel.line.Write(std::span(sound).first(count));
+}
+
+// As late as the other, which waits for what its weights need.
+void Flanger::ReadOriginal(const Channel& channel, Row& sound, std::size_t count) const noexcept {
+    const std::size_t age = count - 1 + TapWeights::kAhead;
+    if (fIsWaiting) {
+        fOriginalTaps.Read(channel.original, static_cast<std::ptrdiff_t>(age), sound.data());
+    } else {
+        for (std::size_t k = 0; k < count; ++k)
+            sound[k] = channel.original.At(age - k);
+    }
 }
 
 } // namespace qoc::components

@@ -2,10 +2,13 @@
 
 #include "qoc/components/ComponentBase.h"
 #include "qoc/dsp/delay/DelayLine.h"
+#include "qoc/dsp/delay/TapRow.h"
 #include "qoc/dsp/math/Oscillator.h"
 #include "qoc/dsp/stream/ChannelSide.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
 
+#include <array>
+#include <span>
 #include <vector>
 
 namespace qoc::components {
@@ -30,25 +33,28 @@ protected:
     void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
 
 private:
+    // A value for each of the samples that are processed at once.
+    using Row = TapRow::Samples;
     struct Channel {
         DelayLine original;
         DelayLine line; // with what is fed back
         bool isAhead;   // by the stereo phase
     };
-    struct Moment {
-        double initial;       // samples
-        double change;        // to the final delay
-        double waiting;       // of the original
-        double position;      // in the sweep, 0...1
-        double positionAhead; // by the stereo phase
-        float feedback;
-        float originalLevel;
-        float delayedLevel;
+    // Where the channels are read that are in step, or those that are ahead.
+    struct Sweep {
+        TapRow taps;
+        TapRow loopTaps;          // if the delay gets shorter than the loop can be
+        bool isLongEnough = true; // for the loop
     };
 
-    Moment NextMoment() noexcept;
-    static double PositionAt(double phase, double roundness) noexcept;
-    static float Next(Channel& channel, const Moment& moment, float input) noexcept;
+    std::size_t RowLength() const noexcept;
+    void ProcessRow(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t count) noexcept;
+    void SetSweeps(std::size_t count) noexcept;
+    void SetSweep(Sweep& sweep, std::span<const double> phases, std::span<const double> cosines) noexcept;
+    void SetOriginalTaps(std::size_t count) noexcept;
+    void Write(Channel& channel, const float* input, std::size_t count) noexcept;
+    void ReadOriginal(const Channel& channel, Row& sound, std::size_t count) const noexcept;
+    bool IsFedBack() const noexcept { return !fFeedback.IsSettled() || fFeedback.Target() != 0; }
 
     std::vector<Channel> fChannels;
     Oscillator fOscillator;
@@ -60,6 +66,15 @@ private:
     SmoothedValue fFeedback;
     SmoothedValue fOriginalLevel;
     SmoothedValue fDelayedLevel;
+    // Of the present row.
+    std::array<Sweep, 2> fSweeps; // in step and ahead
+    TapRow fOriginalTaps;
+    bool fIsWaiting = false; // the original
+    bool fIsFedBack = false;
+    Row fFeedbacks;
+    Row fInitials; // samples
+    Row fFinals;
+    Row fRoundnesses;
 };
 
 } // namespace qoc::components

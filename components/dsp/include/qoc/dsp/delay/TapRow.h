@@ -18,13 +18,14 @@ public:
     using Samples = std::array<float, kMost>;
     using Delays = std::array<double, kMost>;
 
-    // `delays` in samples, each at least TapWeights::kAhead. `isFine`: Lagrange's polynomial, otherwise a straight
+    // `delays` in samples, none below 0. `isFine`: Lagrange's polynomial, otherwise a straight
     // line.
     void Set(std::span<const double> delays, bool isFine) noexcept;
     std::size_t Size() const noexcept { return fSize; }
 
     // The sound of `line` at the delays. The first of them is told from the sample that was written `age` samples
-    // before the last (one that is yet to be written: -1), the others each from the next.
+    // before the last (one that is yet to be written: -1), the others each from the next. No delay is so short that
+    // weights would stand for samples yet to be written.
     void Read(const DelayLine& line, std::ptrdiff_t age, float* output) const noexcept;
 
 private:

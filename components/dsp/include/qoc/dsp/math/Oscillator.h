@@ -72,6 +72,14 @@ public:
             GoOn(count);
         }
     }
+    // The phases of the next samples; does not go on.
+    void Phases(std::span<double> phases) const noexcept {
+        const double begin = fTurned == 0 ? fPhase : fBegin;
+        for (std::size_t i = 0; i < phases.size(); ++i) {
+            const double phase = begin + fStep * static_cast<double>(fTurned + i);
+            phases[i] = phase - static_cast<int>(phase);
+        }
+    }
     // Goes on by so many samples at which nobody looks.
     void Skip(std::size_t samples) noexcept {
         while (samples > 0) {
