@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <utility>
 
 namespace qoc::components {
@@ -70,7 +71,7 @@ void HardLimiter::PrepareProcessing(std::size_t /*maximumBlock*/) {
     fChannels.assign(GetNumberOfInputChannels(), {});
     for (Channel& channel : fChannels) {
         channel.gain.Prepare(longest, sampleRate);
-        channel.sound.resize(fLatency + 1);
+        channel.sound.resize(fLatency + TruePeak::kMost);
     }
 }
 
@@ -78,7 +79,7 @@ void HardLimiter::ResetProcessing() noexcept {
     for (Channel& channel : fChannels) {
         channel.peak.Reset();
         std::ranges::fill(channel.sound, 0.0F);
-        channel.allowed = channel.allowedBefore = 1;
+        channel.allowedBefore = 1;
     }
     fPosition = 0;
 }
@@ -96,34 +97,56 @@ void HardLimiter::ReadParameters(bool settle) noexcept {
 }
 
 void HardLimiter::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
-    for (std::size_t i = 0; i < block.frames; ++i) {
-        const float boost = fBoost.Next();
-        const float ceiling = fCeiling.Next();
-        for (std::size_t channel = 0; channel < fChannels.size(); ++channel)
-            Take(fChannels[channel], SaneSample(block.inputs[channel][i]) * boost, ceiling);
-        const float forAll = fIsLinked ? AllowedForAll() : 1.0F;
-        const std::size_t oldest = (fPosition + 1) % (fLatency + 1);
-        for (std::size_t channel = 0; channel < fChannels.size(); ++channel) {
-            Channel& each = fChannels[channel];
-            const float allowed = std::min({each.allowed, each.allowedBefore, forAll});
-            block.outputs[channel][i] = each.sound[oldest] * each.gain.Next(allowed);
-        }
-        fPosition = oldest;
+    for (std::size_t begin = 0; begin < block.frames; begin += TruePeak::kMost)
+        ProcessRow(block, begin, std::min(block.frames - begin, TruePeak::kMost));
+}
+
+// All channels are taken before any is given: an output may be another's input.
+void HardLimiter::ProcessRow(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin,
+                             std::size_t count) noexcept {
+    Levels levels;
+    fBoost.Next(std::span(levels.boost).first(count));
+    fCeiling.Next(std::span(levels.ceiling).first(count));
+    for (std::size_t i = 0; i < fChannels.size(); ++i)
+        Take(fChannels[i], block.inputs[i] + begin, levels, count);
+    if (fIsLinked) Link(count);
+    for (std::size_t i = 0; i < fChannels.size(); ++i)
+        Give(fChannels[i], block.outputs[i] + begin, count);
+    fPosition = (fPosition + count) % (fLatency + TruePeak::kMost);
+}
+
+void HardLimiter::Take(Channel& channel, const float* input, const Levels& levels, std::size_t count) noexcept {
+    TruePeak::Row sound;
+    for (std::size_t k = 0; k < count; ++k)
+        sound[k] = SaneSample(input[k]) * levels.boost[k];
+    TruePeak::Row peaks;
+    channel.peak.Next(std::span(sound).first(count), peaks);
+    for (std::size_t k = 0; k < count; ++k) {
+        const float allowed = peaks[k] > levels.ceiling[k] ? levels.ceiling[k] / peaks[k] : 1.0F;
+        // A peak lies between two samples, which are both to obey.
+        channel.allowed[k] = std::min(allowed, std::exchange(channel.allowedBefore, allowed));
     }
+    const std::size_t toEnd = std::min(count, channel.sound.size() - fPosition);
+    std::copy_n(sound.begin(), toEnd, channel.sound.begin() + static_cast<std::ptrdiff_t>(fPosition));
+    std::copy(sound.begin() + toEnd, sound.begin() + count, channel.sound.begin());
 }
 
-void HardLimiter::Take(Channel& channel, float sample, float ceiling) noexcept {
-    channel.sound[fPosition] = sample;
-    const float peak = channel.peak.Next(sample);
-    // A peak lies between two samples, which are both to obey.
-    channel.allowedBefore = std::exchange(channel.allowed, peak > ceiling ? ceiling / peak : 1.0F);
-}
-
-float HardLimiter::AllowedForAll() const noexcept {
-    float least = 1;
+void HardLimiter::Link(std::size_t count) noexcept {
+    TruePeak::Row& least = fChannels.front().allowed;
     for (const Channel& channel : fChannels)
-        least = std::min({least, channel.allowed, channel.allowedBefore});
-    return least;
+        std::transform(least.begin(), least.begin() + count, channel.allowed.begin(), least.begin(),
+                       [](float a, float b) { return std::min(a, b); });
+    for (Channel& channel : fChannels)
+        std::copy_n(least.begin(), count, channel.allowed.begin());
+}
+
+void HardLimiter::Give(Channel& channel, float* output, std::size_t count) const noexcept {
+    const std::size_t size = channel.sound.size();
+    std::size_t late = (fPosition + size - fLatency) % size;
+    for (std::size_t k = 0; k < count; ++k) {
+        output[k] = channel.sound[late] * channel.gain.Next(channel.allowed[k]);
+        late = late + 1 < size ? late + 1 : 0;
+    }
 }
 
 } // namespace qoc::components

@@ -5,6 +5,15 @@
 
 namespace qoc::dsp {
 
+namespace {
+
+// A place in a ring, up to once around beyond its end. A division would cost more than all else.
+std::size_t Around(std::size_t place, std::size_t size) noexcept {
+    return place < size ? place : place - size;
+}
+
+} // namespace
+
 void LimiterEnvelope::Prepare(std::size_t longestLookAhead, double sampleRate) {
     fLongest = longestLookAhead;
     fSustained.Prepare(sampleRate);
@@ -45,9 +54,9 @@ LimiterEnvelope::Fixed LimiterEnvelope::Next(Fixed allowed) noexcept {
     const auto released = std::min(least, static_cast<Fixed>(std::ceil(fReleased * static_cast<double>(kOne))));
     // Together they reach fLookAhead samples back.
     const std::size_t half = fLookAhead / 2;
-    fPosition = (fPosition + 1) % fGains.size();
+    fPosition = Around(fPosition + 1, fGains.size());
     fGains[fPosition] = fSecond.Next(fFirst.Next(released, half + 1), fLookAhead - half + 1);
-    return fGains[(fPosition + fGains.size() - (fLongest - fLookAhead)) % fGains.size()];
+    return fGains[Around(fPosition + fGains.size() - (fLongest - fLookAhead), fGains.size())];
 }
 
 void LimiterEnvelope::Average::Prepare(std::size_t most) {
@@ -58,20 +67,22 @@ void LimiterEnvelope::Average::Reset() noexcept {
     std::ranges::fill(fValues, kOne);
     fNow = 0;
     fLength = 1;
+    fPerLength = 1;
     fSum = kOne;
 }
 
 LimiterEnvelope::Fixed LimiterEnvelope::Average::Next(Fixed value, std::size_t length) noexcept {
     const std::size_t size = fValues.size();
-    const auto past = [&](std::size_t age) { return fValues[(fNow + size - age) % size]; };
+    const auto past = [&](std::size_t age) { return fValues[Around(fNow + size - age, size)]; };
+    if (length != fLength) fPerLength = 1 / static_cast<double>(length);
     for (; fLength < length; ++fLength)
         fSum += past(fLength);
     for (; fLength > length; --fLength)
         fSum -= past(fLength - 1);
     fSum += value - past(fLength - 1);
-    fNow = (fNow + 1) % size;
+    fNow = Around(fNow + 1, size);
     fValues[fNow] = value;
-    return fSum / static_cast<Fixed>(fLength);
+    return static_cast<Fixed>(static_cast<double>(fSum) * fPerLength);
 }
 
 void LimiterEnvelope::Minimum::Prepare(std::size_t most) {
@@ -88,12 +99,12 @@ LimiterEnvelope::Fixed LimiterEnvelope::Minimum::Next(Fixed value, std::size_t l
     const std::size_t size = fEntries.size();
     ++fNow;
     while (fCount > 0 && fEntries[fFirst].time + length <= fNow) {
-        fFirst = (fFirst + 1) % size;
+        fFirst = Around(fFirst + 1, size);
         --fCount;
     }
-    while (fCount > 0 && fEntries[(fFirst + fCount - 1) % size].value >= value)
+    while (fCount > 0 && fEntries[Around(fFirst + fCount - 1, size)].value >= value)
         --fCount;
-    fEntries[(fFirst + fCount) % size] = {value, fNow};
+    fEntries[Around(fFirst + fCount, size)] = {value, fNow};
     ++fCount;
     return fEntries[fFirst].value;
 }

@@ -1,5 +1,7 @@
 #include "qoc/dsp/dynamics/TruePeak.h"
 
+#include "dynamics/TruePeakFilters.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -8,9 +10,9 @@ namespace qoc::dsp {
 
 namespace {
 
-constexpr std::size_t kPhases = 4; // values at once
-constexpr double kLongBeta = 0.5;  // of the Kaiser windows: hardly one, so that little is lost just below half the rate
-constexpr double kFineBeta = 6;    // 60 dB down
+constexpr std::size_t kPhases = 4;
+constexpr double kLongBeta = 0.5; // of the Kaiser windows: hardly one, so that little is lost just below half the rate
+constexpr double kFineBeta = 6;   // 60 dB down
 // 0.06 dB: what eight places a sample miss of a peak near half the sample rate, and what a gain on its way adds there.
 constexpr float kMissed = 1.007F;
 // Of white noise the interpolator's two ends beyond the first filter's reach hold this share: the sum of 1 / (pi d)^2
@@ -18,8 +20,8 @@ constexpr float kMissed = 1.007F;
 constexpr float kBeyond = 3 * 2 / (std::numbers::pi_v<float> * 27.713F); // sqrt(768)
 static_assert(TruePeak::kTaps == 768);
 
-template <std::size_t kTaps>
-using PhaseWeights = std::array<std::array<float, kPhases>, kTaps>; // oldest tap first
+using PhaseWeights = std::array<std::array<float, 2 * PlaceBetween::kTaps>, kPhases>;
+static_assert(TruePeak::kFineTaps == 2 * PlaceBetween::kTaps && TruePeak::kMeterTaps == 2 * PlaceBetween::kTaps);
 
 // ITU-R BS.1770-4, annex 2, table of the order 48 interpolating filter; the last two phases are the first two
 // backwards.
@@ -45,15 +47,18 @@ struct Weights {
             half[tap] = Sinc(tap, TruePeak::kTaps, 0.5, kLongBeta);
         for (std::size_t tap = 0; tap < TruePeak::kFineTaps; ++tap) {
             for (std::size_t phase = 0; phase < kPhases; ++phase)
-                fine[tap][phase] = Sinc(tap, TruePeak::kFineTaps, static_cast<double>(phase) / kPhases, kFineBeta);
+                fine[phase][OfTurns(tap)] =
+                    Sinc(tap, TruePeak::kFineTaps, static_cast<double>(phase) / kPhases, kFineBeta);
         }
         for (std::size_t tap = 0; tap < TruePeak::kMeterTaps; ++tap) {
             for (std::size_t phase = 0; phase < kPhases / 2; ++phase) {
                 const auto weight = static_cast<float>(kMeter[phase][tap]);
-                meter[tap][phase] = meter[TruePeak::kMeterTaps - 1 - tap][kPhases - 1 - phase] = weight;
+                meter[phase][tap] = meter[kPhases - 1 - phase][TruePeak::kMeterTaps - 1 - tap] = weight;
             }
         }
     }
+    // The sounds that lie at the samples and between them take turns; the newest tap is of the first.
+    static std::size_t OfTurns(std::size_t tap) { return tap % 2 == 1 ? tap / 2 : PlaceBetween::kTaps + tap / 2; }
     // `offset` samples after the one at taps / 2 - 1.
     static float Sinc(std::size_t tap, std::size_t taps, double offset, double beta) {
         const std::size_t reach = taps / 2;
@@ -62,8 +67,8 @@ struct Weights {
     }
 
     std::array<float, TruePeak::kTaps> half{};
-    PhaseWeights<TruePeak::kFineTaps> fine{}; // the first phase is the value itself
-    PhaseWeights<TruePeak::kMeterTaps> meter{};
+    PhaseWeights fine{};  // the first phase is the value itself
+    PhaseWeights meter{}; // oldest tap first
 };
 
 const Weights& TheWeights() noexcept {
@@ -71,65 +76,68 @@ const Weights& TheWeights() noexcept {
     return sWeights;
 }
 
-// In eight sums, which need not wait for each other.
-float Product(const std::array<float, TruePeak::kTaps>& weights, const float* sound) noexcept {
-    constexpr std::size_t kLanes = 8;
-    std::array<float, kLanes> sums{};
-    for (std::size_t i = 0; i < weights.size(); i += kLanes) {
-        for (std::size_t lane = 0; lane < kLanes; ++lane)
-            sums[lane] += weights[i + lane] * sound[i + lane];
-    }
-    return ((sums[0] + sums[4]) + (sums[1] + sums[5])) + ((sums[2] + sums[6]) + (sums[3] + sums[7]));
-}
-
-template <std::size_t kTaps>
-float LargestPhase(const PhaseWeights<kTaps>& weights, const float* sound) noexcept {
-    std::array<float, kPhases> sums{};
-    for (std::size_t tap = 0; tap < kTaps; ++tap) {
-        for (std::size_t phase = 0; phase < kPhases; ++phase)
-            sums[phase] += weights[tap][phase] * sound[tap];
-    }
-    return std::max({std::abs(sums[0]), std::abs(sums[1]), std::abs(sums[2]), std::abs(sums[3])});
-}
-
 } // namespace
 
 void TruePeak::Reset() noexcept {
-    fSound.Reset();
-    fDoubled.Reset();
+    fSound.fill(0);
+    fBetween.fill(0);
     fEdge.Reset();
     TheWeights();
 }
 
-float TruePeak::Next(float sample) noexcept {
-    fSound.Push(sample);
-    // The newest of the window's samples that the first filter and the meter read; with those of the second filter's
-    // delay beyond it, both tell the same peak.
-    const float* const now = fSound.Oldest() + kFineTaps;
-    const float atSample = NextDoubled(now[kTaps / 2 - 1]);
-    const float betweenSamples = NextDoubled(Product(TheWeights().half, now));
-    constexpr std::size_t kMeterMiddle = kMeterTaps / 2 - 1;
-    const float* const meterStart = now + kTaps / 2 - 1 - kFineTaps / 4 - kMeterMiddle;
-    return kMissed * std::max({atSample, betweenSamples, LargestPhase(TheWeights().meter, meterStart)}) +
-           kBeyond * std::sqrt(fEdge.Next(sample));
+void TruePeak::Next(std::span<const float> samples, Row& peaks) noexcept {
+    static_assert(kSlack >= kFilterSlack);
+    const std::size_t count = samples.size();
+    std::ranges::copy(samples, fSound.begin() + kSoundBefore);
+    FilterRow(TheWeights().half, fSound.data(), fBetween.data() + kBetweenBefore, count);
+
+    FindPlaces(peaks, count);
+    Row beyond;
+    fEdge.Next(samples, beyond);
+    for (std::size_t k = 0; k < count; ++k)
+        peaks[k] = kMissed * peaks[k] + kBeyond * std::sqrt(beyond[k]);
+
+    std::copy_n(fSound.begin() + static_cast<std::ptrdiff_t>(count), kSoundBefore, fSound.begin());
+    std::copy_n(fBetween.begin() + static_cast<std::ptrdiff_t>(count), kBetweenBefore, fBetween.begin());
+}
+
+// The largest magnitudes of the present row.
+void TruePeak::FindPlaces(Row& peaks, std::size_t count) const noexcept {
+    const Weights& weights = TheWeights();
+    // The samples in front of those places; with the second filter's delay beyond them, the meter tells the same peak.
+    const float* const at = fSound.data() + kTaps / 2 - 1;
+    const float* const between = fBetween.data() + kBetweenBefore;
+    const float* const metered = at + kMeterTaps / 2 - kFineTaps / 4;
+    // The first phase of the second filter is the sound itself.
+    const float* const atFirst = at - kFineTaps / 4;
+    const float* const betweenFirst = between - kFineTaps / 4;
+    for (std::size_t k = 0; k < count; ++k)
+        peaks[k] = std::max(std::abs(atFirst[k]), std::abs(betweenFirst[k]));
+    constexpr std::size_t kReach = PlaceBetween::kTaps - 1;
+    std::array<PlaceBetween, 3 * kPhases - 2> places{};
+    auto place = places.begin();
+    for (std::size_t phase = 1; phase < kPhases; ++phase) {
+        *place++ = {&weights.fine[phase], at - kReach, between - kReach - 1};
+        *place++ = {&weights.fine[phase], between - kReach, at - kReach};
+    }
+    for (const auto& phase : weights.meter)
+        *place++ = {&phase, metered - 2 * kReach - 1, metered - kReach};
+    RaisePeaks(places, peaks.data(), count);
 }
 
 // A low-pass as narrow as the filter's ends are wide, 150 Hz at 44.1 kHz, so that tones farther off hardly count; and
 // the mean over about the filter's length.
-float TruePeak::Edge::Next(float sample) noexcept {
+void TruePeak::Edge::Next(std::span<const float> samples, Row& meanSquares) noexcept {
     constexpr float kNarrow = 1.0F / 48;
     constexpr float kNoiseGain = kNarrow / 4; // what two such low-passes leave of white noise
     constexpr float kMean = 1.0F / 512;
-    fSign = -fSign;
-    fFirst += kNarrow * (fSign * sample - fFirst);
-    fSecond += kNarrow * (fFirst - fSecond);
-    fMeanSquare += kMean * (fSecond * fSecond / kNoiseGain - fMeanSquare);
-    return fMeanSquare;
-}
-
-float TruePeak::NextDoubled(float value) noexcept {
-    fDoubled.Push(value);
-    return LargestPhase(TheWeights().fine, fDoubled.Oldest());
+    for (std::size_t k = 0; k < samples.size(); ++k) {
+        fSign = -fSign;
+        fFirst = (1 - kNarrow) * fFirst + kNarrow * (fSign * samples[k]);
+        fSecond = (1 - kNarrow) * fSecond + kNarrow * fFirst;
+        fMeanSquare = (1 - kMean) * fMeanSquare + kMean / kNoiseGain * (fSecond * fSecond);
+        meanSquares[k] = fMeanSquare;
+    }
 }
 
 } // namespace qoc::dsp

@@ -32,12 +32,19 @@ private:
         TruePeak peak;
         LimiterGain gain;
         std::vector<float> sound; // boosted, a ring
-        float allowed = 1;        // by the last peak
-        float allowedBefore = 1;
+        float allowedBefore = 1;  // by the last peak
+        TruePeak::Row allowed;    // of the samples that are processed at once
+    };
+    // The present ones of the smoothed values.
+    struct Levels {
+        TruePeak::Row boost;
+        TruePeak::Row ceiling;
     };
 
-    void Take(Channel& channel, float sample, float ceiling) noexcept;
-    float AllowedForAll() const noexcept;
+    void ProcessRow(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t count) noexcept;
+    void Take(Channel& channel, const float* input, const Levels& levels, std::size_t count) noexcept;
+    void Link(std::size_t count) noexcept;
+    void Give(Channel& channel, float* output, std::size_t count) const noexcept;
 
     std::vector<Channel> fChannels;
     SmoothedValue fBoost;

@@ -55,6 +55,7 @@ private:
         std::vector<Fixed> fValues; // a ring
         std::size_t fNow = 0;
         std::size_t fLength = 1; // that the sum is of
+        double fPerLength = 1;
         Fixed fSum = 0;
     };
     // The least of the last samples.

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
 
 namespace qoc::dsp {
 
@@ -18,35 +19,23 @@ public:
     // A peak is told when the later of the two samples that it lies between is this old.
     static constexpr std::size_t kDelay = kTaps / 2 - 1 + kFineTaps / 4;
 
+    static constexpr std::size_t kMost = 64;
+    using Row = std::array<float, kMost>;
+
     // Forgets all sound.
     void Reset() noexcept;
-    // Takes the next sample. Returns the largest magnitude from kDelay + 1 samples ago to kDelay ago, rounded up a
-    // little (0.06 dB) for what may lie between the places looked at, and by what the filter's ends may miss.
-    float Next(float sample) noexcept;
+    // Takes the next samples, up to kMost. For each: the largest magnitude from kDelay + 1 samples before it to kDelay
+    // before it, rounded up a little (0.06 dB) for what may lie between the places looked at, and by what the filter's
+    // ends may miss.
+    void Next(std::span<const float> samples, Row& peaks) noexcept;
 
 private:
-    // The last values, always standing together, oldest first.
-    template <std::size_t kCount>
-    class Window {
-    public:
-        void Reset() noexcept { fValues.fill(0), fPosition = 0; }
-        void Push(float value) noexcept {
-            fValues[fPosition] = fValues[fPosition + kCount] = value;
-            fPosition = (fPosition + 1) % kCount;
-        }
-        const float* Oldest() const noexcept { return fValues.data() + fPosition; }
-
-    private:
-        std::array<float, 2 * kCount> fValues{};
-        std::size_t fPosition = 0;
-    };
-
     // How strong the sound is, a sample, just below half the rate.
     class Edge {
     public:
         void Reset() noexcept { *this = {}; }
-        // The mean square, were all of the spectrum as strong as there.
-        float Next(float sample) noexcept;
+        // For each of the next samples: the mean square, were all of the spectrum as strong as there.
+        void Next(std::span<const float> samples, Row& meanSquares) noexcept;
 
     private:
         float fSign = 1; // turns, which brings half the rate down to 0 Hz
@@ -55,10 +44,16 @@ private:
         float fMeanSquare = 0;
     };
 
-    float NextDoubled(float value) noexcept;
+    void FindPlaces(Row& peaks, std::size_t count) const noexcept;
 
-    Window<kTaps + kFineTaps> fSound;
-    Window<kFineTaps> fDoubled; // at twice the rate
+    static constexpr std::size_t kSlack = 32; // beyond the present row
+    static constexpr std::size_t kSoundBefore = kTaps - 1;
+    static constexpr std::size_t kBetweenBefore = kFineTaps / 2;
+
+    // The last samples, and behind them the present ones.
+    std::array<float, kSoundBefore + kMost + kSlack> fSound{};
+    // Of these, what lies in the middle between one and the next; first those that go with the samples before.
+    std::array<float, kBetweenBefore + kMost + kSlack> fBetween{};
     Edge fEdge;
 };
 
