@@ -129,7 +129,7 @@ void AdaptiveNoiseReduction::PrepareProcessing(std::size_t /*maximumBlock*/) {
     const std::size_t bins = fFrame / 2 + 1;
     // The squared windows add up to half as many as there are hops.
     const double sum = static_cast<double>(hops) / 2;
-    fStepsPerPass = (OverlapAdd::StepsFor(hop) + 1) / 2;
+    fStepsPerPass = (PacedSteps::CountFor(hop) + 1) / 2;
     std::vector<OverlapAdd::Work> work;
     for (std::size_t i = 0; i < GetNumberOfInputChannels() * SpectralGain::kPasses; ++i)
         work.push_back({.steps = fStepsPerPass, .cost = SpectralGain::kCosts[i % SpectralGain::kPasses]});

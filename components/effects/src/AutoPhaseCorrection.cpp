@@ -180,7 +180,7 @@ void AutoPhaseCorrection::PrepareProcessing(std::size_t maximumBlock) {
     for (float& value : synthesis)
         value *= 2.0F / kOverlaps;
     const OverlapAdd::Layout layout{.transform = fSize, .frame = fSize, .hop = fSize / kOverlaps};
-    fStepsPerPass = OverlapAdd::StepsFor(layout.hop);
+    fStepsPerPass = PacedSteps::CountFor(layout.hop);
     fOverlapAdd.Prepare(
         channels, layout,
         std::vector(channels * PhaseAligner::kPasses, OverlapAdd::Work{.steps = fStepsPerPass, .cost = kAlignCost}),

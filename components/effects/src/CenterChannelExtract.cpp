@@ -260,7 +260,7 @@ void CenterChannelExtract::PrepareProcessing(std::size_t /*maximumBlock*/) {
     const OverlapAdd::Layout layout{.transform = size, .frame = hop * overlaps, .hop = hop};
     const std::vector<float> analysis =
         AnalysisWindow(kWindows[static_cast<std::size_t>(Item(kCenterExtractWindow))], layout.frame);
-    fSteps = OverlapAdd::StepsFor(hop);
+    fSteps = PacedSteps::CountFor(hop);
     fTransform.Prepare(kStereo, layout, std::array{OverlapAdd::Work{.steps = fSteps, .cost = kCost}}, analysis,
                        SynthesisWindow(analysis, hop, size));
     fLatency = fTransform.Latency();

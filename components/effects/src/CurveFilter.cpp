@@ -98,7 +98,7 @@ void CurveFilter::PrepareProcessing(std::size_t /*maximumBlock*/) {
     fKept = kFramesPerPart * (fFilter->Count() - 1) + 1;
     fSum.assign(FilterPartitions::SplitSize(fPartitionTransform->Bins()), 0.0F);
     fPast.assign(GetNumberOfInputChannels() * fKept * fSum.size(), 0.0F);
-    fSteps = OverlapAdd::StepsFor(hop);
+    fSteps = PacedSteps::CountFor(hop);
     const double cost = kPartCost * static_cast<double>(GetNumberOfInputChannels() * (fFilter->Count() + 1));
     fStream.Prepare(GetNumberOfInputChannels(), {.transform = 2 * frame, .frame = frame, .hop = hop},
                     std::array{OverlapAdd::Work{.steps = fSteps, .cost = cost}}, HannFrame(frame));

@@ -112,7 +112,7 @@ void IntraClip::PrepareProcessing(std::size_t /*maximumBlock*/) {
                        .largestOrder = kLargestOrder,
                        .rounds = isRender ? kRenderRounds : kLiveRounds,
                        .octaves = static_cast<double>(octaves)});
-    fStream.Prepare(channels, fLayout, fRestorer.Steps());
+    fStream.Prepare(channels, fLayout, channels * fRestorer.Steps());
     fDetector.Prepare(frame);
     fLevels.assign(channels, {});
     fHeard.assign(channels, std::vector<float>(frame));
@@ -147,9 +147,21 @@ void IntraClip::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) 
     }
 }
 
-// All channels of a frame are worked on with the settings at its beginning.
-bool IntraClip::Begin(std::size_t channel, std::span<const float> original, std::span<float> repaired) noexcept {
-    if (channel == 0) fTaken = fSettings;
+// All channels of a frame are worked on with the settings at its beginning, one after the other.
+void IntraClip::Begin(std::span<const Frame> frames) noexcept {
+    fFrames = frames;
+    fTaken = fSettings;
+}
+
+void IntraClip::Step(std::size_t step) noexcept {
+    const std::size_t steps = fRestorer.Steps();
+    if (step % steps == 0) fIsBusy = BeginChannel(step / steps);
+    if (fIsBusy) fRestorer.Step(step % steps);
+}
+
+// True when there is something to do to its frame.
+bool IntraClip::BeginChannel(std::size_t channel) noexcept {
+    const auto [original, repaired] = fFrames[channel];
     const auto runs = fDetector.Find(original, fTaken.detection, fLevels[channel]);
     const auto isHeard = [this](const ClipDetector::Run& run) {
         return run.end - run.begin >= fTaken.restoration.minimumSize && run.end > fLayout.before &&

@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace qoc::dsp {
 
@@ -36,54 +37,29 @@ void AutoregressiveInterpolator::Prepare(std::size_t mostUnknown, std::size_t la
 
 void AutoregressiveInterpolator::Restore(std::span<const double> coefficients, std::span<const std::size_t> unknown,
                                          std::span<double> sound) noexcept {
-    if (RestoreUnbounded(coefficients, unknown, sound)) Bound(unknown, sound);
+    Begin(coefficients, unknown, sound);
+    while (!IsDone())
+        Work();
 }
 
 bool AutoregressiveInterpolator::RestoreUnbounded(std::span<const double> coefficients,
                                                   std::span<const std::size_t> unknown,
                                                   std::span<double> sound) noexcept {
-    if (unknown.empty()) return false;
-    for (std::size_t i = 0; i < unknown.size(); ++i)
-        fBefore[i] = sound[unknown[i]];
-    SetUp(coefficients, unknown, sound);
-    const bool isSolvable = Factorise(unknown.size());
-    if (isSolvable) Solve(unknown.size());
-    for (std::size_t i = 0; i < unknown.size(); ++i)
-        sound[unknown[i]] = isSolvable ? fValues[i] : fBefore[i];
-    return isSolvable;
+    Begin(coefficients, unknown, sound);
+    fIsBounded = false;
+    while (!IsDone())
+        Work();
+    return fIsSolvable;
 }
 
-void AutoregressiveInterpolator::Bound(std::span<const std::size_t> unknown, std::span<double> sound) const noexcept {
-    for (std::size_t first = 0, next = 0; first < unknown.size(); first = next) {
-        next = first + 1;
-        while (next < unknown.size() && unknown[next] == unknown[next - 1] + 1)
-            ++next;
-        BoundGap(unknown, unknown.subspan(first, next - first), sound);
-    }
-}
-
-// Within what the samples around swing between, and half as much again to either side: a model of a resonance may
-// want more when something else than the sound stands beside the gap.
-void AutoregressiveInterpolator::BoundGap(std::span<const std::size_t> unknown, std::span<const std::size_t> gap,
-                                          std::span<double> sound) const noexcept {
-    constexpr double kRoom = 0.5;
-    constexpr std::size_t kGapsAround = 2;
-    const std::size_t reach = fWidth - 1 + kGapsAround * gap.size();
-    const std::size_t end = std::min(sound.size(), gap.back() + 1 + reach);
-    double lo = sound[gap.front() - 1];
-    double hi = lo;
-    for (std::size_t i = gap.front() - std::min(gap.front(), reach); i < end; ++i) {
-        if (std::ranges::binary_search(unknown, i)) continue;
-        lo = std::min(lo, sound[i]);
-        hi = std::max(hi, sound[i]);
-    }
-    const double room = kRoom * (hi - lo);
-    for (const std::size_t place : gap)
-        sound[place] = std::clamp(sound[place], lo - room, hi + room);
-}
-
-void AutoregressiveInterpolator::SetUp(std::span<const double> coefficients, std::span<const std::size_t> unknown,
+void AutoregressiveInterpolator::Begin(std::span<const double> coefficients, std::span<const std::size_t> unknown,
                                        std::span<double> sound) noexcept {
+    fUnknown = unknown;
+    fSound = sound;
+    fStage = unknown.empty() ? Stage::kDone : Stage::kSetUp;
+    fPlace = 0;
+    fIsBounded = true;
+    fIsSolvable = !unknown.empty();
     fWidth = coefficients.size();
     for (std::size_t lag = 0; lag < fWidth; ++lag) {
         double sum = 0;
@@ -91,30 +67,128 @@ void AutoregressiveInterpolator::SetUp(std::span<const double> coefficients, std
             sum += coefficients[k] * coefficients[k + lag];
         fProducts[lag] = sum;
     }
-    for (const std::size_t place : unknown)
-        sound[place] = 0;
-    for (std::size_t i = 0; i < unknown.size(); ++i) {
-        double* const column = Column(i);
-        std::fill_n(column, fWidth, 0.0);
-        for (std::size_t j = i; j < std::min(unknown.size(), i + fWidth) && unknown[j] - unknown[i] < fWidth; ++j)
-            column[j - i] = fProducts[unknown[j] - unknown[i]];
-        const double* const middle = sound.data() + unknown[i];
-        const auto around = [&](std::size_t lag) { return fProducts[lag] * (*(middle - lag) + middle[lag]); };
-        fValues[i] = -UnrolledSum<double>(1, fWidth, around);
+    for (std::size_t i = 0; i < unknown.size(); ++i)
+        fBefore[i] = std::exchange(sound[unknown[i]], 0);
+}
+
+// A few unknown samples at a time.
+double AutoregressiveInterpolator::Work() noexcept {
+    if (IsDone()) return 0;
+    constexpr std::size_t kTogether = 8;
+    const double cost = kTogether * PieceCost(fStage, fWidth);
+    for (std::size_t end = fPlace + kTogether; !IsDone() && fPlace < std::min(end, fUnknown.size());)
+        Do();
+    if (IsDone() || fPlace < fUnknown.size()) return cost;
+    fPlace = 0;
+    fStage = static_cast<Stage>(static_cast<int>(fStage) + 1);
+    if (fStage == Stage::kBound && !fIsBounded) fStage = Stage::kDone;
+    return cost;
+}
+
+double AutoregressiveInterpolator::CostLeft() const noexcept {
+    double cost = 0;
+    for (Stage stage = fStage; stage != Stage::kDone; stage = static_cast<Stage>(static_cast<int>(stage) + 1))
+        cost += PieceCost(stage, fWidth) * static_cast<double>(fUnknown.size() - (stage == fStage ? fPlace : 0));
+    return cost;
+}
+
+double AutoregressiveInterpolator::CostOf(std::size_t unknown, std::size_t order) const noexcept {
+    double cost = 0;
+    for (Stage stage = Stage::kSetUp; stage != Stage::kDone; stage = static_cast<Stage>(static_cast<int>(stage) + 1))
+        cost += PieceCost(stage, order + 1) * static_cast<double>(unknown);
+    return cost;
+}
+
+// Of one unknown sample, in nanoseconds, about.
+double AutoregressiveInterpolator::PieceCost(Stage stage, std::size_t width) const noexcept {
+    constexpr double kProductCost = 1;   // a coefficient
+    constexpr double kFactorCost = 0.12; // two coefficients
+    constexpr double kBoundCost = 0.3;   // a coefficient
+    constexpr double kStoreCost = 2;
+    const auto count = static_cast<double>(width);
+    switch (stage) {
+    case Stage::kFactorise: return kFactorCost * count * count;
+    case Stage::kStore: return kStoreCost;
+    case Stage::kBound: return kBoundCost * count;
+    default: return kProductCost * count;
     }
+}
+
+void AutoregressiveInterpolator::Do() noexcept {
+    switch (fStage) {
+    case Stage::kSetUp: return SetUp(fPlace++);
+    case Stage::kFactorise:
+        if (Factorise(fPlace++)) return;
+        fIsSolvable = false;
+        return StoreValues();
+    case Stage::kSolveForward: return SolveForward(fPlace++);
+    case Stage::kSolveBack: return SolveBack(fUnknown.size() - ++fPlace);
+    case Stage::kStore: return StoreValues();
+    case Stage::kBound: return BoundNextGap();
+    case Stage::kDone: return;
+    }
+}
+
+// Numbers out of all proportion leave the sound as it was.
+void AutoregressiveInterpolator::StoreValues() noexcept {
+    for (std::size_t i = 0; i < fUnknown.size(); ++i)
+        fSound[fUnknown[i]] = fIsSolvable ? fValues[i] : fBefore[i];
+    fPlace = fUnknown.size();
+    if (!fIsSolvable) fStage = Stage::kDone;
+}
+
+void AutoregressiveInterpolator::BoundNextGap() noexcept {
+    const std::size_t first = fPlace++;
+    while (fPlace < fUnknown.size() && fUnknown[fPlace] == fUnknown[fPlace - 1] + 1)
+        ++fPlace;
+    BoundGap(fUnknown.subspan(first, fPlace - first));
+}
+
+// Within what the samples around swing between, and half as much again to either side: a model of a resonance may
+// want more when something else than the sound stands beside the gap.
+void AutoregressiveInterpolator::BoundGap(std::span<const std::size_t> gap) noexcept {
+    constexpr double kRoom = 0.5;
+    constexpr std::size_t kGapsAround = 2;
+    const std::size_t reach = fWidth - 1 + kGapsAround * gap.size();
+    const std::size_t end = std::min(fSound.size(), gap.back() + 1 + reach);
+    double lo = fSound[gap.front() - 1];
+    double hi = lo;
+    const std::size_t begin = gap.front() - std::min(gap.front(), reach);
+    auto next = std::ranges::lower_bound(fUnknown, begin); // that is unknown
+    for (std::size_t i = begin; i < end; ++i) {
+        if (next != fUnknown.end() && *next == i) {
+            ++next;
+            continue;
+        }
+        lo = std::min(lo, fSound[i]);
+        hi = std::max(hi, fSound[i]);
+    }
+    const double room = kRoom * (hi - lo);
+    for (const std::size_t place : gap)
+        fSound[place] = std::clamp(fSound[place], lo - room, hi + room);
+}
+
+void AutoregressiveInterpolator::SetUp(std::size_t index) noexcept {
+    double* const column = Column(index);
+    std::fill_n(column, fWidth, 0.0);
+    const std::size_t here = fUnknown[index];
+    const std::size_t end = std::min(fUnknown.size(), index + fWidth);
+    for (std::size_t j = index; j < end && fUnknown[j] - here < fWidth; ++j)
+        column[j - index] = fProducts[fUnknown[j] - here];
+    const double* const middle = fSound.data() + here;
+    const auto around = [&](std::size_t lag) { return fProducts[lag] * (*(middle - lag) + middle[lag]); };
+    fValues[index] = -UnrolledSum<double>(1, fWidth, around);
 }
 
 // Cholesky's factorisation, column by column. False when the matrix is not positive, which only numbers out of all
 // proportion can cause.
-bool AutoregressiveInterpolator::Factorise(std::size_t count) noexcept {
-    for (std::size_t i = 0; i < count; ++i) {
-        SubtractEarlier(i);
-        double* const column = Column(i);
-        if (!(column[0] > 0)) return false;
-        const double scale = 1 / std::sqrt(column[0]);
-        for (std::size_t k = 0; k < fWidth; ++k)
-            column[k] *= scale;
-    }
+bool AutoregressiveInterpolator::Factorise(std::size_t index) noexcept {
+    SubtractEarlier(index);
+    double* const column = Column(index);
+    if (!(column[0] > 0)) return false;
+    const double scale = 1 / std::sqrt(column[0]);
+    for (std::size_t k = 0; k < fWidth; ++k)
+        column[k] *= scale;
     return true;
 }
 
@@ -148,21 +222,19 @@ void AutoregressiveInterpolator::SubtractEarlier(std::size_t index) noexcept {
     }
 }
 
-void AutoregressiveInterpolator::Solve(std::size_t count) noexcept {
-    for (std::size_t i = 0; i < count; ++i) {
-        const double* const column = Column(i);
-        fValues[i] /= column[0];
-        for (std::size_t k = 1; k < std::min(fWidth, count - i); ++k)
-            fValues[i + k] -= column[k] * fValues[i];
-    }
-    for (std::size_t i = count; i-- > 0;) {
-        const double* const column = Column(i);
-        const double* const later = fValues.data() + i;
-        const std::size_t length = std::min(fWidth, count - i);
-        fValues[i] =
-            (fValues[i] - UnrolledSum<double>(1, length, [&](std::size_t k) { return column[k] * later[k]; })) /
-            column[0];
-    }
+void AutoregressiveInterpolator::SolveForward(std::size_t index) noexcept {
+    const double* const column = Column(index);
+    fValues[index] /= column[0];
+    for (std::size_t k = 1; k < std::min(fWidth, fUnknown.size() - index); ++k)
+        fValues[index + k] -= column[k] * fValues[index];
+}
+
+void AutoregressiveInterpolator::SolveBack(std::size_t index) noexcept {
+    const double* const column = Column(index);
+    const double* const later = fValues.data() + index;
+    const std::size_t length = std::min(fWidth, fUnknown.size() - index);
+    const double sum = UnrolledSum<double>(1, length, [&](std::size_t k) { return column[k] * later[k]; });
+    fValues[index] = (fValues[index] - sum) / column[0];
 }
 
 } // namespace qoc::dsp

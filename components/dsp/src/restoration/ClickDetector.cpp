@@ -30,7 +30,13 @@ constexpr double kEdge = 1e-3;
 constexpr double kSpoiledExcess = 0.7;
 constexpr double kSpoiledPartOfPeak = 0.15;
 
-std::size_t SamplesOf(double seconds, double sampleRate) noexcept {
+// Samples that are worked on at once.
+constexpr std::size_t kPiece = 256;
+// Nanoseconds a sample beside a click and one of the frame, about.
+constexpr double kStandsOutCost = 40;
+constexpr double kFirstCheckCost = 1.5;
+
+std::size_t CountOf(double seconds, double sampleRate) noexcept {
     return std::max<std::size_t>(1, static_cast<std::size_t>(std::lround(seconds * sampleRate)));
 }
 
@@ -38,40 +44,121 @@ std::size_t SamplesOf(double seconds, double sampleRate) noexcept {
 
 void ClickDetector::Prepare(std::size_t frame, std::size_t neighbourhood, double sampleRate) {
     fNeighbourhood = neighbourhood;
-    fBeside = SamplesOf(kBesideSeconds, sampleRate);
-    fBurst = SamplesOf(kBurstSeconds, sampleRate);
+    fBeside = CountOf(kBesideSeconds, sampleRate);
+    fBurst = CountOf(kBurstSeconds, sampleRate);
     for (std::vector<double>* values : {&fForward, &fBackward, &fExcess, &fSorted})
         values->assign(frame, 0.0);
     fUsual.assign(frame / neighbourhood, 0.0);
     fClicks.clear();
     fClicks.reserve(frame);
-    fPulses.Prepare(frame, SamplesOf(kPulseSeconds, sampleRate));
+    fStage = Stage::kDone;
+    fCandidates = 0;
+    fChecked = 0;
+    fSamplesFound = 0;
+    fCheckCost = kFirstCheckCost * static_cast<double>(frame);
+    fPulses.Prepare(frame, CountOf(kPulseSeconds, sampleRate));
 }
 
-std::span<const ClickDetector::Click> ClickDetector::Find(const LinearPrediction& model, std::span<const double> sound,
-                                                          const Settings& settings) noexcept {
-    model.ForwardErrors(sound, fForward);
-    model.BackwardErrors(sound, fBackward);
-    MeasureUsualErrors(sound, model.Order());
-    CompareErrors(settings.threshold);
-    CollectClicks(model.Order(), settings);
-    std::erase_if(fClicks, [&](const Click& click) {
-        return !StandsOut(click, sound, model.Order(), settings.isModelSpoiled ? kSpoiledExcess : 1) || IsPulse(click);
-    });
-    return fClicks;
+void ClickDetector::Begin(const LinearPrediction& model, std::span<const double> sound,
+                          const Settings& settings) noexcept {
+    fModel = &model;
+    fSound = sound;
+    fSettings = settings;
+    fOrder = model.Order();
+    fStage = Stage::kForward;
+    fPiece = 0;
+    fEnergy = 0;
+    fClicks.clear();
+    fPlace = fOrder;
+    fCandidates = 0;
+    fChecked = 0;
+    fLeft = 0;
+    fSamplesFound = 0;
 }
 
-void ClickDetector::MeasureUsualErrors(std::span<const double> sound, std::size_t order) noexcept {
-    double energy = 0;
-    for (const double sample : sound)
-        energy += sample * sample;
-    const double soundLevel = std::sqrt(energy / static_cast<double>(sound.size()));
-    const double least = std::max(kLeastError, kLeastErrorToSound * soundLevel);
-    for (std::size_t i = 0; i < fUsual.size(); ++i) {
-        const std::size_t begin = std::max(order, i * fNeighbourhood);
-        const std::size_t end = std::min(sound.size() - order, (i + 1) * fNeighbourhood);
-        fUsual[i] = std::max(least, Deviation(std::span(fForward).subspan(begin, end - begin)));
+double ClickDetector::Work() noexcept {
+    if (IsDone()) return 0;
+    double cost = PieceCost(fStage, fOrder);
+    if (fPiece < Pieces(fStage)) Do(fPiece++);
+    if (fStage == Stage::kCheck) cost = fLastCheckCost;
+    while (!IsDone() && fPiece >= Pieces(fStage)) {
+        fPiece = 0;
+        if (fStage == Stage::kCollect) FinishCollecting();
+        if (fStage == Stage::kCheck) fClicks.resize(fLeft);
+        fStage = static_cast<Stage>(static_cast<int>(fStage) + 1);
     }
+    return cost;
+}
+
+double ClickDetector::CostOfCollecting() const noexcept {
+    double cost = 0;
+    for (Stage stage = fStage; stage < Stage::kCheck; stage = static_cast<Stage>(static_cast<int>(stage) + 1))
+        cost += PieceCost(stage, fOrder) * static_cast<double>(Pieces(stage) - (stage == fStage ? fPiece : 0));
+    return cost;
+}
+
+double ClickDetector::CostOfCollecting(std::size_t order) const noexcept {
+    double cost = 0;
+    for (Stage stage = Stage::kForward; stage < Stage::kCheck; stage = static_cast<Stage>(static_cast<int>(stage) + 1))
+        cost += PieceCost(stage, order) * static_cast<double>(Pieces(stage));
+    return cost;
+}
+
+double ClickDetector::CostOfChecking(std::size_t clicks) const noexcept {
+    return static_cast<double>(clicks) * PieceCost(Stage::kCheck, 0);
+}
+
+std::size_t ClickDetector::Pieces(Stage stage) const noexcept {
+    switch (stage) {
+    case Stage::kUsual:
+    case Stage::kCompare: return fUsual.size();
+    case Stage::kCheck: return fCandidates;
+    default: return (fExcess.size() + kPiece - 1) / kPiece;
+    }
+}
+
+// Nanoseconds, about.
+double ClickDetector::PieceCost(Stage stage, std::size_t order) const noexcept {
+    constexpr double kErrorCost = 0.5;   // a sample and coefficient
+    constexpr double kUsualCost = 10;    // a sample
+    constexpr double kCompareCost = 1.2; // a sample
+    constexpr double kCollectCost = 2;   // a sample
+    switch (stage) {
+    case Stage::kUsual: return kUsualCost * static_cast<double>(fNeighbourhood);
+    case Stage::kCompare: return kCompareCost * static_cast<double>(fNeighbourhood);
+    case Stage::kCollect: return kCollectCost * kPiece;
+    case Stage::kCheck: return fCheckCost;
+    default: return kErrorCost * static_cast<double>((order + 1) * kPiece);
+    }
+}
+
+void ClickDetector::Do(std::size_t piece) noexcept {
+    switch (fStage) {
+    case Stage::kForward: AddEnergy(SamplesOf(piece)); return fModel->ForwardErrors(fSound, fForward, SamplesOf(piece));
+    case Stage::kBackward: return fModel->BackwardErrors(fSound, fBackward, SamplesOf(piece));
+    case Stage::kUsual: return MeasureUsualError(piece);
+    case Stage::kCompare: return CompareErrors(piece);
+    case Stage::kCollect: return CollectClicks(SamplesOf(piece).end);
+    case Stage::kCheck: return CheckClick(piece);
+    case Stage::kDone: return;
+    }
+}
+
+StepRange ClickDetector::SamplesOf(std::size_t piece) const noexcept {
+    return {piece * kPiece, std::min(fExcess.size(), (piece + 1) * kPiece)};
+}
+
+void ClickDetector::AddEnergy(StepRange samples) noexcept {
+    for (std::size_t i = samples.begin; i < samples.end; ++i)
+        fEnergy += fSound[i] * fSound[i];
+}
+
+void ClickDetector::MeasureUsualError(std::size_t neighbourhood) noexcept {
+    const double soundLevel = std::sqrt(fEnergy / static_cast<double>(fSound.size()));
+    const double least = std::max(kLeastError, kLeastErrorToSound * soundLevel);
+    const std::size_t begin = std::max(fOrder, neighbourhood * fNeighbourhood);
+    const std::size_t end = std::min(fSound.size() - fOrder, (neighbourhood + 1) * fNeighbourhood);
+    fUsual[neighbourhood] = std::max(least, Deviation(std::span(fForward).subspan(begin, end - begin)));
 }
 
 // The largest of the neighbours' too: where sound sets in, some errors are as large as those to come.
@@ -82,29 +169,49 @@ double ClickDetector::UsualErrorAt(std::size_t neighbourhood) const noexcept {
     return usual;
 }
 
-void ClickDetector::CompareErrors(double threshold) noexcept {
-    for (std::size_t i = 0; i < fUsual.size(); ++i) {
-        const double scale = 1 / (threshold * UsualErrorAt(i));
-        for (std::size_t k = i * fNeighbourhood; k < (i + 1) * fNeighbourhood; ++k)
-            fExcess[k] = scale * std::min(std::abs(fForward[k]), std::abs(fBackward[k]));
-    }
+void ClickDetector::CompareErrors(std::size_t neighbourhood) noexcept {
+    const double scale = 1 / (fSettings.threshold * UsualErrorAt(neighbourhood));
+    for (std::size_t k = neighbourhood * fNeighbourhood; k < (neighbourhood + 1) * fNeighbourhood; ++k)
+        fExcess[k] = scale * std::min(std::abs(fForward[k]), std::abs(fBackward[k]));
 }
 
-void ClickDetector::CollectClicks(std::size_t order, const Settings& settings) noexcept {
-    fClicks.clear();
-    const std::size_t separation = std::max(kShortestSeparation, settings.longest / kSeparationsPerLongest);
-    const std::size_t last = fExcess.size() - order; // one past
-    const double part = settings.isModelSpoiled ? kSpoiledPartOfPeak : kPartOfPeak;
-    for (std::size_t i = order; i < last; ++i) {
-        if (fExcess[i] <= kGoesOn || ExcessFrom(i, last) <= 1) continue;
-        const Click click = ClickAt(i, last, separation, part);
+// Those that stand out before `end`.
+void ClickDetector::CollectClicks(std::size_t end) noexcept {
+    const std::size_t separation = std::max(kShortestSeparation, fSettings.longest / kSeparationsPerLongest);
+    const std::size_t last = fExcess.size() - fOrder; // one past
+    const double part = fSettings.isModelSpoiled ? kSpoiledPartOfPeak : kPartOfPeak;
+    for (; fPlace < std::min(end, last); ++fPlace) {
+        if (fExcess[fPlace] <= kGoesOn || ExcessFrom(fPlace, last) <= 1) continue;
+        const Click click = ClickAt(fPlace, last, separation, part);
         if (!fClicks.empty() && click.begin <= fClicks.back().end)
             fClicks.back().end = std::max(fClicks.back().end, click.end);
         else
             fClicks.push_back(click);
-        i = std::max(i, click.end);
+        fPlace = std::max(fPlace, click.end);
     }
-    std::erase_if(fClicks, [&](const Click& click) { return click.end - click.begin > settings.longest; });
+}
+
+void ClickDetector::FinishCollecting() noexcept {
+    std::erase_if(fClicks, [&](const Click& click) { return click.end - click.begin > fSettings.longest; });
+    fCandidates = fClicks.size();
+    for (const Click& click : fClicks)
+        fSamplesFound += click.end - click.begin;
+    if (!fClicks.empty()) fPulses.Take(fForward);
+}
+
+// Those that are clicks move to the front.
+void ClickDetector::CheckClick(std::size_t index) noexcept {
+    constexpr double kMemory = 0.7;
+    const Click click = fClicks[index];
+    ++fChecked;
+    const bool standsOut = StandsOut(click);
+    const bool isClick = standsOut && !IsPulse(click);
+    fLastCheckCost = kStandsOutCost * static_cast<double>(fBeside) + (standsOut ? fPulses.Cost() : 0);
+    fCheckCost = kMemory * fCheckCost + (1 - kMemory) * fLastCheckCost;
+    if (isClick)
+        fClicks[fLeft++] = click;
+    else
+        fSamplesFound -= click.end - click.begin;
 }
 
 // Of the error at `begin` or of the burst that begins there.
@@ -135,21 +242,21 @@ ClickDetector::Click ClickDetector::ClickAt(std::size_t place, std::size_t last,
 }
 
 // Against the errors right beside it too, each from the side that the click does not spoil.
-bool ClickDetector::StandsOut(const Click& click, std::span<const double> sound, std::size_t order,
-                              double least) noexcept {
-    const std::size_t last = sound.size() - order;
-    const std::size_t before = std::min(fBeside, click.begin - std::min(click.begin, order));
+bool ClickDetector::StandsOut(const Click& click) noexcept {
+    const double least = fSettings.isModelSpoiled ? kSpoiledExcess : 1;
+    const std::size_t last = fSound.size() - fOrder;
+    const std::size_t before = std::min(fBeside, click.begin - std::min(click.begin, fOrder));
     const std::size_t after = std::min(fBeside, last - std::min(last, click.end));
     const std::size_t begin = click.begin - before;
-    const double levelBefore = Deviation(sound.subspan(begin, before));
-    const double levelAfter = Deviation(sound.subspan(click.end, after));
-    if (std::min(levelBefore, levelAfter) < kEdge * std::max(levelBefore, levelAfter)) return false;
     const double usual = std::max(Deviation(std::span(fForward).subspan(begin, before)),
                                   Deviation(std::span(fBackward).subspan(click.end, after)));
     double excess = 0;
     for (std::size_t i = click.begin; i < click.end; ++i)
         excess = std::max(excess, ExcessFrom(i, click.end));
-    return excess * UsualErrorAt(click.begin / fNeighbourhood) > least * usual;
+    if (!(excess * UsualErrorAt(click.begin / fNeighbourhood) > least * usual)) return false;
+    const double levelBefore = Deviation(fSound.subspan(begin, before));
+    const double levelAfter = Deviation(fSound.subspan(click.end, after));
+    return std::min(levelBefore, levelAfter) >= kEdge * std::max(levelBefore, levelAfter);
 }
 
 bool ClickDetector::IsPulse(const Click& click) noexcept {
@@ -157,7 +264,7 @@ bool ClickDetector::IsPulse(const Click& click) noexcept {
     const auto end = fForward.begin() + static_cast<std::ptrdiff_t>(click.end);
     const auto peak =
         std::max_element(begin, end, [](double one, double other) { return std::abs(one) < std::abs(other); });
-    return fPulses.Contains(fForward, static_cast<std::size_t>(peak - fForward.begin()));
+    return fPulses.Contains(static_cast<std::size_t>(peak - fForward.begin()));
 }
 
 // The standard deviation of values about 0, from their median: a few large ones do not move it. 0 of none.

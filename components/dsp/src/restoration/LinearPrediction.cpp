@@ -44,7 +44,45 @@ void LinearPrediction::Prepare(std::size_t frame, std::size_t largestOrder) {
 }
 
 void LinearPrediction::Fit(std::span<const double> sound, std::size_t order) noexcept {
-    Correlate(sound);
+    for (std::size_t step = 0; step < kFitSteps; ++step)
+        Fit(sound, order, step);
+}
+
+void LinearPrediction::Fit(std::span<const double> sound, std::size_t order, std::size_t step) noexcept {
+    switch (step) {
+    case 0: return FindScale(sound);
+    case 1: return Window(sound);
+    case 2:
+    case 3: return fTransform->Forward(fTime, fSpectrum, {step - 2, 2});
+    case 4: return TakePowers();
+    case 5:
+    case 6: return fTransform->Inverse(fSpectrum, fTime, {step - 5, 2});
+    default: return Recurse(order);
+    }
+}
+
+// The sound is brought to a peak of 1 first, so that its level does not matter to single precision.
+void LinearPrediction::FindScale(std::span<const double> sound) noexcept {
+    double peak = 0;
+    for (const double sample : sound)
+        peak = std::max(peak, std::abs(sample));
+    fScale = peak > 0 ? 1 / peak : 0;
+}
+
+void LinearPrediction::Window(std::span<const double> sound) noexcept {
+    for (std::size_t i = 0; i < sound.size(); ++i)
+        fTime[i] = static_cast<float>(sound[i] * fScale) * fWindow[i];
+    std::fill(fTime.begin() + static_cast<std::ptrdiff_t>(sound.size()), fTime.end(), 0.0F);
+}
+
+void LinearPrediction::TakePowers() noexcept {
+    for (std::complex<float>& bin : fSpectrum)
+        bin = std::norm(bin);
+}
+
+void LinearPrediction::Recurse(std::size_t order) noexcept {
+    std::copy_n(fTime.begin(), fCorrelation.size(), fCorrelation.begin());
+    fCorrelation[0] *= 1 + kWhiteNoise;
     std::ranges::fill(fCoefficients, 0.0);
     fCoefficients[0] = 1;
     fOrder = order;
@@ -62,19 +100,21 @@ void LinearPrediction::Fit(std::span<const double> sound, std::size_t order) noe
     }
 }
 
-void LinearPrediction::ForwardErrors(std::span<const double> sound, std::span<double> errors) const noexcept {
-    ComputeErrors(sound, errors, -1);
+void LinearPrediction::ForwardErrors(std::span<const double> sound, std::span<double> errors,
+                                     StepRange samples) const noexcept {
+    ComputeErrors(sound, errors, samples, -1);
 }
 
-void LinearPrediction::BackwardErrors(std::span<const double> sound, std::span<double> errors) const noexcept {
-    ComputeErrors(sound, errors, 1);
+void LinearPrediction::BackwardErrors(std::span<const double> sound, std::span<double> errors,
+                                      StepRange samples) const noexcept {
+    ComputeErrors(sound, errors, samples, 1);
 }
 
-void LinearPrediction::ComputeErrors(std::span<const double> sound, std::span<double> errors,
+void LinearPrediction::ComputeErrors(std::span<const double> sound, std::span<double> errors, StepRange samples,
                                      std::ptrdiff_t step) const noexcept {
-    std::ranges::fill(errors, 0.0);
-    const std::size_t end = sound.size() - fOrder;
-    std::size_t i = fOrder;
+    std::ranges::fill(errors.subspan(samples.begin, samples.end - samples.begin), 0.0);
+    const std::size_t end = std::min(samples.end, sound.size() - fOrder);
+    std::size_t i = std::max(samples.begin, fOrder);
     for (; i + kTogether <= end; i += kTogether) {
         std::array<Lanes, kTogether / kLanes> sums{};
         const double* here = sound.data() + i;
@@ -88,23 +128,6 @@ void LinearPrediction::ComputeErrors(std::span<const double> sound, std::span<do
         for (std::size_t k = 0; k <= fOrder; ++k)
             errors[i] += fCoefficients[k] * sound[i + static_cast<std::size_t>(step) * k];
     }
-}
-
-// The sound is brought to a peak of 1 first, so that its level does not matter to single precision.
-void LinearPrediction::Correlate(std::span<const double> sound) noexcept {
-    double peak = 0;
-    for (const double sample : sound)
-        peak = std::max(peak, std::abs(sample));
-    const double scale = peak > 0 ? 1 / peak : 0;
-    for (std::size_t i = 0; i < sound.size(); ++i)
-        fTime[i] = static_cast<float>(sound[i] * scale) * fWindow[i];
-    std::fill(fTime.begin() + static_cast<std::ptrdiff_t>(sound.size()), fTime.end(), 0.0F);
-    fTransform->Forward(fTime, fSpectrum);
-    for (std::complex<float>& bin : fSpectrum)
-        bin = std::norm(bin);
-    fTransform->Inverse(fSpectrum, fTime);
-    std::copy_n(fTime.begin(), fCorrelation.size(), fCorrelation.begin());
-    fCorrelation[0] *= 1 + kWhiteNoise;
 }
 
 } // namespace qoc::dsp

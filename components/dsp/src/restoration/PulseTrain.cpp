@@ -1,5 +1,7 @@
 #include "qoc/dsp/restoration/PulseTrain.h"
 
+#include "qoc/dsp/math/UnrolledSum.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -21,13 +23,25 @@ constexpr double kLargestStep = 0.5;
 
 void PulseTrain::Prepare(std::size_t frame, std::size_t halfWidth) {
     fHalfWidth = halfWidth;
+    fEnergies.assign(frame, 0.0);
     fAlike.clear();
     fAlike.reserve(frame);
 }
 
-bool PulseTrain::Contains(std::span<const double> errors, std::size_t place) noexcept {
-    if (place < fHalfWidth || place + fHalfWidth >= errors.size()) return false;
-    FindAlike(errors, place);
+void PulseTrain::Take(std::span<const double> errors) noexcept {
+    fErrors = errors;
+    const std::size_t width = 2 * fHalfWidth + 1;
+    double energy = 0;
+    for (std::size_t i = 0; i < errors.size(); ++i) {
+        energy += errors[i] * errors[i];
+        if (i >= width) energy -= errors[i - width] * errors[i - width];
+        if (i + 1 >= width) fEnergies[i - fHalfWidth] = energy;
+    }
+}
+
+bool PulseTrain::Contains(std::size_t place) noexcept {
+    if (place < fHalfWidth || place + fHalfWidth >= fErrors.size()) return false;
+    FindAlike(place);
     const auto here = static_cast<double>(place);
     return std::ranges::any_of(fAlike, [&](std::size_t other) {
         const double period = static_cast<double>(other) - here;
@@ -36,28 +50,26 @@ bool PulseTrain::Contains(std::span<const double> errors, std::size_t place) noe
     });
 }
 
-void PulseTrain::FindAlike(std::span<const double> errors, std::size_t place) noexcept {
+void PulseTrain::FindAlike(std::size_t place) noexcept {
     fAlike.clear();
-    const double least = kLeastPeak * std::abs(errors[place]);
-    for (std::size_t other = fHalfWidth; other + fHalfWidth < errors.size(); ++other) {
+    fCompared = 0;
+    const double least = kLeastPeak * std::abs(fErrors[place]);
+    const double leastEnergy = kLeastSize * kLeastSize * fEnergies[place];
+    for (std::size_t other = fHalfWidth; other + fHalfWidth < fErrors.size(); ++other) {
+        if (std::abs(fErrors[other]) < least || fEnergies[other] <= leastEnergy) continue;
         const std::size_t distance = other > place ? other - place : place - other;
-        if (distance <= 2 * fHalfWidth || std::abs(errors[other]) < least) continue;
-        if (IsAlike(errors, place, other)) fAlike.push_back(other);
+        if (distance <= 2 * fHalfWidth) continue;
+        ++fCompared;
+        if (IsAlike(place, other)) fAlike.push_back(other);
     }
 }
 
-bool PulseTrain::IsAlike(std::span<const double> errors, std::size_t place, std::size_t other) const noexcept {
-    double product = 0;
-    double here = 0;
-    double there = 0;
-    for (std::size_t i = 0; i <= 2 * fHalfWidth; ++i) {
-        const double a = errors[place - fHalfWidth + i];
-        const double b = errors[other - fHalfWidth + i];
-        product += a * b;
-        here += a * a;
-        there += b * b;
-    }
-    return product > kLeastCorrelation * std::sqrt(here * there) && there > kLeastSize * kLeastSize * here;
+bool PulseTrain::IsAlike(std::size_t place, std::size_t other) const noexcept {
+    const double* const here = fErrors.data() + place - fHalfWidth;
+    const double* const there = fErrors.data() + other - fHalfWidth;
+    const double product =
+        UnrolledSum<double>(0, 2 * fHalfWidth + 1, [&](std::size_t i) { return here[i] * there[i]; });
+    return product > kLeastCorrelation * std::sqrt(fEnergies[place] * fEnergies[other]);
 }
 
 bool PulseTrain::HasAlikeAt(double place, double tolerance) const noexcept {

@@ -6,11 +6,19 @@
 
 namespace qoc::dsp {
 
-void RepairStream::Prepare(std::size_t channels, const Layout& layout) {
+void RepairStream::Prepare(std::size_t channels, const Layout& layout, std::size_t steps) {
     fLayout = layout;
-    const std::vector<float> silence(layout.Frame() + layout.hop);
+    const std::vector<float> silence(layout.Frame() + 2 * layout.hop);
     fChannels.assign(channels, {silence, silence});
+    fFrames.clear();
+    for (Channel& channel : fChannels)
+        fFrames.push_back({std::span(channel.original).subspan(layout.hop, layout.Frame()),
+                           std::span(channel.repaired).subspan(layout.hop, layout.Frame())});
+    fPace.Clear();
+    fPace.Add(steps, 1);
+    fPace.SpreadOver(layout.hop);
     fGrid.SetHop(layout.hop);
+    Reset();
 }
 
 void RepairStream::Reset() noexcept {
@@ -19,19 +27,26 @@ void RepairStream::Reset() noexcept {
         std::ranges::fill(channel.repaired, 0.0F);
     }
     fGrid.Reset();
+    fPace.Restart();
 }
 
 void RepairStream::Process(const kromediatypes::AudioBlock& block, FrameRepairer& repairer) noexcept {
     fGrid.Cut(
         block.frames,
-        [&](std::size_t begin, std::size_t frames, std::size_t position) { Exchange(block, begin, frames, position); },
-        [&] { RunFrame(repairer); });
+        [&](std::size_t begin, std::size_t frames, std::size_t position) {
+            Exchange(block, begin, frames, position);
+            fPace.RunUntil(position + frames, [&](std::size_t step) {
+                if (step == 0) repairer.Begin(fFrames);
+                repairer.Step(step);
+            });
+        },
+        [&] { Advance(); });
 }
 
 // Input first, for the output may be the same memory.
 void RepairStream::Exchange(const kromediatypes::AudioBlock& block, std::size_t begin, std::size_t frames,
                             std::size_t position) noexcept {
-    const std::size_t newest = fLayout.Frame() + position;
+    const std::size_t newest = fLayout.hop + fLayout.Frame() + position;
     for (std::size_t channel = 0; channel < fChannels.size(); ++channel) {
         float* const original = fChannels[channel].original.data() + newest;
         float* const repaired = fChannels[channel].repaired.data();
@@ -41,15 +56,13 @@ void RepairStream::Exchange(const kromediatypes::AudioBlock& block, std::size_t 
     }
 }
 
-void RepairStream::RunFrame(FrameRepairer& repairer) noexcept {
+void RepairStream::Advance() noexcept {
     const auto hop = static_cast<std::ptrdiff_t>(fLayout.hop);
-    const std::size_t frame = fLayout.Frame();
-    for (std::size_t channel = 0; channel < fChannels.size(); ++channel) {
-        auto& [original, repaired] = fChannels[channel];
+    for (auto& [original, repaired] : fChannels) {
         std::copy(original.begin() + hop, original.end(), original.begin());
         std::copy(repaired.begin() + hop, repaired.end(), repaired.begin());
-        repairer.Repair(channel, std::span(original).first(frame), std::span(repaired).first(frame));
     }
+    fPace.Restart();
 }
 
 } // namespace qoc::dsp

@@ -9,9 +9,6 @@ namespace qoc::dsp {
 
 namespace {
 
-constexpr std::size_t kSamplesPerStep = 32;
-constexpr std::size_t kMostSteps = 64;
-
 // What goes with a transform costs so much of it.
 constexpr double kWindowCost = 0.5;
 constexpr double kAddCost = 0.5;
@@ -29,10 +26,6 @@ void CutRing(std::size_t ring, std::size_t place, std::size_t begin, std::size_t
 }
 
 } // namespace
-
-std::size_t OverlapAdd::StepsFor(std::size_t hop) noexcept {
-    return std::clamp<std::size_t>(hop / kSamplesPerStep, 1, kMostSteps);
-}
 
 void OverlapAdd::Prepare(std::size_t channels, const Layout& layout, std::span<const Work> work,
                          std::vector<float> analysis, std::vector<float> synthesis) {
@@ -80,7 +73,7 @@ void OverlapAdd::Process(const kromediatypes::AudioBlock& block, SpectrumProcess
 void OverlapAdd::PlanWork(std::span<const Work> work) {
     fPace.Clear();
     fJobs.clear();
-    const std::size_t parts = StepsFor(fLayout.hop);
+    const std::size_t parts = PacedSteps::CountFor(fLayout.hop);
     for (std::size_t channel = 0; channel < fChannels.size(); ++channel) {
         AddJobs(Kind::kWindow, channel, (parts + 1) / 2, kWindowCost);
         AddJobs(Kind::kForward, channel, parts, 1);

@@ -5,6 +5,12 @@
 
 namespace qoc::dsp {
 
+std::size_t PacedSteps::CountFor(std::size_t hop) noexcept {
+    constexpr std::size_t kSamplesPerStep = 32;
+    constexpr std::size_t kMost = 64;
+    return std::clamp<std::size_t>(hop / kSamplesPerStep, 1, kMost);
+}
+
 void PacedSteps::Clear() noexcept {
     fCosts.clear();
     fDue.clear();

@@ -4,7 +4,7 @@
 #include "qoc/components/ParameterIndices.h"
 #include "qoc/dsp/restoration/ClipDetector.h"
 #include "qoc/dsp/restoration/ClipRestorer.h"
-#include "qoc/dsp/restoration/PacedRepairStream.h"
+#include "qoc/dsp/restoration/RepairStream.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <vector>
@@ -19,7 +19,7 @@ namespace qoc::components {
 //
 // The FFT size is taken when the effect is prepared. It is that at 44.1 and 48 kHz; at 96 kHz it is twice as long, and
 // so on.
-class IntraClip : public ComponentBase, private PacedFrameRepairer {
+class IntraClip : public ComponentBase, private FrameRepairer {
 public:
     IntraClip();
 
@@ -42,17 +42,20 @@ private:
         ClipRestorer::Settings restoration;
     };
 
-    bool Begin(std::size_t channel, std::span<const float> original, std::span<float> repaired) noexcept override;
-    void Step(std::size_t step) noexcept override { fRestorer.Step(step); }
+    void Begin(std::span<const Frame> frames) noexcept override;
+    void Step(std::size_t step) noexcept override;
+    bool BeginChannel(std::size_t channel) noexcept;
     void HearFrame() noexcept;
 
-    PacedRepairStream fStream;
-    PacedRepairStream::Layout fLayout;
+    RepairStream fStream;
+    RepairStream::Layout fLayout;
     ClipDetector fDetector;
     std::vector<ClipDetector::Levels> fLevels; // by channel
     ClipRestorer fRestorer;
     Settings fSettings; // as they are
     Settings fTaken;    // for the frame that is worked on
+    std::span<const Frame> fFrames;
+    bool fIsBusy = false; // there is something to do to the channel's frame
     SmoothedValue fGain;
     std::vector<std::vector<float>> fHeard; // by channel, a frame that Listen fills
     std::size_t fHeardFrames = 0;

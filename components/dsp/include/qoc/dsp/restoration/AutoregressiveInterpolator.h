@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -26,18 +27,40 @@ public:
     bool RestoreUnbounded(std::span<const double> coefficients, std::span<const std::size_t> unknown,
                           std::span<double> sound) noexcept;
 
-private:
-    void SetUp(std::span<const double> coefficients, std::span<const std::size_t> unknown,
+    // Restore in pieces of work: what is handed over stays valid until it is done, and `sound` has what it restores
+    // then.
+    void Begin(std::span<const double> coefficients, std::span<const std::size_t> unknown,
                std::span<double> sound) noexcept;
-    bool Factorise(std::size_t count) noexcept;
+    // Does the next piece, and tells about how many nanoseconds it takes.
+    double Work() noexcept;
+    bool IsDone() const noexcept { return fStage == Stage::kDone; }
+    // About how many nanoseconds are left, and so many unknown samples take with a model of that order.
+    double CostLeft() const noexcept;
+    double CostOf(std::size_t unknown, std::size_t order) const noexcept;
+
+private:
+    // What is done, one stage after the other, in pieces.
+    enum class Stage : std::uint8_t { kSetUp, kFactorise, kSolveForward, kSolveBack, kStore, kBound, kDone };
+
+    void Do() noexcept;
+    double PieceCost(Stage stage, std::size_t width) const noexcept;
+    void SetUp(std::size_t index) noexcept;
+    bool Factorise(std::size_t index) noexcept;
     void SubtractEarlier(std::size_t index) noexcept;
-    void Solve(std::size_t count) noexcept;
-    void Bound(std::span<const std::size_t> unknown, std::span<double> sound) const noexcept;
-    void BoundGap(std::span<const std::size_t> unknown, std::span<const std::size_t> gap,
-                  std::span<double> sound) const noexcept;
+    void SolveForward(std::size_t index) noexcept;
+    void SolveBack(std::size_t index) noexcept;
+    void StoreValues() noexcept;
+    void BoundNextGap() noexcept;
+    void BoundGap(std::span<const std::size_t> gap) noexcept;
     // Column `index` of the band's lower half, from the diagonal on; zeros behind the last row.
     double* Column(std::size_t index) noexcept { return fBand.data() + index * fWidth; }
 
+    std::span<const std::size_t> fUnknown;
+    std::span<double> fSound;
+    Stage fStage = Stage::kDone;
+    std::size_t fPlace = 0; // up to which unknown sample the stage has come
+    bool fIsBounded = false;
+    bool fIsSolvable = false;
     std::size_t fWidth = 1; // order + 1
     std::vector<double> fProducts;
     std::vector<double> fBand;

@@ -2,8 +2,10 @@
 
 #include "qoc/dsp/restoration/LinearPrediction.h"
 #include "qoc/dsp/restoration/PulseTrain.h"
+#include "qoc/dsp/stream/PacedSteps.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -32,18 +34,44 @@ public:
     // `neighbourhood`: samples over which errors are of the same size; the frame is a multiple of it.
     void Prepare(std::size_t frame, std::size_t neighbourhood, double sampleRate);
 
-    // The clicks of a frame, in order, apart from each other. They stay valid until the next call.
-    std::span<const Click> Find(const LinearPrediction& model, std::span<const double> sound,
-                                const Settings& settings) noexcept;
+    // The next frame: model and sound stay as they are until it is done.
+    void Begin(const LinearPrediction& model, std::span<const double> sound, const Settings& settings) noexcept;
+    // Does the next piece of work, and tells about how many nanoseconds it takes.
+    double Work() noexcept;
+    bool IsDone() const noexcept { return fStage == Stage::kDone; }
+    // All that may be a click is known, and is to be looked at one by one.
+    bool HasCollected() const noexcept { return fStage >= Stage::kCheck; }
+    // When it is done: the clicks, in order, apart from each other; until the next frame.
+    std::span<const Click> Clicks() const noexcept { return fClicks; }
+    // Of those that are or may be clicks, as far as they are known.
+    std::size_t SamplesFound() const noexcept { return fSamplesFound; }
+
+    // About how many nanoseconds are left, in all and until all are collected; and what a frame like the last one takes
+    // with a model of that order.
+    double CostLeft() const noexcept { return CostOfCollecting() + CostOfChecking(fClicks.size() - fChecked); }
+    double CostOfCollecting() const noexcept;
+    double CostOfCollecting(std::size_t order) const noexcept;
+    double CostOf(std::size_t order) const noexcept { return CostOfCollecting(order) + CostOfChecking(fCandidates); }
 
 private:
-    void MeasureUsualErrors(std::span<const double> sound, std::size_t order) noexcept;
+    // What is done to the frame, one stage after the other, in pieces.
+    enum class Stage : std::uint8_t { kForward, kBackward, kUsual, kCompare, kCollect, kCheck, kDone };
+
+    std::size_t Pieces(Stage stage) const noexcept;
+    double PieceCost(Stage stage, std::size_t order) const noexcept;
+    double CostOfChecking(std::size_t clicks) const noexcept;
+    void Do(std::size_t piece) noexcept;
+    StepRange SamplesOf(std::size_t piece) const noexcept;
+    void AddEnergy(StepRange samples) noexcept;
+    void MeasureUsualError(std::size_t neighbourhood) noexcept;
     double UsualErrorAt(std::size_t neighbourhood) const noexcept;
-    void CompareErrors(double threshold) noexcept;
-    void CollectClicks(std::size_t order, const Settings& settings) noexcept;
+    void CompareErrors(std::size_t neighbourhood) noexcept;
+    void CollectClicks(std::size_t end) noexcept;
+    void FinishCollecting() noexcept;
+    void CheckClick(std::size_t index) noexcept;
     double ExcessFrom(std::size_t begin, std::size_t end) const noexcept;
     Click ClickAt(std::size_t place, std::size_t last, std::size_t separation, double partOfPeak) const noexcept;
-    bool StandsOut(const Click& click, std::span<const double> sound, std::size_t order, double least) noexcept;
+    bool StandsOut(const Click& click) noexcept;
     bool IsPulse(const Click& click) noexcept;
     double Deviation(std::span<const double> values) noexcept;
 
@@ -56,6 +84,20 @@ private:
     std::vector<double> fSorted;
     std::vector<double> fUsual; // by neighbourhood
     std::vector<Click> fClicks;
+    const LinearPrediction* fModel = nullptr;
+    std::span<const double> fSound;
+    Settings fSettings;
+    std::size_t fOrder = 0;
+    Stage fStage = Stage::kDone;
+    std::size_t fPiece = 0; // of the stage
+    double fEnergy = 0;
+    std::size_t fPlace = 0;      // up to where clicks are collected
+    std::size_t fCandidates = 0; // clicks before they were looked at
+    std::size_t fChecked = 0;
+    std::size_t fLeft = 0; // of those
+    std::size_t fSamplesFound = 0;
+    double fLastCheckCost = 0;
+    double fCheckCost = 0; // of a click, as the last ones had it, in nanoseconds
     PulseTrain fPulses;
 };
 

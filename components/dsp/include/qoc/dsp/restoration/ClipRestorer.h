@@ -38,7 +38,7 @@ public:
     // Into how many steps of about equal work a frame's is cut.
     std::size_t Steps() const noexcept;
 
-    // `original` and `repaired` as PacedFrameRepairer::Begin has them, and the clipped runs, single samples too.
+    // `original` and `repaired` as FrameRepairer::Frame has them, and the clipped runs, single samples too.
     void Begin(std::span<const float> original, std::span<float> repaired, std::span<const ClipDetector::Run> runs,
                const Settings& settings) noexcept;
     // 0 to Steps() - 1. The last puts the restored samples into the frame.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "qoc/dsp/spectrum/RealFFT.h"
+#include "qoc/dsp/stream/PacedSteps.h"
 
 #include <complex>
 #include <optional>
@@ -20,6 +21,11 @@ public:
 
     // Fits the model to a frame. A silent one gives a model without weights.
     void Fit(std::span<const double> sound, std::size_t order) noexcept;
+    // The same in steps, 0 to one below kFitSteps, in order.
+    static constexpr std::size_t kFitSteps = 8;
+    void Fit(std::span<const double> sound, std::size_t order, std::size_t step) noexcept;
+    // All steps, in nanoseconds, about.
+    double CostOfFit() const noexcept { return 7 * static_cast<double>(fWindow.size()); }
 
     // 1 and the negative weights of the samples before, order + 1 values: their sum of products with the sound,
     // backwards, is the error.
@@ -28,16 +34,25 @@ public:
 
     // What the model does not expect of a sample after those before it, and, with the same weights, before those after
     // it. 0 for the first and last samples, as many as the order. As many values as the sound has.
-    void ForwardErrors(std::span<const double> sound, std::span<double> errors) const noexcept;
-    void BackwardErrors(std::span<const double> sound, std::span<double> errors) const noexcept;
+    void ForwardErrors(std::span<const double> sound, std::span<double> errors) const noexcept {
+        ForwardErrors(sound, errors, {0, sound.size()});
+    }
+    // Only those of some samples.
+    void ForwardErrors(std::span<const double> sound, std::span<double> errors, StepRange samples) const noexcept;
+    void BackwardErrors(std::span<const double> sound, std::span<double> errors, StepRange samples) const noexcept;
 
 private:
-    void Correlate(std::span<const double> sound) noexcept;
+    void FindScale(std::span<const double> sound) noexcept;
+    void Window(std::span<const double> sound) noexcept;
+    void TakePowers() noexcept;
+    void Recurse(std::size_t order) noexcept;
     // `step`: 1 towards the samples after, -1 towards those before.
-    void ComputeErrors(std::span<const double> sound, std::span<double> errors, std::ptrdiff_t step) const noexcept;
+    void ComputeErrors(std::span<const double> sound, std::span<double> errors, StepRange samples,
+                       std::ptrdiff_t step) const noexcept;
 
     std::optional<RealFFT> fTransform; // of two frames, so that nothing wraps around
     std::vector<float> fWindow;
+    double fScale = 0;
     std::vector<float> fTime;
     std::vector<std::complex<float>> fSpectrum;
     std::vector<double> fCorrelation;

@@ -14,17 +14,27 @@ public:
     // `halfWidth`: samples to either side of a pulse's peak that make its shape.
     void Prepare(std::size_t frame, std::size_t halfWidth);
 
+    // The errors that are looked at from now on; they stay valid and unchanged.
+    void Take(std::span<const double> errors) noexcept;
     // Whether the error at `place` has two others like it: one to either side at about the same distance, for a voice's
     // pitch may step, or two to one side, the second exactly as far behind the first.
-    bool Contains(std::span<const double> errors, std::size_t place) noexcept;
+    bool Contains(std::size_t place) noexcept;
+
+    // About how many nanoseconds that took the last time.
+    double Cost() const noexcept {
+        return static_cast<double>(fErrors.size()) + static_cast<double>(fCompared * (2 * fHalfWidth + 1));
+    }
 
 private:
-    void FindAlike(std::span<const double> errors, std::size_t place) noexcept;
-    bool IsAlike(std::span<const double> errors, std::size_t place, std::size_t other) const noexcept;
+    void FindAlike(std::size_t place) noexcept;
+    bool IsAlike(std::size_t place, std::size_t other) const noexcept;
     bool HasAlikeAt(double place, double tolerance) const noexcept;
 
     std::size_t fHalfWidth = 1;
+    std::span<const double> fErrors;
+    std::vector<double> fEnergies;   // of the shapes around each place
     std::vector<std::size_t> fAlike; // ascending
+    std::size_t fCompared = 0;       // places, the last time
 };
 
 } // namespace qoc::dsp

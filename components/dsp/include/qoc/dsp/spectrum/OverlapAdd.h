@@ -50,8 +50,6 @@ public:
         std::size_t steps = 1;
         double cost = 1; // of all of them, in transforms of one channel
     };
-    // Into how many steps work of any kind on a hop is usefully cut: more would be less than the shortest block's part.
-    static std::size_t StepsFor(std::size_t hop) noexcept;
 
     // Allocates, and resets. `work` is in the order in which it is done; its steps are numbered through. `analysis`
     // weights the `frame` samples that go in; `synthesis`, which is empty or has `transform` values, those that come

@@ -19,6 +19,9 @@ struct StepRange {
 // part. Owned by whoever does the work; nothing but setting it up allocates.
 class PacedSteps {
 public:
+    // Into how many steps work on a hop is usefully cut: more would be less than the shortest block's part.
+    static std::size_t CountFor(std::size_t hop) noexcept;
+
     // Sets up: no steps.
     void Clear() noexcept;
     // Adds so many steps of equal work; `cost` of all of them together, in any unit that is the same for all.

@@ -1,4 +1,4 @@
-#include "qoc/dsp/restoration/PacedRepairStream.h"
+#include "qoc/dsp/restoration/RepairStream.h"
 
 #include <gtest/gtest.h>
 
@@ -8,29 +8,26 @@ using namespace qoc::dsp;
 
 namespace {
 
-constexpr std::size_t kSteps = 7;
+constexpr std::size_t kSteps = 14;
 constexpr RepairStream::Layout kLayout = {.before = 100, .hop = 200, .after = 100};
 
 // Doubles the hop in the last step, and counts the steps.
-class Doubler : public PacedFrameRepairer {
+class Doubler : public FrameRepairer {
 public:
     std::size_t steps = 0;
 
-    bool Begin(std::size_t /*channel*/, std::span<const float> original, std::span<float> repaired) noexcept override {
-        fOriginal = original;
-        fRepaired = repaired;
-        return true;
-    }
+    void Begin(std::span<const Frame> frames) noexcept override { fFrames = frames; }
     void Step(std::size_t step) noexcept override {
         ++steps;
         if (step + 1 < kSteps) return;
-        for (std::size_t i = kLayout.before; i < kLayout.before + kLayout.hop; ++i)
-            fRepaired[i] = 2 * fOriginal[i];
+        for (const auto& [original, repaired] : fFrames) {
+            for (std::size_t i = kLayout.before; i < kLayout.before + kLayout.hop; ++i)
+                repaired[i] = 2 * original[i];
+        }
     }
 
 private:
-    std::span<const float> fOriginal;
-    std::span<float> fRepaired;
+    std::span<const Frame> fFrames;
 };
 
 struct Run {
@@ -39,7 +36,7 @@ struct Run {
 };
 
 Run InBlocksOf(std::size_t frames) {
-    PacedRepairStream stream;
+    RepairStream stream;
     stream.Prepare(2, kLayout, kSteps);
     Doubler doubler;
     Run run;
@@ -60,13 +57,13 @@ Run InBlocksOf(std::size_t frames) {
     return run;
 }
 
-// Both channels' steps, 14 in 200 samples, make 1.4 in 20.
-TEST(PacedRepairStream, SpreadsAFramesStepsOverTheBlocksOfAHop) {
+// 14 in 200 samples make 1.4 in 20.
+TEST(RepairStream, SpreadsAFramesStepsOverTheBlocksOfAHop) {
     EXPECT_EQ(InBlocksOf(20).mostSteps, 2U);
     EXPECT_EQ(InBlocksOf(100).mostSteps, 7U);
 }
 
-TEST(PacedRepairStream, EverySampleIsRepairedOnceAndAsLateAsTold) {
+TEST(RepairStream, EverySampleIsRepairedOnceAndAsLateAsTold) {
     for (const std::size_t frames : {1U, 20U, 600U, 3000U}) {
         const auto output = InBlocksOf(frames).output;
         for (std::size_t i = 500; i < 3000; ++i)
