@@ -37,7 +37,7 @@ struct Run {
 
 Run InBlocksOf(std::size_t frames) {
     RepairStream stream;
-    stream.Prepare(2, kLayout, kSteps);
+    stream.Prepare(2, kLayout, std::vector<double>(kSteps, 1));
     Doubler doubler;
     Run run;
     for (std::size_t at = 0; at < 3000; at += frames) {

@@ -78,7 +78,7 @@ void AutoClickRemover::PrepareProcessing(std::size_t /*maximumBlock*/) {
     // Two periods of the lowest voices lie around every place, so that their pulses are known.
     const RepairStream::Layout layout = {.before = frame / 2, .hop = frame / 2, .after = frame / 2};
     fSteps = PacedSteps::CountFor(layout.hop);
-    fStream.Prepare(GetNumberOfInputChannels(), layout, fSteps);
+    fStream.Prepare(GetNumberOfInputChannels(), layout, std::vector<double>(fSteps, 1));
     fFiller.Prepare(layout.Frame(), frame, kLargestOrder);
     fRepairers = std::vector<ClickRepairer>(GetNumberOfInputChannels());
     for (ClickRepairer& repairer : fRepairers)

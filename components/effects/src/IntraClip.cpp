@@ -112,7 +112,10 @@ void IntraClip::PrepareProcessing(std::size_t /*maximumBlock*/) {
                        .largestOrder = kLargestOrder,
                        .rounds = isRender ? kRenderRounds : kLiveRounds,
                        .octaves = static_cast<double>(octaves)});
-    fStream.Prepare(channels, fLayout, channels * fRestorer.Steps());
+    std::vector<double> costs;
+    for (std::size_t step = 0; step < channels * fRestorer.Steps(); ++step)
+        costs.push_back(fRestorer.CostOf(step % fRestorer.Steps()));
+    fStream.Prepare(channels, fLayout, costs);
     fDetector.Prepare(frame);
     fLevels.assign(channels, {});
     fHeard.assign(channels, std::vector<float>(frame));

@@ -44,6 +44,12 @@ std::size_t ClipRestorer::Steps() const noexcept {
     return fLayout.rounds + 2 * kHalvesOfChain;
 }
 
+// Predictions are made with as many equations as there are clipped samples.
+double ClipRestorer::CostOf(std::size_t step) const noexcept {
+    constexpr double kPrediction = 5;
+    return step < fLayout.rounds ? 1 : kPrediction;
+}
+
 void ClipRestorer::Begin(std::span<const float> original, std::span<float> repaired,
                          std::span<const ClipDetector::Run> runs, const Settings& settings) noexcept {
     fOriginal = original;

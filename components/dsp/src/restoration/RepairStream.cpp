@@ -6,7 +6,7 @@
 
 namespace qoc::dsp {
 
-void RepairStream::Prepare(std::size_t channels, const Layout& layout, std::size_t steps) {
+void RepairStream::Prepare(std::size_t channels, const Layout& layout, std::span<const double> costs) {
     fLayout = layout;
     const std::vector<float> silence(layout.Frame() + 2 * layout.hop);
     fChannels.assign(channels, {silence, silence});
@@ -15,7 +15,8 @@ void RepairStream::Prepare(std::size_t channels, const Layout& layout, std::size
         fFrames.push_back({std::span(channel.original).subspan(layout.hop, layout.Frame()),
                            std::span(channel.repaired).subspan(layout.hop, layout.Frame())});
     fPace.Clear();
-    fPace.Add(steps, 1);
+    for (const double cost : costs)
+        fPace.Add(1, cost);
     fPace.SpreadOver(layout.hop);
     fGrid.SetHop(layout.hop);
     Reset();

@@ -35,8 +35,9 @@ public:
     // Allocates.
     void Prepare(const Layout& layout);
 
-    // Into how many steps of about equal work a frame's is cut.
+    // Into how many steps a frame's work is cut, and what one costs against the others, about.
     std::size_t Steps() const noexcept;
+    double CostOf(std::size_t step) const noexcept;
 
     // `original` and `repaired` as FrameRepairer::Frame has them, and the clipped runs, single samples too.
     void Begin(std::span<const float> original, std::span<float> repaired, std::span<const ClipDetector::Run> runs,

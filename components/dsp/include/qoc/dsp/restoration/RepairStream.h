@@ -10,7 +10,7 @@
 
 namespace qoc::dsp {
 
-// What a restoring effect does to the frames of all channels, in steps of about equal work.
+// What a restoring effect does to the frames of all channels, in steps.
 class FrameRepairer {
 public:
     // Of one channel: `original` as it came in, `repaired` the same with what earlier frames have repaired; both are
@@ -46,8 +46,8 @@ public:
         std::size_t Frame() const noexcept { return before + hop + after; }
     };
 
-    // `steps` of work on the frames of all channels together. Allocates, and resets.
-    void Prepare(std::size_t channels, const Layout& layout, std::size_t steps);
+    // `costs` of the steps of the work on the frames of all channels together, in any unit. Allocates, and resets.
+    void Prepare(std::size_t channels, const Layout& layout, std::span<const double> costs);
     // Forgets all sound, and the work that is under way.
     void Reset() noexcept;
 
