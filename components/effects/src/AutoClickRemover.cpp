@@ -54,9 +54,11 @@ constexpr std::size_t kLargestOrder = 64;
 constexpr double kLongerBySamples = 4; // than it is may a click be told to be
 // The part of the time in which is found out whether there are clicks. Where there are none that is all the work; where
 // there are, several times as much is left for the rest.
-constexpr double kLooking = 0.55;
+constexpr double kLooking = 0.6;
+// Above that rate the rest gets more of the time, for it comes near to what a processor can do.
+constexpr double kFullLookingRate = 50000;
 // More is found by and by than one can tell at first: the rest is done faster, so that there is time for that.
-constexpr double kAhead = 1.8;
+constexpr double kAhead = 1.3;
 
 } // namespace
 
@@ -78,6 +80,8 @@ void AutoClickRemover::PrepareProcessing(std::size_t /*maximumBlock*/) {
     // Two periods of the lowest voices lie around every place, so that their pulses are known.
     const RepairStream::Layout layout = {.before = frame / 2, .hop = frame / 2, .after = frame / 2};
     fSteps = PacedSteps::CountFor(layout.hop);
+    const double looking = kLooking * std::min(1.0, kFullLookingRate / GetSampleRate());
+    fLookingSteps = static_cast<std::size_t>(std::lround(looking * static_cast<double>(fSteps)));
     fStream.Prepare(GetNumberOfInputChannels(), layout, std::vector<double>(fSteps, 1));
     fFiller.Prepare(layout.Frame(), frame, kLargestOrder);
     fRepairers = std::vector<ClickRepairer>(GetNumberOfInputChannels());
@@ -111,8 +115,7 @@ void AutoClickRemover::Begin(std::span<const Frame> frames) noexcept {
 
 // How much there is to do becomes known by and by: each step does its part of what is left as far as one can tell.
 void AutoClickRemover::Step(std::size_t step) noexcept {
-    const auto looking = static_cast<std::size_t>(kLooking * static_cast<double>(fSteps));
-    if (step < looking) return Look(looking - step);
+    if (step < fLookingSteps) return Look(fLookingSteps - step);
     Repair(fSteps - step);
     if (step + 1 < fSteps) return;
     for (const ClickRepairer& repairer : fRepairers)

@@ -119,8 +119,8 @@ std::size_t ClickDetector::Pieces(Stage stage) const noexcept {
 
 // Nanoseconds, about.
 double ClickDetector::PieceCost(Stage stage, std::size_t order) const noexcept {
-    constexpr double kErrorCost = 0.5;   // a sample and coefficient
-    constexpr double kUsualCost = 10;    // a sample
+    constexpr double kErrorCost = 0.17;  // a sample and coefficient
+    constexpr double kUsualCost = 15;    // a sample
     constexpr double kCompareCost = 1.2; // a sample
     constexpr double kCollectCost = 2;   // a sample
     switch (stage) {

@@ -1,9 +1,9 @@
 #include "qoc/dsp/restoration/LinearPrediction.h"
 
+#include "restoration/PredictionErrors.h"
+
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstring>
 #include <numbers>
 
 namespace qoc::dsp {
@@ -13,17 +13,6 @@ namespace {
 // Noise 70 dB below the sound, added to the autocorrelation, keeps the recursion well behaved where parts of the
 // spectrum are empty and the transform's rounding is all that is there.
 constexpr double kWhiteNoise = 1e-7;
-
-// Neighbours that are worked on at once.
-constexpr std::size_t kLanes = 2;
-constexpr std::size_t kTogether = 8;
-using Lanes __attribute__((vector_size(kLanes * sizeof(double)))) = double;
-
-Lanes Load(const double* from) noexcept {
-    Lanes lanes;
-    std::memcpy(&lanes, from, sizeof(lanes));
-    return lanes;
-}
 
 } // namespace
 
@@ -113,21 +102,8 @@ void LinearPrediction::BackwardErrors(std::span<const double> sound, std::span<d
 void LinearPrediction::ComputeErrors(std::span<const double> sound, std::span<double> errors, StepRange samples,
                                      std::ptrdiff_t step) const noexcept {
     std::ranges::fill(errors.subspan(samples.begin, samples.end - samples.begin), 0.0);
-    const std::size_t end = std::min(samples.end, sound.size() - fOrder);
-    std::size_t i = std::max(samples.begin, fOrder);
-    for (; i + kTogether <= end; i += kTogether) {
-        std::array<Lanes, kTogether / kLanes> sums{};
-        const double* here = sound.data() + i;
-        for (std::size_t k = 0; k <= fOrder; ++k, here += step) {
-            for (std::size_t lane = 0; lane < sums.size(); ++lane)
-                sums[lane] += fCoefficients[k] * Load(here + lane * kLanes);
-        }
-        std::memcpy(errors.data() + i, sums.data(), sizeof(sums));
-    }
-    for (; i < end; ++i) {
-        for (std::size_t k = 0; k <= fOrder; ++k)
-            errors[i] += fCoefficients[k] * sound[i + static_cast<std::size_t>(step) * k];
-    }
+    ComputePredictionErrors(Coefficients(), sound.data(), errors.data(), std::max(samples.begin, fOrder),
+                            std::min(samples.end, sound.size() - fOrder), step);
 }
 
 } // namespace qoc::dsp

@@ -37,6 +37,7 @@ private:
 
     RepairStream fStream;
     std::size_t fSteps = 1;
+    std::size_t fLookingSteps = 0; // of those, until it is known whether there are clicks
     ClickRepairer::Filler fFiller;
     std::vector<ClickRepairer> fRepairers; // by channel
     ClickRepairer::Settings fSettings;

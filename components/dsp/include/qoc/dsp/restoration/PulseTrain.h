@@ -22,7 +22,7 @@ public:
 
     // About how many nanoseconds that took the last time.
     double Cost() const noexcept {
-        return static_cast<double>(fErrors.size()) + static_cast<double>(fCompared * (2 * fHalfWidth + 1));
+        return static_cast<double>(fErrors.size()) + 0.3 * static_cast<double>(fCompared * (2 * fHalfWidth + 1));
     }
 
 private:
