@@ -233,7 +233,7 @@ void AutoregressiveInterpolator::SolveBack(std::size_t index) noexcept {
     const double* const column = Column(index);
     const double* const later = fValues.data() + index;
     const std::size_t length = std::min(fWidth, fUnknown.size() - index);
-    const double sum = UnrolledSum<double>(1, length, [&](std::size_t k) { return column[k] * later[k]; });
+    const auto sum = UnrolledSum<double>(1, length, [&](std::size_t k) { return column[k] * later[k]; });
     fValues[index] = (fValues[index] - sum) / column[0];
 }
 

@@ -67,8 +67,7 @@ void PulseTrain::FindAlike(std::size_t place) noexcept {
 bool PulseTrain::IsAlike(std::size_t place, std::size_t other) const noexcept {
     const double* const here = fErrors.data() + place - fHalfWidth;
     const double* const there = fErrors.data() + other - fHalfWidth;
-    const double product =
-        UnrolledSum<double>(0, 2 * fHalfWidth + 1, [&](std::size_t i) { return here[i] * there[i]; });
+    const auto product = UnrolledSum<double>(0, 2 * fHalfWidth + 1, [&](std::size_t i) { return here[i] * there[i]; });
     return product > kLeastCorrelation * std::sqrt(fEnergies[place] * fEnergies[other]);
 }
 
