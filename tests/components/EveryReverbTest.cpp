@@ -68,8 +68,8 @@ TEST(EveryReverb, IsAsDenseAsNoiseAfterTwentyFiveMillisecondsInEveryChannel) {
         float rate;
     };
     for (const Kind& kind : kKinds) {
-        for (const Case& each :
-             {Case{80, 1, 44100}, Case{100, 2, 44100}, Case{80, 2, 48000}, Case{80, 6, 48000}, Case{90, 2, 96000}}) {
+        for (const Case& each : {Case{80, 1, 44100}, Case{80, 1, 96000}, Case{100, 2, 44100}, Case{80, 2, 48000},
+                                 Case{80, 6, 48000}, Case{90, 2, 96000}}) {
             const auto filter = Prepared(kind, each.channels, each.rate, each.diffusion);
             const Channels responses = test::ImpulseResponse(*filter, static_cast<std::size_t>(0.25 * each.rate));
             for (std::size_t channel = 0; channel < each.channels; ++channel) {

@@ -8,7 +8,7 @@ namespace qoc::dsp {
 
 namespace {
 
-constexpr std::size_t kFirstNumber = 40; // other clusters than those of the tank
+constexpr std::size_t kFirstNumber = 33; // other clusters than those of the tank
 
 // Cosine: what is reflected as from a plain wall; sine: what is scattered. At a diffusion of 80 % the former is 4 % of
 // the energy: a peak at the head of its cluster that leaves it as dense as noise.
