@@ -15,6 +15,8 @@ namespace {
 
 // Of frames: the longest that there is time for is the best, as it keeps more tones apart.
 constexpr std::array<double, 7> kFrames = {0.032, 0.046, 0.07, 0.0925, 0.11, 0.128, 0.145}; // seconds
+// More take too long to transform in one go: 85 ms at 192 kHz.
+constexpr std::size_t kMostSamples = 16384;
 // What there always is time for: frames of which size at which ratio.
 constexpr std::size_t kShortSize = 2;
 constexpr double kLowestRatio = 0.5;
@@ -60,6 +62,7 @@ void SpectralStretcher::Prepare(std::size_t channels, double sampleRate, std::si
     fSizes.clear();
     for (const double seconds : kFrames) {
         const std::size_t size = FastSize(seconds * sampleRate);
+        if (size > kMostSamples && fSizes.size() > kUsualSize) break;
         fSizes.push_back({static_cast<std::int64_t>(size / 2), RealFFT(size), HannWindow(size)});
     }
     const std::size_t most = fSizes.back().window.size();
