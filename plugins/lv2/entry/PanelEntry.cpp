@@ -13,16 +13,10 @@ PluginPanel& PanelOf(LV2UI_Handle handle) {
     return *static_cast<PluginPanel*>(handle);
 }
 
-const PluginDescription* Find(std::string_view uri) {
-    for (const PluginDescription& plugin : AllPlugins())
-        if (plugin.uri == uri) return &plugin;
-    return nullptr;
-}
-
 LV2UI_Handle Instantiate(const LV2UI_Descriptor* /*descriptor*/, const char* pluginURI, const char* /*bundle*/,
                          LV2UI_Write_Function write, LV2UI_Controller controller, LV2UI_Widget* widget,
                          const LV2_Feature* const* features) {
-    const PluginDescription* const plugin = Find(pluginURI);
+    const PluginDescription* const plugin = FindPlugin(pluginURI);
     if (plugin == nullptr) return nullptr;
     try {
         auto panel = std::make_unique<PluginPanel>(*plugin, PluginPanel::Host{write, controller, features});

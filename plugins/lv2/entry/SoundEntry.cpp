@@ -15,12 +15,6 @@ Plugin& PluginOf(LV2_Handle handle) {
     return *static_cast<Plugin*>(handle);
 }
 
-const PluginDescription* Find(std::string_view uri) {
-    for (const PluginDescription& plugin : AllPlugins())
-        if (plugin.uri == uri) return &plugin;
-    return nullptr;
-}
-
 // Nothing may be thrown through the host.
 template <class Call>
 auto Guarded(const LV2_Feature* const* features, decltype(std::declval<Call>()()) otherwise, const Call& call) {
@@ -34,7 +28,7 @@ auto Guarded(const LV2_Feature* const* features, decltype(std::declval<Call>()()
 
 LV2_Handle Instantiate(const LV2_Descriptor* descriptor, double sampleRate, const char* /*bundle*/,
                        const LV2_Feature* const* features) {
-    const PluginDescription* const plugin = Find(descriptor->URI);
+    const PluginDescription* const plugin = FindPlugin(descriptor->URI);
     if (plugin == nullptr) return nullptr;
     return Guarded(features, LV2_Handle(), [&]() -> LV2_Handle { return new Plugin(*plugin, sampleRate, features); });
 }

@@ -95,6 +95,12 @@ std::span<const PluginDescription> AllPlugins() {
     return sPlugins;
 }
 
+const PluginDescription* FindPlugin(std::string_view uri) {
+    const auto plugins = AllPlugins();
+    const auto known = std::ranges::find(plugins, uri, &PluginDescription::uri);
+    return known != plugins.end() ? &*known : nullptr;
+}
+
 const EffectSummary& SummaryOf(const qoc::components::EffectDescription& effect) {
     const auto known = std::ranges::find(kSummaries, effect.shortName,
                                          [](const EffectSummary& summary) { return std::string_view(summary.shortName); });

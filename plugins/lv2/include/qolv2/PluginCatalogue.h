@@ -5,6 +5,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace qolv2 {
 
@@ -28,6 +29,8 @@ struct EffectSummary {
 
 // In an order that stays while the bundle is loaded. Any thread.
 std::span<const PluginDescription> AllPlugins();
+// Null when there is none.
+const PluginDescription* FindPlugin(std::string_view uri);
 const EffectSummary& SummaryOf(const qoc::components::EffectDescription& effect);
 
 } // namespace qolv2
