@@ -12,24 +12,11 @@ void TapRow::Set(std::span<const double> delays, bool isFine) noexcept {
     isFine ? SetFine(delays) : SetLinear(delays);
 }
 
-// As TapWeights.
 void TapRow::SetFine(std::span<const double> delays) noexcept {
     for (std::size_t i = 0; i < fSize; ++i) {
-        const auto x = static_cast<float>(delays[i] - fWhole[i]);
-        const float a = x + 2;
-        const float b = x + 1;
-        const float d = x - 1;
-        const float e = x - 2;
-        const float f = x - 3;
-        const float ab = a * b;
-        const float ef = e * f;
-        const float xd = x * d;
-        fValues[0][i] = b * xd * ef * (-1.0F / 120);
-        fValues[1][i] = a * xd * ef * (1.0F / 24);
-        fValues[2][i] = ab * d * ef * (-1.0F / 12);
-        fValues[3][i] = ab * x * ef * (1.0F / 12);
-        fValues[4][i] = ab * xd * f * (-1.0F / 24);
-        fValues[5][i] = ab * xd * e * (1.0F / 120);
+        const auto values = TapWeights::ValuesAt(static_cast<float>(delays[i] - fWhole[i]));
+        for (std::size_t tap = 0; tap < kTaps; ++tap)
+            fValues[tap][i] = values[tap];
     }
 }
 

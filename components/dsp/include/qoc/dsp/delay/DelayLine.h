@@ -19,8 +19,12 @@ struct TapWeights {
     // Along a straight line instead, which dulls high frequencies.
     static TapWeights Linear(double delay) noexcept;
 
+    using Values = std::array<float, 6>;
+    // For a delay of `x`, 0...1, more than that of the weight number kAhead.
+    static Values ValuesAt(float x) noexcept;
+
     std::size_t first; // delay of the first weight
-    std::array<float, 6> values;
+    Values values;
 
 private:
     explicit TapWeights(std::size_t firstDelay) noexcept : first(firstDelay), values{} {}
@@ -67,10 +71,7 @@ private:
     std::size_t fPosition = 0;
 };
 
-inline TapWeights::TapWeights(double delay) noexcept {
-    const auto whole = static_cast<int>(delay);
-    first = static_cast<std::size_t>(whole - kAhead);
-    const auto x = static_cast<float>(delay - whole);
+inline TapWeights::Values TapWeights::ValuesAt(float x) noexcept {
     const float a = x + 2;
     const float b = x + 1;
     const float d = x - 1;
@@ -79,8 +80,14 @@ inline TapWeights::TapWeights(double delay) noexcept {
     const float ab = a * b;
     const float ef = e * f;
     const float xd = x * d;
-    values = {b * xd * ef * (-1.0F / 120), a * xd * ef * (1.0F / 24),  ab * d * ef * (-1.0F / 12),
-              ab * x * ef * (1.0F / 12),   ab * xd * f * (-1.0F / 24), ab * xd * e * (1.0F / 120)};
+    return {b * xd * ef * (-1.0F / 120), a * xd * ef * (1.0F / 24),  ab * d * ef * (-1.0F / 12),
+            ab * x * ef * (1.0F / 12),   ab * xd * f * (-1.0F / 24), ab * xd * e * (1.0F / 120)};
+}
+
+inline TapWeights::TapWeights(double delay) noexcept {
+    const auto whole = static_cast<int>(delay);
+    first = static_cast<std::size_t>(whole - kAhead);
+    values = ValuesAt(static_cast<float>(delay - whole));
 }
 
 inline TapWeights TapWeights::Linear(double delay) noexcept {
