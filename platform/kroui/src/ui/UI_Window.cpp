@@ -2,6 +2,7 @@
 
 #include "AccessibilityTracker.h"
 #include "TooltipController.h"
+#include "WindowOverlays.h"
 #include "kroui/ui/UI_NodeManager.h"
 
 #include <algorithm>
@@ -14,12 +15,6 @@ namespace {
 
 constexpr float kSmallestScale = 0.5F;
 constexpr float kLargestScale = 4;
-
-bool IsInSubtree(const UI_Node* node, const UI_Node& root) {
-    for (; node; node = node->UI_GetParent())
-        if (node == &root) return true;
-    return false;
-}
 
 // What shows without being operated: containers, texts, pictures.
 bool IsGround(const UI_Node& node) {
@@ -50,14 +45,15 @@ private:
 
 UI_Window::UI_Window(const limner::SupplierInterface& supplier, WindowBackend& backend)
     : fSupplier(supplier), fBackend(backend), fSurface(backend.GetSurface()), fTheme(&Theme::Dark()),
-      fTipPlace(std::make_unique<TipPlace>(*this)), fTooltips(std::make_unique<TooltipController>(*fTipPlace)) {
+      fOverlays(std::make_unique<WindowOverlays>()), fTipPlace(std::make_unique<TipPlace>(*this)),
+      fTooltips(std::make_unique<TooltipController>(*fTipPlace)) {
 }
 
 UI_Window::~UI_Window() {
     SetAccessibilityObserver(nullptr);
     fTooltips.reset();
-    while (!fOverlays.empty())
-        HideOverlay(fOverlays.back().node.get());
+    while (!fOverlays->All().empty())
+        HideOverlay(fOverlays->All().back().node.get());
     SetContent(nullptr);
 }
 
@@ -135,8 +131,7 @@ long UI_Window::Paint() {
         fSurface.Draw(part, [&](limner::Limner& limner) {
             limner.FillRect(part, fTheme->GetColor(kColorWindow));
             if (fContent) fContent->UI_DrawTree(&limner);
-            for (const Overlay& overlay : fOverlays)
-                overlay.node->UI_DrawTree(&limner);
+            fOverlays->Draw(limner);
         });
         painted.push_back(pixels);
         pixelCount += static_cast<long>(pixels.width) * static_cast<long>(pixels.height);
@@ -146,14 +141,8 @@ long UI_Window::Paint() {
 }
 
 UI_Node* UI_Window::HitTest(Point position) const {
-    const auto test = [&](UI_Node& root) {
-        return root.UI_HitTest({position.x - root.UI_GetFrame().left, position.y - root.UI_GetFrame().top});
-    };
-    for (auto overlay = fOverlays.rbegin(); overlay != fOverlays.rend(); ++overlay) {
-        if (UI_Node* const hit = test(*overlay->node)) return hit;
-        if (overlay->modal) return overlay->node.get();
-    }
-    return fContent ? test(*fContent) : nullptr;
+    if (UI_Node* const hit = fOverlays->HitTest(position)) return hit;
+    return fContent ? HitTestRoot(*fContent, position) : nullptr;
 }
 
 bool UI_Window::Deliver(UI_Node* target, MouseEvent event, Point windowPosition) {
@@ -324,7 +313,7 @@ void UI_Window::Deactivated() {
     SetHover(nullptr, {-1, -1}, kNoModifier);
     MouseEvent event;
     event.action = MouseEvent::Action::kCaptureLost;
-    for (auto overlays = fOverlays; const Overlay& overlay : overlays)
+    for (const auto overlays = fOverlays->All(); const WindowOverlays::Overlay& overlay : overlays)
         if (overlay.modal) overlay.node->UI_DoMouseEvent(nullptr, event);
 }
 
@@ -348,22 +337,15 @@ bool UI_Window::SetFocus(UI_Node* node) {
 std::vector<UI_Node*> UI_Window::Roots() const {
     std::vector<UI_Node*> roots;
     if (fContent) roots.push_back(fContent.get());
-    for (const Overlay& overlay : fOverlays)
+    for (const WindowOverlays::Overlay& overlay : fOverlays->All())
         roots.push_back(overlay.node.get());
     return roots;
-}
-
-bool UI_Window::IsBehindOverlay(const UI_Node& node) const {
-    const UI_Node* const modal = TopOverlay();
-    if (!modal || IsInSubtree(&node, *modal)) return false;
-    const auto isOver = [&](const Overlay& overlay) { return !overlay.modal && IsInSubtree(&node, *overlay.node); };
-    return std::none_of(fOverlays.begin(), fOverlays.end(), isOver);
 }
 
 bool UI_Window::DoAccessibleAction(UI_Node& node, const AccessibleRequest& request) {
     UI_NodeManager::Get().TellIfLoopIsMissing();
     const bool isInWindow = node.UI_GetWindow() == this && node.UI_IsVisibleInWindow();
-    if (!isInWindow || IsBehindOverlay(node) || request.part >= node.UI_GetAccessiblePartCount()) return false;
+    if (!isInWindow || fOverlays->AreBefore(node) || request.part >= node.UI_GetAccessiblePartCount()) return false;
     const bool isWhole = request.part < 0;
     const AccessibleInfo info = isWhole ? node.UI_GetAccessibleInfo() : node.UI_GetAccessiblePart(request.part).info;
     if (!info.enabled || !info.actions.Has(request.action)) return false;
@@ -429,33 +411,27 @@ void UI_Window::ShowOverlay(boost::intrusive_ptr<UI_Node> node, const Rect& fram
     HideOverlay(node.get());
     if (node->UI_IsAttached()) return; // shown again by who heard of that
     node->UI_SetFrame(frame);
-    // Tips stay over menus.
-    auto at = fOverlays.end();
-    if (modal) at = std::find_if(fOverlays.begin(), fOverlays.end(), [](const Overlay& o) { return !o.modal; });
     UI_Node& shown = *node;
-    fOverlays.insert(at, {std::move(node), modal});
+    fOverlays->Add({std::move(node), modal});
     if (modal) fTooltips->Dismiss();
     shown.AttachTo(this);
     shown.UI_Invalidate();
 }
 
 void UI_Window::HideOverlay(UI_Node* node) {
-    const auto at = std::find_if(fOverlays.begin(), fOverlays.end(), [&](const Overlay& o) { return o.node == node; });
-    if (!node || at == fOverlays.end()) return;
     const MessageScope scope;
-    const boost::intrusive_ptr<UI_Node> hidden = at->node;
+    const boost::intrusive_ptr<UI_Node> hidden = fOverlays->Remove(node);
+    if (!hidden) return;
     hidden->UI_Invalidate();
-    fOverlays.erase(at);
     hidden->DetachTree();
 }
 
 bool UI_Window::HasModalOverlay() const {
-    return std::any_of(fOverlays.begin(), fOverlays.end(), [](const Overlay& o) { return o.modal; });
+    return fOverlays->TopModal() != nullptr;
 }
 
 UI_Node* UI_Window::TopOverlay() const {
-    const auto at = std::find_if(fOverlays.rbegin(), fOverlays.rend(), [](const Overlay& o) { return o.modal; });
-    return at != fOverlays.rend() ? at->node.get() : nullptr;
+    return fOverlays->TopModal();
 }
 
 void UI_Window::ShowTip(UI_Node& node) {

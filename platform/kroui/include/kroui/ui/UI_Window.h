@@ -14,6 +14,7 @@ namespace kroui::ui {
 
 class AccessibilityTracker;
 class TooltipController;
+class WindowOverlays;
 
 // The place where a tree is attached: paints what is damaged, routes events, holds focus, pointer capture, overlays
 // (menus, tips) and scale. The system is behind WindowBackend. Coordinates are view units of the content unless a name
@@ -116,16 +117,11 @@ public:
 private:
     class InputScope;
     class TipPlace;
-    struct Overlay {
-        boost::intrusive_ptr<UI_Node> node;
-        bool modal;
-    };
 
     UI_Node* HitTest(Point position) const;
     bool Deliver(UI_Node* target, MouseEvent event, Point windowPosition);
     UI_Node* WheelTarget(Point position) const;
     bool DeliverKey(const KeyEvent& event);
-    bool IsBehindOverlay(const UI_Node& node) const;
     void SetHover(UI_Node* node, Point position, std::uint8_t modifiers);
     void UpdateSurface();
     void UpdateCursor(Point position);
@@ -137,7 +133,7 @@ private:
     limner::Surface& fSurface;
     const Theme* fTheme;
     boost::intrusive_ptr<UI_Node> fContent;
-    std::vector<Overlay> fOverlays;
+    std::unique_ptr<WindowOverlays> fOverlays;
     boost::intrusive_ptr<UI_Node> fFocus;
     boost::intrusive_ptr<UI_Node> fCapture;
     boost::intrusive_ptr<UI_Node> fHover;
