@@ -44,7 +44,18 @@ X11Picture::~X11Picture() {
     XFreeGC(fDisplay, fContext);
 }
 
-void X11Picture::Show(const std::uint32_t* pixels, int width, int height, int stride, const Part& part) {
+void X11Picture::Show(const kroui::limner::PixelSurface& surface, std::span<const kroui::Rect> parts) {
+    for (const kroui::Rect& part : parts)
+        ShowPart(surface, {static_cast<int>(part.left), static_cast<int>(part.top), static_cast<int>(part.width),
+                           static_cast<int>(part.height)});
+    Finish();
+}
+
+void X11Picture::ShowPart(const kroui::limner::PixelSurface& surface, const Part& part) {
+    const std::uint32_t* const pixels = surface.Pixels();
+    const int width = surface.PixelWidth();
+    const int height = surface.PixelHeight();
+    const int stride = surface.Stride();
     if (fCanShare && (fImage == nullptr || fImage->width != width || fImage->height != height))
         MakeImage(width, height);
     const auto partWidth = static_cast<unsigned>(part.width);
@@ -69,6 +80,7 @@ void X11Picture::Show(const std::uint32_t* pixels, int width, int height, int st
                  False);
 }
 
+// Waits until the server has read what is in shared memory.
 void X11Picture::Finish() {
     if (fImage != nullptr)
         XSync(fDisplay, False);

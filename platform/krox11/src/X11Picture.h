@@ -1,10 +1,11 @@
 #pragma once
 
 #include "X11Connection.h"
+#include "kroui/limner/PixelSurface.h"
 
 #include <X11/extensions/XShm.h>
 
-#include <cstdint>
+#include <span>
 
 namespace krox11 {
 
@@ -17,18 +18,19 @@ public:
     X11Picture(const X11Picture&) = delete;
     X11Picture& operator=(const X11Picture&) = delete;
 
-    // Shows a part of a picture of `width` x `height` pixels, rows of `stride` bytes, 0xAARRGGBB.
+    // In pixels.
     struct Part {
         int left;
         int top;
         int width;
         int height;
     };
-    void Show(const std::uint32_t* pixels, int width, int height, int stride, const Part& part);
-    // Waits until the server has read what was shown: the pixels may change again.
-    void Finish();
+    // Shows parts (pixels) of a surface. They may change again when it returns.
+    void Show(const kroui::limner::PixelSurface& surface, std::span<const kroui::Rect> parts);
 
 private:
+    void ShowPart(const kroui::limner::PixelSurface& surface, const Part& part);
+    void Finish();
     void MakeImage(int width, int height);
     void DropImage();
 

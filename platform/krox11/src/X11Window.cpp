@@ -2,6 +2,7 @@
 
 #include "X11Connection.h"
 #include "X11Keys.h"
+#include "X11Overlay.h"
 #include "X11Picture.h"
 #include "krocore/String.h"
 
@@ -51,7 +52,7 @@ struct X11Window::Event {
 };
 
 X11Window::X11Window(const kroui::limner::CairoSupplier& supplier, const Settings& settings)
-    : fConnection(std::make_unique<X11Connection>()), fSurface(supplier), fWanted(settings.size) {
+    : fConnection(std::make_unique<X11Connection>()), fSupplier(supplier), fSurface(supplier), fWanted(settings.size) {
     Display* const display = fConnection->Get();
     fParent = settings.parent != 0 ? settings.parent : DefaultRootWindow(display);
     kroui::ui::WindowBackend& backend = *this;
@@ -118,7 +119,31 @@ Point X11Window::ToView(int x, int y) const {
     return {static_cast<float>(x) / scale, static_cast<float>(y) / scale};
 }
 
+// What the pointer does over a menu outside is done at that place of the window.
+bool X11Window::TakeFromOverlay(Event& event) {
+    const auto overlay = fOverlays.find(event.x.xany.window);
+    if (overlay == fOverlays.end()) return false;
+    const OverlayAt& at = overlay->second;
+    switch (event.x.type) {
+    case Expose:
+        if (event.x.xexpose.count == 0) at.surface->ShowAll();
+        return true;
+    case MotionNotify:
+        event.x.xmotion.x += at.left;
+        event.x.xmotion.y += at.top;
+        return false;
+    case ButtonPress:
+    case ButtonRelease:
+        event.x.xbutton.x += at.left;
+        event.x.xbutton.y += at.top;
+        return false;
+    case LeaveNotify: return false;
+    default: return true;
+    }
+}
+
 void X11Window::Handle(Event& event) {
+    if (TakeFromOverlay(event)) return;
     switch (event.x.type) {
     case Expose: fWindow->InvalidateAll(); break;
     case ConfigureNotify:
@@ -191,12 +216,55 @@ void X11Window::HandleKey(Event& event) {
 }
 
 void X11Window::Present(std::span<const Rect> pixelRects) {
-    for (const Rect& rect : pixelRects) {
-        const X11Picture::Part part = {static_cast<int>(rect.left), static_cast<int>(rect.top),
-                                       static_cast<int>(rect.width), static_cast<int>(rect.height)};
-        fPicture->Show(fSurface.Pixels(), fSurface.PixelWidth(), fSurface.PixelHeight(), fSurface.Stride(), part);
-    }
-    fPicture->Finish();
+    fPicture->Show(fSurface, pixelRects);
+}
+
+X11Window::PixelPlace X11Window::PlaceOnScreen() const {
+    Display* const display = fConnection->Get();
+    PixelPlace place{};
+    ::Window child = None;
+    XTranslateCoordinates(display, fHandle, DefaultRootWindow(display), 0, 0, &place.left, &place.top, &child);
+    return place;
+}
+
+Rect X11Window::OverlayRoom(kroui::Size /*window*/) {
+    Display* const display = fConnection->Get();
+    const int screen = DefaultScreen(display);
+    const PixelPlace own = PlaceOnScreen();
+    const float scale = fWindow->ScaleFactor();
+    return {static_cast<float>(-own.left) / scale, static_cast<float>(-own.top) / scale,
+            static_cast<float>(DisplayWidth(display, screen)) / scale,
+            static_cast<float>(DisplayHeight(display, screen)) / scale};
+}
+
+std::unique_ptr<kroui::ui::OverlaySurface> X11Window::MakeOverlaySurface(const Rect& place, bool takesEvents) {
+    const float scale = fWindow->ScaleFactor();
+    const PixelPlace own = PlaceOnScreen();
+    const PixelPlace corner{static_cast<int>(std::lround(place.left * scale)),
+                            static_cast<int>(std::lround(place.top * scale))};
+    const X11Picture::Part part{own.left + corner.left, own.top + corner.top,
+                                static_cast<int>(std::ceil(place.width * scale)),
+                                static_cast<int>(std::ceil(place.height * scale))};
+    auto surface = std::make_unique<X11Overlay>(*fConnection, fSupplier, part, takesEvents);
+    const ::Window handle = surface->Handle();
+    surface->SetClosedHandler([this, handle] { OverlayClosed(handle); });
+    fOverlays[handle] = {surface.get(), corner.left, corner.top, takesEvents};
+    if (takesEvents) GrabPointer();
+    return surface;
+}
+
+// So that a press anywhere closes a menu. Where somebody else has the pointer, it closes by what happens in the window.
+void X11Window::GrabPointer() {
+    constexpr unsigned kMask = ButtonPressMask | ButtonReleaseMask | PointerMotionMask | LeaveWindowMask;
+    XGrabPointer(fConnection->Get(), fHandle, True, kMask, GrabModeAsync, GrabModeAsync, None, None, CurrentTime);
+}
+
+void X11Window::OverlayClosed(unsigned long handle) {
+    fOverlays.erase(handle);
+    const bool isModal = std::ranges::any_of(fOverlays, [](const auto& overlay) { return overlay.second.takesEvents; });
+    if (isModal) return;
+    XUngrabPointer(fConnection->Get(), CurrentTime);
+    XFlush(fConnection->Get());
 }
 
 void X11Window::SetCursor(Cursor cursor) {

@@ -4,6 +4,27 @@
 
 namespace kroui::ui {
 
+class HeadlessWindow::OutsideSurface final : public OverlaySurface {
+public:
+    OutsideSurface(HeadlessWindow& window, const Rect& place, bool takesEvents)
+        : fWindow(window), fPlace(place), fTakesEvents(takesEvents),
+          fSurface(static_cast<const limner::CairoSupplier&>(window.fWindow.Supplier())) {
+        fWindow.fOutside.push_back(this);
+    }
+    ~OutsideSurface() override { std::erase(fWindow.fOutside, this); }
+
+    limner::Surface& GetSurface() override { return fSurface; }
+    void Present(std::span<const Rect> /*pixelRects*/) override { fPicture = fSurface.Snapshot(); }
+    Outside Shown() const { return {fPlace, fTakesEvents, fPicture}; }
+
+private:
+    HeadlessWindow& fWindow;
+    Rect fPlace;
+    bool fTakesEvents;
+    limner::PixelSurface fSurface;
+    limner::ImagePtr fPicture;
+};
+
 HeadlessWindow::HeadlessWindow(const limner::CairoSupplier& supplier, Size size, float scale)
     : fSurface(supplier), fWindow(supplier, *this) {
     UI_NodeManager::Get().SetClock([this] { return fTime; });
@@ -36,6 +57,22 @@ long HeadlessWindow::Paint() {
 
 void HeadlessWindow::Present(std::span<const Rect> pixelRects) {
     fLastDamage.assign(pixelRects.begin(), pixelRects.end());
+}
+
+Rect HeadlessWindow::OverlayRoom(Size window) {
+    return fScreen.IsEmpty() ? WindowBackend::OverlayRoom(window) : fScreen;
+}
+
+std::unique_ptr<OverlaySurface> HeadlessWindow::MakeOverlaySurface(const Rect& place, bool takesEvents) {
+    if (fScreen.IsEmpty()) return nullptr;
+    return std::make_unique<OutsideSurface>(*this, place, takesEvents);
+}
+
+std::vector<HeadlessWindow::Outside> HeadlessWindow::ShownOutside() const {
+    std::vector<Outside> shown;
+    for (const OutsideSurface* const surface : fOutside)
+        shown.push_back(surface->Shown());
+    return shown;
 }
 
 void HeadlessWindow::Press(Point position, std::uint8_t modifiers, int button) {

@@ -97,17 +97,19 @@ void TooltipController::Show() {
     if (fNode && !fPlace.IsBusy()) ShowAt(*fNode, {fPosition.x, fPosition.y + kBelowPointer}, fPosition.y - kGap);
 }
 
-// With its top left corner at `below`, or where the window ends with its bottom at `above`.
+// With its top left corner at `below`, or where the room ends with its bottom at `above`.
 void TooltipController::ShowAt(UI_Node& node, Point below, float above) {
     Hide();
     if (node.UI_GetTooltip().empty() || !node.UI_IsVisibleInWindow()) return;
     fTip->SetText(node.UI_GetTooltip());
     const Size size = fTip->Measure(fPlace.Supplier());
-    const Size window = fPlace.GetSize();
+    const Rect room = fPlace.Room();
     const float scale = fPlace.ScaleFactor();
-    const auto onPixel = [scale](float place) { return std::floor(std::max(0.0F, place) * scale) / scale; };
-    const float left = onPixel(std::min(below.x, window.width - size.width));
-    const float top = onPixel(below.y + size.height > window.height ? above - size.height : below.y);
+    const auto onPixel = [scale](float place, float first) {
+        return std::floor(std::max(first, place) * scale) / scale;
+    };
+    const float left = onPixel(std::min(below.x, room.Right() - size.width), room.left);
+    const float top = onPixel(below.y + size.height > room.Bottom() ? above - size.height : below.y, room.top);
     fShownNode = &node;
     fIsShown = true;
     fPlace.ShowTip(*fTip, {left, top, size.width, size.height});

@@ -11,7 +11,7 @@ public:
     class Place {
     public:
         virtual const limner::SupplierInterface& Supplier() const = 0;
-        virtual Size GetSize() const = 0;
+        virtual Rect Room() const = 0; // where tips may stand
         virtual float ScaleFactor() const = 0;
         // Whether something is dragged, or a menu or dialog stands over everything.
         virtual bool IsBusy() const = 0;

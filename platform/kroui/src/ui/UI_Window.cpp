@@ -1,6 +1,7 @@
 #include "kroui/ui/UI_Window.h"
 
 #include "AccessibilityTracker.h"
+#include "SurfacePainter.h"
 #include "TooltipController.h"
 #include "WindowOverlays.h"
 #include "kroui/ui/UI_NodeManager.h"
@@ -22,10 +23,6 @@ bool IsGround(const UI_Node& node) {
     return role == Role::kNone || role == Role::kGroup || role == Role::kText || role == Role::kImage;
 }
 
-Rect Scaled(const Rect& r, float factor) {
-    return {r.left * factor, r.top * factor, r.width * factor, r.height * factor};
-}
-
 } // namespace
 
 class UI_Window::TipPlace : public TooltipController::Place {
@@ -33,7 +30,7 @@ public:
     explicit TipPlace(UI_Window& window) : fWindow(window) {}
 
     const limner::SupplierInterface& Supplier() const override { return fWindow.Supplier(); }
-    Size GetSize() const override { return fWindow.GetSize(); }
+    Rect Room() const override { return fWindow.OverlayRoom(); }
     float ScaleFactor() const override { return fWindow.ScaleFactor(); }
     bool IsBusy() const override { return fWindow.CaptureNode() || fWindow.HasModalOverlay(); }
     void ShowTip(UI_Node& tip, const Rect& frame) override { fWindow.ShowOverlay(&tip, frame, false); }
@@ -94,6 +91,7 @@ float UI_Window::ScaleFactor() const {
 void UI_Window::UpdateSurface() {
     const bool isRescaled = fSurface.Scale() != ScaleFactor();
     fSurface.SetSize(fSize, ScaleFactor());
+    if (isRescaled) fOverlays->SetScale(ScaleFactor());
     if (isRescaled && fContent) fContent->Broadcast(UI_Node::kScaleChanged);
     InvalidateAll();
 }
@@ -106,38 +104,32 @@ void UI_Window::SetTheme(const Theme& theme) {
 }
 
 void UI_Window::Invalidate(const Rect& rect) {
-    const Rect visible = Intersection(rect, {0, 0, fSize.width, fSize.height});
-    if (visible.IsEmpty()) return;
-    if (fDamage.IsEmpty()) fBackend.RequestPaint();
-    fDamage.Add(visible);
+    const bool isRequested = NeedsPaint();
+    fDamage.Add(Intersection(rect, {0, 0, fSize.width, fSize.height}));
+    fOverlays->Invalidate(rect);
+    if (!isRequested && NeedsPaint()) fBackend.RequestPaint();
 }
 
 void UI_Window::InvalidateAll() {
+    fOverlays->InvalidateAll();
     Invalidate({0, 0, fSize.width, fSize.height});
+}
+
+bool UI_Window::NeedsPaint() const {
+    return !fDamage.IsEmpty() || fOverlays->NeedPaint();
 }
 
 long UI_Window::Paint() {
     UI_NodeManager::Get().TellIfLoopIsMissing();
     // What is invalidated while painting waits for the next pass.
     const DamageRegion damage = std::exchange(fDamage, DamageRegion());
-    const float scale = ScaleFactor();
-    const Rect surface{0, 0, static_cast<float>(fSurface.PixelWidth()), static_cast<float>(fSurface.PixelHeight())};
-    std::vector<Rect> painted;
-    long pixelCount = 0;
-    for (const Rect& rect : damage.Rects()) {
-        const Rect pixels = Intersection(RoundedOut(Scaled(rect, scale)), surface);
-        if (pixels.IsEmpty()) continue;
-        const Rect part = Scaled(pixels, 1 / scale);
-        fSurface.Draw(part, [&](limner::Limner& limner) {
-            limner.FillRect(part, fTheme->GetColor(kColorWindow));
+    const std::vector<Rect> painted =
+        PaintDamage(fSurface, damage, fTheme->GetColor(kColorWindow), [this](limner::Limner& limner) {
             if (fContent) fContent->UI_DrawTree(&limner);
             fOverlays->Draw(limner);
         });
-        painted.push_back(pixels);
-        pixelCount += static_cast<long>(pixels.width) * static_cast<long>(pixels.height);
-    }
     if (!painted.empty()) fBackend.Present(painted);
-    return pixelCount;
+    return AreaOf(painted) + fOverlays->Paint(fTheme->GetColor(kColorMenu));
 }
 
 UI_Node* UI_Window::HitTest(Point position) const {
@@ -313,8 +305,11 @@ void UI_Window::Deactivated() {
     SetHover(nullptr, {-1, -1}, kNoModifier);
     MouseEvent event;
     event.action = MouseEvent::Action::kCaptureLost;
-    for (const auto overlays = fOverlays->All(); const WindowOverlays::Overlay& overlay : overlays)
-        if (overlay.modal) overlay.node->UI_DoMouseEvent(nullptr, event);
+    std::vector<boost::intrusive_ptr<UI_Node>> modal;
+    for (const WindowOverlays::Overlay& overlay : fOverlays->All())
+        if (overlay.modal) modal.push_back(overlay.node);
+    for (const boost::intrusive_ptr<UI_Node>& node : modal)
+        node->UI_DoMouseEvent(nullptr, event);
 }
 
 bool UI_Window::SetFocus(UI_Node* node) {
@@ -404,7 +399,15 @@ void UI_Window::ReleaseCapture() {
     captured->UI_DoMouseEvent(nullptr, event);
 }
 
-void UI_Window::ShowOverlay(boost::intrusive_ptr<UI_Node> node, const Rect& frame, bool modal) {
+std::unique_ptr<OverlaySurface> UI_Window::SurfaceOutside(const Rect& place, bool modal) {
+    const bool isInside =
+        place.left >= 0 && place.top >= 0 && place.Right() <= fSize.width && place.Bottom() <= fSize.height;
+    std::unique_ptr<OverlaySurface> surface = isInside ? nullptr : fBackend.MakeOverlaySurface(place, modal);
+    if (surface) surface->GetSurface().SetSize({place.width, place.height}, ScaleFactor());
+    return surface;
+}
+
+void UI_Window::ShowOverlay(boost::intrusive_ptr<UI_Node> node, const Rect& frame, bool modal, float shadow) {
     if (!node || node->UI_GetParent()) return;
     const MessageScope scope;
     node->FinishDetaching();
@@ -412,7 +415,8 @@ void UI_Window::ShowOverlay(boost::intrusive_ptr<UI_Node> node, const Rect& fram
     if (node->UI_IsAttached()) return; // shown again by who heard of that
     node->UI_SetFrame(frame);
     UI_Node& shown = *node;
-    fOverlays->Add({std::move(node), modal});
+    const Rect place = frame.Inset(shadow, shadow);
+    fOverlays->Add({std::move(node), modal, SurfaceOutside(place, modal), place, {}});
     if (modal) fTooltips->Dismiss();
     shown.AttachTo(this);
     shown.UI_Invalidate();

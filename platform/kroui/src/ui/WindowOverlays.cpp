@@ -1,6 +1,9 @@
 #include "WindowOverlays.h"
 
+#include "SurfacePainter.h"
+
 #include <algorithm>
+#include <utility>
 
 namespace kroui::ui {
 
@@ -18,6 +21,7 @@ UI_Node* HitTestRoot(UI_Node& root, Point position) {
 void WindowOverlays::Add(Overlay overlay) {
     auto at = fOverlays.end();
     if (overlay.modal) at = std::find_if(fOverlays.begin(), fOverlays.end(), [](const Overlay& o) { return !o.modal; });
+    if (overlay.surface) overlay.damage.Add({0, 0, overlay.place.width, overlay.place.height});
     fOverlays.insert(at, std::move(overlay));
 }
 
@@ -51,7 +55,44 @@ UI_Node* WindowOverlays::HitTest(Point position) const {
 
 void WindowOverlays::Draw(limner::Limner& limner) const {
     for (const Overlay& overlay : fOverlays)
-        overlay.node->UI_DrawTree(&limner);
+        if (!overlay.surface) overlay.node->UI_DrawTree(&limner);
+}
+
+void WindowOverlays::Invalidate(const Rect& rect) {
+    for (Overlay& overlay : fOverlays) {
+        if (!overlay.surface) continue;
+        const Rect part = Intersection(rect, overlay.place);
+        overlay.damage.Add(part.Offset(-overlay.place.left, -overlay.place.top));
+    }
+}
+
+void WindowOverlays::InvalidateAll() {
+    for (const Overlay& overlay : fOverlays)
+        Invalidate(overlay.place);
+}
+
+bool WindowOverlays::NeedPaint() const {
+    return std::ranges::any_of(fOverlays, [](const Overlay& overlay) { return !overlay.damage.IsEmpty(); });
+}
+
+long WindowOverlays::Paint(const limner::Color& ground) {
+    long pixelCount = 0;
+    for (Overlay& overlay : fOverlays) {
+        if (overlay.damage.IsEmpty()) continue;
+        const DamageRegion damage = std::exchange(overlay.damage, DamageRegion());
+        const auto painted = PaintDamage(overlay.surface->GetSurface(), damage, ground, [&](limner::Limner& limner) {
+            limner.Translate(-overlay.place.left, -overlay.place.top);
+            overlay.node->UI_DrawTree(&limner);
+        });
+        if (!painted.empty()) overlay.surface->Present(painted);
+        pixelCount += AreaOf(painted);
+    }
+    return pixelCount;
+}
+
+void WindowOverlays::SetScale(float scale) {
+    for (Overlay& overlay : fOverlays)
+        if (overlay.surface) overlay.surface->GetSurface().SetSize({overlay.place.width, overlay.place.height}, scale);
 }
 
 } // namespace kroui::ui

@@ -12,6 +12,7 @@
 namespace krox11 {
 
 class X11Connection;
+class X11Overlay;
 class X11Picture;
 
 // A window inside another program's window, as plug-in hosts want it, over Xlib with pictures in shared memory. The
@@ -53,22 +54,41 @@ private:
     void SetTextInput(bool /*on*/, const kroui::Rect& /*caretRect*/) override {}
     std::u16string ClipboardText() override;
     void SetClipboardText(std::u16string_view text) override;
+    kroui::Rect OverlayRoom(kroui::Size window) override;
+    std::unique_ptr<kroui::ui::OverlaySurface> MakeOverlaySurface(const kroui::Rect& place, bool takesEvents) override;
 
     struct Event; // one of the X server's
     void Handle(Event& event);
+    bool TakeFromOverlay(Event& event);
     void HandleButton(const Event& event);
     void HandleKey(Event& event);
     void HandleSelectionRequest(const Event& event);
     void FitContent(int pixelWidth, int pixelHeight);
     int ClicksOf(const Event& event);
     kroui::Point ToView(int x, int y) const;
+    struct PixelPlace {
+        int left;
+        int top;
+    };
+    PixelPlace PlaceOnScreen() const;
+    void GrabPointer();
+    void OverlayClosed(unsigned long handle);
 
     std::unique_ptr<X11Connection> fConnection; // goes last
+    const kroui::limner::CairoSupplier& fSupplier;
     kroui::limner::PixelSurface fSurface;
     unsigned long fHandle = 0;
     unsigned long fParent;
     std::unique_ptr<X11Picture> fPicture;
     std::unique_ptr<kroui::ui::UI_Window> fWindow;
+    // What of it stands outside, by its window; left and top in this window's pixels.
+    struct OverlayAt {
+        X11Overlay* surface;
+        int left;
+        int top;
+        bool takesEvents;
+    };
+    std::map<unsigned long, OverlayAt> fOverlays;
     kroui::Size fWanted; // view units: the content is at least as large
     int fPixelWidth = 0;
     int fPixelHeight = 0;

@@ -9,7 +9,7 @@ namespace kroui::controls {
 class FloatingPanel : public ui::UI_Node {
 public:
     static constexpr float kShadow = 8;       // around the panel, view units
-    static constexpr float kWindowMargin = 4; // between the panel and the window's edges
+    static constexpr float kWindowMargin = 4; // between the panel and the edges of the room
     static constexpr float kAnchorGap = 2;    // between an anchor and the panel under or over it
 
 protected:
@@ -24,7 +24,8 @@ protected:
     static Side SideOf(const Rect& anchor, float height, const ui::UI_Window& window);
     static float TopOn(const Side& side, const Rect& anchor, float height);
 
-    // Shows the panel at a place of the window, moved so that it keeps the margin, its corner on a whole pixel.
+    // Shows the panel at a place of the window, moved so that it keeps the margin in the room for overlays, its corner
+    // on a whole pixel.
     void ShowPanel(ui::UI_Window& window, const Rect& panel);
     // In the node's coordinates.
     Rect Panel() const { return UI_GetLocalRect().Inset(kShadow, kShadow); }

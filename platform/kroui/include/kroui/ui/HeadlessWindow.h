@@ -35,6 +35,17 @@ public:
     // The middle of a node, in window coordinates.
     static Point CentreOf(const UI_Node& node);
     limner::ImagePtr Snapshot();
+
+    // Gives the window a screen around it, in window coordinates: what is shown over the content may leave it then.
+    void SetScreen(const Rect& screen) { fScreen = screen; }
+    // What stands outside the window, the last shown last: its place in window coordinates, and its picture.
+    struct Outside {
+        Rect place;
+        bool takesEvents;
+        limner::ImagePtr picture;
+    };
+    std::vector<Outside> ShownOutside() const;
+
     Cursor CurrentCursor() const { return fCursor; }
     std::u16string& Clipboard() { return fClipboard; }
 
@@ -46,9 +57,15 @@ private:
     void SetTextInput(bool, const Rect&) override {}
     std::u16string ClipboardText() override { return fClipboard; }
     void SetClipboardText(std::u16string_view text) override { fClipboard = text; }
+    Rect OverlayRoom(Size window) override;
+    std::unique_ptr<OverlaySurface> MakeOverlaySurface(const Rect& place, bool takesEvents) override;
+
+    class OutsideSurface;
 
     double fTime = 0;
     limner::PixelSurface fSurface;
+    std::vector<const OutsideSurface*> fOutside;
+    Rect fScreen; // empty for none
     UI_Window fWindow;
     std::vector<Rect> fLastDamage;
     std::u16string fClipboard;

@@ -47,7 +47,7 @@ public:
 
     void Invalidate(const Rect& rect);
     void InvalidateAll();
-    bool NeedsPaint() const { return !fDamage.IsEmpty(); }
+    bool NeedsPaint() const;
     // Paints what is damaged and hands it to the back-end. Returns the number of pixels painted.
     long Paint();
 
@@ -81,11 +81,14 @@ public:
     // Shows a node over everything at `frame` (window coordinates). While a modal one is the topmost, it gets every
     // pointer event that hits none of its nodes (position outside its rectangle, so that a menu can close) and all
     // keys; moves with a button down reach it as kDragged, the release as kReleased, also when the press went
-    // elsewhere.
-    void ShowOverlay(boost::intrusive_ptr<UI_Node> node, const Rect& frame, bool modal);
+    // elsewhere. Where it leaves the window it is shown beyond its edges, if the back-end can do that, without its
+    // shadow: so much of the frame all around may be left out.
+    void ShowOverlay(boost::intrusive_ptr<UI_Node> node, const Rect& frame, bool modal, float shadow = 0);
     void HideOverlay(UI_Node* node);
     bool HasModalOverlay() const;
     UI_Node* TopOverlay() const;
+    // Where overlays may stand, in window coordinates: the window, or the screen around it.
+    Rect OverlayRoom() const { return fBackend.OverlayRoom(fSize); }
     // Shows a node's tool tip under it at once, for what the user is to read now. It goes at the next thing they do.
     void ShowTip(UI_Node& node);
 
@@ -118,6 +121,7 @@ private:
     class InputScope;
     class TipPlace;
 
+    std::unique_ptr<OverlaySurface> SurfaceOutside(const Rect& place, bool modal);
     UI_Node* HitTest(Point position) const;
     bool Deliver(UI_Node* target, MouseEvent event, Point windowPosition);
     UI_Node* WheelTarget(Point position) const;

@@ -26,8 +26,9 @@ void DrawShadow(limner::Limner& context, const Rect& panel, const limner::Color&
 } // namespace
 
 FloatingPanel::Side FloatingPanel::SideOf(const Rect& anchor, float height, const ui::UI_Window& window) {
-    const float below = window.GetSize().height - kWindowMargin - anchor.Bottom() - kAnchorGap;
-    const float above = anchor.top - kAnchorGap - kWindowMargin;
+    const Rect room = window.OverlayRoom();
+    const float below = room.Bottom() - kWindowMargin - anchor.Bottom() - kAnchorGap;
+    const float above = anchor.top - kAnchorGap - kWindowMargin - room.top;
     const bool isAbove = below < height && above > below;
     return {isAbove, isAbove ? above : below};
 }
@@ -38,14 +39,14 @@ float FloatingPanel::TopOn(const Side& side, const Rect& anchor, float height) {
 
 void FloatingPanel::ShowPanel(ui::UI_Window& window, const Rect& panel) {
     const float scale = window.ScaleFactor();
-    const auto held = [scale](float at, float length, float room) {
-        const float inside = std::max(kWindowMargin, std::min(at, room - kWindowMargin - length));
+    const auto held = [scale](float at, float length, float first, float last) {
+        const float inside = std::max(first + kWindowMargin, std::min(at, last - kWindowMargin - length));
         return std::round(inside * scale) / scale;
     };
-    const Size room = window.GetSize();
-    const Rect place{held(panel.left, panel.width, room.width), held(panel.top, panel.height, room.height), panel.width,
-                     panel.height};
-    window.ShowOverlay(this, place.Inset(-kShadow, -kShadow), true);
+    const Rect room = window.OverlayRoom();
+    const Rect place{held(panel.left, panel.width, room.left, room.Right()),
+                     held(panel.top, panel.height, room.top, room.Bottom()), panel.width, panel.height};
+    window.ShowOverlay(this, place.Inset(-kShadow, -kShadow), true, kShadow);
 }
 
 void FloatingPanel::DrawPanel(limner::Limner& context) const {

@@ -38,14 +38,14 @@ void UI_Menu::OpenOver(ui::UI_Window& window, const Rect& anchor, float textInse
     if (!CanChoose(fMarked) || fIsSearchable) return OpenBelow(window, anchor, std::move(closed));
     if (!Prepare(window, std::move(closed))) return;
     fAnchor = anchor;
-    const Size room = window.GetSize();
+    const Rect room = window.OverlayRoom();
     const float width = std::max(WidthOfItems(window.Supplier()), anchor.width - textInset + TextLeft());
     const float height = std::min(PanelHeight(), room.height - 2 * kWindowMargin);
     const float left = anchor.left + textInset - TextLeft();
     const float markedCentre = kPadding + (fTops[fMarked] + fTops[fMarked + 1]) / 2;
     const float wantedTop = anchor.Centre().y - markedCentre;
     const bool scrolls = PanelHeight() > height;
-    const float top = scrolls ? kWindowMargin : wantedTop;
+    const float top = scrolls ? room.top + kWindowMargin : wantedTop;
     fScroll = scrolls ? top - wantedTop : 0;
     Show(window, {left, top, width, height});
 }
@@ -63,7 +63,7 @@ void UI_Menu::OpenBelow(ui::UI_Window& window, const Rect& anchor, ClosedHandler
 }
 
 bool UI_Menu::Prepare(ui::UI_Window& window, ClosedHandler closed) {
-    if (IsOpen() || fItems.empty() || window.GetSize().height <= 2 * kWindowMargin + RowHeight()) return false;
+    if (IsOpen() || fItems.empty() || window.OverlayRoom().height <= 2 * kWindowMargin + RowHeight()) return false;
     fImages.clear();
     for (const Item& item : fItems) {
         if (!fImageSupplier) break;
@@ -80,7 +80,7 @@ bool UI_Menu::Prepare(ui::UI_Window& window, ClosedHandler closed) {
 }
 
 void UI_Menu::Show(ui::UI_Window& window, const Rect& panel) {
-    const Size room = window.GetSize();
+    const Rect room = window.OverlayRoom();
     ShowPanel(window, {panel.left, panel.top, std::min(panel.width, room.width - 2 * kWindowMargin),
                        std::min(panel.height, room.height - 2 * kWindowMargin)});
     fLastPoint = UI_WindowToLocal(fHeldFrom.value_or(fAnchor.Centre()));
