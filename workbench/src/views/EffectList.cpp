@@ -39,8 +39,8 @@ boost::intrusive_ptr<UI_StaticText> NewHeading() {
 } // namespace
 
 EffectList::EffectList(const Effects& effects, EffectSearch search, Listener listener)
-    : fSearch(std::move(search)), fListener(std::move(listener)), fScroll(new ScrollView), fColumn(new Column),
-      fNothing(NewHeading()) {
+    : fSearch(std::move(search)), fListener(std::move(listener)), fScroll(new kroui::controls::ScrollView),
+      fColumn(new Column), fNothing(NewHeading()) {
     UI_SetID("effects");
     UI_SetStateFlags(kStateWantsKeyboardFocus);
     fNothing->SetText(krocore::Localize("$$$/Workbench/NoEffect=Nothing is called so."));

@@ -49,7 +49,7 @@ void WorkbenchView::BuildParts(const EffectList::Effects& effects) {
     fHeader = new HeaderBar({[this] { Undo(); }, [this] { Redo(); }}, fPresets.Switch(), fPresets.Bar());
     fEffects = new EffectBrowser(effects, EffectSearch(fSession.SavedPresets()),
                                  [this](const EffectDescription& effect) { ChooseEffect(effect); });
-    fPanelPlace = new ScrollView;
+    fPanelPlace = new kroui::controls::ScrollView;
     fPanelPlace->UI_SetID("panelPlace");
     fPanelPlace->SetCentred(true);
     fPanelCard = new PanelCard;

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "kroui/controls/ScrollView.h"
 #include "kroui/controls/UI_StaticText.h"
 #include "workbench/views/EffectListItem.h"
 #include "workbench/views/EffectSearch.h"
-#include "workbench/views/ScrollView.h"
 
 #include <vector>
 
@@ -52,7 +52,7 @@ private:
     EffectSearch fSearch;
     bool fIsFiltered = false;
     Listener fListener;
-    boost::intrusive_ptr<ScrollView> fScroll;
+    boost::intrusive_ptr<kroui::controls::ScrollView> fScroll;
     boost::intrusive_ptr<kroui::ui::UI_Node> fColumn;
     boost::intrusive_ptr<kroui::controls::UI_StaticText> fNothing; // shown if nothing matches
     std::vector<Category> fCategories;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kroui/controls/ScrollView.h"
 #include "workbench/session/PanelSource.h"
 #include "workbench/session/Session.h"
 #include "workbench/views/EffectBrowser.h"
@@ -79,7 +80,7 @@ private:
     TransportController fTransport;
     boost::intrusive_ptr<HeaderBar> fHeader;
     boost::intrusive_ptr<EffectBrowser> fEffects;
-    boost::intrusive_ptr<ScrollView> fPanelPlace;
+    boost::intrusive_ptr<kroui::controls::ScrollView> fPanelPlace;
     boost::intrusive_ptr<PanelCard> fPanelCard;
     boost::intrusive_ptr<LevelMeters> fMeters;
     std::vector<float> fPeaks; // reused at every poll

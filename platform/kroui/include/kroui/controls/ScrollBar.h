@@ -4,11 +4,11 @@
 
 #include <boost/function.hpp>
 
-namespace workbench {
+namespace kroui::controls {
 
 // A thin bar over the edge of a scrolled view: dragging its thumb scrolls, pressing beside it goes on by a page. Takes
 // no room of its own and is not there while everything can be seen.
-class ScrollBar final : public kroui::ui::UI_Node {
+class ScrollBar final : public ui::UI_Node {
 public:
     static constexpr float kThickness = 10;
 
@@ -20,9 +20,9 @@ public:
     // Called with the position that the user wants.
     void SetListener(boost::function<void(float)> listener) { fListener = std::move(listener); }
 
-    void UI_Draw(kroui::limner::Limner* limner) override;
-    bool UI_DoMouseEvent(kroui::ui::UI_Node* node, const kroui::ui::MouseEvent& event) override;
-    kroui::ui::AccessibleInfo UI_GetAccessibleInfo() const override;
+    void UI_Draw(limner::Limner* limner) override;
+    bool UI_DoMouseEvent(ui::UI_Node* node, const ui::MouseEvent& event) override;
+    ui::AccessibleInfo UI_GetAccessibleInfo() const override;
 
 private:
     struct Thumb {
@@ -30,7 +30,7 @@ private:
         float length;
     };
 
-    float Along(kroui::Point point) const { return fIsVertical ? point.y : point.x; }
+    float Along(Point point) const { return fIsVertical ? point.y : point.x; }
     float Length() const { return fIsVertical ? UI_GetFrame().height : UI_GetFrame().width; }
     Thumb ThumbPlace() const;
     bool Press(float place);
@@ -47,4 +47,4 @@ private:
     boost::function<void(float)> fListener;
 };
 
-} // namespace workbench
+} // namespace kroui::controls

@@ -1,12 +1,12 @@
-#include "workbench/views/ScrollBar.h"
+#include "kroui/controls/ScrollBar.h"
 
 #include "krocore/Localizer.h"
 
 #include <algorithm>
 
-namespace workbench {
+namespace kroui::controls {
 
-using kroui::ui::MouseEvent;
+using ui::MouseEvent;
 
 namespace {
 
@@ -36,19 +36,19 @@ ScrollBar::Thumb ScrollBar::ThumbPlace() const {
     return {(room - length) * fPosition / (fContent - fVisible), length};
 }
 
-void ScrollBar::UI_Draw(kroui::limner::Limner* limner) {
+void ScrollBar::UI_Draw(limner::Limner* limner) {
     const Thumb thumb = ThumbPlace();
     const bool isActive = fIsHovered || fIsDragged;
     const float inset = isActive ? kMargin : kMargin + 1;
-    const kroui::Rect local = UI_GetLocalRect();
-    const kroui::Rect rect = fIsVertical ? kroui::Rect{0, thumb.start, local.width, thumb.length}
-                                         : kroui::Rect{thumb.start, 0, thumb.length, local.height};
-    const kroui::Rect shape = rect.Inset(inset, inset);
+    const Rect local = UI_GetLocalRect();
+    const Rect rect = fIsVertical ? Rect{0, thumb.start, local.width, thumb.length}
+                                  : Rect{thumb.start, 0, thumb.length, local.height};
+    const Rect shape = rect.Inset(inset, inset);
     limner->FillRoundRect(shape, std::min(shape.width, shape.height) / 2,
-                          GetColor(isActive ? kroui::ui::kColorDimText : kroui::ui::kColorLine));
+                          GetColor(isActive ? ui::kColorDimText : ui::kColorLine));
 }
 
-bool ScrollBar::UI_DoMouseEvent(kroui::ui::UI_Node* node, const MouseEvent& event) {
+bool ScrollBar::UI_DoMouseEvent(ui::UI_Node* node, const MouseEvent& event) {
     switch (event.action) {
     case MouseEvent::Action::kEntered: SetState(fIsHovered, true); return true;
     case MouseEvent::Action::kLeft: SetState(fIsHovered, false); return true;
@@ -84,11 +84,11 @@ void ScrollBar::SetState(bool& state, bool on) {
     UI_Invalidate();
 }
 
-kroui::ui::AccessibleInfo ScrollBar::UI_GetAccessibleInfo() const {
-    kroui::ui::AccessibleInfo info;
-    info.role = kroui::ui::Role::kSlider;
-    info.name = krocore::Localize("$$$/Workbench/Scroll=Scroll");
+ui::AccessibleInfo ScrollBar::UI_GetAccessibleInfo() const {
+    ui::AccessibleInfo info;
+    info.role = ui::Role::kSlider;
+    info.name = krocore::Localize("$$$/kroui/Scroll=Scroll");
     return info;
 }
 
-} // namespace workbench
+} // namespace kroui::controls

@@ -1,11 +1,11 @@
-#include "workbench/views/ScrollView.h"
+#include "kroui/controls/ScrollView.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace workbench {
+namespace kroui::controls {
 
-using kroui::ui::MouseEvent;
+using ui::MouseEvent;
 
 namespace {
 
@@ -20,7 +20,7 @@ ScrollView::ScrollView() : fVertical(new ScrollBar(true)), fHorizontal(new Scrol
     ChildPushBack(fHorizontal);
 }
 
-void ScrollView::SetDocument(boost::intrusive_ptr<kroui::ui::UI_Node> document) {
+void ScrollView::SetDocument(boost::intrusive_ptr<ui::UI_Node> document) {
     if (fDocument) ChildRemove(fDocument.get());
     fDocument = std::move(document);
     if (fDocument) ChildInsert(0, fDocument);
@@ -28,38 +28,38 @@ void ScrollView::SetDocument(boost::intrusive_ptr<kroui::ui::UI_Node> document) 
     Arrange();
 }
 
-kroui::Size ScrollView::DocumentSize() const {
+Size ScrollView::DocumentSize() const {
     if (!fDocument) return {};
     return {fDocument->UI_GetFrame().width, fDocument->UI_GetFrame().height};
 }
 
-void ScrollView::ScrollTo(kroui::Point offset) {
-    const kroui::Size document = DocumentSize();
-    const kroui::Rect place = UI_GetLocalRect();
+void ScrollView::ScrollTo(Point offset) {
+    const Size document = DocumentSize();
+    const Rect place = UI_GetLocalRect();
     // Whole units: text that stands between pixels looks blurred.
-    const kroui::Point held = {std::round(std::clamp(offset.x, 0.0F, std::max(0.0F, document.width - place.width))),
-                               std::round(std::clamp(offset.y, 0.0F, std::max(0.0F, document.height - place.height)))};
+    const Point held = {std::round(std::clamp(offset.x, 0.0F, std::max(0.0F, document.width - place.width))),
+                        std::round(std::clamp(offset.y, 0.0F, std::max(0.0F, document.height - place.height)))};
     if (held == fOffset) return;
     fOffset = held;
     Arrange();
 }
 
-void ScrollView::Reveal(const kroui::Rect& rect) {
+void ScrollView::Reveal(const Rect& rect) {
     const auto along = [](float offset, float start, float end, float room) {
         return std::min(start, std::max(offset, end - room));
     };
-    const kroui::Rect place = UI_GetLocalRect();
+    const Rect place = UI_GetLocalRect();
     ScrollTo({along(fOffset.x, rect.left, rect.Right(), place.width),
               along(fOffset.y, rect.top, rect.Bottom(), place.height)});
 }
 
-void ScrollView::UI_SizeChanged(const kroui::RectT<float>& /*rect*/) {
+void ScrollView::UI_SizeChanged(const RectT<float>& /*rect*/) {
     Arrange();
 }
 
 void ScrollView::Arrange() {
-    const kroui::Rect place = UI_GetLocalRect();
-    const kroui::Size document = DocumentSize();
+    const Rect place = UI_GetLocalRect();
+    const Size document = DocumentSize();
     fOffset = {std::clamp(fOffset.x, 0.0F, std::max(0.0F, document.width - place.width)),
                std::clamp(fOffset.y, 0.0F, std::max(0.0F, document.height - place.height))};
     const auto margin = [this](float room, float length) {
@@ -78,18 +78,18 @@ void ScrollView::Arrange() {
     fHorizontal->SetPosition(fOffset.x);
 }
 
-bool ScrollView::UI_DoMouseEvent(kroui::ui::UI_Node* node, const MouseEvent& event) {
+bool ScrollView::UI_DoMouseEvent(ui::UI_Node* node, const MouseEvent& event) {
     if (event.IsAction(MouseEvent::Action::kWheel) && ScrollByWheel(event)) return true;
     return UI_Node::UI_DoMouseEvent(node, event);
 }
 
 bool ScrollView::ScrollByWheel(const MouseEvent& event) {
-    const bool isSideways = event.Has(kroui::ui::kShift) && event.wheelX == 0;
+    const bool isSideways = event.Has(ui::kShift) && event.wheelX == 0;
     const float right = isSideways ? -event.wheelY : event.wheelX;
     const float down = isSideways ? 0 : -event.wheelY;
-    const kroui::Point before = fOffset;
+    const Point before = fOffset;
     ScrollTo({fOffset.x + right * kUnitsANotch, fOffset.y + down * kUnitsANotch});
     return before != fOffset;
 }
 
-} // namespace workbench
+} // namespace kroui::controls
