@@ -82,6 +82,10 @@ void UI_Node::UI_InvalidateRect(const Rect& rect) {
     fWindow->Invalidate(area);
 }
 
+void UI_Node::UI_Reveal(const Rect& rect) {
+    if (fParent) fParent->UI_Reveal(rect.Offset(fFrame.left, fFrame.top));
+}
+
 void UI_Node::UI_Draw(limner::Limner* /*limner*/) {
 }
 

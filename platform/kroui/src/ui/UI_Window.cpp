@@ -376,6 +376,7 @@ void UI_Window::CollectFocusable(UI_Node& node, std::vector<UI_Node*>& nodes) co
 }
 
 bool UI_Window::MoveFocus(bool forward) {
+    const MessageScope scope;
     std::vector<UI_Node*> nodes;
     if (fContent) CollectFocusable(*fContent, nodes);
     if (nodes.empty()) return false;
@@ -385,7 +386,9 @@ bool UI_Window::MoveFocus(bool forward) {
         const std::size_t index = static_cast<std::size_t>(current - nodes.begin());
         next = (index + (forward ? 1 : nodes.size() - 1)) % nodes.size();
     }
-    return SetFocus(nodes[next]);
+    if (!SetFocus(nodes[next])) return false;
+    if (fFocus) fFocus->UI_Reveal(fFocus->UI_GetLocalRect());
+    return true;
 }
 
 void UI_Window::ReleaseCapture() {

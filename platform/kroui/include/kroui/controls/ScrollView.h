@@ -22,6 +22,7 @@ public:
     // Scrolls as little as shows the rectangle of the document.
     void Reveal(const Rect& rect);
 
+    void UI_Reveal(const Rect& rect) override;
     bool UI_ClipsChildren() const override { return true; }
     void UI_SizeChanged(const RectT<float>& rect) override;
     bool UI_DoMouseEvent(ui::UI_Node* node, const ui::MouseEvent& event) override;

@@ -98,6 +98,8 @@ public:
     virtual Cursor UI_GetCursor(Point /*point*/) const { return Cursor::kArrow; }
     // Whether the keyboard focus can come here now (visible, enabled, wants it).
     virtual bool UI_CanTakeFocus() const;
+    // Brings a part of the node into sight: whatever it stands in may scroll. Parents are asked from the inside out.
+    virtual void UI_Reveal(const Rect& rect);
     bool UI_HasFocus() const;
     // Takes the keyboard focus, if this node can have it.
     void UI_TakeFocus();

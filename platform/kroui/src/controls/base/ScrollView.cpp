@@ -53,6 +53,13 @@ void ScrollView::Reveal(const Rect& rect) {
               along(fOffset.y, rect.top, rect.Bottom(), place.height)});
 }
 
+void ScrollView::UI_Reveal(const Rect& rect) {
+    const Rect document = fDocument ? fDocument->UI_GetFrame() : Rect{};
+    Reveal(rect.Offset(-document.left, -document.top));
+    const Rect moved = fDocument ? fDocument->UI_GetFrame() : Rect{};
+    UI_Node::UI_Reveal(rect.Offset(moved.left - document.left, moved.top - document.top));
+}
+
 void ScrollView::UI_SizeChanged(const RectT<float>& /*rect*/) {
     Arrange();
 }
