@@ -1,4 +1,5 @@
 #include "LilvHost.h"
+#include "kroui/Geometry.h"
 #include "qolv2/CurveEvents.h"
 #include "qolv2/PluginCatalogue.h"
 #include "qolv2/PluginPorts.h"
@@ -15,6 +16,7 @@
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+#include <X11/keysym.h>
 #include <dlfcn.h>
 
 namespace qolv2 {
@@ -46,6 +48,13 @@ protected:
         std::map<std::uint32_t, float> written;        // by port
         std::vector<std::vector<std::uint8_t>> events; // to the control port
         std::string touches;
+        int askedWidth = 0;
+        int askedHeight = 0;
+        LV2UI_Resize resize{this, [](LV2UI_Feature_Handle panel, int width, int height) {
+                                static_cast<Panel*>(panel)->askedWidth = width;
+                                static_cast<Panel*>(panel)->askedHeight = height;
+                                return 0;
+                            }};
         LV2UI_Touch touch{this, [](LV2UI_Feature_Handle panel, std::uint32_t port, bool grabbed) {
                               static_cast<Panel*>(panel)->touches += (grabbed ? "+" : "-") + std::to_string(port) + " ";
                           }};
@@ -55,7 +64,8 @@ protected:
         const LV2_Feature parent{LV2_UI__parent, reinterpret_cast<void*>(fParent)};
         const LV2_Feature map{LV2_URID__map, fHost.URIDMap()};
         const LV2_Feature touch{LV2_UI__touch, &panel->touch};
-        const LV2_Feature* const features[] = {&parent, &map, &touch, nullptr};
+        const LV2_Feature resize{LV2_UI__resize, &panel->resize};
+        const LV2_Feature* const features[] = {&parent, &map, &touch, &resize, nullptr};
         const auto write = [](LV2UI_Controller controller, std::uint32_t port, std::uint32_t size, std::uint32_t format,
                               const void* data) {
             auto& its = *static_cast<Panel*>(controller);
@@ -81,17 +91,54 @@ protected:
     void Set(const Panel& panel, std::uint32_t port, float value) {
         fDescriptor->port_event(panel.handle, port, sizeof value, 0, &value);
     }
-    void Send(const Panel& panel, int type, int x, int y) {
+    void Send(const Panel& panel, int type, int x, int y, unsigned button = Button1, ::Window window = None) {
         XEvent event{};
         event.type = type;
-        event.xbutton.window = panel.window;
-        event.xbutton.button = Button1;
+        event.xbutton.window = window != None ? window : panel.window;
+        event.xbutton.button = button;
         event.xbutton.x = x;
         event.xbutton.y = y;
         event.xbutton.state = type == MotionNotify ? Button1Mask : 0;
         event.xbutton.same_screen = True;
-        XSendEvent(fDisplay, panel.window, False, 0, &event);
+        XSendEvent(fDisplay, event.xbutton.window, False, 0, &event);
         Idle(panel, 2);
+    }
+    void Click(const Panel& panel, int x, int y, unsigned button = Button1, ::Window window = None) {
+        Send(panel, ButtonPress, x, y, button, window);
+        Send(panel, ButtonRelease, x, y, button, window);
+    }
+    void PressKey(const Panel& panel, KeySym symbol, unsigned state) {
+        XEvent event{};
+        event.type = KeyPress;
+        event.xkey.window = panel.window;
+        event.xkey.keycode = XKeysymToKeycode(fDisplay, symbol);
+        event.xkey.state = state;
+        event.xkey.same_screen = True;
+        XSendEvent(fDisplay, panel.window, False, 0, &event);
+        Idle(panel, 3);
+    }
+    // Windows of the screen itself: the host's, and what leaves panels.
+    std::vector<::Window> WindowsOfTheScreen() {
+        ::Window root = None;
+        ::Window parent = None;
+        ::Window* windows = nullptr;
+        unsigned count = 0;
+        XSync(fDisplay, False);
+        XQueryTree(fDisplay, DefaultRootWindow(fDisplay), &root, &parent, &windows, &count);
+        std::vector<::Window> result(windows, windows + count);
+        if (windows != nullptr) XFree(windows);
+        return result;
+    }
+    // The one that was not there before; None if there is none.
+    ::Window NewWindow(const std::vector<::Window>& before) {
+        for (const ::Window window : WindowsOfTheScreen())
+            if (std::ranges::find(before, window) == before.end()) return window;
+        return None;
+    }
+    kroui::RectT<int> FrameOf(::Window window) {
+        XWindowAttributes is{};
+        XGetWindowAttributes(fDisplay, window, &is);
+        return {is.x, is.y, is.width, is.height};
     }
     void Drag(const Panel& panel, int x, int y, int toX, int toY) {
         Send(panel, ButtonPress, x, y);
@@ -208,6 +255,99 @@ TEST_F(Lv2Panel, ACurveGoesToTheSoundAndToAnotherPanelOfIt) {
     Close(*first);
     Idle(*second);
     Close(*second);
+}
+
+// What panels look like is the user's, for all of them and for the next ones.
+TEST_F(Lv2Panel, AMenuThatLeavesThePanelSetsTheThemeOfAllPanels) {
+    const auto panel = Open("urn:qoaudio:amplify");
+    const auto other = Open("urn:qoaudio:delay");
+    XMoveWindow(fDisplay, other->window, 0, 400);
+    Idle(*panel);
+    Idle(*other);
+    const unsigned long dark = Pixel(*panel, 5, 5);
+    const auto before = WindowsOfTheScreen();
+    Click(*panel, 10, FrameOf(panel->window).height - 10, Button3);
+    const ::Window menu = NewWindow(before);
+    ASSERT_NE(menu, None);
+    const kroui::RectT<int> frame = FrameOf(menu);
+    EXPECT_GT(frame.Bottom(), FrameOf(panel->window).Bottom()) << "under the panel, where there is room";
+    Send(*panel, ButtonPress, frame.width / 2, frame.height - 14, Button1, menu);
+    EXPECT_EQ(NewWindow(before), None);
+    Idle(*other);
+    EXPECT_NE(Pixel(*panel, 5, 5), dark);
+    EXPECT_EQ(Pixel(*other, 5, 5), Pixel(*panel, 5, 5));
+    const auto next = Open("urn:qoaudio:echo");
+    XMoveWindow(fDisplay, next->window, 600, 400);
+    Idle(*next);
+    EXPECT_EQ(Pixel(*next, 5, 5), Pixel(*panel, 5, 5));
+    for (const auto* const each : {&panel, &other, &next})
+        Close(**each);
+}
+
+TEST_F(Lv2Panel, AZoomedPanelAsksForRoomAndScrollsWhereItGetsLess) {
+    const auto panel = Open("urn:qoaudio:amplify");
+    Idle(*panel);
+    const int width = panel->askedWidth;
+    EXPECT_EQ(width, FrameOf(panel->window).width);
+    PressKey(*panel, XK_plus, ControlMask);
+    EXPECT_EQ(panel->askedWidth, width * 5 / 4);
+    EXPECT_EQ(FrameOf(panel->window).width, panel->askedWidth);
+
+    // The host has less, and leaves the window as it is or makes it smaller.
+    for (const bool isMadeSmaller : {false, true}) {
+        XResizeWindow(fDisplay, fParent, 240, 80);
+        if (isMadeSmaller) XResizeWindow(fDisplay, panel->window, 240, 80);
+        Idle(*panel);
+        const unsigned long top = Pixel(*panel, 235, 20);
+        for (int i = 0; i < 5; ++i)
+            Click(*panel, 20, 72, 5); // the wheel, on nothing that wants it
+        EXPECT_NE(Pixel(*panel, 235, 20), top) << "the bar has moved";
+        for (int i = 0; i < 5; ++i)
+            Click(*panel, 20, 72, 4);
+        EXPECT_EQ(Pixel(*panel, 235, 20), top);
+    }
+    PressKey(*panel, XK_0, ControlMask);
+    EXPECT_EQ(panel->askedWidth, width);
+    Close(*panel);
+}
+
+TEST_F(Lv2Panel, TypedAndCopiedTextGoesFromPanelToPanel) {
+    const auto panel = Open("urn:qoaudio:amplify");
+    const auto other = Open("urn:qoaudio:amplify");
+    const std::uint32_t gain1 = PortOf("amplify", "gain1");
+    const auto openTheNumber = [&](Panel& its) {
+        Idle(its);
+        Set(its, gain1, 0);
+        Click(its, 104, 28); // its label
+        PressKey(its, XK_Return, 0);
+    };
+    openTheNumber(*panel);
+    PressKey(*panel, XK_a, ControlMask);
+    for (const KeySym key : {XK_minus, XK_7, XK_period, XK_5})
+        PressKey(*panel, key, 0);
+    PressKey(*panel, XK_a, ControlMask);
+    PressKey(*panel, XK_c, ControlMask);
+    PressKey(*panel, XK_Return, 0);
+    EXPECT_FLOAT_EQ(panel->written[gain1], -7.5F);
+    openTheNumber(*other);
+    PressKey(*other, XK_a, ControlMask);
+    PressKey(*other, XK_v, ControlMask);
+    PressKey(*other, XK_Return, 0);
+    EXPECT_FLOAT_EQ(other->written[gain1], -7.5F);
+    Close(*panel);
+    Close(*other);
+}
+
+// Some hosts take the window away first.
+TEST_F(Lv2Panel, APanelOutlivesTheWindowAroundIt) {
+    const auto panel = Open("urn:qoaudio:notch");
+    Idle(*panel);
+    XDestroyWindow(fDisplay, fParent);
+    Idle(*panel);
+    Set(*panel, PortOf("notch", "frequency1"), 100);
+    Idle(*panel);
+    Close(*panel);
+    XSync(fDisplay, False);
 }
 
 TEST_F(Lv2Panel, AllPanelsOpenAtOnceAndCloseInAnyOrder) {

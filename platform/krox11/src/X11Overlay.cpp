@@ -10,7 +10,7 @@ constexpr long kPointerEvents = ButtonPressMask | ButtonReleaseMask | PointerMot
 
 } // namespace
 
-X11Overlay::X11Overlay(const X11Connection& connection, const kroui::limner::CairoSupplier& supplier,
+X11Overlay::X11Overlay(X11Connection& connection, const kroui::limner::CairoSupplier& supplier,
                        const X11Picture::Part& place, bool takesEvents)
     : fDisplay(connection.Get()), fSurface(supplier) {
     XSetWindowAttributes attributes{};

@@ -16,8 +16,8 @@ namespace krox11 {
 class X11Overlay final : public kroui::ui::OverlaySurface {
 public:
     // Connection and supplier outlive it.
-    X11Overlay(const X11Connection& connection, const kroui::limner::CairoSupplier& supplier,
-               const X11Picture::Part& place, bool takesEvents);
+    X11Overlay(X11Connection& connection, const kroui::limner::CairoSupplier& supplier, const X11Picture::Part& place,
+               bool takesEvents);
     ~X11Overlay() override;
 
     ::Window Handle() const { return fHandle; }

@@ -9,29 +9,9 @@
 
 namespace krox11 {
 
-namespace {
-
-// A server elsewhere refuses the segment: that is found out with the program's own handler out of the way.
-bool sIsRefused = false;
-int Refuse(Display* /*display*/, XErrorEvent* /*event*/) {
-    sIsRefused = true;
-    return 0;
-}
-
-bool Attach(Display* display, XShmSegmentInfo& segment) {
-    sIsRefused = false;
-    XSync(display, False);
-    const auto before = XSetErrorHandler(Refuse);
-    XShmAttach(display, &segment);
-    XSync(display, False);
-    XSetErrorHandler(before);
-    return !sIsRefused;
-}
-
-} // namespace
-
-X11Picture::X11Picture(const X11Connection& connection, ::Window window)
-    : fDisplay(connection.Get()), fWindow(window), fCanShare(XShmQueryExtension(fDisplay) != False) {
+X11Picture::X11Picture(X11Connection& connection, ::Window window)
+    : fConnection(connection), fDisplay(connection.Get()), fWindow(window),
+      fCanShare(XShmQueryExtension(fDisplay) != False) {
     XWindowAttributes attributes{};
     XGetWindowAttributes(fDisplay, fWindow, &attributes);
     fVisual = attributes.visual;
@@ -98,7 +78,8 @@ void X11Picture::MakeImage(int width, int height) {
     fSegment.shmaddr = fSegment.shmid >= 0 ? static_cast<char*>(shmat(fSegment.shmid, nullptr, 0)) : nullptr;
     fSegment.readOnly = False;
     const bool isThere = fSegment.shmaddr != nullptr && fSegment.shmaddr != reinterpret_cast<char*>(-1);
-    const bool isAttached = isThere && Attach(fDisplay, fSegment);
+    // A server elsewhere refuses the segment.
+    const bool isAttached = isThere && !fConnection.IsRefused([this] { XShmAttach(fDisplay, &fSegment); });
     if (fSegment.shmid >= 0) shmctl(fSegment.shmid, IPC_RMID, nullptr); // when both have let go of it
     fImage->data = isThere ? fSegment.shmaddr : nullptr;
     if (isAttached) return;

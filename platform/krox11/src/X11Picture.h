@@ -13,7 +13,7 @@ namespace krox11 {
 // sent. Owned by the window.
 class X11Picture {
 public:
-    explicit X11Picture(const X11Connection& connection, ::Window window);
+    X11Picture(X11Connection& connection, ::Window window);
     ~X11Picture();
     X11Picture(const X11Picture&) = delete;
     X11Picture& operator=(const X11Picture&) = delete;
@@ -34,6 +34,7 @@ private:
     void MakeImage(int width, int height);
     void DropImage();
 
+    X11Connection& fConnection;
     Display* fDisplay;
     ::Window fWindow;
     Visual* fVisual = nullptr;

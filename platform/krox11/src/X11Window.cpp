@@ -4,6 +4,7 @@
 #include "X11Keys.h"
 #include "X11Overlay.h"
 #include "X11Picture.h"
+#include "X11TextInput.h"
 #include "krocore/String.h"
 
 #include <X11/Xatom.h>
@@ -51,46 +52,58 @@ struct X11Window::Event {
     XEvent x;
 };
 
+std::vector<X11Window*> X11Window::sWindows;
+
 X11Window::X11Window(const kroui::limner::CairoSupplier& supplier, const Settings& settings)
-    : fConnection(std::make_unique<X11Connection>()), fSupplier(supplier), fSurface(supplier), fWanted(settings.size) {
+    : fConnection(std::make_unique<X11Connection>()), fSupplier(supplier), fSurface(supplier) {
     Display* const display = fConnection->Get();
     fParent = settings.parent != 0 ? settings.parent : DefaultRootWindow(display);
     kroui::ui::WindowBackend& backend = *this;
     fWindow = std::make_unique<kroui::ui::UI_Window>(supplier, backend);
     fWindow->SetHostScale(settings.scale);
-    const float scale = fWindow->ScaleFactor();
-    fPixelWidth = std::max(1, static_cast<int>(std::ceil(settings.size.width * scale)));
-    fPixelHeight = std::max(1, static_cast<int>(std::ceil(settings.size.height * scale)));
+    fWindow->SetZoom(settings.zoom);
+    Ask(settings.size);
+    fPixelWidth = fAskedWidth;
+    fPixelHeight = fAskedHeight;
     XSetWindowAttributes attributes{};
     attributes.event_mask = kEvents;
     fHandle =
         XCreateWindow(display, fParent, 0, 0, static_cast<unsigned>(fPixelWidth), static_cast<unsigned>(fPixelHeight),
                       0, CopyFromParent, InputOutput, nullptr, CWEventMask, &attributes);
     fPicture = std::make_unique<X11Picture>(*fConnection, fHandle);
-    FitContent(fPixelWidth, fPixelHeight);
+    fTextInput = std::make_unique<X11TextInput>(display, fHandle);
+    FitContent();
+    sWindows.push_back(this);
 }
 
 X11Window::~X11Window() {
+    std::erase(sWindows, this);
     fWindow.reset();
     fPicture.reset();
+    fTextInput.reset();
     for (const auto& [cursor, shape] : fCursors)
         XFreeCursor(fConnection->Get(), shape);
     XDestroyWindow(fConnection->Get(), fHandle);
 }
 
 void X11Window::Show() {
-    FitContent(fPixelWidth, fPixelHeight);
+    FitContent();
     XMapRaised(fConnection->Get(), fHandle);
     XFlush(fConnection->Get());
 }
 
+void X11Window::Ask(kroui::Size size) {
+    const float scale = fWindow->ScaleFactor();
+    fAskedWidth = std::max(1, static_cast<int>(std::ceil(size.width * scale)));
+    fAskedHeight = std::max(1, static_cast<int>(std::ceil(size.height * scale)));
+}
+
 // What it comes to is told by an event.
 void X11Window::Resize(kroui::Size size) {
-    fWanted = size;
-    const float scale = fWindow->ScaleFactor();
-    XResizeWindow(fConnection->Get(), fHandle, static_cast<unsigned>(std::max(1.0F, std::ceil(size.width * scale))),
-                  static_cast<unsigned>(std::max(1.0F, std::ceil(size.height * scale))));
+    Ask(size);
+    XResizeWindow(fConnection->Get(), fHandle, static_cast<unsigned>(fAskedWidth), static_cast<unsigned>(fAskedHeight));
     XFlush(fConnection->Get());
+    FitContent();
 }
 
 void X11Window::Idle() {
@@ -98,20 +111,19 @@ void X11Window::Idle() {
     while (XPending(display) > 0) {
         Event event{};
         XNextEvent(display, &event.x);
-        Handle(event);
+        if (!fTextInput->Keeps(event.x)) Handle(event);
     }
     if (fWindow->NeedsPaint()) fWindow->Paint();
 }
 
-// The content fills the window, and is cut off where that is smaller than it.
-void X11Window::FitContent(int pixelWidth, int pixelHeight) {
-    fPixelWidth = pixelWidth;
-    fPixelHeight = pixelHeight;
+// The content fills what can be seen of the window: there are hosts that leave it as large as it wants to be in a
+// window that is smaller.
+void X11Window::FitContent() {
     const float scale = fWindow->ScaleFactor();
-    const kroui::Size size = {static_cast<float>(pixelWidth) / scale, static_cast<float>(pixelHeight) / scale};
+    const PixelSize seen = SeenSize();
+    const kroui::Size size = {static_cast<float>(seen.width) / scale, static_cast<float>(seen.height) / scale};
     fWindow->SetSize(size);
-    if (fWindow->Content() == nullptr) return;
-    fWindow->Content()->UI_SetFrame({0, 0, std::max(size.width, fWanted.width), std::max(size.height, fWanted.height)});
+    if (fWindow->Content() != nullptr) fWindow->Content()->UI_SetFrame({0, 0, size.width, size.height});
 }
 
 Point X11Window::ToView(int x, int y) const {
@@ -146,11 +158,13 @@ void X11Window::Handle(Event& event) {
     if (TakeFromOverlay(event)) return;
     switch (event.x.type) {
     case Expose: fWindow->InvalidateAll(); break;
+    case ReparentNotify: FitContent(); break;
     case ConfigureNotify:
-        if (event.x.xconfigure.width == fPixelWidth && event.x.xconfigure.height == fPixelHeight) break;
-        FitContent(event.x.xconfigure.width, event.x.xconfigure.height);
-        fWindow->InvalidateAll();
-        if (fSizeListener) fSizeListener();
+        if (event.x.xconfigure.window == fHandle) {
+            fPixelWidth = event.x.xconfigure.width;
+            fPixelHeight = event.x.xconfigure.height;
+        }
+        FitContent();
         break;
     case MotionNotify:
         fWindow->MouseMoved(ToView(event.x.xmotion.x, event.x.xmotion.y), ModifiersFromX11(event.x.xmotion.state));
@@ -161,7 +175,9 @@ void X11Window::Handle(Event& event) {
     case LeaveNotify:
         if (event.x.xcrossing.mode == NotifyNormal) fWindow->MouseLeft();
         break;
+    case FocusIn: fTextInput->SetFocus(true); break;
     case FocusOut:
+        fTextInput->SetFocus(false);
         if (event.x.xfocus.mode == NotifyNormal && event.x.xfocus.detail != NotifyPointer) fWindow->Deactivated();
         break;
     case SelectionRequest: HandleSelectionRequest(event); break;
@@ -204,12 +220,9 @@ int X11Window::ClicksOf(const Event& event) {
 // What nobody here wants is the host's: space plays there.
 void X11Window::HandleKey(Event& event) {
     XKeyEvent& key = event.x.xkey;
-    KeySym symbol = NoSymbol;
-    char bytes[8];
-    XLookupString(&key, bytes, sizeof bytes, &symbol, nullptr);
-    const std::u16string text = TextFromX11(symbol, key.state);
-    const kroui::ui::KeyEvent pressed = KeyFromX11(symbol, key.state);
-    if (!text.empty() && fWindow->TextTyped(text)) return;
+    const X11TextInput::Typed typed = fTextInput->Read(key);
+    const kroui::ui::KeyEvent pressed = KeyFromX11(typed.symbol, key.state);
+    if (!typed.text.empty() && fWindow->TextTyped(typed.text)) return;
     if (pressed.key != Key::kNone && fWindow->KeyPressed(pressed)) return;
     key.window = fParent;
     XSendEvent(fConnection->Get(), fParent, True, KeyPressMask, &event.x);
@@ -217,6 +230,31 @@ void X11Window::HandleKey(Event& event) {
 
 void X11Window::Present(std::span<const Rect> pixelRects) {
     fPicture->Show(fSurface, pixelRects);
+}
+
+// What the windows around it leave, of which the host may have several. From now on changes of theirs are told.
+X11Window::PixelSize X11Window::SeenSize() {
+    Display* const display = fConnection->Get();
+    PixelSize seen{fPixelWidth, fPixelHeight};
+    PixelPlace corner{0, 0}; // of the window, in the one that is looked at
+    for (::Window window = fHandle; window != None;) {
+        ::Window root = None;
+        ::Window parent = None;
+        ::Window* children = nullptr;
+        unsigned count = 0;
+        XWindowAttributes is{};
+        if (XGetWindowAttributes(display, window, &is) == 0) break;
+        if (window != fHandle) {
+            seen.width = std::min(seen.width, is.width - corner.left);
+            seen.height = std::min(seen.height, is.height - corner.top);
+            if (fAround.insert(window).second) XSelectInput(display, window, StructureNotifyMask);
+        }
+        corner = {corner.left + is.x, corner.top + is.y};
+        if (XQueryTree(display, window, &root, &parent, &children, &count) == 0) break;
+        if (children != nullptr) XFree(children);
+        window = parent == root ? None : parent;
+    }
+    return {std::max(1, seen.width), std::max(1, seen.height)};
 }
 
 X11Window::PixelPlace X11Window::PlaceOnScreen() const {
@@ -314,7 +352,10 @@ void X11Window::HandleSelectionRequest(const Event& event) {
 std::u16string X11Window::ClipboardText() {
     Display* const display = fConnection->Get();
     const Atom clipboard = fConnection->Name("CLIPBOARD");
-    if (XGetSelectionOwner(display, clipboard) == fHandle) return fClipboard;
+    const ::Window owner = XGetSelectionOwner(display, clipboard);
+    // A window of this process could not answer while it waits here.
+    const auto own = std::ranges::find(sWindows, owner, &X11Window::fHandle);
+    if (own != sWindows.end()) return (*own)->fClipboard;
     const Atom place = fConnection->Name("KROX11_CLIPBOARD");
     XConvertSelection(display, clipboard, fConnection->Name("UTF8_STRING"), place, fHandle, CurrentTime);
     XEvent event{};

@@ -7,6 +7,8 @@
 #include <lv2/options/options.h>
 #include <lv2/parameters/parameters.h>
 
+#include <boost/bind/bind.hpp>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -20,9 +22,6 @@ namespace {
 constexpr float kUsualRate = 48000; // hertz, when the host does not say
 constexpr std::size_t kBlock = 1024;
 constexpr std::size_t kNowhere = SIZE_MAX;
-// View units that a panel may be scaled by.
-constexpr float kSmallestScale = 0.5F;
-constexpr float kLargestScale = 4;
 
 const void* DataOf(const LV2_Feature* const* features, std::string_view uri) {
     for (; features != nullptr && *features != nullptr; ++features)
@@ -73,21 +72,35 @@ void PluginPanel::MakeWindow(unsigned long parent, float scale) {
         fOwnSupplier = std::make_unique<kroui::limner::CairoSupplier>();
         supplier = fOwnSupplier.get();
     }
-    const kroui::Rect frame = fView->UI_GetFrame();
+    PanelLook& look = PanelLook::Get();
+    look.Read();
+    fPlace = new PanelPlace(fView, look);
     fWindow = std::make_unique<krox11::X11Window>(
-        *supplier, krox11::X11Window::Settings{.parent = parent,
-                                               .size = {frame.width, frame.height},
-                                               .scale = std::clamp(scale, kSmallestScale, kLargestScale)});
-    fWindow->Window().SetContent(fView);
+        *supplier, krox11::X11Window::Settings{
+                       .parent = parent, .size = fPlace->PanelSize(), .scale = scale, .zoom = look.Zoom()});
+    fWindow->Window().SetTheme(look.Theme());
+    fWindow->Window().SetContent(fPlace);
+    fWindow->Window().SetUnhandledKeyHandler([this](const auto& key) { return fPlace->DoShortcut(key); });
     fView->GetContentSizeChangedSignal().connect([this] {
-        const kroui::Rect wanted = fView->UI_GetFrame();
-        fWindow->Resize({wanted.width, wanted.height});
+        fPlace->PanelResized();
+        AskForRoom();
     });
-    fWindow->SetSizeListener([this] {
-        if (fResize != nullptr) fResize->ui_resize(fResize->handle, fWindow->PixelWidth(), fWindow->PixelHeight());
-    });
+    look.GetChangedSignal().connect(boost::bind(&PluginPanel::TakeLook, this));
     fWindow->Show();
-    if (fResize != nullptr) fResize->ui_resize(fResize->handle, fWindow->PixelWidth(), fWindow->PixelHeight());
+    AskForRoom();
+}
+
+void PluginPanel::TakeLook() {
+    const PanelLook& look = PanelLook::Get();
+    fWindow->Window().SetTheme(look.Theme());
+    fWindow->Window().SetZoom(look.Zoom());
+    AskForRoom();
+}
+
+// As much as shows all of the panel. What the host gives is followed, and not asked about again.
+void PluginPanel::AskForRoom() {
+    fWindow->Resize(fPlace->PanelSize());
+    if (fResize != nullptr) fResize->ui_resize(fResize->handle, fWindow->AskedWidth(), fWindow->AskedHeight());
 }
 
 std::size_t PluginPanel::PortOf(int parameter) const {

@@ -7,6 +7,7 @@
 #include "qolv2/CurveEvents.h"
 #include "qolv2/PluginCatalogue.h"
 #include "qolv2/PluginPorts.h"
+#include "qolv2panel/PanelPlace.h"
 
 #include <lv2/ui/ui.h>
 
@@ -18,7 +19,7 @@ namespace qolv2 {
 // A plug-in's panel in its host. It edits an effect of its own that makes no sound: what the user changes goes to the
 // host's ports, and what ports say comes back, from wherever. Curves go by events. The plug-in itself is never touched.
 // User-interface thread.
-class PluginPanel : private kroaudiofilterhost::AudioFilterListener {
+class PluginPanel : private kroaudiofilterhost::AudioFilterListener, public boost::signals2::trackable {
 public:
     struct Host {
         LV2UI_Write_Function write;
@@ -43,6 +44,8 @@ private:
     void ParameterEditEnded(kroaudiofilterhost::AudioFilter& /*filter*/, int index) override { Touch(index, false); }
 
     void MakeWindow(unsigned long parent, float scale);
+    void TakeLook();
+    void AskForRoom();
     void Touch(int parameter, bool isTouched);
     void TakeControl(const ParameterPort& port, float value);
     void TakeEvent(const LV2_Atom& atom);
@@ -65,6 +68,7 @@ private:
     std::unique_ptr<kroui::limner::CairoSupplier> fOwnSupplier; // where the session's is of another kind
     std::unique_ptr<krox11::X11Window> fWindow;
     boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
+    boost::intrusive_ptr<PanelPlace> fPlace; // around it
     bool fIsFromHost = false;     // what changes now
     bool fAreCurvesChanged = false; // by the user, since they were sent
 };
