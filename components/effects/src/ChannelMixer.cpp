@@ -109,17 +109,10 @@ void ChannelMixer::ReadParameters(bool settle) noexcept {
     }
 }
 
-// Frame by frame, for an output may be the memory of an input.
 void ChannelMixer::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
-    const std::size_t count = MixedCount();
-    std::array<float, kMixedChannels> frame{};
-    for (std::size_t i = 0; i < block.frames; ++i) {
-        for (std::size_t channel = 0; channel < count; ++channel)
-            frame[channel] = block.inputs[channel][i];
-        for (std::size_t channel = 0; channel < count; ++channel)
-            block.outputs[channel][i] = Mix(fOutputs[channel], frame);
-    }
-    for (std::size_t channel = count; channel < block.outputs.size(); ++channel) {
+    for (std::size_t begin = 0; begin < block.frames; begin += kMost)
+        MixRow(block, begin, std::min(block.frames - begin, kMost));
+    for (std::size_t channel = MixedCount(); channel < block.outputs.size(); ++channel) {
         if (block.inputs[channel] != block.outputs[channel])
             std::copy_n(block.inputs[channel], block.frames, block.outputs[channel]);
     }
@@ -133,15 +126,25 @@ void ChannelMixer::StoreChannelCount() noexcept {
     StoreParameter(kChannelMixerChannelCount, static_cast<float>(GetNumberOfInputChannels()) / kChannelCountScale);
 }
 
-float ChannelMixer::Mix(Output& output, const std::array<float, kMixedChannels>& frame) noexcept {
-    if (output.heardCount == 0) return 0;
-    Path& first = *output.heard[0];
-    float sum = frame[first.input] * first.gain.Next();
-    for (std::size_t i = 1; i < output.heardCount; ++i) {
+// All inputs are taken first, for an output may be the memory of one.
+void ChannelMixer::MixRow(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin,
+                          std::size_t count) noexcept {
+    for (std::size_t channel = 0; channel < MixedCount(); ++channel)
+        std::copy_n(block.inputs[channel] + begin, count, fInputs[channel].begin());
+    for (std::size_t channel = 0; channel < MixedCount(); ++channel)
+        Mix(fOutputs[channel], {block.outputs[channel] + begin, count});
+}
+
+void ChannelMixer::Mix(Output& output, std::span<float> sum) const noexcept {
+    if (output.heardCount == 0) std::ranges::fill(sum, 0.0F);
+    for (std::size_t i = 0; i < output.heardCount; ++i) {
         Path& path = *output.heard[i];
-        sum += frame[path.input] * path.gain.Next();
+        const Row& input = fInputs[path.input];
+        Row gain;
+        path.gain.Next(std::span(gain).first(sum.size()));
+        for (std::size_t k = 0; k < sum.size(); ++k)
+            sum[k] = i == 0 ? input[k] * gain[k] : sum[k] + input[k] * gain[k];
     }
-    return sum;
 }
 
 } // namespace qoc::components

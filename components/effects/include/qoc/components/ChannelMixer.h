@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
 #include <vector>
 
 namespace qoc::components {
@@ -38,11 +39,17 @@ private:
         std::size_t heardCount = 0;
     };
 
+    // So many samples are mixed at once.
+    static constexpr std::size_t kMost = 64;
+    using Row = std::array<float, kMost>;
+
     std::size_t MixedCount() const noexcept;
     void StoreChannelCount() noexcept;
-    static float Mix(Output& output, const std::array<float, kMixedChannels>& frame) noexcept;
+    void MixRow(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t count) noexcept;
+    void Mix(Output& output, std::span<float> sum) const noexcept;
 
-    std::vector<Output> fOutputs; // kMixedChannels
+    std::vector<Output> fOutputs;              // kMixedChannels
+    std::array<Row, kMixedChannels> fInputs{}; // the present row
 };
 
 } // namespace qoc::components
