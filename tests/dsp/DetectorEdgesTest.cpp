@@ -47,7 +47,8 @@ TEST(LevelDetector, TheLevelOfASineStaysWhenTheModeChanges) {
         double level = 0;
         const auto next = [&](int i) {
             const double sample = kLevel * std::sin(2 * std::numbers::pi * i / period);
-            level = detector.Next(sample * sample, settings);
+            level = sample * sample;
+            detector.Next(std::span(&level, 1), settings);
         };
         for (int i = 0; i < 200000; ++i)
             next(i);

@@ -217,8 +217,8 @@ void Dynamics::PrepareProcessing(std::size_t /*maximumBlock*/) {
     fLatency = static_cast<std::size_t>(std::llround(SamplesOf(kDynamicsLookAhead)));
     fChannels.assign(channels, {});
     for (Channel& channel : fChannels) {
-        channel.sound.resize(fLatency + 1);
-        channel.band.resize(fLatency + 1);
+        channel.soundLater.Prepare(fLatency);
+        channel.bandLater.Prepare(fLatency);
     }
     fFollowers.assign(channels, {});
     for (Follower& follower : fFollowers)
@@ -230,13 +230,12 @@ void Dynamics::PrepareProcessing(std::size_t /*maximumBlock*/) {
 
 void Dynamics::ResetProcessing() noexcept {
     for (Channel& channel : fChannels) {
-        std::ranges::fill(channel.sound, 0.0F);
-        std::ranges::fill(channel.band, 0.0F);
+        channel.soundLater.Reset();
+        channel.bandLater.Reset();
     }
     for (Follower& follower : fFollowers)
         follower.Reset();
     fBand.Reset();
-    fPosition = 0;
 }
 
 void Dynamics::ReadParameters(bool settle) noexcept {
@@ -258,26 +257,29 @@ void Dynamics::ReadParameters(bool settle) noexcept {
     fListen.Set(IsOn(kDynamicsListen) ? 1 : 0, settle);
 }
 
+// While the band moves each sample has filters of its own.
 void Dynamics::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
-    const std::size_t size = fLatency + 1;
-    for (std::size_t frame = 0; frame < block.frames; ++frame) {
-        Take(block, frame);
-        const double makeUp = fMakeUp.Next();
-        const double mix = fMix.Next();
-        const double listen = fListen.Next();
-        const bool isTogether = fDetectorChannels != kEachByItself;
-        const auto gainFor = [&](Follower& follower, double power) {
-            return 1 + mix * (ToFactor(NextGain(follower, power) + makeUp) - 1);
-        };
-        const double common = isTogether ? gainFor(fFollowers[0], CommonPower()) : 1;
-        fPosition = (fPosition + 1) % size;
-        for (std::size_t c = 0; c < fChannels.size(); ++c) {
-            const Channel& channel = fChannels[c];
-            const double gain = isTogether ? common : gainFor(fFollowers[c], channel.power);
-            const double processed = fBand.Changed(c, channel.sound[fPosition], gain);
-            block.outputs[c][frame] = static_cast<float>(processed + listen * (channel.band[fPosition] - processed));
-        }
+    for (std::size_t begin = 0, count = 0; begin < block.frames; begin += count) {
+        count = std::min(block.frames - begin, fBand.IsSettled() ? kMost : 1);
+        ProcessRow(block, begin, count);
     }
+}
+
+// All channels are taken before any is given: an output may be another's input.
+void Dynamics::ProcessRow(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin,
+                          std::size_t count) noexcept {
+    fDetectorGain.Next(std::span(fDetectorGains).first(count));
+    fMakeUp.Next(std::span(fMakeUps).first(count));
+    fMix.Next(std::span(fMixes).first(count));
+    fListen.Next(std::span(fListens).first(count));
+    fBand.Advance();
+    for (std::size_t c = 0; c < fChannels.size(); ++c)
+        Take(c, block.inputs[c] + begin, count);
+    if (IsTogether()) TakeTogether(count);
+    for (Follower& follower : std::span(fFollowers).first(IsTogether() ? 1 : fFollowers.size()))
+        MakeFactors(follower, count);
+    for (std::size_t c = 0; c < fChannels.size(); ++c)
+        Give(c, block.outputs[c] + begin, count);
 }
 
 void Dynamics::Follower::Reset() noexcept {
@@ -313,43 +315,85 @@ double Dynamics::SamplesOf(int timeParameter) const noexcept {
     return SecondsOfMilliseconds(Natural(timeParameter)) * GetSampleRate();
 }
 
-double Dynamics::CommonPower() const noexcept {
-    double largest = 0;
-    double sum = 0;
-    for (const Channel& channel : fChannels) {
-        largest = std::max(largest, channel.power);
-        sum += channel.power;
-    }
-    return fDetectorChannels == kAverage ? sum / static_cast<double>(fChannels.size()) : largest;
+bool Dynamics::IsTogether() const noexcept {
+    return fDetectorChannels != kEachByItself;
 }
 
-double Dynamics::NextGain(Follower& follower, double power) noexcept {
-    follower.level = follower.detector.Next(power, fDetector);
-    follower.target = LimitedGain(follower.level) + follower.step.Next();
-    const double target = follower.target;
-    if (target <= follower.gain) {
-        follower.gain = target + fAttack * (follower.gain - target);
-        follower.held = fHold;
-    } else if (follower.held > 0) {
-        --follower.held;
-    } else {
-        follower.gain = target + fRelease * (follower.gain - target);
+// Into the rows, and the power for the detector.
+void Dynamics::Take(std::size_t channel, const float* input, std::size_t count) noexcept {
+    auto& [soundLater, bandLater, sound, band] = fChannels[channel];
+    std::transform(input, input + count, sound.begin(), SaneSample);
+    fBand.Next(channel, std::span(sound).first(count), band.data());
+    FineRow& powers = fFollowers[channel].gains;
+    for (std::size_t k = 0; k < count; ++k) {
+        const double heard = double{band[k]} * fDetectorGains[k];
+        powers[k] = heard * heard;
     }
-    return follower.gain;
+    soundLater.Process(std::span(sound).first(count));
+    bandLater.Process(std::span(band).first(count));
 }
 
-// Into the rings, and the power for the detector.
-void Dynamics::Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame) noexcept {
-    const double gain = fDetectorGain.Next();
-    fBand.Advance();
-    for (std::size_t c = 0; c < fChannels.size(); ++c) {
-        Channel& channel = fChannels[c];
-        const float sound = SaneSample(block.inputs[c][frame]);
-        const float band = fBand.Next(c, sound);
-        channel.sound[fPosition] = sound;
-        channel.band[fPosition] = band;
-        channel.power = (band * gain) * (band * gain);
+// The powers of all channels into the first one's.
+void Dynamics::TakeTogether(std::size_t count) noexcept {
+    FineRow& together = fFollowers.front().gains;
+    const bool isAverage = fDetectorChannels == kAverage;
+    for (const Follower& other : std::span(fFollowers).subspan(1)) {
+        for (std::size_t k = 0; k < count; ++k)
+            together[k] = isAverage ? together[k] + other.gains[k] : std::max(together[k], other.gains[k]);
     }
+    if (!isAverage) return;
+    for (double& power : std::span(together).first(count))
+        power /= static_cast<double>(fFollowers.size());
+}
+
+// Of the powers that the follower has.
+void Dynamics::MakeFactors(Follower& follower, std::size_t count) const noexcept {
+    const std::span<double> gains = std::span(follower.gains).first(count);
+    follower.detector.Next(gains, fDetector);
+    FindTargets(follower, gains);
+    Follow(follower, gains);
+    for (std::size_t k = 0; k < count; ++k)
+        gains[k] += fMakeUps[k];
+    ToFactors(gains);
+    for (std::size_t k = 0; k < count; ++k)
+        gains[k] = 1 + fMixes[k] * (gains[k] - 1);
+}
+
+void Dynamics::FindTargets(Follower& follower, std::span<double> levels) const noexcept {
+    follower.level = levels.back();
+    fCurve.GainsAt(levels);
+    for (double& gain : levels)
+        gain = std::clamp(gain, -fRange, fRange);
+    if (!follower.step.IsSettled()) {
+        for (double& gain : levels)
+            gain += follower.step.Next();
+    }
+    follower.target = levels.back();
+}
+
+void Dynamics::Follow(Follower& follower, std::span<double> targets) const noexcept {
+    double gain = follower.gain;
+    for (double& target : targets) {
+        if (target <= gain) {
+            gain = target + fAttack * (gain - target);
+            follower.held = fHold;
+        } else if (follower.held > 0) {
+            --follower.held;
+        } else {
+            gain = target + fRelease * (gain - target);
+        }
+        target = gain;
+    }
+    follower.gain = gain;
+}
+
+void Dynamics::Give(std::size_t channel, float* output, std::size_t count) noexcept {
+    const Channel& present = fChannels[channel];
+    FineRow processed;
+    std::copy_n(fFollowers[IsTogether() ? 0 : channel].gains.begin(), count, processed.begin());
+    fBand.Change(channel, std::span(present.sound).first(count), processed.data());
+    for (std::size_t k = 0; k < count; ++k)
+        output[k] = static_cast<float>(processed[k] + fListens[k] * (present.band[k] - processed[k]));
 }
 
 } // namespace qoc::components

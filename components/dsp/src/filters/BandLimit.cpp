@@ -52,6 +52,10 @@ void BandLimit::Set(const Settings& settings, bool settle) noexcept {
     if (fLow.IsSettled() && fHigh.IsSettled()) fGain.SetBand(fSampleRate, edges.low, edges.high);
 }
 
+bool BandLimit::IsSettled() const noexcept {
+    return fShare.IsSettled() && fLow.IsSettled() && fHigh.IsSettled() && fFilters.IsSettled();
+}
+
 void BandLimit::Advance() noexcept {
     fShareNow = fShare.Next();
     fFilters.Advance();
@@ -59,14 +63,18 @@ void BandLimit::Advance() noexcept {
         fGain.SetBand(fSampleRate, std::exp(fLow.Next()), std::exp(fHigh.Next()));
 }
 
-float BandLimit::Next(std::size_t channel, float sample) noexcept {
-    if (fShareNow == 0) return sample;
-    return static_cast<float>(sample + fShareNow * (fFilters.Process(channel, sample) - sample));
+void BandLimit::Next(std::size_t channel, std::span<const float> sound, float* band) noexcept {
+    std::ranges::copy(sound, band);
+    if (fShareNow == 0) return;
+    for (std::size_t i = 0; i < sound.size(); ++i)
+        band[i] = static_cast<float>(sound[i] + fShareNow * (fFilters.Process(channel, sound[i]) - sound[i]));
 }
 
-double BandLimit::ChangedInBand(std::size_t channel, double sample, double gain) noexcept {
-    const double whole = gain * sample;
-    return whole + fShareNow * (fGain.Process(channel, sample, gain) - whole);
+void BandLimit::Change(std::size_t channel, std::span<const float> sound, double* gains) noexcept {
+    for (std::size_t i = 0; i < sound.size(); ++i) {
+        const double whole = gains[i] * sound[i];
+        gains[i] = fShareNow == 0 ? whole : whole + fShareNow * (fGain.Process(channel, sound[i], gains[i]) - whole);
+    }
 }
 
 } // namespace qoc::dsp

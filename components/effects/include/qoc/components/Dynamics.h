@@ -1,11 +1,14 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
+#include "qoc/dsp/delay/RowDelay.h"
 #include "qoc/dsp/dynamics/LevelDetector.h"
 #include "qoc/dsp/dynamics/TransferCurve.h"
 #include "qoc/dsp/filters/BandLimit.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
 
+#include <array>
+#include <span>
 #include <vector>
 
 namespace qoc::components {
@@ -37,7 +40,11 @@ protected:
     void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
 
 private:
-    BandLimit::Settings BandOfParameters() const noexcept;
+    // So many samples are processed at once.
+    static constexpr std::size_t kMost = 64;
+    using Row = std::array<float, kMost>;
+    using FineRow = std::array<double, kMost>;
+
     // The way from the level to the gain, of one channel or of all.
     struct Follower {
         LevelDetector detector;
@@ -46,27 +53,35 @@ private:
         double level = 0;   // of the last sample, decibels
         double target = 0;  // that it had the gain go to, decibels
         SmoothedValue step; // what is left of the way from an earlier curve to the present one, decibels
+        FineRow gains{};    // of the present row: powers, which become levels, gains and factors
 
         void Reset() noexcept;
     };
     struct Channel {
-        std::vector<float> sound; // rings: what came in, and what of it the detector hears
-        std::vector<float> band;
-        double power = 0;
+        RowDelay soundLater;
+        RowDelay bandLater;
+        Row sound{}; // of the present row: what came in, and what of it the detector hears
+        Row band{};
     };
 
+    BandLimit::Settings BandOfParameters() const noexcept;
     TransferCurve Curve() const noexcept;
     double LimitedGain(double level) const noexcept;
     void GoOnFromEarlierCurve(bool settle) noexcept;
     double SamplesOf(int timeParameter) const noexcept;
-    double CommonPower() const noexcept;
-    double NextGain(Follower& follower, double power) noexcept;
-    void Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame) noexcept;
+    bool IsTogether() const noexcept;
+
+    void ProcessRow(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t count) noexcept;
+    void Take(std::size_t channel, const float* input, std::size_t count) noexcept;
+    void TakeTogether(std::size_t count) noexcept;
+    void MakeFactors(Follower& follower, std::size_t count) const noexcept;
+    void FindTargets(Follower& follower, std::span<double> levels) const noexcept;
+    void Follow(Follower& follower, std::span<double> targets) const noexcept;
+    void Give(std::size_t channel, float* output, std::size_t count) noexcept;
 
     std::vector<Channel> fChannels;
     std::vector<Follower> fFollowers; // one a channel; the first alone when they are taken together
     std::size_t fLatency = 0;
-    std::size_t fPosition = 0; // in the rings
 
     TransferCurve fCurve;
     double fRange = 0;
@@ -80,6 +95,11 @@ private:
     SmoothedValue fMakeUp; // decibels
     SmoothedValue fMix;
     SmoothedValue fListen;
+    // Theirs in the present row.
+    Row fDetectorGains{};
+    Row fMakeUps{};
+    Row fMixes{};
+    Row fListens{};
 };
 
 } // namespace qoc::components

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 namespace qoc::dsp {
 
 // Follows the level of one sound, or of several channels taken together: the peaks, going up with the attack's time
@@ -20,11 +22,14 @@ public:
     static double Remainder(double samples) noexcept;
 
     void Reset() noexcept { fValue = 0; }
-    // Takes the power of the next sample: its square, or of several channels the mean or the largest of theirs. Returns
-    // the level in decibels of full scale, which this sample counts in already.
-    double Next(double power, const Settings& settings) noexcept;
+    // Takes the powers of the next samples: their squares, or of several channels the means or the largest of theirs.
+    // Leaves in their stead the levels in decibels of full scale, in which each sample counts already.
+    void Next(std::span<double> powers, const Settings& settings) noexcept;
 
 private:
+    void FollowPeaks(std::span<double> powers, const Settings& settings) noexcept;
+    void FollowPower(std::span<double> powers, double remainder) noexcept;
+
     double fValue = 0; // amplitude or power
     bool fIsPower = false;
 };

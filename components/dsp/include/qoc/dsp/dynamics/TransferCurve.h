@@ -1,8 +1,9 @@
 #pragma once
 
 #include "krocore/PointCurve.h"
+#include "qoc/dsp/math/CubicPieces.h"
 
-#include <array>
+#include <cstddef>
 #include <span>
 
 namespace qoc::dsp {
@@ -35,20 +36,22 @@ public:
     TransferCurve(std::span<const Point> points, const Shape& shape) noexcept;
 
     // Decibels that are added at an input level.
-    double GainAt(double level) const noexcept;
+    double GainAt(double level) const noexcept { return HasKnee() ? fGain.Rise(level, fKnee) : fGain.At(level); }
+    // Those at many levels, in their stead.
+    void GainsAt(std::span<double> levels) const noexcept { HasKnee() ? fGain.Rise(levels, fKnee) : fGain.At(levels); }
     // Of the last point.
-    double LastInput() const noexcept { return fNodes[fCount - 1].place; }
+    double LastInput() const noexcept { return fLastInput; }
 
 private:
-    std::span<const krocore::PointCurve::Node> Nodes() const noexcept { return {fNodes.data(), fCount}; }
-    double AreaUpTo(double level) const noexcept;
-    void ComputeGains() noexcept;
-    void ComputeAreas() noexcept;
+    static_assert(kMostPoints < CubicPieces::kMost);
 
-    std::array<krocore::PointCurve::Node, kMostPoints> fNodes{}; // the gain over the level that comes in
-    std::array<double, kMostPoints> fAreas{};                    // below the gain, from the first node to each
-    std::size_t fCount = 1;
-    Shape fShape;
+    bool HasKnee() const noexcept { return fKnee > 0; }
+    void MakeGains(std::span<const krocore::PointCurve::Node> gains) noexcept;
+    void MakeAreas(std::span<const krocore::PointCurve::Node> gains) noexcept;
+
+    CubicPieces fGain; // over the level that comes in; with a knee the area below it, whose rise is the mean
+    double fKnee = 0;
+    double fLastInput = 0;
 };
 
 } // namespace qoc::dsp

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
 
 namespace qoc::dsp {
 
@@ -28,14 +29,14 @@ public:
     // Until a sound has decayed by 100 dB; 0 when it is off.
     static double DecaySamples(double sampleRate, const Settings& settings) noexcept;
 
-    // Before the channels of a sample.
+    // Whether nothing glides: otherwise rows are a sample long.
+    bool IsSettled() const noexcept;
+    // Before the channels of a row.
     void Advance() noexcept;
-    // What of the sample belongs to the band: the sample itself, bit by bit, while there is no limit.
-    float Next(std::size_t channel, float sample) noexcept;
-    // The sample with the band, or all of it, changed by a gain as a factor.
-    double Changed(std::size_t channel, double sample, double gain) noexcept {
-        return fShareNow == 0 ? gain * sample : ChangedInBand(channel, sample, gain);
-    }
+    // What of the sound belongs to the band: the sound itself, bit by bit, while there is no limit.
+    void Next(std::size_t channel, std::span<const float> sound, float* band) noexcept;
+    // The sound with the band, or all of it, changed by gains as factors, in whose stead it is left.
+    void Change(std::size_t channel, std::span<const float> sound, double* gains) noexcept;
 
 private:
     // Hertz, within what the sample rate allows.
@@ -47,7 +48,6 @@ private:
         double high;
     };
 
-    double ChangedInBand(std::size_t channel, double sample, double gain) noexcept;
     bool IsHeard() const noexcept { return !fShare.IsSettled() || fShare.Target() > 0; }
 
     double fSampleRate = 44100;

@@ -28,6 +28,8 @@ public:
     void Set(std::span<const BiquadCoefficients> sections, bool settle) noexcept;
     // Whether all sound goes through bit by bit, until other sections are set.
     bool IsNeutral() const noexcept { return fHeard.empty(); }
+    // Whether nothing glides: then Advance does nothing.
+    bool IsSettled() const noexcept { return fRemaining == 0; }
 
     // Once for every frame, before its samples.
     void Advance() noexcept {
