@@ -166,25 +166,9 @@ void Echo::ReadParameters(bool settle) noexcept {
 
 void Echo::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
     TakeEqualiser(false);
-    for (std::size_t frame = 0; frame < block.frames; ++frame) {
-        fEqualiser.Advance();
-        const float gain = fEqualiserGain.Next();
-        const float bounce = fBounce.Next();
-        for (std::size_t i = 0; i < fChannels.size(); ++i) {
-            Channel& channel = fChannels[i];
-            channel.input = SaneSample(block.inputs[i][frame]);
-            channel.echo = static_cast<float>(gain * fEqualiser.Process(i, channel.tap.Next(channel.line)));
-            channel.fedBack = channel.feedback.Next() * channel.echo;
-        }
-        for (std::size_t i = 0; i < fChannels.size(); ++i) {
-            Channel& channel = fChannels[i];
-            const Channel& mirror = fChannels[channel.mirror];
-            // The first echo of what bounces comes from the left, whichever side it was on.
-            const float first = channel.isRight ? 0 : (channel.input + mirror.input) / 2;
-            const float straight = channel.input + channel.fedBack;
-            channel.line.Write(straight + bounce * (first + mirror.fedBack - straight));
-            block.outputs[i][frame] = channel.input + channel.level.Next() * channel.echo;
-        }
+    for (std::size_t begin = 0, count = 0; begin < block.frames; begin += count) {
+        count = std::min(block.frames - begin, RowLength());
+        ProcessRow(block, begin, count);
     }
 }
 
@@ -232,6 +216,65 @@ void Echo::TakeEqualiser(bool settle) noexcept {
     if (offered != nullptr) fHandOver.GiveBack(std::exchange(fTarget, std::move(offered)));
     fEqualiser.Set(fTarget->sections, settle);
     fEqualiserGain.Set(fTarget->gain, settle);
+}
+
+// So many samples that none is an echo of another of them, and one while the equaliser glides.
+std::size_t Echo::RowLength() const noexcept {
+    if (!fEqualiser.IsSettled()) return 1;
+    std::size_t length = kMost;
+    for (const Channel& channel : fChannels)
+        length = std::min(length, channel.tap.LeastAhead() + 1);
+    return length;
+}
+
+void Echo::ProcessRow(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin,
+                      std::size_t count) noexcept {
+    Row gain;
+    Row bounce;
+    Row level;
+    fEqualiser.Advance();
+    fEqualiserGain.Next(std::span(gain).first(count));
+    fBounce.Next(std::span(bounce).first(count));
+    for (std::size_t i = 0; i < fChannels.size(); ++i)
+        Hear(i, block.inputs[i] + begin, std::span(gain).first(count));
+    for (Channel& channel : fChannels)
+        FeedBack(channel, std::span(bounce).first(count));
+    for (std::size_t i = 0; i < fChannels.size(); ++i) {
+        Channel& channel = fChannels[i];
+        channel.level.Next(std::span(level).first(count));
+        float* const output = block.outputs[i] + begin;
+        for (std::size_t k = 0; k < count; ++k)
+            output[k] = channel.input[k] + level[k] * channel.echo[k];
+    }
+}
+
+// Into the rows of a channel.
+void Echo::Hear(std::size_t index, const float* input, std::span<const float> gain) noexcept {
+    Channel& channel = fChannels[index];
+    const std::size_t count = gain.size();
+    std::transform(input, input + count, channel.input.begin(), SaneSample);
+    channel.tap.Read(channel.line, 0, std::span(channel.echo).first(count));
+    if (!fEqualiser.IsNeutral()) {
+        for (std::size_t k = 0; k < count; ++k)
+            channel.echo[k] = static_cast<float>(fEqualiser.Process(index, channel.echo[k]));
+    }
+    for (std::size_t k = 0; k < count; ++k)
+        channel.echo[k] *= gain[k];
+    channel.feedback.Next(std::span(channel.fedBack).first(count));
+    for (std::size_t k = 0; k < count; ++k)
+        channel.fedBack[k] *= channel.echo[k];
+}
+
+void Echo::FeedBack(Channel& channel, std::span<const float> bounce) noexcept {
+    const Channel& mirror = fChannels[channel.mirror];
+    Row sound;
+    for (std::size_t k = 0; k < bounce.size(); ++k) {
+        // The first echo of what bounces comes from the left, whichever side it was on.
+        const float first = channel.isRight ? 0 : (channel.input[k] + mirror.input[k]) / 2;
+        const float straight = channel.input[k] + channel.fedBack[k];
+        sound[k] = straight + bounce[k] * (first + mirror.fedBack[k] - straight);
+    }
+    channel.line.Write(std::span(sound).first(bounce.size()));
 }
 
 } // namespace qoc::components

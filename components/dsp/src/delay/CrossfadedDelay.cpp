@@ -8,7 +8,7 @@ void CrossfadedDelay::Prepare(double sampleRate, std::size_t channels, std::size
     fLongest = longest;
     fLines.assign(channels, {});
     for (DelayLine& line : fLines)
-        line.Prepare(longest);
+        line.Prepare(longest + kPieceFrames);
     fTap.Prepare(sampleRate);
 }
 
@@ -22,6 +22,15 @@ void CrossfadedDelay::Set(std::size_t delay, bool settle) noexcept {
 }
 
 void CrossfadedDelay::Process(std::span<SoundPiece> channels, std::size_t frames) noexcept {
+    if (fTap.IsSettled()) {
+        const std::size_t delay = fTap.Next().delay;
+        for (std::size_t channel = 0; channel < fLines.size(); ++channel) {
+            const auto sound = std::span(channels[channel]).first(frames);
+            fLines[channel].Write(sound);
+            fLines[channel].Read(delay + frames - 1, sound);
+        }
+        return;
+    }
     for (std::size_t i = 0; i < frames; ++i) {
         const CrossfadedTap::Place place = fTap.Next();
         for (std::size_t channel = 0; channel < fLines.size(); ++channel) {

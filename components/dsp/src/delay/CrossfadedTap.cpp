@@ -15,6 +15,14 @@ void CrossfadedTap::Settle(std::size_t delay) noexcept {
     fRemaining = 0;
 }
 
+void CrossfadedTap::Read(const DelayLine& line, std::size_t age, std::span<float> output) noexcept {
+    if (IsSettled()) return line.Read(fDelay + age, output);
+    for (std::size_t k = 0; k < output.size(); ++k) {
+        const Place place = Next();
+        output[k] = Place{place.delay + age - k, place.nextDelay + age - k, place.share}.In(line);
+    }
+}
+
 CrossfadedTap::Place CrossfadedTap::NextFading() noexcept {
     if (fRemaining == 0) {
         fNextDelay = fTarget;

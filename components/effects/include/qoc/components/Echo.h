@@ -44,6 +44,10 @@ protected:
     void ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept override;
 
 private:
+    // So many samples are processed at once at most.
+    static constexpr std::size_t kMost = 64;
+    using Row = std::array<float, kMost>;
+
     struct Equaliser {
         std::array<BiquadCoefficients, kBands> sections;
         double gain = 1; // keeps the response from rising above 0 dB anywhere
@@ -55,9 +59,9 @@ private:
         SmoothedValue level;
         std::size_t mirror = 0; // the channel on the other side
         bool isRight = false;
-        float input = 0; // of the present sample
-        float echo = 0;
-        float fedBack = 0;
+        Row input{}; // of the present samples
+        Row echo{};
+        Row fedBack{};
     };
 
     void Redesign();
@@ -66,6 +70,10 @@ private:
     std::size_t DelayInSamples(int timeParameter) const noexcept;
 
     void TakeEqualiser(bool settle) noexcept;
+    std::size_t RowLength() const noexcept;
+    void ProcessRow(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t count) noexcept;
+    void Hear(std::size_t index, const float* input, std::span<const float> gain) noexcept;
+    void FeedBack(Channel& channel, std::span<const float> bounce) noexcept;
 
     // User-interface thread.
     std::unique_ptr<GraphicEQDesign> fDesign;

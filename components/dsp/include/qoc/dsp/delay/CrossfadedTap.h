@@ -2,7 +2,9 @@
 
 #include "qoc/dsp/delay/DelayLine.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <span>
 
 namespace qoc::dsp {
 
@@ -31,11 +33,15 @@ public:
     void Set(std::size_t delay, bool settle) noexcept { settle ? Settle(delay) : SetTarget(delay); }
 
     // For the next sample: of any number of lines, or of one.
-    Place Next() noexcept {
-        const bool isSettled = fRemaining == 0 && fDelay == fTarget;
-        return isSettled ? Place{fDelay, fDelay, 1} : NextFading();
-    }
+    Place Next() noexcept { return IsSettled() ? Place{fDelay, fDelay, 1} : NextFading(); }
     float Next(const DelayLine& line) noexcept { return Next().In(line); }
+    // For the next samples, of one line. Delays are told for the first of them from the sample that was written `age`
+    // samples before the last, and for the others each from the next one.
+    void Read(const DelayLine& line, std::size_t age, std::span<float> output) noexcept;
+
+    bool IsSettled() const noexcept { return fRemaining == 0 && fDelay == fTarget; }
+    // No delay is below that until there is another target.
+    std::size_t LeastAhead() const noexcept { return std::min({fDelay, fNextDelay, fTarget}); }
 
 private:
     Place NextFading() noexcept;

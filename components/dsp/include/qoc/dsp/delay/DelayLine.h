@@ -43,14 +43,13 @@ public:
         fSamples[fPosition] = sample;
         if (fPosition < kRepeated) fSamples[fPosition + fMask + 1] = sample;
     }
-    void Write(std::span<const float> samples) noexcept {
-        for (const float sample : samples)
-            Write(sample);
-    }
+    void Write(std::span<const float> samples) noexcept;
     // The samples from one on that is so old, oldest first, as many as stand in a row; those of one place always do.
     std::span<const float> From(std::size_t delay) const noexcept {
         return std::span(fSamples).subspan((fPosition - delay) & fMask);
     }
+    // Those samples, whether they stand in a row or not; the newest of them has been written.
+    void Read(std::size_t delay, std::span<float> output) const noexcept;
     // `delay` in whole samples, at most the longest.
     float At(std::size_t delay) const noexcept { return fSamples[(fPosition - delay) & fMask]; }
     // Between samples, up to the longest delay.
