@@ -52,10 +52,6 @@ bool IsOfFamily(const std::string& id, const std::string& family) {
            std::all_of(id.begin() + static_cast<std::ptrdiff_t>(family.size()), id.end(), IsDigit);
 }
 
-bool IsCalled(const AudioFilterParameterInfo& info, const std::string& reduced) {
-    return Reduced(info.GetID()) == reduced || Reduced(krocore::ToStdString(info.GetName())) == reduced;
-}
-
 template <typename Predicate>
 std::vector<int> IndicesWhere(const AudioFilter& filter, const Predicate& predicate) {
     std::vector<int> indices;
@@ -79,10 +75,12 @@ std::vector<int> FindParameters(const AudioFilter& filter, std::string_view name
     if (const std::optional<int> index = AsIndex(name)) {
         if (filter.GetParameterInfo(*index) != nullptr) return {*index};
     } else if (const std::string reduced = Reduced(name); !reduced.empty()) {
-        std::vector<int> found = IndicesWhere(filter, [&](const auto& info) { return IsCalled(info, reduced); });
-        if (!found.empty()) return found;
-        found = IndicesWhere(filter, [&](const auto& info) { return IsOfFamily(Reduced(info.GetID()), reduced); });
-        if (!found.empty()) return found;
+        const auto isID = [&](const auto& info) { return Reduced(info.GetID()) == reduced; };
+        const auto isName = [&](const auto& info) { return Reduced(krocore::ToStdString(info.GetName())) == reduced; };
+        const auto isMember = [&](const auto& info) { return IsOfFamily(Reduced(info.GetID()), reduced); };
+        if (std::vector<int> found = IndicesWhere(filter, isID); !found.empty()) return found;
+        if (std::vector<int> found = IndicesWhere(filter, isName); !found.empty()) return found;
+        if (std::vector<int> found = IndicesWhere(filter, isMember); !found.empty()) return found;
     }
     Refuse("$$$/qohost/ParameterText/Unknown=There is no parameter \"@0\". There are: @1.", name, AllIDs(filter));
 }

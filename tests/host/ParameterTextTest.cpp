@@ -38,6 +38,20 @@ TEST_F(ParameterTextTest, ReadsNamesAndValuesInEveryForm) {
     }
 }
 
+TEST_F(ParameterTextTest, AnIDMeansItsOwnParameterAlone) {
+    for (const auto& effect : qoc::components::AllEffects()) {
+        if (effect.create == nullptr) continue;
+        const auto filter = effect.create();
+        for (int i = 0; i < filter->GetParameterCount(); ++i) {
+            const auto* const info = filter->GetParameterInfo(i);
+            if (info == nullptr || info->IsReadOnly()) continue;
+            const auto settings = ParseParameterText(*filter, info->GetID() + "=n:0.5");
+            ASSERT_EQ(settings.size(), 1U) << effect.shortName << " " << info->GetID();
+            EXPECT_EQ(settings.front().index, i) << effect.shortName << " " << info->GetID();
+        }
+    }
+}
+
 TEST_F(ParameterTextTest, FamilyNameSetsAllOfIt) {
     const auto settings = ParseParameterText(*fAmplify, "gain=0");
     ASSERT_EQ(settings.size(), 2U);
