@@ -19,6 +19,7 @@ namespace qohost {
 namespace {
 
 using kroaudiofilterhost::AudioFilter;
+using kroaudiofilterhost::AudioFilterQuality;
 using kroaudiofilterhost::AudioFilterTempo;
 
 constexpr double kListeningShare = 0.2; // of the progress
@@ -45,19 +46,19 @@ private:
     bool fCouldChange;
 };
 
-// As long as this lives, what is prepared may take its time.
-class RenderQualityScope {
+// As long as this lives, the filter is prepared for another quality.
+class QualityScope {
 public:
-    explicit RenderQualityScope(AudioFilter& filter) : fFilter(filter), fBefore(filter.GetQuality()) {
-        fFilter.SetQuality(kroaudiofilterhost::AudioFilterQuality::kRender);
+    QualityScope(AudioFilter& filter, AudioFilterQuality quality) : fFilter(filter), fBefore(filter.GetQuality()) {
+        fFilter.SetQuality(quality);
     }
-    RenderQualityScope(const RenderQualityScope&) = delete;
-    RenderQualityScope& operator=(const RenderQualityScope&) = delete;
-    ~RenderQualityScope() { fFilter.SetQuality(fBefore); }
+    QualityScope(const QualityScope&) = delete;
+    QualityScope& operator=(const QualityScope&) = delete;
+    ~QualityScope() { fFilter.SetQuality(fBefore); }
 
 private:
     AudioFilter& fFilter;
-    kroaudiofilterhost::AudioFilterQuality fBefore;
+    AudioFilterQuality fBefore;
 };
 
 std::vector<float*> PointersTo(std::vector<std::vector<float>>& buffers) {
@@ -106,7 +107,7 @@ OfflineRenderer::OfflineRenderer(AudioFilter& filter, SoundReader& input, Render
     : fFilter(filter), fInput(input), fOptions(std::move(options)) {
     fOptions.blockFrames = std::max<std::size_t>(fOptions.blockFrames, 1);
     filter.SetDuration(static_cast<double>(input.Frames()));
-    const RenderQualityScope quality(filter);
+    const QualityScope quality(filter, fOptions.quality);
     filter.Prepare(input.SampleRate(), fOptions.blockFrames, input.Layout());
     fLatency = filter.Latency();
     const auto framesOf = [&input](double seconds) {
@@ -128,7 +129,7 @@ bool OfflineRenderer::Run(SoundWriter& output) {
     const RunningScope running(fFilter);
     const std::vector<const float*> inputs(fInputPointers.begin(), fInputPointers.end());
     const std::uint64_t total = fFrames + fLatency;
-    const bool listens = fFilter.WantsToListen();
+    const bool listens = fOptions.quality == AudioFilterQuality::kRender && fFilter.WantsToListen();
     if (listens && !Listen()) return false;
     const double listened = listens ? kListeningShare : 0;
     const AudioFilterTempo tempo =

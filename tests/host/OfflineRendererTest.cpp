@@ -84,12 +84,14 @@ public:
 
     std::vector<double> positions;
     int automationsServed = 0;
+    std::size_t framesHeard = 0;
     kroaudiofilterhost::AudioFilterQuality preparedFor = kroaudiofilterhost::AudioFilterQuality::kLive;
 
 protected:
     void OnPrepare(std::size_t /*maximumBlock*/) override { preparedFor = GetQuality(); }
     void OnParametersChanged(ParameterIndices /*changed*/) override { ++automationsServed; }
     void OnListen(std::span<const float* const> inputs, std::size_t frames) override {
+        framesHeard += frames;
         for (const float* const input : inputs)
             for (std::size_t i = 0; i < frames; ++i)
                 fPeak = std::max(fPeak, std::abs(input[i]));
@@ -138,6 +140,19 @@ TEST(OfflineRenderer, BringsTheSoundTwiceToAnEffectThatListensFirst) {
     const double expectedProgress[] = {0.1, 0.2, 0.6, 1};
     for (std::size_t i = 0; i < progress.size(); ++i)
         EXPECT_DOUBLE_EQ(progress[i], expectedProgress[i]);
+}
+
+TEST(OfflineRenderer, AsWhilePlayingNothingIsHeardFirst) {
+    const Sound input = MakeTestSignal(0.1);
+    SoundInMemoryReader reader(input);
+    const boost::intrusive_ptr<Normalizer> filter(new Normalizer);
+    OfflineRenderer renderer(*filter, reader,
+                             {.quality = kroaudiofilterhost::AudioFilterQuality::kLive, .progress = {}});
+    EXPECT_EQ(filter->preparedFor, kroaudiofilterhost::AudioFilterQuality::kLive);
+    Sound output = Sound::Silent(input.sampleRate, input.layout, 0);
+    SoundInMemoryWriter writer(output);
+    ASSERT_TRUE(renderer.Run(writer));
+    EXPECT_EQ(filter->framesHeard, 0U);
 }
 
 TEST(OfflineRenderer, BringsThePeakOfAllThatComesOutToALevel) {

@@ -19,6 +19,8 @@ struct RenderOptions {
     // How much longer than the input the output is; nothing: by what the effect goes on sounding.
     std::optional<double> tailSeconds = std::nullopt;
     double maximumTailSeconds = 60; // for effects that never end
+    // kLive: as playing sounds, with nothing heard first.
+    kroaudiofilterhost::AudioFilterQuality quality = kroaudiofilterhost::AudioFilterQuality::kRender;
     // Made for the filter: its values hold from their frames of the sound on, to the sample, for blocks end there.
     Automation automation = {};
     // Called after each block with the part done, 0...1; false cancels. Empty: nobody asks.

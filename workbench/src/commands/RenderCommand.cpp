@@ -99,6 +99,7 @@ int Render(const RenderRequest& request) {
     qohost::SoundPartReader input = PartToRender(request, file);
     qohost::RenderOptions options;
     options.tailSeconds = request.tailSeconds;
+    if (request.live) options.quality = kroaudiofilterhost::AudioFilterQuality::kLive;
     // How many parameters there are may follow the channels.
     filter->Prepare(input.SampleRate(), options.blockFrames, input.Layout());
     ApplyPresetNamed(*filter, effect, request.preset);

@@ -83,6 +83,9 @@ void AddRender(CommandSet& commands) {
     AddRange(command, *request);
     AddTail(command, *request);
     AddSamples(command, *request);
+    command.add_flag(
+        "--live", request->live,
+        "as it sounds while it plays, in a plug-in host too: nothing is heard first, nor worked on longer");
     command.add_flag("--strict", request->strict, "write nothing, and fail, if samples would be clipped");
     AddOverwrite(command, request->overwrite);
     AddSoundKind(command, request->kind);

@@ -22,6 +22,7 @@ struct RenderRequest {
     std::optional<double> tailSeconds;        // as long as the effect goes on, without it
     std::optional<qohost::SampleFormat> bits; // near to the input's, without it
     std::optional<double> peakDecibels;       // what the peak is brought to
+    bool live = false;                        // as it sounds while it plays
     bool strict = false;                      // clipping is a failure
     bool overwrite = false;                   // replaces a file that is there
 };
