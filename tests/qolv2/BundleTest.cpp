@@ -210,53 +210,128 @@ TEST(Lv2Bundle, SettingsChangeWithEveryBlockWithoutAllocating) {
     }
 }
 
-TEST(Lv2Bundle, StateComesBackWithItsCurveAndAWrongOneLeavesAllAsItIs) {
-    const char* const uri = "urn:qoaudio:dynamics";
-    const auto state = [](Instance& instance) {
-        return std::unique_ptr<LilvState, void (*)(LilvState*)>(
-            lilv_state_new_from_instance(instance.Plugin(), instance.Instance(), Host().URIDMap(), nullptr, nullptr,
+using StatePtr = std::unique_ptr<LilvState, void (*)(LilvState*)>;
+
+StatePtr StateOf(Instance& instance) {
+    return {lilv_state_new_from_instance(instance.Plugin(), instance.Instance(), Host().URIDMap(), nullptr, nullptr,
                                          nullptr, nullptr, nullptr, nullptr, 0, nullptr),
-            lilv_state_free);
-    };
-    const auto from = [](const std::string& text) {
-        const std::string turtle =
-            "@prefix pset: <http://lv2plug.in/ns/ext/presets#> .\n@prefix state: <http://lv2plug.in/ns/ext/state#> .\n"
-            "@prefix lv2: <http://lv2plug.in/ns/lv2core#> .\n<urn:s> a pset:Preset ; lv2:appliesTo "
-            "<urn:qoaudio:dynamics> ; "
-            "state:state [ <urn:qoaudio:state> \"\"\"" +
-            text + "\"\"\" ] .\n";
-        return std::unique_ptr<LilvState, void (*)(LilvState*)>(
-            lilv_state_new_from_string(Host().World(), Host().URIDMap(), turtle.c_str()), lilv_state_free);
-    };
+            lilv_state_free};
+}
+
+// With this object of Turtle as the value of the bundle's property.
+StatePtr StateWith(const std::string& value) {
+    const std::string turtle =
+        "@prefix pset: <http://lv2plug.in/ns/ext/presets#> .\n@prefix state: <http://lv2plug.in/ns/ext/state#> .\n"
+        "@prefix lv2: <http://lv2plug.in/ns/lv2core#> .\n"
+        "<urn:s> a pset:Preset ; lv2:appliesTo <urn:qoaudio:any> ; state:state [ <urn:qoaudio:state> " +
+        value + " ] .\n";
+    return {lilv_state_new_from_string(Host().World(), Host().URIDMap(), turtle.c_str()), lilv_state_free};
+}
+
+StatePtr StateWithText(const std::string& text) {
+    return StateWith("\"\"\"" + text + "\"\"\"");
+}
+
+void Restore(const StatePtr& state, Instance& instance) {
+    lilv_state_restore(state.get(), instance.Instance(), nullptr, nullptr, 0, nullptr);
+}
+
+TEST(Lv2Bundle, StateComesBackWithItsCurve) {
+    const char* const uri = "urn:qoaudio:dynamics";
     Instance instance(Host(), uri, kRate);
     instance.Activate();
-    const auto curved = from(
-        R"({"version": 1, "effect": "qoc.Dynamics", "name": "", "curves": {"curve": [[-100, -90], [-30, -30], [0, -12]]}})");
-    lilv_state_restore(curved.get(), instance.Instance(), nullptr, nullptr, 0, nullptr);
-    const auto kept = state(instance);
-    EXPECT_FALSE(lilv_state_equals(kept.get(), state(*std::make_unique<Instance>(Host(), uri, kRate)).get()));
+    Restore(
+        StateWithText(
+            R"({"version": 1, "effect": "qoc.Dynamics", "name": "", "curves": {"curve": [[-100, -90], [-30, -30], [0, -12]]}})"),
+        instance);
+    const StatePtr kept = StateOf(instance);
+    EXPECT_FALSE(lilv_state_equals(kept.get(), StateOf(*std::make_unique<Instance>(Host(), uri, kRate)).get()));
     Instance other(Host(), uri, kRate);
-    lilv_state_restore(kept.get(), other.Instance(), nullptr, nullptr, 0, nullptr);
+    Restore(kept, other);
     other.Activate();
     ThroughPlugin(other, Noise(2, 100), 2);
-    EXPECT_TRUE(lilv_state_equals(kept.get(), state(other).get()));
+    EXPECT_TRUE(lilv_state_equals(kept.get(), StateOf(other).get()));
+}
 
-    Host().log.clear();
-    for (const char* const wrong : {"no state", R"({"version": 99, "effect": "qoc.Dynamics", "name": ""})",
-                                    R"({"effect": "qoc.Echo", "name": ""})"}) {
-        lilv_state_restore(from(wrong).get(), other.Instance(), nullptr, nullptr, 0, nullptr);
-        EXPECT_TRUE(lilv_state_equals(kept.get(), state(other).get())) << wrong;
+TEST(Lv2Bundle, AStateThatIsNoneIsToldAndLeavesAllAsItIs) {
+    const char* const wrongs[] = {
+        R"("no state")",
+        R"("")",
+        R"("{\"version\": 1")",
+        "17",
+        R"("{\"version\": 99, \"effect\": \"qoc.Dynamics\", \"name\": \"\"}")",
+        R"("{\"effect\": \"qoc.Echo\", \"name\": \"\"}")",
+        R"("{\"effect\": \"qoc.Dynamics\", \"name\": \"\", \"natural\": {\"ratio\": \"much\"}}")"};
+    Instance instance(Host(), "urn:qoaudio:dynamics", kRate);
+    instance.Activate();
+    const StatePtr before = StateOf(instance);
+    for (const char* const wrong : wrongs) {
+        Host().log.clear();
+        Restore(StateWith(wrong), instance);
+        EXPECT_NE(Host().log.find("urn:qoaudio:dynamics: the state is not taken: "), std::string::npos)
+            << wrong << ": " << Host().log;
+        EXPECT_TRUE(lilv_state_equals(before.get(), StateOf(instance).get())) << wrong;
     }
-    EXPECT_NE(Host().log.find("urn:qoaudio:dynamics: the state is not taken: "), std::string::npos) << Host().log;
+}
+
+// In place; what is asked of the worker stays undone.
+void RunBlock(Instance& instance, Channels& sound) {
+    for (std::size_t port = 0; port < 2 * sound.size(); ++port)
+        instance.ConnectAudio(port, sound[port % sound.size()].data());
+    instance.Run(sound.front().size());
+}
+
+TEST(Lv2Bundle, AStateIsTakenWhileAnotherFilterIsOnItsWay) {
+    const char* const uri = "urn:qoaudio:fftfilter";
+    constexpr float kSize = 5;
+    const StatePtr state = StateWithText(
+        R"({"effect": "qoc.FFTFilter", "name": "", "natural": {"fftSize": 5}, "curves": {"curve": [[20, 0.2], [900, 0.7]]}})");
+    Instance plain(Host(), uri, kRate);
+    plain.Control("fftSize") = kSize;
+    plain.Activate();
+    Restore(state, plain);
+    const StatePtr wanted = StateOf(plain);
+    const float latency = [&] {
+        plain.Activate();
+        Channels sound = Noise(2, 512);
+        RunBlock(plain, sound);
+        return plain.Control("latency");
+    }();
+    for (const bool isLost : {false, true}) {
+        SCOPED_TRACE(isLost ? "and never arrives" : "and arrives");
+        Instance instance(Host(), uri, kRate);
+        instance.Activate();
+        Channels sound = Noise(2, 512);
+        instance.Control("fftSize") = 0;
+        RunBlock(instance, sound);
+        instance.Work();
+        Restore(state, instance);
+        instance.Control("fftSize") = kSize; // as a host does, besides
+        EXPECT_TRUE(lilv_state_equals(wanted.get(), StateOf(instance).get()));
+        if (isLost) {
+            instance.Forget();
+            instance.Activate();
+        }
+        for (int block = 0; block < 3; ++block) {
+            instance.DoWork();
+            RunBlock(instance, sound);
+        }
+        EXPECT_TRUE(lilv_state_equals(wanted.get(), StateOf(instance).get()));
+        EXPECT_EQ(instance.Control("latency"), latency);
+    }
 }
 
 TEST(Lv2Bundle, ARateThatTheEffectRefusesIsToldAndSoundPasses) {
-    Host().log.clear();
-    Instance instance(Host(), "urn:qoaudio:reverb", 500);
-    EXPECT_NE(Host().log.find("urn:qoaudio:reverb: "), std::string::npos);
-    instance.Activate();
-    const Channels input = Noise(2);
-    EXPECT_EQ(LargestDifference(ThroughPlugin(instance, input, 2), input), 0);
+    for (const double rate : {500.0, 0.0, -48000.0, 1e9, std::nan("")}) {
+        SCOPED_TRACE(rate);
+        Host().log.clear();
+        Instance instance(Host(), "urn:qoaudio:reverb", rate);
+        EXPECT_NE(Host().log.find("urn:qoaudio:reverb: "), std::string::npos);
+        instance.Activate();
+        const Channels input = Noise(2);
+        EXPECT_EQ(LargestDifference(ThroughPlugin(instance, input, 2), input), 0);
+        Restore(StateOf(instance), instance);
+    }
 }
 
 } // namespace

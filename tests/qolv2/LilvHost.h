@@ -104,9 +104,12 @@ public:
         lilv_instance_connect_port(fInstance, static_cast<std::uint32_t>(port), data);
     }
     void Run(std::size_t frames) { lilv_instance_run(fInstance, static_cast<std::uint32_t>(frames)); }
+    // As the host's worker does it, and then its sound thread.
     void DoWork() {
-        const auto* const worker = static_cast<const LV2_Worker_Interface*>(
-            lilv_instance_get_extension_data(fInstance, LV2_WORKER__interface));
+        Work();
+        Deliver();
+    }
+    void Work() {
         const auto respond = [](LV2_Worker_Respond_Handle instance, std::uint32_t size, const void* data) {
             auto& responses = static_cast<LilvPluginInstance*>(instance)->fResponses;
             responses.emplace_back(data, size);
@@ -114,12 +117,16 @@ public:
         };
         const LV2_Handle handle = lilv_instance_get_handle(fInstance);
         for (const Bytes& work : fWork)
-            worker->work(handle, respond, this, work.size, work.bytes.data());
+            Worker().work(handle, respond, this, work.size, work.bytes.data());
         fWork.clear();
+    }
+    void Deliver() {
         for (const Bytes& response : fResponses)
-            worker->work_response(handle, response.size, response.bytes.data());
+            Worker().work_response(lilv_instance_get_handle(fInstance), response.size, response.bytes.data());
         fResponses.clear();
     }
+    // Responses are lost, as when a host stops.
+    void Forget() { fResponses.clear(); }
 
 private:
     // Kept without taking memory, as a host's queue does.
@@ -129,6 +136,11 @@ private:
         std::uint32_t size;
     };
     static constexpr std::size_t kMostWork = 1000;
+
+    const LV2_Worker_Interface& Worker() const {
+        return *static_cast<const LV2_Worker_Interface*>(
+            lilv_instance_get_extension_data(fInstance, LV2_WORKER__interface));
+    }
 
     bool IsControl(std::uint32_t port) const {
         const LilvPort* const its = lilv_plugin_get_port_by_index(fPlugin, port);

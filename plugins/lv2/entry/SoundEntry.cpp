@@ -16,12 +16,13 @@ Plugin& PluginOf(LV2_Handle handle) {
 }
 
 // Nothing may be thrown through the host.
-template <class Call>
-auto Guarded(const LV2_Feature* const* features, decltype(std::declval<Call>()()) otherwise, const Call& call) {
+template <class Result, class Call>
+Result Guarded(LV2_Handle handle, Result otherwise, const Call& call) {
+    Plugin& plugin = PluginOf(handle);
     try {
-        return call();
+        return call(plugin);
     } catch (const std::exception& error) {
-        HostFeatures(features).Warn(error.what());
+        plugin.Warn(error.what());
         return otherwise;
     }
 }
@@ -30,25 +31,38 @@ LV2_Handle Instantiate(const LV2_Descriptor* descriptor, double sampleRate, cons
                        const LV2_Feature* const* features) {
     const PluginDescription* const plugin = FindPlugin(descriptor->URI);
     if (plugin == nullptr) return nullptr;
-    return Guarded(features, LV2_Handle(), [&]() -> LV2_Handle { return new Plugin(*plugin, sampleRate, features); });
+    try {
+        return new Plugin(*plugin, sampleRate, features);
+    } catch (const std::exception& error) {
+        HostFeatures(features).Warn(plugin->uri + ": " + error.what());
+        return nullptr;
+    }
+}
+
+void Activate(LV2_Handle handle) {
+    Guarded(handle, false, [](Plugin& plugin) {
+        plugin.Activate();
+        return true;
+    });
 }
 
 const LV2_Worker_Interface kWorker = {
     [](LV2_Handle handle, LV2_Worker_Respond_Function respond, LV2_Worker_Respond_Handle to, std::uint32_t size,
        const void* data) {
-        return Guarded(nullptr, LV2_WORKER_ERR_UNKNOWN, [&] { return PluginOf(handle).Work(respond, to, size, data); });
+        return Guarded(handle, LV2_WORKER_ERR_UNKNOWN,
+                       [&](Plugin& plugin) { return plugin.Work(respond, to, size, data); });
     },
     [](LV2_Handle handle, std::uint32_t size, const void* data) { return PluginOf(handle).Respond(size, data); },
     nullptr};
 
 const LV2_State_Interface kState = {
     [](LV2_Handle handle, LV2_State_Store_Function store, LV2_State_Handle to, std::uint32_t /*flags*/,
-       const LV2_Feature* const* features) {
-        return Guarded(features, LV2_STATE_ERR_UNKNOWN, [&] { return PluginOf(handle).Save(store, to); });
+       const LV2_Feature* const* /*features*/) {
+        return Guarded(handle, LV2_STATE_ERR_UNKNOWN, [&](Plugin& plugin) { return plugin.Save(store, to); });
     },
     [](LV2_Handle handle, LV2_State_Retrieve_Function retrieve, LV2_State_Handle from, std::uint32_t /*flags*/,
-       const LV2_Feature* const* features) {
-        return Guarded(features, LV2_STATE_ERR_UNKNOWN, [&] { return PluginOf(handle).Restore(retrieve, from); });
+       const LV2_Feature* const* /*features*/) {
+        return Guarded(handle, LV2_STATE_ERR_UNKNOWN, [&](Plugin& plugin) { return plugin.Restore(retrieve, from); });
     }};
 
 const void* ExtensionData(const char* uri) {
@@ -58,15 +72,14 @@ const void* ExtensionData(const char* uri) {
 }
 
 LV2_Descriptor DescriptorOf(const PluginDescription& plugin) {
-    return {
-        plugin.uri.c_str(),
-        Instantiate,
-        [](LV2_Handle handle, std::uint32_t port, void* data) { PluginOf(handle).Connect(port, data); },
-        [](LV2_Handle handle) { Guarded(nullptr, false, [&] { return PluginOf(handle).Activate(), true; }); },
-        [](LV2_Handle handle, std::uint32_t frames) { PluginOf(handle).Run(frames); },
-        nullptr,
-        [](LV2_Handle handle) { delete &PluginOf(handle); },
-        ExtensionData};
+    return {plugin.uri.c_str(),
+            Instantiate,
+            [](LV2_Handle handle, std::uint32_t port, void* data) { PluginOf(handle).Connect(port, data); },
+            Activate,
+            [](LV2_Handle handle, std::uint32_t frames) { PluginOf(handle).Run(frames); },
+            nullptr,
+            [](LV2_Handle handle) { delete &PluginOf(handle); },
+            ExtensionData};
 }
 
 std::vector<LV2_Descriptor> MakeDescriptors() {

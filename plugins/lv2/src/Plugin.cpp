@@ -7,8 +7,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
 #include <cmath>
+#include <cstddef>
 #include <cstring>
 #include <utility>
 
@@ -23,9 +23,9 @@ constexpr float kDescribedRate = 48000; // hertz, of a plug-in that can't run
 } // namespace
 
 Plugin::Plugin(const PluginDescription& description, double sampleRate, const LV2_Feature* const* features)
-    : fDescription(description), fSampleRate(static_cast<float>(sampleRate)), fHost(features), fTransportReader(fHost),
-      fServed(NewFilter()), fRunning(fServed), fDescribing(fServed), fPorts(*fServed),
-      fCurveEvents(fHost, *fServed) {
+    : fDescription(description), fSampleRate(static_cast<float>(sampleRate)), fHost(features),
+      fTransportReader(fHost), fFilters{{NewFilter(), 0}}, fRunning(&Served()), fDescribing(&Served()),
+      fPorts(Served()), fCurveEvents(fHost, Served()) {
     if (fHost.map != nullptr) lv2_atom_forge_init(&fForge, const_cast<LV2_URID_Map*>(fHost.map));
     fData.resize(fPorts.Count());
     std::size_t index = fPorts.FirstParameterPort();
@@ -54,10 +54,14 @@ Plugin::FilterPtr Plugin::NewFilter() {
         Prepare(*filter);
         fIsUsable = true;
     } catch (const krocore::config::Error& error) {
-        fHost.Warn(fDescription.uri + ": " + error.what() + "; the sound passes as it is");
+        Warn(std::string(error.what()) + "; the sound passes as it is");
         filter->Prepare(kDescribedRate, fHost.longestBlock, fDescription.Layout());
     }
     return filter;
+}
+
+void Plugin::Warn(const std::string& message) const {
+    fHost.Warn(fDescription.uri + ": " + message);
 }
 
 void Plugin::Prepare(Filter& filter) const {
@@ -72,6 +76,9 @@ void Plugin::Connect(std::size_t port, void* data) noexcept {
 
 void Plugin::Activate() {
     if (!fIsUsable) return;
+    // What was on its way may have been lost.
+    TakeOver(Served(), fFilters.back().number);
+    DropOldFilters();
     StorePorts();
     fIsRendering = fWantsRendering = ControlValue(kFreeWheelPort, 0) > 0;
     fRunning->SetBypassed(!(ControlValue(kEnabledPort, 1) > 0));
@@ -81,7 +88,7 @@ void Plugin::Activate() {
 
 void Plugin::Run(std::size_t frames) noexcept {
     if (!fIsUsable) return PassThrough(frames);
-    if (fOutgoing) Schedule({.kind = Message::Kind::kRelease, .filter = std::exchange(fOutgoing, nullptr).detach()});
+    if (!std::exchange(fIsTidy, true)) Schedule({.kind = Message::Kind::kTidy});
     TakeEvents();
     TakePorts();
     // Some hosts set ports only after activating: no sound has gone before, so nothing glides.
@@ -177,7 +184,8 @@ void Plugin::Process(std::size_t frames) noexcept {
         for (std::size_t i = 0; i < fPorts.Outputs(); ++i)
             outputs[i] = static_cast<float*>(fData[fPorts.Inputs() + i]) + begin;
         fRunning->SetTransport(fTransport);
-        fRunning->Process({std::span(inputs).first(fPorts.Inputs()), std::span(outputs).first(fPorts.Outputs()), count});
+        fRunning->Process(
+            {std::span(inputs).first(fPorts.Inputs()), std::span(outputs).first(fPorts.Outputs()), count});
         if (fTransport.isPlaying) fTransport.position += static_cast<double>(count);
     }
 }
@@ -232,16 +240,16 @@ LV2_Worker_Status Plugin::Work(LV2_Worker_Respond_Function respond, LV2_Worker_R
                                std::uint32_t size, const void* data) {
     Message message;
     if (!message.Read(data, size)) return LV2_WORKER_ERR_UNKNOWN;
-    const std::lock_guard lock(fServedMutex);
+    const std::lock_guard lock(fFiltersMutex);
     switch (message.kind) {
-    case Message::Kind::kRelease: FilterPtr(message.filter, false).reset(); return LV2_WORKER_SUCCESS;
-    case Message::Kind::kStore: fServed->SetParameterValueQuietly(message.parameter, message.value); break;
+    case Message::Kind::kTidy: DropOldFilters(); return LV2_WORKER_SUCCESS;
+    case Message::Kind::kStore: Served().SetParameterValueQuietly(message.parameter, message.value); break;
     case Message::Kind::kSetCurve: SetCurve(message); break;
-    case Message::Kind::kServe: fServed->ServeAutomation(); break;
+    case Message::Kind::kServe: Served().ServeAutomation(); break;
     case Message::Kind::kSetQuality: fWantsRendering = message.isRendering; break;
     case Message::Kind::kTake: return LV2_WORKER_ERR_UNKNOWN;
     }
-    if (fServed->NeedsPrepare() || message.kind == Message::Kind::kSetQuality) Replace(respond, handle);
+    if (Served().NeedsPrepare() || message.kind == Message::Kind::kSetQuality) Replace(respond, handle);
     return LV2_WORKER_SUCCESS;
 }
 
@@ -249,7 +257,12 @@ void Plugin::SetCurve(const Message& message) {
     std::vector<kroaudiofilterhost::AudioFilterCurvePoint> points;
     for (std::size_t i = 0; i + 1 < message.valueCount; i += 2)
         points.push_back({message.values[i], message.values[i + 1]});
-    fServed->SetCurve(message.curve, points);
+    Served().SetCurve(message.curve, points);
+}
+
+void Plugin::DropOldFilters() {
+    const std::uint64_t running = fRunningNumber.load(std::memory_order_acquire);
+    std::erase_if(fFilters, [&](const NumberedFilter& each) { return each.number < running; });
 }
 
 // A filter that is prepared while the other one goes on.
@@ -257,32 +270,38 @@ void Plugin::Replace(LV2_Worker_Respond_Function respond, LV2_Worker_Respond_Han
     FilterPtr filter = fDescription.effect->create();
     Prepare(*filter);
     std::vector<kroaudiofilterhost::AudioFilterParameterValue> values;
-    for (int i = 0; i < fServed->GetParameterCount(); ++i)
-        values.push_back({i, fServed->GetParameterValue(i)});
+    for (int i = 0; i < Served().GetParameterCount(); ++i)
+        values.push_back({i, Served().GetParameterValue(i)});
     filter->SetParameterValues(values);
-    filter->SetBypassed(fServed->IsBypassed());
+    filter->SetBypassed(Served().IsBypassed());
     Prepare(*filter);
-    const Message message = {.kind = Message::Kind::kTake, .filter = FilterPtr(filter).detach()};
-    if (respond(handle, message.Size(), &message) == LV2_WORKER_SUCCESS)
-        fServed = std::move(filter);
-    else
-        FilterPtr(message.filter, false).reset();
+    const std::uint64_t number = fFilters.back().number + 1;
+    const Message message = {.kind = Message::Kind::kTake, .filter = filter.get(), .number = number};
+    fFilters.push_back({std::move(filter), number});
+    if (respond(handle, message.Size(), &message) != LV2_WORKER_SUCCESS) fFilters.pop_back();
 }
 
 LV2_Worker_Status Plugin::Respond(std::uint32_t size, const void* data) noexcept {
     Message message;
     if (!message.Read(data, size)) return LV2_WORKER_ERR_UNKNOWN;
     if (message.kind != Message::Kind::kTake) return LV2_WORKER_ERR_UNKNOWN;
-    fOutgoing = std::exchange(fRunning, FilterPtr(message.filter, false));
-    // What was automated meanwhile went to the other one.
-    for (Port& port : fTaken)
-        port.taken = kNone;
+    if (message.number > fRunningNumber.load(std::memory_order_relaxed)) TakeOver(*message.filter, message.number);
     return LV2_WORKER_SUCCESS;
 }
 
+void Plugin::TakeOver(Filter& filter, std::uint64_t number) noexcept {
+    if (&filter == fRunning) return;
+    fRunning = &filter;
+    fRunningNumber.store(number, std::memory_order_release);
+    fIsTidy = false;
+    // What was automated meanwhile went to the other one.
+    for (Port& port : fTaken)
+        port.taken = kNone;
+}
+
 std::string Plugin::StateOfServed() const {
-    const std::lock_guard lock(fServedMutex);
-    return qohost::SaveState(*fServed);
+    const std::lock_guard lock(fFiltersMutex);
+    return qohost::SaveState(Served());
 }
 
 LV2_State_Status Plugin::Save(LV2_State_Store_Function store, LV2_State_Handle handle) const {
@@ -301,18 +320,31 @@ LV2_State_Status Plugin::Restore(LV2_State_Retrieve_Function retrieve, LV2_State
     std::uint32_t flags = 0;
     const void* const data = retrieve(handle, key, &size, &type, &flags);
     if (data == nullptr) return LV2_STATE_ERR_NO_PROPERTY;
-    if (type != fHost.Map(LV2_ATOM__String)) return LV2_STATE_ERR_BAD_TYPE;
+    if (type != fHost.Map(LV2_ATOM__String)) {
+        Warn("the state is not taken: it is no text");
+        return LV2_STATE_ERR_BAD_TYPE;
+    }
     try {
         const std::string_view text(static_cast<const char*>(data), size);
-        for (const std::string& note : qohost::LoadState(*fRunning, text.substr(0, text.find('\0'))))
-            fHost.Warn(fDescription.uri + ": " + note);
+        for (const std::string& note : LoadState(text.substr(0, text.find('\0'))))
+            Warn(note);
     } catch (const krocore::config::Error& error) {
-        fHost.Warn(fDescription.uri + ": the state is not taken: " + error.what());
+        Warn(std::string("the state is not taken: ") + error.what());
         return LV2_STATE_ERR_UNKNOWN;
     }
     fTellsCurves = true;
-    if (fIsUsable && fRunning->NeedsPrepare()) Prepare(*fRunning);
     return LV2_STATE_SUCCESS;
+}
+
+// The sound thread may yet go over to those on the way.
+std::vector<std::string> Plugin::LoadState(std::string_view state) {
+    const std::lock_guard lock(fFiltersMutex);
+    std::vector<std::string> notes;
+    for (const NumberedFilter& each : fFilters) {
+        notes = qohost::LoadState(*each.filter, state);
+        if (fIsUsable && each.filter->NeedsPrepare()) Prepare(*each.filter);
+    }
+    return notes;
 }
 
 } // namespace qolv2

@@ -8,6 +8,7 @@
 
 #include <lv2/state/state.h>
 
+#include <atomic>
 #include <cstdint>
 #include <limits>
 #include <mutex>
@@ -21,9 +22,9 @@ namespace qolv2 {
 // host's worker meanwhile, the rest while neither runs; saving is safe at any time.
 //
 // What can be automated is set on the sound thread, and its designs are made by the worker. A setting that takes
-// another Prepare (a size, rendering in place of playing) makes the worker prepare a second filter with all that is
+// another Prepare (a size, rendering in place of playing) makes the worker prepare another filter with all that is
 // set, which the sound thread goes over to; the latency then changes. A host without a worker has all that done while
-// it waits for the sound.
+// it waits for the sound. The worker keeps every filter until it sees that the sound thread has gone on to a later one.
 class Plugin {
 public:
     // A rate that the effect can't work at is told in the host's log; sound then passes as it is.
@@ -40,6 +41,9 @@ public:
                            const void* data);
     LV2_Worker_Status Respond(std::uint32_t size, const void* data) noexcept;
 
+    // A line in the host's log. Not on the sound thread.
+    void Warn(const std::string& message) const;
+
     // The state is one text, see qohost::SaveState.
     LV2_State_Status Save(LV2_State_Store_Function store, LV2_State_Handle handle) const;
     LV2_State_Status Restore(LV2_State_Retrieve_Function retrieve, LV2_State_Handle handle);
@@ -50,18 +54,25 @@ private:
 
     // From the sound thread to the worker, and back.
     struct Message {
-        enum class Kind : std::uint8_t { kStore, kSetCurve, kServe, kSetQuality, kRelease, kTake };
+        enum class Kind : std::uint8_t { kStore, kSetCurve, kServe, kSetQuality, kTidy, kTake };
         Kind kind = Kind::kServe;
         bool isRendering = false;
         int parameter = 0;
         float value = 0; // stored
         Filter* filter = nullptr;
+        std::uint64_t number = 0; // the filter's
         std::size_t curve = 0;
         std::size_t valueCount = 0;
         CurveEvents::Values values{}; // as many as count
 
         std::uint32_t Size() const noexcept;
         bool Read(const void* data, std::uint32_t size) noexcept;
+    };
+
+    // Those of higher numbers are later.
+    struct NumberedFilter {
+        FilterPtr filter;
+        std::uint64_t number = 0;
     };
 
     static constexpr float kNone = std::numeric_limits<float>::quiet_NaN();
@@ -89,7 +100,11 @@ private:
     void TellCurves() noexcept;
     void Schedule(const Message& message) noexcept;
     void SetCurve(const Message& message);
+    Filter& Served() const { return *fFilters.back().filter; }
     std::string StateOfServed() const;
+    std::vector<std::string> LoadState(std::string_view state);
+    void TakeOver(Filter& filter, std::uint64_t number) noexcept;
+    void DropOldFilters();
     void Replace(LV2_Worker_Respond_Function respond, LV2_Worker_Respond_Handle handle);
 
     const PluginDescription& fDescription;
@@ -98,19 +113,20 @@ private:
     TransportReader fTransportReader;
     kroaudiofilterhost::AudioFilterTransport fTransport;
     bool fIsUsable = false;
-    bool fIsFresh = false;        // no sound since it was activated
-    bool fIsRendering = false;    // the sound thread's
-    bool fWantsRendering = false; // the worker's
-    mutable std::mutex fServedMutex; // between the worker and who saves
-    FilterPtr fServed;     // the worker's; that of the sound thread but while another is on its way to it
-    FilterPtr fRunning;    // the sound thread's
-    FilterPtr fOutgoing;   // waits for the worker to take it
+    bool fIsFresh = false;                // no sound since it was activated
+    bool fIsRendering = false;            // the sound thread's
+    bool fWantsRendering = false;         // the worker's
+    mutable std::mutex fFiltersMutex;     // between the worker and who saves
+    std::vector<NumberedFilter> fFilters; // the one that sounds, and those on the way to the sound thread
+    Filter* fRunning;                     // the sound thread's
+    std::atomic<std::uint64_t> fRunningNumber = 0;
+    bool fIsTidy = true;   // the sound thread has told the worker that it has gone on
     FilterPtr fDescribing; // whose parameters the ports are
     PluginPorts fPorts;
     CurveEvents fCurveEvents;
     LV2_Atom_Forge fForge{};
     bool fTellsCurves = true; // to the panel, at the next block
-    std::vector<void*> fData;  // by port
+    std::vector<void*> fData; // by port
     std::vector<Port> fTaken; // of parameters, in
     std::vector<Port> fTold;  // out
 };
