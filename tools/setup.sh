@@ -14,7 +14,7 @@ run_packages=(
 )
 test_packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
-    python3 xvfb xdotool imagemagick liblilv-dev sordi
+    python3 xvfb xdotool imagemagick liblilv-dev lilv-utils sordi
 )
 tidy_packages=(clang-tidy-14)
 
