@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <ctime>
 #include <map>
 #include <thread>
 
@@ -255,6 +256,28 @@ TEST_F(Lv2Panel, ACurveGoesToTheSoundAndToAnotherPanelOfIt) {
     Close(*first);
     Idle(*second);
     Close(*second);
+}
+
+// A host calls them some 30 times a second.
+TEST_F(Lv2Panel, PanelsThatNothingHappensInTakeLessThanAHalfPercentOfACoreEach) {
+    double opening = 0;
+    for (const PluginDescription& plugin : AllPlugins()) {
+        if (plugin.channels != 2) continue;
+        const std::clock_t before = std::clock();
+        const auto panel = Open(plugin.uri);
+        Idle(*panel, 1);
+        opening = std::max(opening, static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC);
+        Idle(*panel);
+        constexpr int kCalls = 90;
+        const std::clock_t begin = std::clock();
+        for (int i = 0; i < kCalls; ++i)
+            fIdle->idle(panel->handle);
+        const double seconds = static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+        EXPECT_LT(seconds / kCalls, 0.005 / 30) << plugin.uri;
+        RecordProperty(plugin.uri.c_str(), std::to_string(1e6 * seconds / kCalls));
+        Close(*panel);
+    }
+    RecordProperty("opening", std::to_string(opening));
 }
 
 // What panels look like is the user's, for all of them and for the next ones.
