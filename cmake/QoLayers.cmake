@@ -53,13 +53,19 @@ function(qo_shared_library name)
     target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE qo_options ${arg_EXTERNAL})
     set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
     # Calls within the library need no look-up when it is loaded.
-    target_link_options(${name} PRIVATE LINKER:-Bsymbolic-functions)
+    if(NOT WIN32)
+        target_link_options(${name} PRIVATE LINKER:-Bsymbolic-functions)
+    endif()
 endfunction()
 
 # Embeds files in a library as resources: qo_embed_resources(<target> <symbol> FILES ...)
 # TYPE and NAME of a resource come from the file's extension and stem, both in upper case.
 function(qo_embed_resources target symbol)
     cmake_parse_arguments(arg "" "" "FILES" ${ARGN})
+    if(WIN32)
+        qo_embed_resources_in_file(${target} ${symbol} ${arg_FILES})
+        return()
+    endif()
     set(assembler ${CMAKE_CURRENT_BINARY_DIR}/${symbol}.S)
     set(text "    .section .rodata\n")
     set(table "")
@@ -81,6 +87,24 @@ function(qo_embed_resources target symbol)
     target_sources(${target} PRIVATE ${assembler})
     set_source_files_properties(${assembler} TARGET_DIRECTORY ${target} PROPERTIES OBJECT_DEPENDS "${arg_FILES}"
         GENERATED TRUE LANGUAGE ASM SKIP_PRECOMPILE_HEADERS ON)
+endfunction()
+
+# The same where programs' files have resources: in the section that the system's own calls look in.
+function(qo_embed_resources_in_file target symbol)
+    set(script ${CMAKE_CURRENT_BINARY_DIR}/${symbol}.rc)
+    set(text "")
+    foreach(file IN LISTS ARGN)
+        get_filename_component(stem ${file} NAME_WE)
+        get_filename_component(extension ${file} LAST_EXT)
+        string(TOUPPER "${stem}" stem)
+        string(REPLACE "." "" extension "${extension}")
+        string(TOUPPER "${extension}" extension)
+        string(APPEND text "${stem} ${extension} \"${file}\"\n")
+    endforeach()
+    file(GENERATE OUTPUT ${script} CONTENT "${text}")
+    target_sources(${target} PRIVATE ${script})
+    set_source_files_properties(${script} TARGET_DIRECTORY ${target} PROPERTIES OBJECT_DEPENDS "${ARGN}"
+        GENERATED TRUE LANGUAGE RC SKIP_PRECOMPILE_HEADERS ON)
 endfunction()
 
 # Where tests and benches find the project's files and its program. A header and no definitions of each target, so that only

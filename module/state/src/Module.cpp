@@ -1,5 +1,6 @@
 #include "qocui/module/Module.h"
 
+#include "ModuleEntry.h"
 #include "krocore/debug/Contract.h"
 #include "kroui/utility/ResourceManager.h"
 #include "uit/ImageProvider.h"
@@ -8,8 +9,8 @@
 
 namespace {
 
-constexpr unsigned long kProcessDetach = 0;
-constexpr unsigned long kProcessAttach = 1;
+using qocui::module::kProcessAttach;
+using qocui::module::kProcessDetach;
 
 // The names under which contract violations of the slots are reported.
 constexpr const char* kContractFile = "Module_WIN";
@@ -71,14 +72,14 @@ uit::ImageProvider* GetImageProvider() {
     return sImageProvider;
 }
 
+int ModuleEntered(HINSTANCE instance, unsigned long reason) {
+    if (reason == kProcessAttach) sDLLInstance = instance;
+    if (reason == kProcessDetach) sDLLInstance = nullptr;
+    return 1;
+}
+
 HINSTANCE GetModuleInstance() {
     return krocore::ModuleFromAddress(reinterpret_cast<const void*>(&GetModuleInstance));
 }
 
 } // namespace qocui::module
-
-extern "C" int DllMain(HINSTANCE instance, unsigned long reason, void* /*reserved*/) {
-    if (reason == kProcessAttach) sDLLInstance = instance;
-    if (reason == kProcessDetach) sDLLInstance = nullptr;
-    return 1;
-}

@@ -1,6 +1,10 @@
 // Where the system calls no entry point of its own: loading and unloading the library call it from here.
 
-#include "qocui/module/Module.h"
+#include "ModuleEntry.h"
+
+extern "C" int DllMain(HINSTANCE instance, unsigned long reason, void* /*reserved*/) {
+    return qocui::module::ModuleEntered(instance, reason);
+}
 
 extern "C" const krocore::ModuleResourceTable kQoAudioComponentsUIResources;
 
@@ -13,11 +17,11 @@ const krocore::ModuleRegistrar sRegistrar(kQoAudioComponentsUIResources,
 constexpr int kFirst = 101;
 
 __attribute__((constructor(kFirst))) void Attach() {
-    DllMain(&kQoAudioComponentsUIResources, 1, nullptr);
+    DllMain(&kQoAudioComponentsUIResources, qocui::module::kProcessAttach, nullptr);
 }
 
 __attribute__((destructor(kFirst))) void Detach() {
-    DllMain(&kQoAudioComponentsUIResources, 0, nullptr);
+    DllMain(&kQoAudioComponentsUIResources, qocui::module::kProcessDetach, nullptr);
 }
 
 } // namespace

@@ -1,30 +1,13 @@
 #include "krocore/ModuleResources.h"
 
-#include "ModuleAddress.h"
+#include "OwnResource.h"
 
 #include <algorithm>
-#include <mutex>
 #include <string>
 #include <utility>
 
 namespace krocore {
 namespace {
-
-struct RegisteredModule {
-    const void* base;
-    ModuleInstance instance;
-};
-
-// Modules come and go with the libraries that a host loads, on whatever thread loads them.
-struct Registry {
-    std::mutex mutex;
-    std::vector<RegisteredModule> modules;
-};
-
-Registry& Modules() {
-    static Registry sRegistry;
-    return sRegistry;
-}
 
 struct Override {
     std::string name;
@@ -58,36 +41,12 @@ std::span<const std::byte> BytesOf(const Override& entry) {
 
 } // namespace
 
-ModuleRegistrar::ModuleRegistrar(const ModuleResourceTable& table, const void* codeAddress) : fInstance(&table) {
-    const std::lock_guard lock(Modules().mutex);
-    Modules().modules.push_back({ModuleBase(codeAddress), &table});
-}
-
-ModuleRegistrar::~ModuleRegistrar() {
-    const std::lock_guard lock(Modules().mutex);
-    std::erase_if(Modules().modules, [this](const RegisteredModule& module) { return module.instance == fInstance; });
-}
-
-ModuleInstance ModuleFromAddress(const void* codeAddress) {
-    const void* const base = ModuleBase(codeAddress);
-    if (base == nullptr) return nullptr;
-    const std::lock_guard lock(Modules().mutex);
-    const auto found = std::ranges::find(Modules().modules, base, &RegisteredModule::base);
-    return found == Modules().modules.end() ? nullptr : found->instance;
-}
-
 std::span<const std::byte> FindResource(ModuleInstance module, std::string_view name, std::string_view type) noexcept {
     if (module == nullptr) return {};
     if (AllOverrides().observer) AllOverrides().observer(name, type);
     const auto instead = FindOverride(name, type);
     if (instead != AllOverrides().entries.end()) return BytesOf(*instead);
-    const ResourceEntry* const first = module->entries;
-    const ResourceEntry* const last = first + module->count;
-    const ResourceEntry* const found = std::find_if(first, last, [name, type](const ResourceEntry& entry) {
-        return EqualsIgnoringCase(entry.type, type) && EqualsIgnoringCase(entry.name, name);
-    });
-    if (found == last) return {};
-    return {found->data, static_cast<std::size_t>(found->size)};
+    return OwnResource(module, name, type);
 }
 
 void SetResourceOverride(std::string_view name, std::string_view type, std::span<const std::byte> bytes) {

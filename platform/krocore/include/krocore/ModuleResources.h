@@ -10,7 +10,18 @@
 #include <string_view>
 #include <vector>
 
+#ifdef _WIN32
+struct HINSTANCE__; // the system's
+#endif
+
 namespace krocore {
+
+#ifdef _WIN32
+
+// A loaded module, whose resources are those of its file; null is no module.
+using ModuleInstance = HINSTANCE__*;
+
+#else
 
 // One embedded resource. Both names are upper case; the bytes live as long as the module is loaded.
 struct ResourceEntry {
@@ -42,7 +53,9 @@ private:
     ModuleInstance fInstance;
 };
 
-// The registered module whose code contains the address, or null.
+#endif
+
+// The module whose code contains the address (one that is registered, where modules are), or null.
 ModuleInstance ModuleFromAddress(const void* codeAddress);
 
 // A resource by type and name, case ignored: the override if there is one, otherwise the module's own. Empty span with
@@ -72,6 +85,5 @@ bool GetBinaryFromModule(ModuleInstance module, std::u16string_view name, std::u
 } // namespace utility
 } // namespace krocore
 
-#ifndef _WIN32
+// On Windows the system's own, which may be declared as often as one likes.
 using HINSTANCE = krocore::ModuleInstance;
-#endif

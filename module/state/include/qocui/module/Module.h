@@ -39,4 +39,4 @@ HINSTANCE GetModuleInstance();
 } // namespace qocui::module
 
 // The entry point. Process attach (1) keeps the instance, process detach (0) forgets it; TRUE for every reason.
-extern "C" int DllMain(HINSTANCE instance, unsigned long reason, void* reserved);
+extern "C" int QOCUI_ENTRY DllMain(HINSTANCE instance, unsigned long reason, void* reserved);
