@@ -1,5 +1,6 @@
 #include "AudioFileEncodings.h"
 
+#include "krocore/FilePath.h"
 #include "krocore/String.h"
 
 #include <algorithm>
@@ -96,7 +97,7 @@ void RenameRearPair(std::vector<AudioChannelLabel>& labels) {
 } // namespace
 
 int ContainerFor(const std::filesystem::path& path) {
-    const std::string extension = path.extension().string();
+    const std::string extension = krocore::PathText(path.extension());
     return extension.empty() ? 0 : ContainerOfType(std::string_view(extension).substr(1));
 }
 

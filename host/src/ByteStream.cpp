@@ -1,6 +1,7 @@
 #include "host/ByteStream.h"
 
 #include "StreamDescriptor.h"
+#include "krocore/FilePath.h"
 #include "krocore/Localizer.h"
 #include "krocore/ReplacementFile.h"
 #include "krocore/config/Error.h"
@@ -69,12 +70,12 @@ bool IsStream(const fs::path& path) {
 }
 
 std::string InputName(const fs::path& path) {
-    if (path != "-") return path.string();
+    if (path != "-") return krocore::PathText(path);
     return krocore::ToStdString(krocore::Localize("$$$/qohost/ByteStream/Input=standard input"));
 }
 
 std::string OutputName(const fs::path& path) {
-    if (path != "-") return path.string();
+    if (path != "-") return krocore::PathText(path);
     return krocore::ToStdString(krocore::Localize("$$$/qohost/ByteStream/Output=standard output"));
 }
 
@@ -83,14 +84,14 @@ void KeepStream(const fs::path& stream, const fs::path& file) {
     std::ofstream kept(file, std::ios::binary);
     ReadStream(stream, [&](std::string_view bytes) {
         if (!kept.write(bytes.data(), static_cast<std::streamsize>(bytes.size())))
-            Refuse(kUnwritable, file.string(), Reason(errno != 0 ? errno : EIO));
+            Refuse(kUnwritable, krocore::PathText(file), Reason(errno != 0 ? errno : EIO));
     });
     kept.close();
-    if (!kept) Refuse(kUnwritable, file.string(), Reason(errno != 0 ? errno : EIO));
+    if (!kept) Refuse(kUnwritable, krocore::PathText(file), Reason(errno != 0 ? errno : EIO));
 }
 
 void SendFile(const fs::path& file, const fs::path& stream) {
-    ReadFile(file, file.string(), [&](std::string_view bytes) { WriteStream(stream, bytes); });
+    ReadFile(file, krocore::PathText(file), [&](std::string_view bytes) { WriteStream(stream, bytes); });
 }
 
 std::string ReadBytes(const fs::path& path, std::size_t limit) {
@@ -107,10 +108,10 @@ std::string ReadBytes(const fs::path& path, std::size_t limit) {
     }
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
-    if (!fs::exists(status)) Refuse(kUnreadable, path.string(), error.message());
-    if (fs::is_directory(status)) Refuse(kUnreadable, path.string(), Reason(EISDIR));
-    if (!fs::is_regular_file(status)) Refuse(kNoFile, path.string());
-    ReadFile(path, path.string(), sink);
+    if (!fs::exists(status)) Refuse(kUnreadable, krocore::PathText(path), error.message());
+    if (fs::is_directory(status)) Refuse(kUnreadable, krocore::PathText(path), Reason(EISDIR));
+    if (!fs::is_regular_file(status)) Refuse(kNoFile, krocore::PathText(path));
+    ReadFile(path, krocore::PathText(path), sink);
     return all;
 }
 

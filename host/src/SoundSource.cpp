@@ -3,6 +3,7 @@
 #include "SoundFileProblem.h"
 #include "host/ByteStream.h"
 #include "host/SoundInMemory.h"
+#include "krocore/FilePath.h"
 
 #include <algorithm>
 #include <system_error>
@@ -54,7 +55,7 @@ public:
     std::string Identity() const override {
         std::error_code error;
         const fs::path place = fs::canonical(fPath, error);
-        return IsStream(fPath) || error ? std::string() : place.string() + '\n' + fState;
+        return IsStream(fPath) || error ? std::string() : krocore::PathText(place) + '\n' + fState;
     }
 
 private:

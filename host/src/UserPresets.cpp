@@ -1,5 +1,6 @@
 #include "host/UserPresets.h"
 
+#include "krocore/FilePath.h"
 #include "krocore/Localizer.h"
 #include "krocore/config/Error.h"
 
@@ -47,8 +48,9 @@ std::vector<std::string> UserPresets::Names(std::string_view effect) const {
     for (fs::directory_iterator entry(fFolder / effect, error), end; !error && entry != end; entry.increment(error)) {
         const fs::path& file = entry->path();
         std::error_code ignored; // what can't be looked at is no file
-        if (file.extension() == kExtension && CanBeFileName(file.stem().string()) && entry->is_regular_file(ignored))
-            names.push_back(file.stem().string());
+        if (file.extension() == kExtension && CanBeFileName(krocore::PathText(file.stem())) &&
+            entry->is_regular_file(ignored))
+            names.push_back(krocore::PathText(file.stem()));
     }
     std::ranges::sort(names, IsBefore);
     return names;
@@ -65,7 +67,7 @@ fs::path UserPresets::FileOf(std::string_view effect, std::string_view name) con
                "space at its ends, not longer than 200 letters.",
                name);
     }
-    return fFolder / effect / (std::string(name) + kExtension);
+    return fFolder / effect / krocore::PathFromText(std::string(name) + kExtension);
 }
 
 Preset UserPresets::Read(std::string_view effect, std::string_view name) const {
@@ -79,8 +81,8 @@ void UserPresets::Write(std::string_view effect, const Preset& preset) const {
     std::error_code error;
     fs::create_directories(file.parent_path(), error);
     if (error)
-        Refuse("$$$/qohost/UserPresets/Folder=@0: the folder can't be made (@1).", file.parent_path().string(),
-               error.message());
+        Refuse("$$$/qohost/UserPresets/Folder=@0: the folder can't be made (@1).",
+               krocore::PathText(file.parent_path()), error.message());
     WritePresetFile(file, preset);
 }
 
@@ -89,7 +91,8 @@ void UserPresets::Remove(std::string_view effect, std::string_view name) const {
     std::error_code error;
     fs::remove(file, error);
     if (error)
-        Refuse("$$$/qohost/UserPresets/Removed=@0: the file can't be deleted (@1).", file.string(), error.message());
+        Refuse("$$$/qohost/UserPresets/Removed=@0: the file can't be deleted (@1).", krocore::PathText(file),
+               error.message());
 }
 
 } // namespace qohost

@@ -1,5 +1,6 @@
 #include "krocore/Localizer.h"
 
+#include "krocore/FilePath.h"
 #include "krocore/config/Error.h"
 
 #include <array>
@@ -129,9 +130,9 @@ void Localizer::LoadDictionary(const std::filesystem::path& file) {
     std::string text(error ? 0 : static_cast<std::size_t>(size), '\0');
     std::ifstream stream(file, std::ios::binary);
     if (error || !stream.read(text.data(), static_cast<std::streamsize>(text.size()))) {
-        throw config::Error("Cannot read the dictionary \"" + file.string() + "\"");
+        throw config::Error("Cannot read the dictionary \"" + PathText(file) + "\"");
     }
-    LoadDictionaryText(text, file.string());
+    LoadDictionaryText(text, PathText(file));
 }
 
 void Localizer::LoadDictionaryText(std::string_view text, std::string_view nameForMessages) {

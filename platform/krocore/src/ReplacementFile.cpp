@@ -1,6 +1,7 @@
 #include "krocore/ReplacementFile.h"
 
 #include "SystemFile.h"
+#include "krocore/FilePath.h"
 #include "krocore/Localizer.h"
 #include "krocore/config/Error.h"
 
@@ -59,7 +60,7 @@ void ReplacementFile::Commit() {
 void ReplacementFile::Fail(std::string_view reason) const {
     throw config::Error(ToStdString(
         ReplacePlaceholders(Localize("$$$/krocore/ReplacementFile/Unwritable=@0: the file can't be written (@1)."),
-                            {ToUTF16(fAskedFor.string()), ToUTF16(reason)})));
+                            {ToUTF16(PathText(fAskedFor)), ToUTF16(reason)})));
 }
 
 void ReplacementFile::CheckTarget() const {

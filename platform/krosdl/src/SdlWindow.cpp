@@ -2,6 +2,7 @@
 
 #include "InputWait.h"
 #include "SdlKeys.h"
+#include "krocore/FilePath.h"
 #include "krocore/String.h"
 #include "krocore/config/Error.h"
 #include "kroui/ui/UI_NodeManager.h"
@@ -328,7 +329,7 @@ void SdlWindow::Handle(const SDL_Event& event) {
     case SDL_KEYDOWN: HandleKey(KeyFromSdl(event.key.keysym, event.key.repeat != 0)); break;
     case SDL_TEXTINPUT: HandleText(event.text.text); break;
     case SDL_DROPFILE:
-        fDropped.emplace_back(event.drop.file);
+        fDropped.push_back(krocore::PathFromText(event.drop.file));
         SDL_free(event.drop.file);
         break;
     case SDL_DROPCOMPLETE:

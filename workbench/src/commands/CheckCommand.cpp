@@ -1,5 +1,6 @@
 #include "workbench/commands/CheckCommand.h"
 
+#include "krocore/FilePath.h"
 #include "workbench/commands/CommandLine.h"
 #include "workbench/commands/FileChecker.h"
 #include "workbench/commands/Messages.h"
@@ -73,7 +74,7 @@ private:
     void Check(const path& file) {
         auto text = ReadFile(file);
         if (!text) return Refuse(file, "can't be read");
-        const Script script{file.string(), *std::move(text)};
+        const Script script{krocore::PathText(file), *std::move(text)};
         const std::string kind = LowerExtension(file);
         if (kind == kArchive) return Report(fChecker.CheckArchive(script));
         if (kind == kSheet) return Report(fChecker.CheckSheet(script));
@@ -87,13 +88,13 @@ private:
         if (!sheet)
             Report({{layout.file,
                      {1, 1},
-                     "the layout has no sheet, expected " + file.stem().string() + ".trn beside it"}});
+                     "the layout has no sheet, expected " + krocore::PathText(file.stem()) + ".trn beside it"}});
         // Without cells, what does not depend on them is still checked.
         Report(fChecker.CheckLayout(layout, {sheet ? sheet->string() : "", text.value_or(kNoSheet)}));
     }
 
     void Refuse(const path& file, const char* why) {
-        TellProblem(fmt::format("{} {}", file.string(), why));
+        TellProblem(fmt::format("{} {}", krocore::PathText(file), why));
         fHasUnreadable = true;
     }
 

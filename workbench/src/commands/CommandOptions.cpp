@@ -1,5 +1,6 @@
 #include "workbench/commands/CommandOptions.h"
 
+#include "krocore/FilePath.h"
 #include "krocore/NumberFormat.h"
 
 #include <fmt/format.h>
@@ -53,7 +54,7 @@ void AddWord(CLI::App& command, const char* name, const std::vector<std::string>
 CLI::Option* AddPath(CLI::App& command, std::filesystem::path& path, const char* name, const char* help) {
     return command
         .add_option_function<std::string>(
-            name, [&path](const std::string& text) { path = text; }, help)
+            name, [&path](const std::string& text) { path = krocore::PathFromText(text); }, help)
         ->type_name("PATH");
 }
 

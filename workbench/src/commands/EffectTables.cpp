@@ -2,6 +2,7 @@
 
 #include "host/FactoryPresets.h"
 #include "host/UserPresets.h"
+#include "krocore/FilePath.h"
 #include "krocore/NumberFormat.h"
 #include "workbench/session/EffectNames.h"
 #include "workbench/session/PanelParts.h"
@@ -180,7 +181,7 @@ Table PresetTable(std::string_view effectName) {
     for (const qohost::Preset& preset : qohost::FactoryPresets(effect))
         table.Add({preset.name, std::string("factory"), {}});
     for (const std::string& name : saved.Names(effect.shortName))
-        table.Add({name, std::string("user"), saved.FileOf(effect.shortName, name).string()});
+        table.Add({name, std::string("user"), krocore::PathText(saved.FileOf(effect.shortName, name))});
     return table;
 }
 

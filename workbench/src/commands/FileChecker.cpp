@@ -1,5 +1,6 @@
 #include "workbench/commands/FileChecker.h"
 
+#include "krocore/FilePath.h"
 #include "kroui/ui/UI_NodeBuilder.h"
 #include "kroui/ui/UI_SubView.h"
 #include "workbench/session/PanelParts.h"
@@ -64,7 +65,7 @@ FileChecker::Problems FileChecker::CheckArchive(const Script& archive) const {
 }
 
 FileChecker::Problems FileChecker::CheckSheet(const Script& sheet) const {
-    const std::filesystem::path file(sheet.file);
+    const std::filesystem::path file = krocore::PathFromText(sheet.file);
     const auto* const description = EffectWithFile({LowerStem(file), "trn"});
     if (!description) return fScripts.CheckSheet(sheet);
     const krotarnlio::ScriptEffect effect = EffectOf(*description);

@@ -1,3 +1,4 @@
+#include "krocore/FilePath.h"
 #include "krocore/config/Error.h"
 #include "workbench/commands/CheckCommand.h"
 #include "workbench/commands/CommandDescriptions.h"
@@ -9,7 +10,11 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace workbench {
 
@@ -79,7 +84,11 @@ void AddCheck(CommandSet& commands) {
     CLI::App& command = commands.Add("check", "say what is wrong in layout archives, sheets and layouts",
                                      "[--format table|tsv|json] FILE...", [request] { return Check(*request); });
     AddFormat(command, request->format);
-    command.add_option("FILE", request->files, "NAME.xml, NAME.trn or NAME.lio")->required();
+    const auto take = [request](const std::vector<std::string>& files) {
+        request->files.clear();
+        std::ranges::transform(files, std::back_inserter(request->files), krocore::PathFromText);
+    };
+    command.add_option_function<std::vector<std::string>>("FILE", take, "NAME.xml, NAME.trn or NAME.lio")->required();
 }
 
 } // namespace

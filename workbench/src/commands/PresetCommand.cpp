@@ -3,6 +3,7 @@
 #include "host/ByteStream.h"
 #include "host/FactoryPresets.h"
 #include "host/UserPresets.h"
+#include "krocore/FilePath.h"
 #include "krocore/config/Error.h"
 #include "workbench/commands/Messages.h"
 #include "workbench/commands/NearestName.h"
@@ -36,7 +37,8 @@ Preset PresetFromText(const EffectDescription& effect, std::string_view text) {
     const qohost::UserPresets saved = SavedPresets();
     if (saved.Has(effect.shortName, text)) return saved.Read(effect.shortName, text);
     std::error_code error;
-    if (qohost::IsStream(text) || std::filesystem::exists(text, error)) return qohost::ReadPresetFile(text);
+    const std::filesystem::path file = krocore::PathFromText(text);
+    if (qohost::IsStream(file) || std::filesystem::exists(file, error)) return qohost::ReadPresetFile(file);
     std::vector<std::string> names = saved.Names(effect.shortName);
     for (const Preset& preset : presets)
         names.push_back(preset.name);
@@ -63,7 +65,8 @@ void MakePreset(const PresetRequest& request) {
     ApplyPresetNamed(*filter, effect, request.preset);
     ApplySettings(*filter, request.settings);
     const bool isStream = qohost::IsStream(request.output); // it has no name to give
-    const std::string name = isStream ? krocore::ToStdString(effect.DisplayName()) : request.output.stem().string();
+    const std::string name =
+        isStream ? krocore::ToStdString(effect.DisplayName()) : krocore::PathText(request.output.stem());
     qohost::WriteBytes(request.output, qohost::WritePreset(qohost::CapturePresetForAnyRate(*filter, name)));
 }
 

@@ -1,5 +1,6 @@
 #include "workbench/commands/ProblemText.h"
 
+#include "krocore/FilePath.h"
 #include "krocore/config/Error.h"
 
 #include <fmt/format.h>
@@ -18,7 +19,7 @@ std::string ProblemText(const std::exception& problem) {
     if (dynamic_cast<const std::bad_alloc*>(&problem) || dynamic_cast<const std::length_error*>(&problem))
         return "there is not enough memory for this";
     if (const auto* const file = dynamic_cast<const std::filesystem::filesystem_error*>(&problem))
-        return fmt::format("{}: {}", file->path1().string(), file->code().message());
+        return fmt::format("{}: {}", krocore::PathText(file->path1()), file->code().message());
     if (const auto* const system = dynamic_cast<const std::system_error*>(&problem)) return system->code().message();
     const std::string_view text = problem.what();
     const bool isForPeople = !text.empty() && text.find("::") == std::string_view::npos;

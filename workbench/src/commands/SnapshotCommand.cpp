@@ -1,6 +1,7 @@
 #include "workbench/commands/SnapshotCommand.h"
 
 #include "host/ByteStream.h"
+#include "krocore/FilePath.h"
 #include "krocore/config/Error.h"
 #include "kroui/ui/HeadlessWindow.h"
 #include "workbench/session/EffectNames.h"
@@ -71,7 +72,7 @@ void Snapshot(const SnapshotRequest& request) {
 int Gallery(const std::filesystem::path& folder) {
     std::error_code error;
     std::filesystem::create_directories(folder, error);
-    if (error) throw Error(fmt::format("{}: can't make the folder: {}", folder.string(), error.message()));
+    if (error) throw Error(fmt::format("{}: can't make the folder: {}", krocore::PathText(folder), error.message()));
 
     const PanelsLibrary library;
     int files = 0;

@@ -2,6 +2,7 @@
 
 #include "host/OfflineRenderer.h"
 #include "host/TestSignal.h"
+#include "krocore/FilePath.h"
 #include "krocore/Localizer.h"
 #include "uit/TimecodeFormat.h"
 #include "workbench/session/EffectNames.h"
@@ -23,7 +24,8 @@ Session::OpenedFile OrTestSound(Session::OpenedFile file) {
 
 krocore::string16 ShownName(const std::filesystem::path& file) {
     if (file.empty()) return krocore::Localize("$$$/Workbench/TestSound=Test sound");
-    return krocore::ToUTF16(file.filename().u8string().empty() ? file.string() : file.filename().string());
+    return krocore::ToUTF16(file.filename().u8string().empty() ? krocore::PathText(file)
+                                                               : krocore::PathText(file.filename()));
 }
 
 } // namespace
@@ -167,7 +169,7 @@ RenderJob::Task Session::TaskToRender() const {
 
 std::filesystem::path Session::FileToRender() const {
     namespace fs = std::filesystem;
-    const fs::path source = fFile.empty() ? fs::path(krocore::ToStdString(fSoundName)) : fFile;
+    const fs::path source = fFile.empty() ? krocore::PathFromText(krocore::ToStdString(fSoundName)) : fFile;
     fs::path name = fFile.empty() ? source : source.stem();
     name += "-" + std::string(fEffect->shortName) + ".wav";
     return fs::absolute(source).parent_path() / name;

@@ -1,5 +1,7 @@
 #include "workbench/session/TextFile.h"
 
+#include "krocore/FilePath.h"
+
 #include <algorithm>
 #include <fstream>
 #include <system_error>
@@ -30,11 +32,11 @@ std::optional<std::string> ReadFile(const std::filesystem::path& file) {
 }
 
 std::string LowerExtension(const std::filesystem::path& file) {
-    return Lower(file.extension().string());
+    return Lower(krocore::PathText(file.extension()));
 }
 
 std::string LowerStem(const std::filesystem::path& file) {
-    return Lower(file.stem().string());
+    return Lower(krocore::PathText(file.stem()));
 }
 
 } // namespace workbench

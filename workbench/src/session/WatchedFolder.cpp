@@ -1,5 +1,6 @@
 #include "workbench/session/WatchedFolder.h"
 
+#include "krocore/FilePath.h"
 #include "krocore/ModuleResources.h"
 #include "krocore/config/Error.h"
 #include "workbench/session/TextFile.h"
@@ -27,7 +28,8 @@ ResourceName NameOf(const std::filesystem::path& file) {
 } // namespace
 
 WatchedFolder::WatchedFolder(std::filesystem::path folder) : fFolder(std::move(folder)) {
-    if (!See()) throw krocore::config::Error(fmt::format("{}: there is no such folder to watch", fFolder.string()));
+    if (!See())
+        throw krocore::config::Error(fmt::format("{}: there is no such folder to watch", krocore::PathText(fFolder)));
     for (auto& [name, entry] : fEntries)
         Load(name, entry);
 }
@@ -102,7 +104,7 @@ bool WatchedFolder::Load(const ResourceName& name, Entry& entry) {
     auto text = ReadFile(entry.path);
     if (!text || !(StampOf(entry.path) == entry.seen)) return false;
     krocore::SetResourceOverride(name.name, name.type, std::as_bytes(std::span(*text)));
-    entry.script = {entry.path.string(), std::move(*text)};
+    entry.script = {krocore::PathText(entry.path), std::move(*text)};
     entry.loaded = entry.seen;
     return true;
 }

@@ -1,5 +1,6 @@
 #include "workbench/window/RenderController.h"
 
+#include "krocore/FilePath.h"
 #include "krocore/Localizer.h"
 #include "krocore/NumberFormat.h"
 #include "krocore/Units.h"
@@ -59,7 +60,7 @@ void RenderController::ShowOutcome(const RenderJob::Outcome& outcome) {
         ShowClipping(outcome);
     } else {
         fStatus.ShowNews(krocore::ReplacePlaceholders(krocore::Localize("$$$/Workbench/Rendered=Rendered @0"),
-                                                      {krocore::ToUTF16(outcome.file.string())}));
+                                                      {krocore::ToUTF16(krocore::PathText(outcome.file))}));
     }
 }
 
@@ -67,7 +68,7 @@ void RenderController::ShowClipping(const RenderJob::Outcome& outcome) {
     constexpr double kSafePeak = -1; // dB
     const auto text = krocore::ReplacePlaceholders(
         krocore::Localize("$$$/Workbench/RenderedClipped=Rendered @0: @1"),
-        {krocore::ToUTF16(outcome.file.filename().string()), ClippingText(outcome.clipping)});
+        {krocore::ToUTF16(krocore::PathText(outcome.file.filename())), ClippingText(outcome.clipping)});
     const auto again = [this](RenderJob::Wishes wishes) {
         return [this, wishes] {
             if (!fJob) Start(wishes);
