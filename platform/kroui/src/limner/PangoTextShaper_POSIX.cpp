@@ -1,6 +1,7 @@
 #include "PangoTextShaper.h"
 
 #include "CairoHandle.h"
+#include "ShownText.h"
 
 #include <dlfcn.h>
 #include <pango/pangocairo.h>
@@ -27,13 +28,6 @@ int InPangoUnits(float units) {
     return static_cast<int>(usable * PANGO_SCALE);
 }
 
-bool IsHighSurrogate(char16_t unit) {
-    return (unit & 0xFC00) == 0xD800;
-}
-bool IsLowSurrogate(char16_t unit) {
-    return (unit & 0xFC00) == 0xDC00;
-}
-
 void AppendUTF8(char32_t c, std::string& utf8) {
     const auto tail = [c](int shift) { return static_cast<char>(0x80 | (c >> shift & 0x3F)); };
     if (c < 0x80) {
@@ -47,32 +41,23 @@ void AppendUTF8(char32_t c, std::string& utf8) {
     }
 }
 
-// What is shown for a unit that is no half of a surrogate pair: control characters are spaces, except line ends in a
-// paragraph.
-char32_t Shown(char16_t unit, bool keepLineEnds) {
-    constexpr char32_t kReplacement = 0xFFFD;
-    if (IsHighSurrogate(unit) || IsLowSurrogate(unit)) return kReplacement;
-    if (unit == u'\n' && keepLineEnds) return unit;
-    const bool isControl = unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x2028 || unit == 0x2029;
-    return isControl ? U' ' : unit;
-}
-
 // The text for Pango; `offsets` receives the byte position of each UTF-16 unit (both halves of a pair have the same)
 // and the length.
 std::string ForPango(std::u16string_view text, bool keepLineEnds, std::vector<int>* offsets) {
+    const std::u16string shown = ShownText(text, keepLineEnds);
     std::string utf8;
     utf8.reserve(text.size() + text.size() / 2);
     const auto note = [&] {
         if (offsets != nullptr) offsets->push_back(static_cast<int>(utf8.size()));
     };
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (std::size_t i = 0; i < shown.size(); ++i) {
         note();
-        if (IsHighSurrogate(text[i]) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
+        if (IsHighSurrogate(shown[i])) {
             note();
-            AppendUTF8(0x10000 + ((text[i] & 0x3FFU) << 10) + (text[i + 1] & 0x3FFU), utf8);
+            AppendUTF8(0x10000 + ((shown[i] & 0x3FFU) << 10) + (shown[i + 1] & 0x3FFU), utf8);
             ++i;
         } else {
-            AppendUTF8(Shown(text[i], keepLineEnds), utf8);
+            AppendUTF8(shown[i], utf8);
         }
     }
     note();
