@@ -2,6 +2,8 @@
 // "times_real_time" is seconds of sound a second of one core. At the end stand the sum over the effects and those that
 // are slower than they may be.
 
+#include "EvenLoad.h"
+#include "SetEffects.h"
 #include "host/TestSignal.h"
 #include "host/UndoHistory.h"
 #include "qoc/components/ComponentIDs.h"
@@ -13,7 +15,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <ctime>
 #include <map>
 #include <memory>
 #include <string>
@@ -33,7 +34,7 @@ void ProcessAll(kroaudiofilterhost::AudioFilter& filter, const qohost::Sound& so
     benchmark::DoNotOptimize(output.data());
 }
 
-using Filter = boost::intrusive_ptr<kroaudiofilterhost::AudioFilter>;
+using bench::Filter;
 
 void RunFilter(benchmark::State& state, const Filter& filter) {
     static const qohost::Sound sSound = qohost::MakeTestSignal(kSeconds);
@@ -48,101 +49,24 @@ void RunEffect(benchmark::State& state, const qoc::components::EffectDescription
     RunFilter(state, effect.create());
 }
 
-double ThreadSeconds() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-}
-
-// How evenly an effect works: the slowest block against the median and against what a block lasts, at 48 kHz in blocks
-// of 64. Of each block the quickest of all rounds counts, so that what else the machine does is left out.
-void RunBlocks(benchmark::State& state, const Filter& filter) {
-    constexpr std::size_t kShort = 64;
-    constexpr double kRate = 48000;
-    constexpr int kRounds = 5;
-    static const qohost::Sound sSound = qohost::MakeTestSignal(4);
-    filter->SetDuration(static_cast<double>(sSound.Frames()));
-    filter->Prepare(static_cast<float>(kRate), kShort, sSound.layout);
-    std::vector<double> seconds(sSound.Frames() / kShort, 1);
-    std::array<std::vector<float>, 2> output = {std::vector<float>(kShort), std::vector<float>(kShort)};
-    float* const outputs[] = {output[0].data(), output[1].data()};
-    for (auto _ : state) {
-        for (int round = 0; round < kRounds; ++round) {
-            filter->Reset();
-            for (std::size_t block = 0; block < seconds.size(); ++block) {
-                const float* const inputs[] = {sSound.channels[0].data() + block * kShort,
-                                               sSound.channels[1].data() + block * kShort};
-                const double begin = ThreadSeconds();
-                filter->Process({inputs, outputs, kShort});
-                seconds[block] = std::min(seconds[block], ThreadSeconds() - begin);
-            }
-        }
-    }
-    std::ranges::sort(seconds);
-    const double median = seconds[seconds.size() / 2];
-    state.counters["median_us"] = 1e6 * median;
-    state.counters["worst_us"] = 1e6 * seconds.back();
-    state.counters["worst_over_median"] = seconds.back() / median;
-    state.counters["worst_percent_of_block"] = 100 * seconds.back() * kRate / kShort;
-}
-
-// A curve of all 128 points, up and down.
-Filter DrawnFFTFilter() {
-    using namespace qoc::components;
-    Filter filter = CreateEffect(kFFTFilterComponentID);
-    filter->SetParameterValueQuietly(kFFTFilterUpdating, 1);
-    filter->SetParameterValueQuietly(kFFTFilterPointCount, 1);
-    for (int point = 0; point < 128; ++point) {
-        const float place = static_cast<float>(point) / 127;
-        filter->SetParameterValue(kFFTFilterFirstPoint + 2 * point, place * place * place);
-        filter->SetParameterValue(kFFTFilterFirstPoint + 2 * point + 1, point % 2 == 0 ? 0.5F : 0.7F);
-    }
-    filter->SetParameterValueQuietly(kFFTFilterUpdating, 0);
-    return filter;
-}
-
-// Defaults let the sound through untransformed.
-void RunDrawnFFTFilter(benchmark::State& state) {
-    RunFilter(state, DrawnFFTFilter());
-}
-
-// A flat one does nothing.
-void RunSetGraphicEQ(benchmark::State& state) {
-    using namespace qoc::components;
-    const Filter filter = CreateEffect(kGraphicEQ30BandsComponentID);
-    for (int band = 0; band < 30; ++band)
-        filter->SetParameterValue(kGraphicEQFirstGain + band, band % 2 == 0 ? 0.4F : 0.6F);
-    RunFilter(state, filter);
-}
-
-// All bands, the passes at their steepest.
-void RunSetParametricEQ(benchmark::State& state) {
-    using namespace qoc::components;
-    const Filter filter = CreateEffect(kParametricEQComponentID);
-    for (int band = 0; band < 9; ++band)
-        filter->SetParameterValue(kParametricEQFirstEnable + band, 1);
-    for (int band = 0; band < 7; ++band)
-        filter->SetParameterValue(kParametricEQFirstGain + band, band % 2 == 0 ? 0.4F : 0.6F);
-    for (int pass = 0; pass < 2; ++pass)
-        filter->SetParameterValue(kParametricEQFirstSlope + pass, 1);
-    RunFilter(state, filter);
-}
-
-// A sound of -6 dB at its peaks as if it had been clipped at -12 dB: every peak is restored.
-Filter ClippedIntraClip() {
-    using namespace qoc::components;
-    Filter filter = CreateEffect(kIntraClipComponentComponentID);
-    filter->SetParameterValue(kIntraClipLevel, filter->GetParameterInfo(kIntraClipLevel)->ToNormalised(-12));
-    return filter;
-}
-
-void RunClippedIntraClip(benchmark::State& state) {
-    RunFilter(state, ClippedIntraClip());
+// At their defaults these let the sound through. Clip restoration hears a sound of -6 dB at its peaks as if it had been
+// clipped at -12 dB: every peak is restored.
+void RegisterSetEffects() {
+    const auto add = [](const char* name, const auto& make) {
+        benchmark::RegisterBenchmark(name, [make](benchmark::State& state) {
+            RunFilter(state, make());
+        })->Unit(benchmark::kMillisecond);
+    };
+    add("fftfilter/128_points", bench::DrawnFFTFilter);
+    add("graphiceq30bands/set", bench::SetGraphicEQ);
+    add("parametriceq/set", bench::SetParametricEQ);
+    add("intraclip/clipped", [] { return bench::IntraClipAt(-12); });
+    add("pitchshift/a_third_up", [] { return bench::PitchShiftBy(1.26F); });
 }
 
 // What one step of a drag costs: the filter is made anew and its response is asked for.
 void DragFFTFilterPoint(benchmark::State& state) {
-    const Filter filter = DrawnFFTFilter();
+    const Filter filter = bench::DrawnFFTFilter();
     filter->Prepare(44100, kBlock, kromediatypes::AudioChannelLayout::Stereo());
     std::vector<float> decibels;
     float level = 0;
@@ -225,19 +149,9 @@ int main(int argc, char** argv) {
         benchmark::RegisterBenchmark(std::string(effect.shortName).c_str(), [&effect](benchmark::State& state) {
             RunEffect(state, effect);
         })->Unit(benchmark::kMillisecond);
-        benchmark::RegisterBenchmark((std::string(effect.shortName) + "/blocks").c_str(),
-                                     [&effect](benchmark::State& state) { RunBlocks(state, effect.create()); })
-            ->Iterations(1)
-            ->Unit(benchmark::kMillisecond);
     }
-    benchmark::RegisterBenchmark("fftfilter/128_points", RunDrawnFFTFilter)->Unit(benchmark::kMillisecond);
-    benchmark::RegisterBenchmark("graphiceq30bands/set", RunSetGraphicEQ)->Unit(benchmark::kMillisecond);
-    benchmark::RegisterBenchmark("parametriceq/set", RunSetParametricEQ)->Unit(benchmark::kMillisecond);
-    benchmark::RegisterBenchmark("intraclip/clipped", RunClippedIntraClip)->Unit(benchmark::kMillisecond);
-    benchmark::RegisterBenchmark("intraclip/clipped_blocks",
-                                 [](benchmark::State& state) { RunBlocks(state, ClippedIntraClip()); })
-        ->Iterations(1)
-        ->Unit(benchmark::kMillisecond);
+    RegisterSetEffects();
+    bench::RegisterEvenLoad();
     benchmark::RegisterBenchmark("fftfilter/drag", DragFFTFilterPoint)->Unit(benchmark::kMicrosecond);
     benchmark::RegisterBenchmark("fftfilter/undo", [](benchmark::State& state) {
         using namespace qoc::components;
