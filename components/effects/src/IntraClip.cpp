@@ -91,6 +91,14 @@ std::size_t OctavesAbove48kHz(double rate) {
     return octaves;
 }
 
+// In nanoseconds, about.
+double CostOfDetecting(const RepairStream::Layout& layout) {
+    return 0.7 * static_cast<double>(layout.Frame());
+}
+double CostOfBeginning(const RepairStream::Layout& layout) {
+    return 1.5 * static_cast<double>(layout.Frame());
+}
+
 // A stored float is that near to 0 dB at best.
 constexpr float kUnityWindow = 1e-5F;
 
@@ -112,19 +120,21 @@ void IntraClip::PrepareProcessing(std::size_t /*maximumBlock*/) {
                        .largestOrder = kLargestOrder,
                        .rounds = isRender ? kRenderRounds : kLiveRounds,
                        .octaves = static_cast<double>(octaves)});
-    std::vector<double> costs;
-    for (std::size_t step = 0; step < channels * fRestorer.Steps(); ++step)
-        costs.push_back(fRestorer.CostOf(step % fRestorer.Steps()));
-    fStream.Prepare(channels, fLayout, costs);
-    fDetector.Prepare(frame);
-    fLevels.assign(channels, {});
-    fHeard.assign(channels, std::vector<float>(frame));
+    fSteps = PacedSteps::CountFor(fLayout.hop);
+    fStream.Prepare(channels, fLayout, std::vector<double>(fSteps, 1));
+    fChannels.assign(channels, {});
+    for (Channel& channel : fChannels) {
+        channel.detector.Prepare(frame);
+        channel.heard.resize(frame);
+    }
+    fDetected = fBegun = channels;
     fGain.Prepare(GetSampleRate());
 }
 
 void IntraClip::ResetProcessing() noexcept {
     fStream.Reset();
-    std::ranges::fill(fLevels, ClipDetector::Levels{});
+    for (Channel& channel : fChannels)
+        channel.levels = {};
     fHeardFrames = 0;
 }
 
@@ -150,43 +160,74 @@ void IntraClip::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) 
     }
 }
 
-// All channels of a frame are worked on with the settings at its beginning, one after the other.
+// All channels of a frame are worked on with the settings at its beginning: what is clipped is looked for in all of
+// them, and then restored in one after the other.
 void IntraClip::Begin(std::span<const Frame> frames) noexcept {
     fFrames = frames;
     fTaken = fSettings;
+    fRestorer.Stop();
+    fDetected = 0;
+    fBegun = 0;
 }
 
+// How much there is to do depends on how much is clipped, and whether the predictions suit the sound: each step does
+// its part of what is left as far as one can tell.
 void IntraClip::Step(std::size_t step) noexcept {
-    const std::size_t steps = fRestorer.Steps();
-    if (step % steps == 0) fIsBusy = BeginChannel(step / steps);
-    if (fIsBusy) fRestorer.Step(step % steps);
+    const bool isLast = step + 1 == fSteps;
+    double budget = CostLeft() / static_cast<double>(fSteps - step);
+    while (!IsDone() && (budget > 0 || isLast))
+        budget -= Work();
 }
 
-// True when there is something to do to its frame.
-bool IntraClip::BeginChannel(std::size_t channel) noexcept {
-    const auto [original, repaired] = fFrames[channel];
-    const auto runs = fDetector.Find(original, fTaken.detection, fLevels[channel]);
-    const auto isHeard = [this](const ClipDetector::Run& run) {
-        return run.end - run.begin >= fTaken.restoration.minimumSize && run.end > fLayout.before &&
-               run.begin < fLayout.before + fLayout.hop;
-    };
-    if (std::ranges::none_of(runs, isHeard)) return false;
+bool IntraClip::IsDone() const noexcept {
+    return fDetected == fChannels.size() && fBegun == fChannels.size() && fRestorer.IsDone();
+}
+
+// In nanoseconds, about, as all costs.
+double IntraClip::CostLeft() const noexcept {
+    double cost = static_cast<double>(fChannels.size() - fDetected) * CostOfDetecting(fLayout) + fRestorer.CostLeft();
+    for (std::size_t channel = fBegun; channel < fDetected; ++channel) {
+        const auto& runs = fChannels[channel].runs;
+        if (!runs.empty()) cost += CostOfBeginning(fLayout) + fRestorer.CostOf(runs, fTaken.restoration);
+    }
+    return cost;
+}
+
+double IntraClip::Work() noexcept {
+    if (fDetected < fChannels.size()) return Detect();
+    if (!fRestorer.IsDone()) return fRestorer.Work();
+    const auto [original, repaired] = fFrames[fBegun];
+    const auto& runs = fChannels[fBegun++].runs;
+    if (runs.empty()) return 0;
     fRestorer.Begin(original, repaired, runs, fTaken.restoration);
-    return true;
+    return CostOfBeginning(fLayout);
+}
+
+double IntraClip::Detect() noexcept {
+    Channel& channel = fChannels[fDetected];
+    channel.runs = channel.detector.Find(fFrames[fDetected].original, fTaken.detection, channel.levels);
+    if (std::ranges::none_of(channel.runs, [this](const auto& run) { return IsHeard(run); })) channel.runs = {};
+    ++fDetected;
+    return CostOfDetecting(fLayout);
+}
+
+bool IntraClip::IsHeard(const ClipDetector::Run& run) const noexcept {
+    return run.end - run.begin >= fTaken.restoration.minimumSize && run.end > fLayout.before &&
+           run.begin < fLayout.before + fLayout.hop;
 }
 
 // The levels that the whole sound shows, so that its first peaks are restored too.
 void IntraClip::OnListen(std::span<const float* const> inputs, std::size_t frames) {
     for (std::size_t i = 0; i < frames; ++i) {
-        for (std::size_t channel = 0; channel < fHeard.size(); ++channel)
-            fHeard[channel][fHeardFrames] = SaneSample(inputs[channel][i]);
+        for (std::size_t channel = 0; channel < fChannels.size(); ++channel)
+            fChannels[channel].heard[fHeardFrames] = SaneSample(inputs[channel][i]);
         if (++fHeardFrames == fLayout.Frame()) HearFrame();
     }
 }
 
 void IntraClip::HearFrame() noexcept {
-    for (std::size_t channel = 0; channel < fHeard.size(); ++channel)
-        fDetector.Find(fHeard[channel], fSettings.detection, fLevels[channel]);
+    for (Channel& channel : fChannels)
+        channel.detector.Find(channel.heard, fSettings.detection, channel.levels);
     fHeardFrames = 0;
 }
 

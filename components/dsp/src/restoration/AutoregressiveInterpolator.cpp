@@ -1,36 +1,17 @@
 #include "qoc/dsp/restoration/AutoregressiveInterpolator.h"
 
-#include "qoc/dsp/math/UnrolledSum.h"
+#include "qoc/dsp/math/DotProduct.h"
+#include "restoration/BandColumns.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstring>
 #include <utility>
 
 namespace qoc::dsp {
 
-namespace {
-
-// Neighbours that are worked on at once.
-constexpr std::size_t kLanes = 2;
-using Lanes __attribute__((vector_size(kLanes * sizeof(double)))) = double;
-
-Lanes Load(const double* from) noexcept {
-    Lanes lanes;
-    std::memcpy(&lanes, from, sizeof(lanes));
-    return lanes;
-}
-
-void Store(double* to, Lanes lanes) noexcept {
-    std::memcpy(to, &lanes, sizeof(lanes));
-}
-
-} // namespace
-
 void AutoregressiveInterpolator::Prepare(std::size_t mostUnknown, std::size_t largestOrder) {
-    fProducts.assign(largestOrder + 1, 0.0);
-    fBand.assign(mostUnknown * (largestOrder + 1), 0.0);
+    fProducts.assign(2 * largestOrder + 1, 0.0);
+    fBand.assign(mostUnknown * BandStride(largestOrder + 1), 0.0);
     fValues.assign(mostUnknown, 0.0);
     fBefore.assign(mostUnknown, 0.0);
 }
@@ -42,16 +23,6 @@ void AutoregressiveInterpolator::Restore(std::span<const double> coefficients, s
         Work();
 }
 
-bool AutoregressiveInterpolator::RestoreUnbounded(std::span<const double> coefficients,
-                                                  std::span<const std::size_t> unknown,
-                                                  std::span<double> sound) noexcept {
-    Begin(coefficients, unknown, sound);
-    fIsBounded = false;
-    while (!IsDone())
-        Work();
-    return fIsSolvable;
-}
-
 void AutoregressiveInterpolator::Begin(std::span<const double> coefficients, std::span<const std::size_t> unknown,
                                        std::span<double> sound) noexcept {
     fUnknown = unknown;
@@ -61,14 +32,22 @@ void AutoregressiveInterpolator::Begin(std::span<const double> coefficients, std
     fIsBounded = true;
     fIsSolvable = !unknown.empty();
     fWidth = coefficients.size();
+    fStride = BandStride(fWidth);
     for (std::size_t lag = 0; lag < fWidth; ++lag) {
         double sum = 0;
         for (std::size_t k = 0; k + lag < fWidth; ++k)
             sum += coefficients[k] * coefficients[k + lag];
-        fProducts[lag] = sum;
+        fProducts[fWidth - 1 + lag] = fProducts[fWidth - 1 - lag] = sum;
     }
     for (std::size_t i = 0; i < unknown.size(); ++i)
         fBefore[i] = std::exchange(sound[unknown[i]], 0);
+}
+
+void AutoregressiveInterpolator::BeginUnbounded(std::span<const double> coefficients,
+                                                std::span<const std::size_t> unknown,
+                                                std::span<double> sound) noexcept {
+    Begin(coefficients, unknown, sound);
+    fIsBounded = false;
 }
 
 // A few unknown samples at a time.
@@ -101,12 +80,14 @@ double AutoregressiveInterpolator::CostOf(std::size_t unknown, std::size_t order
 
 // Of one unknown sample, in nanoseconds, about.
 double AutoregressiveInterpolator::PieceCost(Stage stage, std::size_t width) const noexcept {
-    constexpr double kProductCost = 1;   // a coefficient
-    constexpr double kFactorCost = 0.12; // two coefficients
-    constexpr double kBoundCost = 0.3;   // a coefficient
+    constexpr double kSetUpCost = 0.7;    // a coefficient
+    constexpr double kProductCost = 0.3;  // a coefficient
+    constexpr double kFactorCost = 0.045; // two coefficients
+    constexpr double kBoundCost = 0.5;    // a coefficient
     constexpr double kStoreCost = 2;
     const auto count = static_cast<double>(width);
     switch (stage) {
+    case Stage::kSetUp: return kSetUpCost * count;
     case Stage::kFactorise: return kFactorCost * count * count;
     case Stage::kStore: return kStoreCost;
     case Stage::kBound: return kBoundCost * count;
@@ -168,22 +149,22 @@ void AutoregressiveInterpolator::BoundGap(std::span<const std::size_t> gap) noex
         fSound[place] = std::clamp(fSound[place], lo - room, hi + room);
 }
 
+// What is unknown is 0 in the sound until then.
 void AutoregressiveInterpolator::SetUp(std::size_t index) noexcept {
     double* const column = Column(index);
-    std::fill_n(column, fWidth, 0.0);
+    std::fill_n(column, fStride, 0.0);
     const std::size_t here = fUnknown[index];
+    const double* const products = fProducts.data() + fWidth - 1; // from lag 0 on
     const std::size_t end = std::min(fUnknown.size(), index + fWidth);
     for (std::size_t j = index; j < end && fUnknown[j] - here < fWidth; ++j)
-        column[j - index] = fProducts[fUnknown[j] - here];
-    const double* const middle = fSound.data() + here;
-    const auto around = [&](std::size_t lag) { return fProducts[lag] * (*(middle - lag) + middle[lag]); };
-    fValues[index] = -UnrolledSum<double>(1, fWidth, around);
+        column[j - index] = products[fUnknown[j] - here];
+    fValues[index] = -DotProduct(fProducts.data(), fSound.data() + here - (fWidth - 1), 2 * fWidth - 1);
 }
 
 // Cholesky's factorisation, column by column. False when the matrix is not positive, which only numbers out of all
 // proportion can cause.
 bool AutoregressiveInterpolator::Factorise(std::size_t index) noexcept {
-    SubtractEarlier(index);
+    SubtractEarlierColumns(fBand.data(), fWidth, index);
     double* const column = Column(index);
     if (!(column[0] > 0)) return false;
     const double scale = 1 / std::sqrt(column[0]);
@@ -192,49 +173,18 @@ bool AutoregressiveInterpolator::Factorise(std::size_t index) noexcept {
     return true;
 }
 
-// What the columns before it leave of a column: kTogether of them at a time, so that it is read and written less often.
-void AutoregressiveInterpolator::SubtractEarlier(std::size_t index) noexcept {
-    constexpr std::size_t kTogether = 4;
-    double* const column = Column(index);
-    std::size_t first = index >= fWidth ? index - fWidth + 1 : 0;
-    for (; first + kTogether <= index; first += kTogether) {
-        std::array<const double*, kTogether> rows; // of those columns, from this one's diagonal on
-        for (std::size_t k = 0; k < kTogether; ++k)
-            rows[k] = Column(first + k) + (index - first - k);
-        const auto [a, b, c, d] = std::array{*rows[0], *rows[1], *rows[2], *rows[3]};
-        if (a == 0 && b == 0 && c == 0 && d == 0) continue;
-        const std::size_t length = fWidth - (index - first);
-        std::size_t i = 0;
-        for (; i + kLanes <= length; i += kLanes)
-            Store(column + i, Load(column + i) - (a * Load(rows[0] + i) + b * Load(rows[1] + i) +
-                                                  c * Load(rows[2] + i) + d * Load(rows[3] + i)));
-        for (; i < length; ++i)
-            column[i] -= a * rows[0][i] + b * rows[1][i] + c * rows[2][i] + d * rows[3][i];
-        // The later a column begins, the farther it reaches.
-        column[length] -= b * rows[1][length] + c * rows[2][length] + d * rows[3][length];
-        column[length + 1] -= c * rows[2][length + 1] + d * rows[3][length + 1];
-        column[length + 2] -= d * rows[3][length + 2];
-    }
-    for (; first < index; ++first) {
-        const double* const row = Column(first) + (index - first);
-        for (std::size_t i = 0; i < fWidth - (index - first); ++i)
-            column[i] -= *row * row[i];
-    }
-}
-
 void AutoregressiveInterpolator::SolveForward(std::size_t index) noexcept {
     const double* const column = Column(index);
-    fValues[index] /= column[0];
-    for (std::size_t k = 1; k < std::min(fWidth, fUnknown.size() - index); ++k)
-        fValues[index + k] -= column[k] * fValues[index];
+    double* const values = fValues.data() + index;
+    *values /= column[0];
+    SubtractScaled(column + 1, *values, values + 1, std::min(fWidth, fUnknown.size() - index) - 1);
 }
 
 void AutoregressiveInterpolator::SolveBack(std::size_t index) noexcept {
     const double* const column = Column(index);
-    const double* const later = fValues.data() + index;
-    const std::size_t length = std::min(fWidth, fUnknown.size() - index);
-    const auto sum = UnrolledSum<double>(1, length, [&](std::size_t k) { return column[k] * later[k]; });
-    fValues[index] = (fValues[index] - sum) / column[0];
+    double* const values = fValues.data() + index;
+    const std::size_t later = std::min(fWidth, fUnknown.size() - index) - 1;
+    *values = (*values - DotProduct(column + 1, values + 1, later)) / column[0];
 }
 
 } // namespace qoc::dsp

@@ -7,21 +7,16 @@ namespace qoc::dsp {
 
 namespace {
 
-// How often the prediction is made anew from what it has restored.
-constexpr std::size_t kPredictions = 3;
-constexpr std::size_t kHalvesOfChain = 2 * kPredictions;
 // A peak is rounder than the tangents of the sound on both sides, which meet above it; samples are apart, so that the
 // tangents are known roughly. The margin is for peaks that rise within a sample.
 constexpr double kTangents = 4;
 constexpr double kMargin = 1.4125; // 3 dB
 constexpr double kHighest = 4;     // 12 dB over the clipping
 // The prediction is the better model when its errors are that much weaker than the sound, from the sparse model on or
-// from the curves, and that little of the peaks' energy lies out of bounds.
+// from the curves.
 constexpr double kLargestError = 1e-4;           // -40 dB
 constexpr double kLargestErrorFromCurves = 3e-4; // -35 dB
-constexpr double kMostImplausible = 0.05;
-constexpr double kHopeless = 0.5;      // no further prediction then
-constexpr double kEaseOfOctave = 1e-2; // an empty octave at the top is as easy to predict as that
+constexpr double kEaseOfOctave = 1e-2;           // an empty octave at the top is as easy to predict as that
 
 } // namespace
 
@@ -30,24 +25,13 @@ void ClipRestorer::Prepare(const Layout& layout) {
     fEase = std::pow(kEaseOfOctave, layout.octaves);
     const std::size_t frame = layout.frame;
     fSparse.Prepare(frame);
-    fModel.Prepare(frame, layout.largestOrder);
-    fInterpolator.Prepare(frame, layout.largestOrder);
-    for (std::vector<double>* const values : {&fSound, &fCurves, &fPredicted, &fErrors, &fCeilingAt})
+    fPredictor.Prepare(frame, layout.largestOrder);
+    for (std::vector<double>* const values : {&fSound, &fCurves, &fCeilingAt})
         values->assign(frame, 0.0);
     fCeilings.reserve(frame);
-    for (std::vector<std::size_t>* const places : {&fClipped, &fStored, &fUnknown})
+    for (std::vector<std::size_t>* const places : {&fClipped, &fStored})
         places->reserve(frame);
-}
-
-// The sparse model's rounds, the predictions from there and those from the curves.
-std::size_t ClipRestorer::Steps() const noexcept {
-    return fLayout.rounds + 2 * kHalvesOfChain;
-}
-
-// Predictions are made with as many equations as there are clipped samples.
-double ClipRestorer::CostOf(std::size_t step) const noexcept {
-    constexpr double kPrediction = 5;
-    return step < fLayout.rounds ? 1 : kPrediction;
+    fStage = Stage::kDone;
 }
 
 void ClipRestorer::Begin(std::span<const float> original, std::span<float> repaired,
@@ -65,28 +49,66 @@ void ClipRestorer::Begin(std::span<const float> original, std::span<float> repai
     for (const ClipDetector::Run& run : runs)
         FillWithCurve(run);
     fSparse.Begin(fSound, fClipped, fCeilings);
+    fRound = 0;
+    fLeastError = 1;
+    fStage = settings.usesSpectrum ? Stage::kSparse : Stage::kCurves;
 }
 
-void ClipRestorer::Step(std::size_t step) noexcept {
-    if (!fSettings.usesSpectrum) {
-        if (step == 0) Store(fCurves);
-        return;
+double ClipRestorer::Work() noexcept {
+    switch (fStage) {
+    case Stage::kCurves: Store(fCurves); return 0;
+    case Stage::kSparse: return Iterate();
+    case Stage::kPredictFromSparse:
+    case Stage::kPredictFromCurves: return Predict();
+    case Stage::kDone: return 0;
     }
-    if (step < fLayout.rounds) return fSparse.Iterate(step, fLayout.rounds);
-    const std::size_t half = step - fLayout.rounds;
-    if (half == 0) {
+    return 0;
+}
+
+double ClipRestorer::CostOf(std::span<const ClipDetector::Run> runs, const Settings& settings) const noexcept {
+    if (!settings.usesSpectrum) return 0;
+    std::size_t clipped = 0;
+    for (const ClipDetector::Run& run : runs)
+        clipped += run.end - std::min(run.end, std::max(run.begin, fLayout.first));
+    return CostOfRounds(fLayout.rounds) + 2 * fPredictor.CostOf(clipped, settings.order);
+}
+
+double ClipRestorer::CostOfRounds(std::size_t rounds) const noexcept {
+    return static_cast<double>(rounds) * fSparse.CostOfRound();
+}
+
+double ClipRestorer::CostLeft() const noexcept {
+    const double prediction = fPredictor.CostOf(fClipped.size(), fSettings.order);
+    switch (fStage) {
+    case Stage::kSparse: return CostOfRounds(fLayout.rounds - fRound) + 2 * prediction;
+    case Stage::kPredictFromSparse: return fPredictor.CostLeft() + prediction;
+    case Stage::kPredictFromCurves: return fPredictor.CostLeft();
+    default: return 0;
+    }
+}
+
+double ClipRestorer::Iterate() noexcept {
+    fSparse.Iterate(fRound, fLayout.rounds);
+    if (++fRound == fLayout.rounds) {
         fSparse.Finish(fSound);
-        fLeastError = 1;
         StartPrediction(fSound);
+        fStage = Stage::kPredictFromSparse;
     }
-    half % 2 == 0 ? Predict() : PredictWithinBounds();
-    if (half + 1 == kHalvesOfChain) {
+    return fSparse.CostOfRound();
+}
+
+double ClipRestorer::Predict() noexcept {
+    const double cost = fPredictor.Work();
+    if (!fPredictor.IsDone()) return cost;
+    if (fStage == Stage::kPredictFromSparse) {
         TakePrediction(kLargestError);
         StartPrediction(fCurves);
+        fStage = Stage::kPredictFromCurves;
+    } else {
+        TakePrediction(kLargestErrorFromCurves);
+        Store(fSound);
     }
-    if (half + 1 < 2 * kHalvesOfChain) return;
-    TakePrediction(kLargestErrorFromCurves);
-    Store(fSound);
+    return cost;
 }
 
 // Samples that have been heard stay. What earlier frames have made of the others is made anew.
@@ -127,72 +149,15 @@ void ClipRestorer::FillWithCurve(const ClipDetector::Run& run) noexcept {
 }
 
 void ClipRestorer::StartPrediction(std::span<const double> sound) noexcept {
-    std::ranges::copy(sound, fPredicted.begin());
-    fImplausible = 0;
-}
-
-void ClipRestorer::Predict() noexcept {
-    if (fImplausible > kHopeless) return;
-    fUnknown = fClipped;
-    const std::size_t last = fPredicted.size() - fLayout.largestOrder;
-    std::erase_if(fUnknown, [last](std::size_t place) { return place >= last; });
-    fModel.Fit(fPredicted, fSettings.order);
-    fInterpolator.RestoreUnbounded(fModel.Coefficients(), fUnknown, fPredicted);
-    fImplausible = Implausibility();
-}
-
-// What the prediction would place out of bounds is held there, and the rest fitted to that once more.
-void ClipRestorer::PredictWithinBounds() noexcept {
-    if (fImplausible > kHopeless) return;
-    if (HoldToBounds()) fInterpolator.RestoreUnbounded(fModel.Coefficients(), fUnknown, fPredicted);
-    HoldToBounds();
-}
-
-// True when a sample was brought to a bound; it is known then.
-bool ClipRestorer::HoldToBounds() noexcept {
-    const auto isOutside = [&](std::size_t place) {
-        const double clipped = fOriginal[place];
-        const double sign = clipped < 0 ? -1 : 1;
-        const double held = sign * std::clamp(sign * fPredicted[place], std::abs(clipped), fCeilingAt[place]);
-        const bool isHeld = held != fPredicted[place];
-        fPredicted[place] = held;
-        return isHeld;
-    };
-    return std::erase_if(fUnknown, isOutside) > 0;
-}
-
-double ClipRestorer::Implausibility() const noexcept {
-    double inside = 0;
-    double outside = 0;
-    for (const std::size_t place : fUnknown) {
-        const double clipped = fOriginal[place];
-        const double sign = clipped < 0 ? -1 : 1;
-        const double rise = sign * (fPredicted[place] - clipped);
-        const bool isPlausible = rise >= 0 && sign * fPredicted[place] <= fCeilingAt[place];
-        (isPlausible ? inside : outside) += rise * rise;
-    }
-    return inside + outside > 0 ? outside / (inside + outside) : 0;
-}
-
-// Part of the sound's energy.
-double ClipRestorer::PredictionError() noexcept {
-    fModel.ForwardErrors(fPredicted, fErrors);
-    double errors = 0;
-    double sound = 0;
-    for (std::size_t i = fSettings.order; i < fPredicted.size() - fSettings.order; ++i) {
-        errors += fErrors[i] * fErrors[i];
-        sound += fPredicted[i] * fPredicted[i];
-    }
-    return sound > 0 ? errors / sound : 1;
+    fPredictor.Begin(sound, fClipped, {fOriginal, fCeilingAt}, fSettings.order);
 }
 
 // In place of what there is, when it is better than that.
 void ClipRestorer::TakePrediction(double largestError) noexcept {
-    if (fImplausible > kMostImplausible) return;
-    const double error = PredictionError();
+    const double error = fPredictor.Error();
     if (error > fEase * largestError || error > fLeastError) return;
     fLeastError = error;
-    std::ranges::copy(fPredicted, fSound.begin());
+    std::ranges::copy(fPredictor.Predicted(), fSound.begin());
 }
 
 void ClipRestorer::Store(std::span<const double> sound) noexcept {
@@ -202,6 +167,7 @@ void ClipRestorer::Store(std::span<const double> sound) noexcept {
         fRepaired[place] =
             static_cast<float>(sign * std::clamp(sign * sound[place], std::abs(clipped), fCeilingAt[place]));
     }
+    fStage = Stage::kDone;
 }
 
 } // namespace qoc::dsp

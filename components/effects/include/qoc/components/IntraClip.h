@@ -7,6 +7,8 @@
 #include "qoc/dsp/restoration/RepairStream.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
 
+#include <cstddef>
+#include <span>
 #include <vector>
 
 namespace qoc::components {
@@ -42,22 +44,33 @@ private:
         ClipRestorer::Settings restoration;
     };
 
+    struct Channel {
+        ClipDetector detector;
+        ClipDetector::Levels levels;
+        std::span<const ClipDetector::Run> runs; // of its frame; none when there is nothing to do to it
+        std::vector<float> heard;                // a frame that Listen fills
+    };
+
     void Begin(std::span<const Frame> frames) noexcept override;
     void Step(std::size_t step) noexcept override;
-    bool BeginChannel(std::size_t channel) noexcept;
+    bool IsDone() const noexcept;
+    double CostLeft() const noexcept;
+    double Work() noexcept;
+    double Detect() noexcept;
+    bool IsHeard(const ClipDetector::Run& run) const noexcept;
     void HearFrame() noexcept;
 
     RepairStream fStream;
     RepairStream::Layout fLayout;
-    ClipDetector fDetector;
-    std::vector<ClipDetector::Levels> fLevels; // by channel
+    std::size_t fSteps = 0;
+    std::vector<Channel> fChannels;
     ClipRestorer fRestorer;
     Settings fSettings; // as they are
     Settings fTaken;    // for the frame that is worked on
     std::span<const Frame> fFrames;
-    bool fIsBusy = false; // there is something to do to the channel's frame
+    std::size_t fDetected = 0; // channels whose clipped runs are known
+    std::size_t fBegun = 0;    // and which are restored, or being it
     SmoothedValue fGain;
-    std::vector<std::vector<float>> fHeard; // by channel, a frame that Listen fills
     std::size_t fHeardFrames = 0;
 };
 

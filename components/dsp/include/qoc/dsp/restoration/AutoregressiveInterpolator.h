@@ -23,14 +23,13 @@ public:
     void Restore(std::span<const double> coefficients, std::span<const std::size_t> unknown,
                  std::span<double> sound) noexcept;
 
-    // The same for those who know better bounds: what it fills in may lie anywhere. False when the sound stayed.
-    bool RestoreUnbounded(std::span<const double> coefficients, std::span<const std::size_t> unknown,
-                          std::span<double> sound) noexcept;
-
     // Restore in pieces of work: what is handed over stays valid until it is done, and `sound` has what it restores
     // then.
     void Begin(std::span<const double> coefficients, std::span<const std::size_t> unknown,
                std::span<double> sound) noexcept;
+    // The same for those who know better bounds: what it fills in may lie anywhere.
+    void BeginUnbounded(std::span<const double> coefficients, std::span<const std::size_t> unknown,
+                        std::span<double> sound) noexcept;
     // Does the next piece, and tells about how many nanoseconds it takes.
     double Work() noexcept;
     bool IsDone() const noexcept { return fStage == Stage::kDone; }
@@ -46,14 +45,13 @@ private:
     double PieceCost(Stage stage, std::size_t width) const noexcept;
     void SetUp(std::size_t index) noexcept;
     bool Factorise(std::size_t index) noexcept;
-    void SubtractEarlier(std::size_t index) noexcept;
     void SolveForward(std::size_t index) noexcept;
     void SolveBack(std::size_t index) noexcept;
     void StoreValues() noexcept;
     void BoundNextGap() noexcept;
     void BoundGap(std::span<const std::size_t> gap) noexcept;
     // Column `index` of the band's lower half, from the diagonal on; zeros behind the last row.
-    double* Column(std::size_t index) noexcept { return fBand.data() + index * fWidth; }
+    double* Column(std::size_t index) noexcept { return fBand.data() + index * fStride; }
 
     std::span<const std::size_t> fUnknown;
     std::span<double> fSound;
@@ -61,8 +59,9 @@ private:
     std::size_t fPlace = 0; // up to which unknown sample the stage has come
     bool fIsBounded = false;
     bool fIsSolvable = false;
-    std::size_t fWidth = 1; // order + 1
-    std::vector<double> fProducts;
+    std::size_t fWidth = 1;        // order + 1
+    std::size_t fStride = 1;       // from column to column
+    std::vector<double> fProducts; // of the coefficients with themselves, from the lag -order on
     std::vector<double> fBand;
     std::vector<double> fValues;
     std::vector<double> fBefore;

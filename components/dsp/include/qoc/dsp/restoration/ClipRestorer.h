@@ -1,11 +1,11 @@
 #pragma once
 
-#include "qoc/dsp/restoration/AutoregressiveInterpolator.h"
 #include "qoc/dsp/restoration/ClipDetector.h"
-#include "qoc/dsp/restoration/LinearPrediction.h"
+#include "qoc/dsp/restoration/ClipPredictor.h"
 #include "qoc/dsp/restoration/SparseDeclipper.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -15,7 +15,7 @@ namespace qoc::dsp {
 // first (SparseDeclipper), which holds for many notes at once. A linear prediction then goes over it, and over the
 // curves; what that finds is taken where it is the better model: where it explains the sound nearly wholly, and places
 // hardly any sample where none can have been. No restored peak is out of proportion: each has a ceiling by how steeply
-// the sound comes there. Owned by its effect; nothing but Prepare allocates.
+// the sound comes there. Works in small pieces. Owned by its effect; nothing but Prepare allocates.
 class ClipRestorer {
 public:
     struct Settings {
@@ -35,26 +35,30 @@ public:
     // Allocates.
     void Prepare(const Layout& layout);
 
-    // Into how many steps a frame's work is cut, and what one costs against the others, about.
-    std::size_t Steps() const noexcept;
-    double CostOf(std::size_t step) const noexcept;
-
     // `original` and `repaired` as FrameRepairer::Frame has them, and the clipped runs, single samples too.
     void Begin(std::span<const float> original, std::span<float> repaired, std::span<const ClipDetector::Run> runs,
                const Settings& settings) noexcept;
-    // 0 to Steps() - 1. The last puts the restored samples into the frame.
-    void Step(std::size_t step) noexcept;
+    // Does the next piece of work, and tells about how many nanoseconds it takes. The last puts the restored samples
+    // into the frame.
+    double Work() noexcept;
+    bool IsDone() const noexcept { return fStage == Stage::kDone; }
+    // Leaves the frame as it is.
+    void Stop() noexcept { fStage = Stage::kDone; }
+    // About how many nanoseconds are left, and a frame with such runs takes.
+    double CostLeft() const noexcept;
+    double CostOf(std::span<const ClipDetector::Run> runs, const Settings& settings) const noexcept;
 
 private:
+    // What is done, one stage after the other, in pieces.
+    enum class Stage : std::uint8_t { kCurves, kSparse, kPredictFromSparse, kPredictFromCurves, kDone };
+
     void Collect(const ClipDetector::Run& run) noexcept;
     double CeilingOf(const ClipDetector::Run& run) const noexcept;
     void FillWithCurve(const ClipDetector::Run& run) noexcept;
+    double CostOfRounds(std::size_t rounds) const noexcept;
+    double Iterate() noexcept;
+    double Predict() noexcept;
     void StartPrediction(std::span<const double> sound) noexcept;
-    void Predict() noexcept;
-    void PredictWithinBounds() noexcept;
-    bool HoldToBounds() noexcept;
-    double Implausibility() const noexcept;
-    double PredictionError() noexcept;
     void TakePrediction(double largestError) noexcept;
     void Store(std::span<const double> sound) noexcept;
 
@@ -62,20 +66,17 @@ private:
     double fEase = 1; // how much less the errors are because part of the spectrum is empty
     Settings fSettings;
     SparseDeclipper fSparse;
-    LinearPrediction fModel;
-    AutoregressiveInterpolator fInterpolator;
+    ClipPredictor fPredictor;
     std::span<const float> fOriginal;
     std::span<float> fRepaired;
-    std::vector<double> fSound;     // what was clipped is as it came, until it is restored
-    std::vector<double> fCurves;    // with what was clipped filled in by curves
-    std::vector<double> fPredicted; // from one or the other
-    std::vector<double> fErrors;
+    Stage fStage = Stage::kDone;
+    std::size_t fRound = 0;
+    std::vector<double> fSound;        // what was clipped is as it came, until it is restored
+    std::vector<double> fCurves;       // with what was clipped filled in by curves
     std::vector<std::size_t> fClipped; // places
     std::vector<double> fCeilings;     // of each
     std::vector<std::size_t> fStored;  // places in runs that are long enough
     std::vector<double> fCeilingAt;    // by place
-    std::vector<std::size_t> fUnknown; // places that are not held at a bound
-    double fImplausible = 0;           // part of the peaks' energy
     double fLeastError = 0;            // of the predictions that were taken
 };
 

@@ -25,7 +25,7 @@ public:
     static constexpr std::size_t kFitSteps = 8;
     void Fit(std::span<const double> sound, std::size_t order, std::size_t step) noexcept;
     // All steps, in nanoseconds, about.
-    double CostOfFit() const noexcept { return 7 * static_cast<double>(fWindow.size()); }
+    double CostOfFit() const noexcept { return 4 * static_cast<double>(fWindow.size()); }
 
     // 1 and the negative weights of the samples before, order + 1 values: their sum of products with the sound,
     // backwards, is the error.
