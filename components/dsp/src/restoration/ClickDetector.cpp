@@ -1,7 +1,10 @@
 #include "qoc/dsp/restoration/ClickDetector.h"
 
+#include "qoc/dsp/math/MedianMagnitude.h"
+
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace qoc::dsp {
 
@@ -32,9 +35,8 @@ constexpr double kSpoiledPartOfPeak = 0.15;
 
 // Samples that are worked on at once.
 constexpr std::size_t kPiece = 256;
-// Nanoseconds a sample beside a click and one of the frame, about.
-constexpr double kStandsOutCost = 40;
-constexpr double kFirstCheckCost = 1.5;
+// Nanoseconds a sample beside a click, about.
+constexpr double kBesideCost = 2;
 
 std::size_t CountOf(double seconds, double sampleRate) noexcept {
     return std::max<std::size_t>(1, static_cast<std::size_t>(std::lround(seconds * sampleRate)));
@@ -46,7 +48,7 @@ void ClickDetector::Prepare(std::size_t frame, std::size_t neighbourhood, double
     fNeighbourhood = neighbourhood;
     fBeside = CountOf(kBesideSeconds, sampleRate);
     fBurst = CountOf(kBurstSeconds, sampleRate);
-    for (std::vector<double>* values : {&fForward, &fBackward, &fExcess, &fSorted})
+    for (std::vector<double>* values : {&fForward, &fBackward, &fExcess, &fScratch})
         values->assign(frame, 0.0);
     fUsual.assign(frame / neighbourhood, 0.0);
     fClicks.clear();
@@ -55,7 +57,7 @@ void ClickDetector::Prepare(std::size_t frame, std::size_t neighbourhood, double
     fCandidates = 0;
     fChecked = 0;
     fSamplesFound = 0;
-    fCheckCost = kFirstCheckCost * static_cast<double>(frame);
+    fCheckCost = 0;
     fPulses.Prepare(frame, CountOf(kPulseSeconds, sampleRate));
 }
 
@@ -74,13 +76,13 @@ void ClickDetector::Begin(const LinearPrediction& model, std::span<const double>
     fChecked = 0;
     fLeft = 0;
     fSamplesFound = 0;
+    fIsComparing = false;
 }
 
 double ClickDetector::Work() noexcept {
     if (IsDone()) return 0;
-    double cost = PieceCost(fStage, fOrder);
-    if (fPiece < Pieces(fStage)) Do(fPiece++);
-    if (fStage == Stage::kCheck) cost = fLastCheckCost;
+    const double cost = fStage == Stage::kCheck ? Check() : PieceCost(fStage, fOrder);
+    if (fStage != Stage::kCheck) Do(fPiece++);
     while (!IsDone() && fPiece >= Pieces(fStage)) {
         fPiece = 0;
         if (fStage == Stage::kCollect) FinishCollecting();
@@ -119,10 +121,10 @@ std::size_t ClickDetector::Pieces(Stage stage) const noexcept {
 
 // Nanoseconds, about.
 double ClickDetector::PieceCost(Stage stage, std::size_t order) const noexcept {
-    constexpr double kErrorCost = 0.17;  // a sample and coefficient
-    constexpr double kUsualCost = 15;    // a sample
-    constexpr double kCompareCost = 1.2; // a sample
-    constexpr double kCollectCost = 2;   // a sample
+    constexpr double kErrorCost = 0.07;  // a sample and coefficient
+    constexpr double kUsualCost = 3;     // a sample
+    constexpr double kCompareCost = 0.4; // a sample
+    constexpr double kCollectCost = 2.2; // a sample
     switch (stage) {
     case Stage::kUsual: return kUsualCost * static_cast<double>(fNeighbourhood);
     case Stage::kCompare: return kCompareCost * static_cast<double>(fNeighbourhood);
@@ -139,8 +141,7 @@ void ClickDetector::Do(std::size_t piece) noexcept {
     case Stage::kUsual: return MeasureUsualError(piece);
     case Stage::kCompare: return CompareErrors(piece);
     case Stage::kCollect: return CollectClicks(SamplesOf(piece).end);
-    case Stage::kCheck: return CheckClick(piece);
-    case Stage::kDone: return;
+    default: return;
     }
 }
 
@@ -158,7 +159,8 @@ void ClickDetector::MeasureUsualError(std::size_t neighbourhood) noexcept {
     const double least = std::max(kLeastError, kLeastErrorToSound * soundLevel);
     const std::size_t begin = std::max(fOrder, neighbourhood * fNeighbourhood);
     const std::size_t end = std::min(fSound.size() - fOrder, (neighbourhood + 1) * fNeighbourhood);
-    fUsual[neighbourhood] = std::max(least, Deviation(std::span(fForward).subspan(begin, end - begin)));
+    const auto errors = std::span<const double>(fForward).subspan(begin, end - begin);
+    fUsual[neighbourhood] = std::max(least, MedianMagnitude(errors, fScratch) / kNormalMedian);
 }
 
 // The largest of the neighbours' too: where sound sets in, some errors are as large as those to come.
@@ -196,18 +198,45 @@ void ClickDetector::FinishCollecting() noexcept {
     fCandidates = fClicks.size();
     for (const Click& click : fClicks)
         fSamplesFound += click.end - click.begin;
-    if (!fClicks.empty()) fPulses.Take(fForward);
+    if (fClicks.empty()) return;
+    double least = std::numeric_limits<double>::infinity();
+    for (const Click& click : fClicks)
+        least = std::min(least, std::abs(fForward[PeakOf(click)]));
+    fPulses.Take(fForward, least);
+    fCheckCost = MeanCostOfChecking();
+}
+
+// By some of them: a few may take longer than all others.
+double ClickDetector::MeanCostOfChecking() noexcept {
+    constexpr std::size_t kSample = 16;
+    double cost = 0;
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < fClicks.size(); i += fClicks.size() / kSample + 1, ++count)
+        cost += StandsOut(fClicks[i]) ? fPulses.CostOf(PeakOf(fClicks[i])) : 0;
+    return kBesideCost * static_cast<double>(2 * fBeside) + cost / static_cast<double>(count);
+}
+
+// Looks at the next click, or goes on with comparing it to others.
+double ClickDetector::Check() noexcept {
+    if (fIsComparing) {
+        const double cost = fPulses.Work();
+        if (fPulses.IsDone()) FinishChecking(!fPulses.IsPulse());
+        return cost;
+    }
+    const Click click = fClicks[fPiece];
+    fIsComparing = StandsOut(click);
+    if (fIsComparing)
+        fPulses.Begin(PeakOf(click));
+    else
+        FinishChecking(false);
+    return kBesideCost * static_cast<double>(2 * fBeside);
 }
 
 // Those that are clicks move to the front.
-void ClickDetector::CheckClick(std::size_t index) noexcept {
-    constexpr double kMemory = 0.7;
-    const Click click = fClicks[index];
+void ClickDetector::FinishChecking(bool isClick) noexcept {
+    const Click click = fClicks[fPiece++];
     ++fChecked;
-    const bool standsOut = StandsOut(click);
-    const bool isClick = standsOut && !IsPulse(click);
-    fLastCheckCost = kStandsOutCost * static_cast<double>(fBeside) + (standsOut ? fPulses.Cost() : 0);
-    fCheckCost = kMemory * fCheckCost + (1 - kMemory) * fLastCheckCost;
+    fIsComparing = false;
     if (isClick)
         fClicks[fLeft++] = click;
     else
@@ -241,6 +270,20 @@ ClickDetector::Click ClickDetector::ClickAt(std::size_t place, std::size_t last,
     return click;
 }
 
+// The largest of those from any of its samples on.
+double ClickDetector::ExcessOf(const Click& click) const noexcept {
+    double peak = 0;
+    double burst = 0;
+    double sum = 0; // of the squares of the last errors, as many as a burst has
+    for (std::size_t i = click.begin; i < click.end; ++i) {
+        peak = std::max(peak, fExcess[i]);
+        sum += fExcess[i] * fExcess[i];
+        if (i >= click.begin + fBurst) sum -= fExcess[i - fBurst] * fExcess[i - fBurst];
+        burst = std::max(burst, sum);
+    }
+    return std::max(peak, std::sqrt(burst) / kBurstThreshold);
+}
+
 // Against the errors right beside it too, each from the side that the click does not spoil.
 bool ClickDetector::StandsOut(const Click& click) noexcept {
     const double least = fSettings.isModelSpoiled ? kSpoiledExcess : 1;
@@ -248,33 +291,32 @@ bool ClickDetector::StandsOut(const Click& click) noexcept {
     const std::size_t before = std::min(fBeside, click.begin - std::min(click.begin, fOrder));
     const std::size_t after = std::min(fBeside, last - std::min(last, click.end));
     const std::size_t begin = click.begin - before;
-    const double usual = std::max(Deviation(std::span(fForward).subspan(begin, before)),
-                                  Deviation(std::span(fBackward).subspan(click.end, after)));
-    double excess = 0;
-    for (std::size_t i = click.begin; i < click.end; ++i)
-        excess = std::max(excess, ExcessFrom(i, click.end));
-    if (!(excess * UsualErrorAt(click.begin / fNeighbourhood) > least * usual)) return false;
-    const double levelBefore = Deviation(fSound.subspan(begin, before));
-    const double levelAfter = Deviation(fSound.subspan(click.end, after));
-    return std::min(levelBefore, levelAfter) >= kEdge * std::max(levelBefore, levelAfter);
+    const double most = kNormalMedian * ExcessOf(click) * UsualErrorAt(click.begin / fNeighbourhood) / least;
+    return IsMedianMagnitudeBelow(most, std::span(fForward).subspan(begin, before)) &&
+           IsMedianMagnitudeBelow(most, std::span(fBackward).subspan(click.end, after)) &&
+           !IsAtAnEdge(fSound.subspan(begin, before), fSound.subspan(click.end, after));
 }
 
-bool ClickDetector::IsPulse(const Click& click) noexcept {
+// Whether one side is that much softer than the other. Mostly half of either is not even that much softer than the
+// peak of both, which needs no sorting.
+bool ClickDetector::IsAtAnEdge(std::span<const double> before, std::span<const double> after) noexcept {
+    double peak = 0;
+    for (const double value : before)
+        peak = std::max(peak, std::abs(value));
+    for (const double value : after)
+        peak = std::max(peak, std::abs(value));
+    if (!IsMedianMagnitudeBelow(kEdge * peak, before) && !IsMedianMagnitudeBelow(kEdge * peak, after)) return false;
+    const double levelBefore = MedianMagnitude(before, fScratch);
+    const double levelAfter = MedianMagnitude(after, fScratch);
+    return std::min(levelBefore, levelAfter) < kEdge * std::max(levelBefore, levelAfter);
+}
+
+std::size_t ClickDetector::PeakOf(const Click& click) const noexcept {
     const auto begin = fForward.begin() + static_cast<std::ptrdiff_t>(click.begin);
     const auto end = fForward.begin() + static_cast<std::ptrdiff_t>(click.end);
     const auto peak =
         std::max_element(begin, end, [](double one, double other) { return std::abs(one) < std::abs(other); });
-    return fPulses.Contains(static_cast<std::size_t>(peak - fForward.begin()));
-}
-
-// The standard deviation of values about 0, from their median: a few large ones do not move it. 0 of none.
-double ClickDetector::Deviation(std::span<const double> values) noexcept {
-    if (values.empty()) return 0;
-    std::ranges::transform(values, fSorted.begin(), [](double value) { return std::abs(value); });
-    const auto count = static_cast<std::ptrdiff_t>(values.size());
-    const auto middle = fSorted.begin() + count / 2;
-    std::nth_element(fSorted.begin(), middle, fSorted.begin() + count);
-    return *middle / kNormalMedian;
+    return static_cast<std::size_t>(peak - fForward.begin());
 }
 
 } // namespace qoc::dsp

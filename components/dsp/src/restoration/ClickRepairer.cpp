@@ -14,6 +14,8 @@ constexpr std::size_t kOneClick = 4;
 // Of what stands out.
 constexpr double kPartThatAreClicks = 0.25;
 
+constexpr double kTakeCost = 1; // nanoseconds a sample, about
+
 } // namespace
 
 void ClickRepairer::Filler::Prepare(std::size_t frame, std::size_t modelled, std::size_t largestOrder) {
@@ -40,13 +42,13 @@ void ClickRepairer::Prepare(const RepairStream::Layout& layout, double sampleRat
 void ClickRepairer::Begin(std::span<float> repaired, const Settings& settings) noexcept {
     fRepaired = repaired;
     fSettings = settings;
-    std::ranges::copy(repaired, fSound.begin());
-    std::ranges::copy(repaired, fRestored.begin());
     fUnknown.clear();
     fRepairs = 0;
     fPass = 0;
     fPassCost = 0;
-    StartPass();
+    fTaken = 0;
+    fFitStep = 0;
+    fStage = Stage::kTake;
 }
 
 double ClickRepairer::Work() noexcept {
@@ -62,6 +64,7 @@ double ClickRepairer::Work() noexcept {
 
 double ClickRepairer::DoNext() noexcept {
     switch (fStage) {
+    case Stage::kTake: return Take();
     case Stage::kFit: return Fit();
     case Stage::kDetect: return Detect();
     case Stage::kFineFit: return FitFine();
@@ -74,16 +77,17 @@ double ClickRepairer::DoNext() noexcept {
 // Where nothing was found yet nothing is expected; what was found is looked at in every pass that is left.
 double ClickRepairer::CostLeft() const noexcept {
     if (IsDone()) return 0;
-    const auto fitsLeft = static_cast<double>(LinearPrediction::kFitSteps - fFitStep) / LinearPrediction::kFitSteps;
+    const double fitting = CostOfFitting(LinearPrediction::kFitSteps - fFitStep);
     const double fit = fModel.CostOfFit();
     const double detect = fDetector.CostOf(fSettings.order);
     const double fill =
         fFiller->interpolator.CostOf(fDetector.SamplesFound() + fUnknown.size(), kFineOrders * fSettings.order);
     double left = 0;
     switch (fStage) {
-    case Stage::kFit: left = fitsLeft * fit + detect + fit + fill; break;
+    case Stage::kTake: left = CostOfTaking() + fitting + detect + fit + fill; break;
+    case Stage::kFit: left = fitting + detect + fit + fill; break;
     case Stage::kDetect: left = fDetector.CostLeft() + fit + fill; break;
-    case Stage::kFineFit: left = fitsLeft * fit + fill; break;
+    case Stage::kFineFit: left = fitting + fill; break;
     default: left = fFiller->interpolator.CostLeft(); break;
     }
     const bool isChecking = fPass == 0 && fUnknown.empty();
@@ -97,8 +101,27 @@ double ClickRepairer::CostLeft() const noexcept {
 double ClickRepairer::CostOfLooking() const noexcept {
     if (!IsLooking()) return 0;
     if (fStage == Stage::kDetect) return fDetector.CostOfCollecting();
-    const auto fitsLeft = static_cast<double>(LinearPrediction::kFitSteps - fFitStep) / LinearPrediction::kFitSteps;
-    return fitsLeft * fModel.CostOfFit() + fDetector.CostOfCollecting(fSettings.order);
+    return CostOfTaking() + CostOfFitting(LinearPrediction::kFitSteps - fFitStep) +
+           fDetector.CostOfCollecting(fSettings.order);
+}
+
+double ClickRepairer::CostOfTaking() const noexcept {
+    return kTakeCost * static_cast<double>(fSound.size() - fTaken);
+}
+
+double ClickRepairer::CostOfFitting(std::size_t steps) const noexcept {
+    return fModel.CostOfFit() / LinearPrediction::kFitSteps * static_cast<double>(steps);
+}
+
+double ClickRepairer::Take() noexcept {
+    constexpr std::size_t kPiece = 2048;
+    const std::size_t count = std::min(kPiece, fSound.size() - fTaken);
+    const auto piece = fRepaired.subspan(fTaken, count);
+    std::ranges::copy(piece, fSound.begin() + static_cast<std::ptrdiff_t>(fTaken));
+    std::ranges::copy(piece, fRestored.begin() + static_cast<std::ptrdiff_t>(fTaken));
+    fTaken += count;
+    if (fTaken == fSound.size()) StartPass();
+    return kTakeCost * static_cast<double>(count);
 }
 
 void ClickRepairer::StartPass() noexcept {
@@ -108,14 +131,14 @@ void ClickRepairer::StartPass() noexcept {
 
 double ClickRepairer::Fit() noexcept {
     fModel.Fit(Middle(), fSettings.order, fFitStep);
-    if (++fFitStep < LinearPrediction::kFitSteps) return fModel.CostOfFit() / LinearPrediction::kFitSteps;
+    if (++fFitStep < LinearPrediction::kFitSteps) return CostOfFitting(1);
     const bool isFromNew = fPass < 2;
     if (isFromNew) fUnknown.clear();
     ClickDetector::Settings settings = fSettings.detection;
     settings.isModelSpoiled = fPass == 0;
     fDetector.Begin(fModel, isFromNew ? fSound : fRestored, settings);
     fStage = Stage::kDetect;
-    return fModel.CostOfFit() / LinearPrediction::kFitSteps;
+    return CostOfFitting(1);
 }
 
 double ClickRepairer::Detect() noexcept {
@@ -142,7 +165,7 @@ double ClickRepairer::FitFine() noexcept {
         fFiller->interpolator.Begin(model.Coefficients(), fUnknown, fRestored);
         fStage = Stage::kFill;
     }
-    return model.CostOfFit() / LinearPrediction::kFitSteps;
+    return CostOfFitting(1);
 }
 
 double ClickRepairer::Fill() noexcept {

@@ -1,6 +1,6 @@
 #include "qoc/dsp/restoration/PulseTrain.h"
 
-#include "qoc/dsp/math/UnrolledSum.h"
+#include "qoc/dsp/math/DotProduct.h"
 
 #include <algorithm>
 #include <cmath>
@@ -19,16 +19,23 @@ constexpr double kTolerance = 0.02;
 constexpr double kLeastTolerance = 1.5; // samples
 constexpr double kLargestStep = 0.5;
 
+// Nanoseconds, about: a place, a shape and a sample of that.
+constexpr double kLookCost = 1;
+constexpr double kCompareCost = 6;
+constexpr double kProductCost = 0.15;
+
 } // namespace
 
 void PulseTrain::Prepare(std::size_t frame, std::size_t halfWidth) {
     fHalfWidth = halfWidth;
     fEnergies.assign(frame, 0.0);
+    fPlaces.clear();
+    fPlaces.reserve(frame);
     fAlike.clear();
     fAlike.reserve(frame);
 }
 
-void PulseTrain::Take(std::span<const double> errors) noexcept {
+void PulseTrain::Take(std::span<const double> errors, double least) noexcept {
     fErrors = errors;
     const std::size_t width = 2 * fHalfWidth + 1;
     double energy = 0;
@@ -37,12 +44,58 @@ void PulseTrain::Take(std::span<const double> errors) noexcept {
         if (i >= width) energy -= errors[i - width] * errors[i - width];
         if (i + 1 >= width) fEnergies[i - fHalfWidth] = energy;
     }
+    CollectPlaces(kLeastPeak * least);
 }
 
-bool PulseTrain::Contains(std::size_t place) noexcept {
-    if (place < fHalfWidth || place + fHalfWidth >= fErrors.size()) return false;
-    FindAlike(place);
-    const auto here = static_cast<double>(place);
+// Few are that large, and which ones can't be foretold: each is written down, and the next over it if it is too small.
+void PulseTrain::CollectPlaces(double least) noexcept {
+    fPlaces.resize(fErrors.size());
+    std::size_t count = 0;
+    for (std::size_t place = fHalfWidth; place + fHalfWidth < fErrors.size(); ++place) {
+        fPlaces[count] = place;
+        count += std::abs(fErrors[place]) >= least ? 1 : 0;
+    }
+    fPlaces.resize(count);
+}
+
+void PulseTrain::Begin(std::size_t place) noexcept {
+    fAlike.clear();
+    fPlace = place;
+    const bool isWhole = place >= fHalfWidth && place + fHalfWidth < fErrors.size();
+    fNext = isWhole ? 0 : fPlaces.size();
+}
+
+double PulseTrain::Work() noexcept {
+    constexpr std::size_t kMostPlaces = 2048;
+    constexpr std::size_t kMostCompared = 256;
+    const std::size_t begin = fNext;
+    const std::size_t end = std::min(fPlaces.size(), begin + kMostPlaces);
+    std::size_t compared = 0;
+    for (; fNext < end && compared < kMostCompared; ++fNext) {
+        const std::size_t other = fPlaces[fNext];
+        if (!MayBeAlike(fPlace, other)) continue;
+        ++compared;
+        if (IsAlike(other)) fAlike.push_back(other);
+    }
+    return kLookCost * static_cast<double>(fNext - begin) + CostOfComparing(compared);
+}
+
+// By some of the others, evenly among them.
+double PulseTrain::CostOf(std::size_t place) const noexcept {
+    constexpr std::size_t kSample = 64;
+    const std::size_t step = fPlaces.size() / kSample + 1;
+    std::size_t compared = 0;
+    for (std::size_t i = 0; i < fPlaces.size(); i += step)
+        compared += MayBeAlike(place, fPlaces[i]) ? step : 0;
+    return kLookCost * static_cast<double>(fPlaces.size()) + CostOfComparing(compared);
+}
+
+double PulseTrain::CostOfComparing(std::size_t places) const noexcept {
+    return (kCompareCost + kProductCost * static_cast<double>(2 * fHalfWidth + 1)) * static_cast<double>(places);
+}
+
+bool PulseTrain::IsPulse() const noexcept {
+    const auto here = static_cast<double>(fPlace);
     return std::ranges::any_of(fAlike, [&](std::size_t other) {
         const double period = static_cast<double>(other) - here;
         return HasAlikeAt(here - period, kLargestStep * std::abs(period)) ||
@@ -50,25 +103,17 @@ bool PulseTrain::Contains(std::size_t place) noexcept {
     });
 }
 
-void PulseTrain::FindAlike(std::size_t place) noexcept {
-    fAlike.clear();
-    fCompared = 0;
-    const double least = kLeastPeak * std::abs(fErrors[place]);
-    const double leastEnergy = kLeastSize * kLeastSize * fEnergies[place];
-    for (std::size_t other = fHalfWidth; other + fHalfWidth < fErrors.size(); ++other) {
-        if (std::abs(fErrors[other]) < least || fEnergies[other] <= leastEnergy) continue;
-        const std::size_t distance = other > place ? other - place : place - other;
-        if (distance <= 2 * fHalfWidth) continue;
-        ++fCompared;
-        if (IsAlike(place, other)) fAlike.push_back(other);
-    }
+bool PulseTrain::MayBeAlike(std::size_t place, std::size_t other) const noexcept {
+    const std::size_t distance = other > place ? other - place : place - other;
+    return std::abs(fErrors[other]) >= kLeastPeak * std::abs(fErrors[place]) &&
+           fEnergies[other] > kLeastSize * kLeastSize * fEnergies[place] && distance > 2 * fHalfWidth;
 }
 
-bool PulseTrain::IsAlike(std::size_t place, std::size_t other) const noexcept {
-    const double* const here = fErrors.data() + place - fHalfWidth;
+bool PulseTrain::IsAlike(std::size_t other) const noexcept {
+    const double* const here = fErrors.data() + fPlace - fHalfWidth;
     const double* const there = fErrors.data() + other - fHalfWidth;
-    const auto product = UnrolledSum<double>(0, 2 * fHalfWidth + 1, [&](std::size_t i) { return here[i] * there[i]; });
-    return product > kLeastCorrelation * std::sqrt(fEnergies[place] * fEnergies[other]);
+    const double product = DotProduct(here, there, 2 * fHalfWidth + 1);
+    return product > kLeastCorrelation * std::sqrt(fEnergies[fPlace] * fEnergies[other]);
 }
 
 bool PulseTrain::HasAlikeAt(double place, double tolerance) const noexcept {

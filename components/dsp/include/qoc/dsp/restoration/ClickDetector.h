@@ -68,12 +68,15 @@ private:
     void CompareErrors(std::size_t neighbourhood) noexcept;
     void CollectClicks(std::size_t end) noexcept;
     void FinishCollecting() noexcept;
-    void CheckClick(std::size_t index) noexcept;
+    double MeanCostOfChecking() noexcept;
+    double Check() noexcept;
+    void FinishChecking(bool isClick) noexcept;
     double ExcessFrom(std::size_t begin, std::size_t end) const noexcept;
+    double ExcessOf(const Click& click) const noexcept;
     Click ClickAt(std::size_t place, std::size_t last, std::size_t separation, double partOfPeak) const noexcept;
     bool StandsOut(const Click& click) noexcept;
-    bool IsPulse(const Click& click) noexcept;
-    double Deviation(std::span<const double> values) noexcept;
+    bool IsAtAnEdge(std::span<const double> before, std::span<const double> after) noexcept;
+    std::size_t PeakOf(const Click& click) const noexcept;
 
     std::size_t fNeighbourhood = 1;
     std::size_t fBeside = 1; // samples
@@ -81,7 +84,7 @@ private:
     std::vector<double> fForward;
     std::vector<double> fBackward;
     std::vector<double> fExcess; // how often the smaller of both holds the threshold
-    std::vector<double> fSorted;
+    std::vector<double> fScratch;
     std::vector<double> fUsual; // by neighbourhood
     std::vector<Click> fClicks;
     const LinearPrediction* fModel = nullptr;
@@ -96,9 +99,9 @@ private:
     std::size_t fChecked = 0;
     std::size_t fLeft = 0; // of those
     std::size_t fSamplesFound = 0;
-    double fLastCheckCost = 0;
-    double fCheckCost = 0; // of a click, as the last ones had it, in nanoseconds
+    double fCheckCost = 0; // of a click, in the mean, in nanoseconds
     PulseTrain fPulses;
+    bool fIsComparing = false; // the click that is looked at with others
 };
 
 } // namespace qoc::dsp

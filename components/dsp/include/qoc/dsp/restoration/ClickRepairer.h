@@ -40,7 +40,7 @@ public:
     // Does the next piece of work, and tells about how many nanoseconds it takes.
     double Work() noexcept;
     // As long as it is not known whether there are clicks.
-    bool IsLooking() const noexcept { return fPass == 0 && (fStage == Stage::kFit || !fDetector.HasCollected()); }
+    bool IsLooking() const noexcept { return fPass == 0 && (fStage <= Stage::kFit || !fDetector.HasCollected()); }
     bool IsDone() const noexcept { return fStage == Stage::kDone; }
     // About how many nanoseconds are left, in all and until it does not look any more.
     double CostLeft() const noexcept;
@@ -49,12 +49,15 @@ public:
     std::size_t Repairs() const noexcept { return fRepairs; }
 
 private:
-    enum class Stage : std::uint8_t { kFit, kDetect, kFineFit, kFill, kDone };
+    enum class Stage : std::uint8_t { kTake, kFit, kDetect, kFineFit, kFill, kDone };
 
     static constexpr std::size_t kPasses = 4;
 
     double DoNext() noexcept;
+    double Take() noexcept;
     double Fit() noexcept;
+    double CostOfTaking() const noexcept;
+    double CostOfFitting(std::size_t steps) const noexcept;
     double Detect() noexcept;
     double FitFine() noexcept;
     double Fill() noexcept;
@@ -73,6 +76,7 @@ private:
     std::span<float> fRepaired;
     Stage fStage = Stage::kDone;
     std::size_t fPass = 0;
+    std::size_t fTaken = 0; // samples
     std::size_t fFitStep = 0;
     std::vector<double> fSound;        // the frame
     std::vector<double> fRestored;     // with its clicks filled in

@@ -14,27 +14,34 @@ public:
     // `halfWidth`: samples to either side of a pulse's peak that make its shape.
     void Prepare(std::size_t frame, std::size_t halfWidth);
 
-    // The errors that are looked at from now on; they stay valid and unchanged.
-    void Take(std::span<const double> errors) noexcept;
-    // Whether the error at `place` has two others like it: one to either side at about the same distance, for a voice's
-    // pitch may step, or two to one side, the second exactly as far behind the first.
-    bool Contains(std::size_t place) noexcept;
-
-    // About how many nanoseconds that took the last time.
-    double Cost() const noexcept {
-        return static_cast<double>(fErrors.size()) + 0.3 * static_cast<double>(fCompared * (2 * fHalfWidth + 1));
-    }
+    // The errors that are looked at from now on; they stay valid and unchanged. `least`: the smallest that will be
+    // asked for.
+    void Take(std::span<const double> errors, double least) noexcept;
+    // Starts to find out whether the error at `place` has two others like it: one to either side at about the same
+    // distance, for a voice's pitch may step, or two to one side, the second exactly as far behind the first.
+    void Begin(std::size_t place) noexcept;
+    // Does the next piece of work, and tells about how many nanoseconds it takes.
+    double Work() noexcept;
+    bool IsDone() const noexcept { return fNext == fPlaces.size(); }
+    // When it is done.
+    bool IsPulse() const noexcept;
+    // About how many nanoseconds a place takes.
+    double CostOf(std::size_t place) const noexcept;
 
 private:
-    void FindAlike(std::size_t place) noexcept;
-    bool IsAlike(std::size_t place, std::size_t other) const noexcept;
+    void CollectPlaces(double least) noexcept;
+    double CostOfComparing(std::size_t places) const noexcept;
+    bool MayBeAlike(std::size_t place, std::size_t other) const noexcept;
+    bool IsAlike(std::size_t other) const noexcept;
     bool HasAlikeAt(double place, double tolerance) const noexcept;
 
     std::size_t fHalfWidth = 1;
     std::span<const double> fErrors;
-    std::vector<double> fEnergies;   // of the shapes around each place
-    std::vector<std::size_t> fAlike; // ascending
-    std::size_t fCompared = 0;       // places, the last time
+    std::vector<double> fEnergies;    // of the shapes around each place
+    std::vector<std::size_t> fPlaces; // of errors that may be like one, ascending
+    std::vector<std::size_t> fAlike;  // ascending
+    std::size_t fPlace = 0;           // the one in question
+    std::size_t fNext = 0;            // of the others
 };
 
 } // namespace qoc::dsp
