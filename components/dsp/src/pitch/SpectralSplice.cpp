@@ -1,6 +1,9 @@
 #include "qoc/dsp/pitch/SpectralSplice.h"
 
+#include "math/ComplexProduct.h"
+
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -10,12 +13,6 @@ namespace {
 
 // A peak is higher than so many bins to either side: the width of a window's main lobe.
 constexpr std::size_t kNeighbours = 1;
-
-// Written out: the operator takes care of infinite values, which costs time.
-std::complex<float> Product(std::complex<float> one, std::complex<float> other) noexcept {
-    return {one.real() * other.real() - one.imag() * other.imag(),
-            one.real() * other.imag() + one.imag() * other.real()};
-}
 
 std::complex<float> Unit(std::complex<double> value) noexcept {
     const double size = std::sqrt(std::norm(value));
@@ -47,7 +44,10 @@ void Add(const SpectralSplice::Channel& channel, std::size_t begin, std::size_t 
 // The integral over the product of two squared Hann windows, so much of their length apart, against that of one.
 double WindowsInCommon(double apart) noexcept {
     constexpr int kPoints = 64;
-    const auto square = [](double place) { return std::pow(std::sin(std::numbers::pi * place), 4); };
+    const auto square = [](double place) {
+        const double sine = std::sin(std::numbers::pi * place);
+        return sine * sine * sine * sine;
+    };
     double sum = 0;
     for (int i = 0; i < kPoints; ++i) {
         const double place = apart + (1 - apart) * (i + 0.5) / kPoints;
@@ -64,36 +64,48 @@ void SpectralSplice::Prepare(std::size_t bins) {
     fEnds.clear();
 }
 
-void SpectralSplice::Turn(std::span<const Channel> channels) noexcept {
-    FindRegions(channels);
-    std::size_t begin = 0;
-    for (const std::size_t end : fEnds) {
-        Common common;
-        for (const Channel& channel : channels)
-            Add(channel, begin, end, common);
-        const double coherence = std::abs(common.product) / std::sqrt(common.before * common.sounded);
-        const std::complex<float> turn = Unit(common.product) * GainAt(coherence);
-        for (const Channel& channel : channels) {
-            for (std::size_t bin = begin; bin < end; ++bin)
-                channel.sounded[bin] = Product(channel.present[bin], turn);
-        }
-        begin = end;
+// The regions are found first, which takes about as long as the steps that turn them take each.
+void SpectralSplice::Turn(std::span<const Channel> channels, std::size_t step, std::size_t steps) noexcept {
+    if (step == 0) {
+        FindRegions(channels);
+        fTurned = 0;
+    }
+    const std::size_t bins = channels.front().present.size();
+    const std::size_t end = step + 1 == steps ? bins : step * bins / (steps - 1);
+    for (; fTurned < fEnds.size() && (fTurned == 0 ? 0 : fEnds[fTurned - 1]) < end; ++fTurned)
+        TurnRegion(channels, fTurned == 0 ? 0 : fEnds[fTurned - 1], fEnds[fTurned]);
+}
+
+void SpectralSplice::TurnRegion(std::span<const Channel> channels, std::size_t begin, std::size_t end) const noexcept {
+    Common common;
+    for (const Channel& channel : channels)
+        Add(channel, begin, end, common);
+    const double coherence = std::sqrt(std::norm(common.product) / (common.before * common.sounded));
+    const std::complex<float> turn = Unit(common.product) * GainAt(coherence);
+    for (const Channel& channel : channels) {
+        for (std::size_t bin = begin; bin < end; ++bin)
+            channel.sounded[bin] = Product(channel.present[bin], turn);
     }
 }
 
 // The power of a sum of frames, of which each has `coherence` in common with the next, against that of equal ones.
+// While a ratio glides that is asked for with every frame.
 void SpectralSplice::SetOverlap(double frames) noexcept {
     if (frames == fOverlap) return;
     fOverlap = frames;
+    constexpr int kMost = 16;
+    std::array<double, kMost> common; // by how many frames apart
+    const int count = std::min(kMost, static_cast<int>(std::ceil(frames)));
+    for (int apart = 1; apart < count; ++apart)
+        common[static_cast<std::size_t>(apart)] = 2 * WindowsInCommon(apart / frames);
     for (std::size_t i = 0; i < fGains.size(); ++i) {
         const double coherence = static_cast<double>(i) / static_cast<double>(fGains.size() - 1);
         double power = 1;
         double equal = 1;
         double share = 1;
-        for (int apart = 1; apart < frames; ++apart) {
-            const double common = 2 * WindowsInCommon(apart / frames);
-            power += common * (share *= coherence);
-            equal += common;
+        for (int apart = 1; apart < count; ++apart) {
+            power += common[static_cast<std::size_t>(apart)] * (share *= coherence);
+            equal += common[static_cast<std::size_t>(apart)];
         }
         fGains[i] = static_cast<float>(std::sqrt(equal / power));
     }

@@ -1,9 +1,11 @@
 #include "qoc/dsp/pitch/SpectralStretcher.h"
 
+#include "math/ComplexProduct.h"
 #include "qoc/dsp/spectrum/WindowFunction.h"
 #include "qoc/dsp/stream/SaneSample.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <numbers>
@@ -157,8 +159,7 @@ bool SpectralStretcher::Start(std::int64_t frame, double offset, double longest,
             spectrum->resize(static_cast<std::size_t>(fSize->half) + 1);
     }
     fRuns = true;
-    Begin(frame, map);
-    fStage = Stage::kCopy;
+    Begin(frame, Stage::kCopy, map);
     return true;
 }
 
@@ -186,72 +187,84 @@ bool SpectralStretcher::IsDue(std::int64_t frame, const TimeMap& map) const noex
 
 void SpectralStretcher::Advance(std::int64_t frame, const TimeMap& map, const HistoryBuffer& history) noexcept {
     if (!fRuns) return;
-    if (fStage == Stage::kDone && IsDue(frame, map)) Begin(frame, map);
-    while (fStage != Stage::kDone && frame >= fNextStep) {
+    if (fStage == Stage::kDone && IsDue(frame, map)) Begin(frame, Stage::kPresent, map);
+    const auto isDue = [&] {
+        return static_cast<double>(frame - fStepsBegin) >= static_cast<double>(fStepsDone) * fBetweenSteps;
+    };
+    for (; fStage != Stage::kDone && isDue(); ++fStepsDone)
         RunStep(history);
-        fNextStep += fBetweenSteps;
-    }
 }
 
-void SpectralStretcher::Begin(std::int64_t frame, const TimeMap& map) noexcept {
+void SpectralStretcher::Begin(std::int64_t frame, Stage first, const TimeMap& map) noexcept {
     const double ratio = map.RatioAt(frame + fSlack);
     fHop = 2 * static_cast<double>(fSize->half) / fFrames * std::min(1.0, ratio);
     fTime = std::clamp<std::int64_t>(std::llround(map.FrameAt(static_cast<double>(fCentre))), fFirstBound + fSize->half,
                                      std::max(fFirstBound + fSize->half, LatestTime(frame)));
     fTime = std::min(fTime, LatestTime(frame));
     fSplice.SetOverlap(2 * static_cast<double>(fSize->half) / fHop);
-    fStage = Stage::kPresent;
-    fStageChannel = 0;
-    const auto steps = static_cast<double>(4 * fChannels.size() + 2);
-    fBetweenSteps = static_cast<std::int64_t>(std::min(static_cast<double>(fSlack), fHop / ratio) / steps);
-    fNextStep = frame;
+    fStage = first;
+    fStageStep = 0;
+    const auto stages = static_cast<std::size_t>(Stage::kDone) - static_cast<std::size_t>(first);
+    const auto steps = static_cast<double>(stages * kSteps * fChannels.size());
+    fBetweenSteps = std::min(static_cast<double>(fSlack), fHop / ratio) / steps;
+    fStepsBegin = frame;
+    fStepsDone = 0;
 }
 
 void SpectralStretcher::RunStep(const HistoryBuffer& history) noexcept {
-    Channel& channel = fChannels[fStageChannel];
+    Channel& channel = fChannels[fStageStep / kSteps];
     switch (fStage) {
     case Stage::kCopy:
-        Analyse(history, fStageChannel, fCopyTime, channel.sounded);
-        ShiftByFraction(channel.sounded);
+        Analyse(history, fCopyTime, channel.sounded);
+        if (IsLastOfChannel()) ShiftByFraction(channel.sounded);
         break;
-    case Stage::kPresent: Analyse(history, fStageChannel, fTime, channel.present); break;
-    case Stage::kBefore: Analyse(history, fStageChannel, fTime - (fCentre - fSoundedCentre), channel.before); break;
+    case Stage::kPresent: Analyse(history, fTime, channel.present); break;
+    case Stage::kBefore: Analyse(history, fTime - (fCentre - fSoundedCentre), channel.before); break;
     case Stage::kTurn: Turn(); break;
     case Stage::kSynthesis: Synthesise(channel); break;
     case Stage::kDone: return;
     }
-    if (fStage != Stage::kTurn && ++fStageChannel < fChannels.size()) return;
-    fStageChannel = 0;
+    if (++fStageStep < kSteps * fChannels.size()) return;
+    fStageStep = 0;
     fStage = static_cast<Stage>(static_cast<int>(fStage) + 1);
     if (fStage == Stage::kDone) Finish();
 }
 
-void SpectralStretcher::Analyse(const HistoryBuffer& history, std::size_t channel, std::int64_t centre,
-                                Spectrum& spectrum) noexcept {
-    const float* const sound = history.At(channel, centre - fSize->half);
+void SpectralStretcher::Analyse(const HistoryBuffer& history, std::int64_t centre, Spectrum& spectrum) noexcept {
     const std::span<float> frame(fScratch.data(), fSize->window.size());
-    for (std::size_t i = 0; i < frame.size(); ++i)
-        frame[i] = fSize->window[i] * SaneSample(sound[i]);
-    fSize->transform.Forward(frame, spectrum);
+    if (fStageStep % kSteps == 0) {
+        const float* const sound = history.At(fStageStep / kSteps, centre - fSize->half);
+        for (std::size_t i = 0; i < frame.size(); ++i)
+            frame[i] = fSize->window[i] * SaneSample(sound[i]);
+    }
+    fSize->transform.Forward(frame, spectrum, TransformPart());
 }
 
-// So much of a sample on.
+// So much of a sample on. Each bin is turned by the angle to the first of a run of bins and by that within the run.
 void SpectralStretcher::ShiftByFraction(Spectrum& spectrum) const noexcept {
+    constexpr std::size_t kRun = 64;
     const double angle = std::numbers::pi * fFraction / static_cast<double>(fSize->half);
-    for (std::size_t bin = 0; bin < spectrum.size(); ++bin)
-        spectrum[bin] *= std::complex<float>(std::polar(1.0, angle * static_cast<double>(bin)));
+    std::array<std::complex<float>, kRun> turns;
+    for (std::size_t i = 0; i < kRun; ++i)
+        turns[i] = std::complex<float>(std::polar(1.0, angle * static_cast<double>(i)));
+    for (std::size_t begin = 0; begin < spectrum.size(); begin += kRun) {
+        const std::complex<float> first(std::polar(1.0, angle * static_cast<double>(begin)));
+        for (std::size_t i = 0; i < std::min(kRun, spectrum.size() - begin); ++i)
+            spectrum[begin + i] = Product(spectrum[begin + i], Product(first, turns[i]));
+    }
 }
 
 void SpectralStretcher::Turn() noexcept {
     std::ranges::transform(fChannels, fTurned.begin(), [](Channel& channel) {
         return SpectralSplice::Channel{channel.present, channel.before, channel.sounded};
     });
-    fSplice.Turn(fTurned);
+    fSplice.Turn(fTurned, fStageStep, kSteps * fChannels.size());
 }
 
 void SpectralStretcher::Synthesise(Channel& channel) noexcept {
     const std::span<float> frame(fScratch.data(), fSize->window.size());
-    fSize->transform.Inverse(channel.sounded, frame);
+    fSize->transform.Inverse(channel.sounded, frame, TransformPart());
+    if (!IsLastOfChannel()) return;
     for (std::size_t i = 0; i < frame.size(); ++i)
         channel.sum[Slot(fCentre - fSize->half + static_cast<std::int64_t>(i))] += fSize->window[i] * frame[i];
 }

@@ -1,6 +1,7 @@
 #include "qoc/dsp/pitch/SpliceSearch.h"
 
-#include "qoc/dsp/math/UnrolledSum.h"
+#include "math/ComplexProduct.h"
+#include "qoc/dsp/math/DotProduct.h"
 
 #include <algorithm>
 #include <bit>
@@ -22,16 +23,6 @@ constexpr double kPull = 0.4;
 constexpr double kSilence = 1e-6;
 constexpr double kLeast = 1e-20;
 constexpr double kInaudible = 1e-10; // a sample
-
-double Product(const float* one, const float* other, std::size_t count) noexcept {
-    return UnrolledSum<double>(0, count, [=](std::size_t i) { return double{one[i]} * other[i]; });
-}
-
-// Written out: the operator takes care of infinite values, which costs time.
-std::complex<float> ConjugateProduct(std::complex<float> one, std::complex<float> other) noexcept {
-    return {one.real() * other.real() + one.imag() * other.imag(),
-            one.real() * other.imag() - one.imag() * other.real()};
-}
 
 double Normalised(double product, double energy, double presentEnergy) noexcept {
     return product / std::sqrt(energy + kSilence * presentEnergy + kLeast);
@@ -92,7 +83,7 @@ void SpliceSearch::Correlate(const Present& present, const HistoryBuffer& histor
     fPresentEnergy = 0;
     for (std::size_t channel = 0; channel < fChannels; ++channel) {
         Gather(present.sound.At(channel, present.time), length, {fPresent.data(), bins});
-        fPresentEnergy += Product(fSound.data(), fSound.data(), length);
+        fPresentEnergy += DotProduct(fSound.data(), fSound.data(), length);
         Gather(history.At(channel, first), nearby, {fNear.data(), bins});
         for (std::size_t i = 0; i < nearby; ++i)
             fEnergy[i + 1] += double{fSound[i]} * fSound[i];
@@ -153,7 +144,7 @@ double SpliceSearch::RiseTo(const Present& present, const HistoryBuffer& history
 double SpliceSearch::EnergyAt(const HistoryBuffer& history, std::int64_t time, std::size_t length) const noexcept {
     double energy = 0;
     for (std::size_t channel = 0; channel < fChannels; ++channel)
-        energy += Product(history.At(channel, time), history.At(channel, time), length);
+        energy += DotProduct(history.At(channel, time), history.At(channel, time), length);
     return energy;
 }
 
@@ -163,8 +154,8 @@ double SpliceSearch::LikenessAt(const Present& present, const HistoryBuffer& his
     double energy = 0;
     for (std::size_t channel = 0; channel < fChannels; ++channel) {
         const float* const sound = history.At(channel, time);
-        product += Product(present.sound.At(channel, present.time), sound, present.length);
-        energy += Product(sound, sound, present.length);
+        product += DotProduct(present.sound.At(channel, present.time), sound, present.length);
+        energy += DotProduct(sound, sound, present.length);
     }
     return Normalised(product, energy, fPresentEnergy);
 }

@@ -29,9 +29,11 @@ public:
     // How many frames overlap, under Hann's window before and behind the transform. What two frames in a row don't have
     // in common gets lost where they overlap: regions are made so much louder.
     void SetOverlap(double frames) noexcept;
-    void Turn(std::span<const Channel> channels) noexcept;
+    // In steps: 0 to one below `steps`, in order, with the same channels.
+    void Turn(std::span<const Channel> channels, std::size_t step, std::size_t steps) noexcept;
 
 private:
+    void TurnRegion(std::span<const Channel> channels, std::size_t begin, std::size_t end) const noexcept;
     void FindRegions(std::span<const Channel> channels) noexcept;
     float GainAt(double coherence) const noexcept;
     bool IsPeak(std::size_t bin, std::size_t bins) const noexcept;
@@ -40,6 +42,7 @@ private:
     double fOverlap = 0;
     std::vector<float> fPower;      // of all channels
     std::vector<std::size_t> fEnds; // of the regions, one behind the last bin
+    std::size_t fTurned = 0;        // regions
 };
 
 } // namespace qoc::dsp

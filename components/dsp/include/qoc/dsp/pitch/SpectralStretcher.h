@@ -62,8 +62,9 @@ private:
         std::vector<float> sum;
     };
 
-    // Of a frame's work: each but kTurn for one channel after the other.
+    // Of a frame's work, each in kSteps steps for one channel after the other; kTurn in as many for all of them.
     enum class Stage { kCopy, kPresent, kBefore, kTurn, kSynthesis, kDone };
+    static constexpr std::size_t kSteps = 2;
 
     enum class Fit { kNot, kNotYet, kNow };
     Fit FitOf(const Size& size, std::int64_t frame, double offset, const TimeMap& map) const noexcept;
@@ -71,12 +72,14 @@ private:
     std::int64_t Lead(std::int64_t frame, const TimeMap& map) const noexcept;
     std::int64_t LatestTime(std::int64_t frame) const noexcept;
     bool IsDue(std::int64_t frame, const TimeMap& map) const noexcept;
-    void Begin(std::int64_t frame, const TimeMap& map) noexcept;
+    void Begin(std::int64_t frame, Stage first, const TimeMap& map) noexcept;
     void RunStep(const HistoryBuffer& history) noexcept;
-    void Analyse(const HistoryBuffer& history, std::size_t channel, std::int64_t centre, Spectrum& spectrum) noexcept;
+    void Analyse(const HistoryBuffer& history, std::int64_t centre, Spectrum& spectrum) noexcept;
     void ShiftByFraction(Spectrum& spectrum) const noexcept;
     void Turn() noexcept;
     void Synthesise(Channel& channel) noexcept;
+    bool IsLastOfChannel() const noexcept { return fStageStep % kSteps == kSteps - 1; }
+    RealFFT::Part TransformPart() const noexcept { return {fStageStep % kSteps, kSteps}; }
     void Finish() noexcept;
     std::size_t Slot(std::int64_t position) const noexcept {
         return static_cast<std::size_t>(position) & (fWeights.size() - 1);
@@ -112,9 +115,10 @@ private:
     double fFraction = 0;
     double fHop = 1; // to the next frame
     Stage fStage = Stage::kDone;
-    std::size_t fStageChannel = 0;
-    std::int64_t fNextStep = 0; // the frame at which it is due
-    std::int64_t fBetweenSteps = 0;
+    std::size_t fStageStep = 0;
+    std::int64_t fStepsBegin = 0; // the frame at which the first step is due
+    double fBetweenSteps = 0;
+    std::size_t fStepsDone = 0;
 };
 
 } // namespace qoc::dsp
