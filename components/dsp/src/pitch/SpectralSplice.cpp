@@ -11,34 +11,20 @@ namespace qoc::dsp {
 
 namespace {
 
-// A peak is higher than so many bins to either side: the width of a window's main lobe.
-constexpr std::size_t kNeighbours = 1;
-
-std::complex<float> Unit(std::complex<double> value) noexcept {
-    const double size = std::sqrt(std::norm(value));
-    if (!(size > 0) || !std::isfinite(size)) return 1;
-    return {static_cast<float>(value.real() / size), static_cast<float>(value.imag() / size)};
-}
-
-// Of a region.
-struct Common {
-    std::complex<double> product; // what turns `before` nearest to what sounded
-    double before = 0;
-    double sounded = 0;
-};
-
-void Add(const SpectralSplice::Channel& channel, std::size_t begin, std::size_t end, Common& common) noexcept {
+struct Sums {
     std::complex<float> product;
     float before = 0;
     float sounded = 0;
+};
+
+Sums SumUp(const SpectralSplice::Channel& channel, std::size_t begin, std::size_t end) noexcept {
+    Sums sums;
     for (std::size_t bin = begin; bin < end; ++bin) {
-        product += Product(channel.sounded[bin], std::conj(channel.before[bin]));
-        before += std::norm(channel.before[bin]);
-        sounded += std::norm(channel.sounded[bin]);
+        sums.product += Product(channel.sounded[bin], std::conj(channel.before[bin]));
+        sums.before += std::norm(channel.before[bin]);
+        sums.sounded += std::norm(channel.sounded[bin]);
     }
-    common.product += product;
-    common.before += before;
-    common.sounded += sounded;
+    return sums;
 }
 
 // The integral over the product of two squared Hann windows, so much of their length apart, against that of one.
@@ -78,10 +64,13 @@ void SpectralSplice::Turn(std::span<const Channel> channels, std::size_t step, s
 
 void SpectralSplice::TurnRegion(std::span<const Channel> channels, std::size_t begin, std::size_t end) const noexcept {
     Common common;
-    for (const Channel& channel : channels)
-        Add(channel, begin, end, common);
-    const double coherence = std::sqrt(std::norm(common.product) / (common.before * common.sounded));
-    const std::complex<float> turn = Unit(common.product) * GainAt(coherence);
+    for (const Channel& channel : channels) {
+        const Sums sums = SumUp(channel, begin, end);
+        common.product += sums.product;
+        common.before += sums.before;
+        common.sounded += sums.sounded;
+    }
+    const std::complex<float> turn = TurnOf(common);
     for (const Channel& channel : channels) {
         for (std::size_t bin = begin; bin < end; ++bin)
             channel.sounded[bin] = Product(channel.present[bin], turn);
@@ -109,6 +98,16 @@ void SpectralSplice::SetOverlap(double frames) noexcept {
         }
         fGains[i] = static_cast<float>(std::sqrt(equal / power));
     }
+}
+
+// None where there was nothing, or too much.
+std::complex<float> SpectralSplice::TurnOf(const Common& common) const noexcept {
+    const double size = std::sqrt(std::norm(common.product));
+    const float gain = GainAt(size / std::sqrt(common.before * common.sounded));
+    if (!(size > 0) || !std::isfinite(size)) return gain;
+    const double scale = 1 / size;
+    return {gain * static_cast<float>(scale * common.product.real()),
+            gain * static_cast<float>(scale * common.product.imag())};
 }
 
 float SpectralSplice::GainAt(double coherence) const noexcept {
@@ -140,12 +139,8 @@ void SpectralSplice::FindRegions(std::span<const Channel> channels) noexcept {
 }
 
 bool SpectralSplice::IsPeak(std::size_t bin, std::size_t bins) const noexcept {
-    const std::size_t begin = bin - std::min(bin, kNeighbours);
-    const std::size_t end = std::min(bin + kNeighbours + 1, bins);
-    for (std::size_t other = begin; other < end; ++other) {
-        if (fPower[other] > fPower[bin] || (other < bin && fPower[other] == fPower[bin])) return false;
-    }
-    return true;
+    const bool isAboveBefore = bin == 0 || fPower[bin] > fPower[bin - 1];
+    return isAboveBefore && (bin + 1 == bins || fPower[bin] >= fPower[bin + 1]);
 }
 
 } // namespace qoc::dsp

@@ -115,10 +115,17 @@ std::size_t SpliceSearch::BestCoarse(const Room& room, std::int64_t first) const
     return best;
 }
 
+// From each time to the next the energy changes by what comes and what goes.
 SpliceSearch::Place SpliceSearch::Refine(const Present& present, const HistoryBuffer& history,
                                          std::int64_t time) const noexcept {
-    const auto likenessAt = [&](std::int64_t at) { return LikenessAt(present, history, at); };
     const std::int64_t reach = fStep == 1 ? 0 : static_cast<std::int64_t>(fStep);
+    double nearEnergy = EnergyAt(history, time - reach - 1, present.length);
+    const auto likenessAt = [&](std::int64_t at) {
+        const double likeness = Normalised(ProductAt(present, history, at), nearEnergy, fPresentEnergy);
+        nearEnergy = std::max(0.0, nearEnergy + EnergyAt(history, at + static_cast<std::int64_t>(present.length), 1) -
+                                       EnergyAt(history, at, 1));
+        return likeness;
+    };
     double before = 0;
     double peak = likenessAt(time - reach - 1);
     double behind = likenessAt(time - reach);
@@ -148,16 +155,11 @@ double SpliceSearch::EnergyAt(const HistoryBuffer& history, std::int64_t time, s
     return energy;
 }
 
-double SpliceSearch::LikenessAt(const Present& present, const HistoryBuffer& history,
-                                std::int64_t time) const noexcept {
+double SpliceSearch::ProductAt(const Present& present, const HistoryBuffer& history, std::int64_t time) const noexcept {
     double product = 0;
-    double energy = 0;
-    for (std::size_t channel = 0; channel < fChannels; ++channel) {
-        const float* const sound = history.At(channel, time);
-        product += DotProduct(present.sound.At(channel, present.time), sound, present.length);
-        energy += DotProduct(sound, sound, present.length);
-    }
-    return Normalised(product, energy, fPresentEnergy);
+    for (std::size_t channel = 0; channel < fChannels; ++channel)
+        product += DotProduct(present.sound.At(channel, present.time), history.At(channel, time), present.length);
+    return product;
 }
 
 } // namespace qoc::dsp

@@ -33,9 +33,18 @@ public:
     void Turn(std::span<const Channel> channels, std::size_t step, std::size_t steps) noexcept;
 
 private:
+    // Of a region, in all channels.
+    struct Common {
+        std::complex<double> product; // what turns `before` nearest to what sounded
+        double before = 0;            // energies
+        double sounded = 0;
+    };
+
     void TurnRegion(std::span<const Channel> channels, std::size_t begin, std::size_t end) const noexcept;
     void FindRegions(std::span<const Channel> channels) noexcept;
+    std::complex<float> TurnOf(const Common& common) const noexcept;
     float GainAt(double coherence) const noexcept;
+    // Higher than both bins beside it, within the width of a window's main lobe.
     bool IsPeak(std::size_t bin, std::size_t bins) const noexcept;
 
     std::array<float, 33> fGains{}; // by coherence, from 0 to 1

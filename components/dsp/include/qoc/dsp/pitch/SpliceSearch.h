@@ -57,7 +57,7 @@ private:
     std::size_t BestCoarse(const Room& room, std::int64_t first) const noexcept;
     Place Refine(const Present& present, const HistoryBuffer& history, std::int64_t time) const noexcept;
     double EnergyAt(const HistoryBuffer& history, std::int64_t time, std::size_t length) const noexcept;
-    double LikenessAt(const Present& present, const HistoryBuffer& history, std::int64_t time) const noexcept;
+    double ProductAt(const Present& present, const HistoryBuffer& history, std::int64_t time) const noexcept;
 
     std::size_t fChannels = 0;
     std::size_t fStep = 1;            // samples to a coarse one
