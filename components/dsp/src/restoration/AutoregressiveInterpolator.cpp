@@ -2,15 +2,17 @@
 
 #include "qoc/dsp/math/DotProduct.h"
 #include "restoration/BandColumns.h"
+#include "restoration/PredictionErrors.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace qoc::dsp {
 
 void AutoregressiveInterpolator::Prepare(std::size_t mostUnknown, std::size_t largestOrder) {
     fProducts.assign(2 * largestOrder + 1, 0.0);
+    fPlaces.assign(mostUnknown, {});
+    fShare = 1;
     fBand.assign(mostUnknown * BandStride(largestOrder + 1), 0.0);
     fValues.assign(mostUnknown, 0.0);
     fBefore.assign(mostUnknown, 0.0);
@@ -33,14 +35,57 @@ void AutoregressiveInterpolator::Begin(std::span<const double> coefficients, std
     fIsSolvable = !unknown.empty();
     fWidth = coefficients.size();
     fStride = BandStride(fWidth);
+    FindProducts(coefficients);
+    PlaceColumns();
+    for (std::size_t i = 0; i < unknown.size(); ++i)
+        fBefore[i] = std::exchange(sound[unknown[i]], 0);
+}
+
+void AutoregressiveInterpolator::FindProducts(std::span<const double> coefficients) noexcept {
     for (std::size_t lag = 0; lag < fWidth; ++lag) {
         double sum = 0;
         for (std::size_t k = 0; k + lag < fWidth; ++k)
             sum += coefficients[k] * coefficients[k + lag];
         fProducts[fWidth - 1 + lag] = fProducts[fWidth - 1 - lag] = sum;
     }
-    for (std::size_t i = 0; i < unknown.size(); ++i)
-        fBefore[i] = std::exchange(sound[unknown[i]], 0);
+}
+
+// The equations of a gap that stands alone are the first ones of any longer gap that does: they all share the columns
+// of the longest.
+void AutoregressiveInterpolator::PlaceColumns() noexcept {
+    std::size_t longest = 0; // where it begins
+    std::size_t length = 0;
+    for (std::size_t begin = 0, end = 0; begin < fUnknown.size(); begin = end) {
+        end = EndOfGap(begin);
+        if (!IsAlone(begin, end) || end - begin <= length) continue;
+        longest = begin;
+        length = end - begin;
+    }
+    fColumns = length;
+    for (std::size_t begin = 0, end = 0; begin < fUnknown.size(); begin = end) {
+        end = EndOfGap(begin);
+        const bool isAlone = IsAlone(begin, end);
+        const std::size_t last = isAlone ? end : fUnknown.size();
+        for (std::size_t i = begin; i < end; ++i)
+            fPlaces[i] = {isAlone ? longest + (i - begin) : i, std::min(last, i + fWidth)};
+        fColumns += isAlone ? 0 : end - begin;
+    }
+    fFactorised = 0;
+    fFirstColumn = 0;
+    if (!fUnknown.empty()) fShare = static_cast<double>(fColumns) / static_cast<double>(fUnknown.size());
+}
+
+std::size_t AutoregressiveInterpolator::EndOfGap(std::size_t index) const noexcept {
+    do
+        ++index;
+    while (index < fUnknown.size() && fUnknown[index] == fUnknown[index - 1] + 1);
+    return index;
+}
+
+// No error that an unknown sample takes part in has one of another gap in it.
+bool AutoregressiveInterpolator::IsAlone(std::size_t index, std::size_t end) const noexcept {
+    const bool isFirst = index == 0 || fUnknown[index] - fUnknown[index - 1] >= fWidth;
+    return isFirst && (end == fUnknown.size() || fUnknown[end] - fUnknown[end - 1] >= fWidth);
 }
 
 void AutoregressiveInterpolator::BeginUnbounded(std::span<const double> coefficients,
@@ -53,10 +98,11 @@ void AutoregressiveInterpolator::BeginUnbounded(std::span<const double> coeffici
 // A few unknown samples at a time.
 double AutoregressiveInterpolator::Work() noexcept {
     if (IsDone()) return 0;
-    constexpr std::size_t kTogether = 8;
-    const double cost = kTogether * PieceCost(fStage, fWidth);
-    for (std::size_t end = fPlace + kTogether; !IsDone() && fPlace < std::min(end, fUnknown.size());)
-        Do();
+    constexpr double kTogether = 8;
+    const double most = kTogether * PieceCost(fStage, fWidth);
+    double cost = 0;
+    while (!IsDone() && fPlace < fUnknown.size() && cost < most)
+        cost += Do();
     if (IsDone() || fPlace < fUnknown.size()) return cost;
     fPlace = 0;
     fStage = static_cast<Stage>(static_cast<int>(fStage) + 1);
@@ -66,21 +112,25 @@ double AutoregressiveInterpolator::Work() noexcept {
 
 double AutoregressiveInterpolator::CostLeft() const noexcept {
     double cost = 0;
-    for (Stage stage = fStage; stage != Stage::kDone; stage = static_cast<Stage>(static_cast<int>(stage) + 1))
-        cost += PieceCost(stage, fWidth) * static_cast<double>(fUnknown.size() - (stage == fStage ? fPlace : 0));
+    for (Stage stage = fStage; stage != Stage::kDone; stage = static_cast<Stage>(static_cast<int>(stage) + 1)) {
+        const std::size_t all = stage == Stage::kFactorise ? fColumns : fUnknown.size();
+        const std::size_t done = stage != fStage ? 0 : stage == Stage::kFactorise ? fFactorised : fPlace;
+        cost += PieceCost(stage, fWidth) * static_cast<double>(all - done);
+    }
     return cost;
 }
 
+// As many columns are shared as the last time.
 double AutoregressiveInterpolator::CostOf(std::size_t unknown, std::size_t order) const noexcept {
     double cost = 0;
     for (Stage stage = Stage::kSetUp; stage != Stage::kDone; stage = static_cast<Stage>(static_cast<int>(stage) + 1))
-        cost += PieceCost(stage, order + 1) * static_cast<double>(unknown);
+        cost += PieceCost(stage, order + 1) * (stage == Stage::kFactorise ? fShare : 1) * static_cast<double>(unknown);
     return cost;
 }
 
-// Of one unknown sample, in nanoseconds, about.
+// Of one unknown sample, or column, in nanoseconds, about.
 double AutoregressiveInterpolator::PieceCost(Stage stage, std::size_t width) const noexcept {
-    constexpr double kSetUpCost = 0.7;    // a coefficient
+    constexpr double kSetUpCost = 0.4;    // a coefficient
     constexpr double kProductCost = 0.3;  // a coefficient
     constexpr double kFactorCost = 0.045; // two coefficients
     constexpr double kBoundCost = 0.5;    // a coefficient
@@ -95,19 +145,17 @@ double AutoregressiveInterpolator::PieceCost(Stage stage, std::size_t width) con
     }
 }
 
-void AutoregressiveInterpolator::Do() noexcept {
+double AutoregressiveInterpolator::Do() noexcept {
     switch (fStage) {
-    case Stage::kSetUp: return SetUp(fPlace++);
-    case Stage::kFactorise:
-        if (Factorise(fPlace++)) return;
-        fIsSolvable = false;
-        return StoreValues();
-    case Stage::kSolveForward: return SolveForward(fPlace++);
-    case Stage::kSolveBack: return SolveBack(fUnknown.size() - ++fPlace);
-    case Stage::kStore: return StoreValues();
-    case Stage::kBound: return BoundNextGap();
-    case Stage::kDone: return;
+    case Stage::kSetUp: return SetUp();
+    case Stage::kFactorise: return Factorise();
+    case Stage::kSolveForward: SolveForward(fPlace++); break;
+    case Stage::kSolveBack: SolveBack(fUnknown.size() - ++fPlace); break;
+    case Stage::kStore: StoreValues(); break;
+    case Stage::kBound: BoundNextGap(); break;
+    case Stage::kDone: break;
     }
+    return PieceCost(fStage, fWidth);
 }
 
 // Numbers out of all proportion leave the sound as it was.
@@ -119,9 +167,7 @@ void AutoregressiveInterpolator::StoreValues() noexcept {
 }
 
 void AutoregressiveInterpolator::BoundNextGap() noexcept {
-    const std::size_t first = fPlace++;
-    while (fPlace < fUnknown.size() && fUnknown[fPlace] == fUnknown[fPlace - 1] + 1)
-        ++fPlace;
+    const std::size_t first = std::exchange(fPlace, EndOfGap(fPlace));
     BoundGap(fUnknown.subspan(first, fPlace - first));
 }
 
@@ -149,42 +195,56 @@ void AutoregressiveInterpolator::BoundGap(std::span<const std::size_t> gap) noex
         fSound[place] = std::clamp(fSound[place], lo - room, hi + room);
 }
 
-// What is unknown is 0 in the sound until then.
-void AutoregressiveInterpolator::SetUp(std::size_t index) noexcept {
-    double* const column = Column(index);
-    std::fill_n(column, fStride, 0.0);
-    const std::size_t here = fUnknown[index];
-    const double* const products = fProducts.data() + fWidth - 1; // from lag 0 on
-    const std::size_t end = std::min(fUnknown.size(), index + fWidth);
-    for (std::size_t j = index; j < end && fUnknown[j] - here < fWidth; ++j)
-        column[j - index] = products[fUnknown[j] - here];
-    fValues[index] = -DotProduct(fProducts.data(), fSound.data() + here - (fWidth - 1), 2 * fWidth - 1);
+// Of several samples of a gap. What is unknown is 0 in the sound until it is known.
+double AutoregressiveInterpolator::SetUp() noexcept {
+    constexpr std::size_t kMost = 16;
+    const std::size_t begin = fPlace;
+    while (fPlace < fUnknown.size() && fPlace < begin + kMost && fUnknown[fPlace] - fUnknown[begin] == fPlace - begin)
+        SetUpColumn(fPlace++);
+    double* const values = fValues.data() + begin;
+    const double* const sound = fSound.data() + fUnknown[begin] - (fWidth - 1);
+    ComputePredictionErrors(std::span(fProducts).first(2 * fWidth - 1), sound, values, 0, fPlace - begin, 1);
+    for (std::size_t i = 0; i < fPlace - begin; ++i)
+        values[i] = -values[i];
+    return PieceCost(Stage::kSetUp, fWidth) * static_cast<double>(fPlace - begin);
 }
 
-// Cholesky's factorisation, column by column. False when the matrix is not positive, which only numbers out of all
-// proportion can cause.
-bool AutoregressiveInterpolator::Factorise(std::size_t index) noexcept {
-    SubtractEarlierColumns(fBand.data(), fWidth, index);
+void AutoregressiveInterpolator::SetUpColumn(std::size_t index) noexcept {
+    if (!HasOwnColumn(index)) return;
     double* const column = Column(index);
-    if (!(column[0] > 0)) return false;
-    const double scale = 1 / std::sqrt(column[0]);
-    for (std::size_t k = 0; k < fWidth; ++k)
-        column[k] *= scale;
-    return true;
+    std::fill_n(column, fStride, 0.0);
+    const double* const products = fProducts.data() + fWidth - 1; // from lag 0 on
+    for (std::size_t j = index; j < fPlaces[index].end && fUnknown[j] - fUnknown[index] < fWidth; ++j)
+        column[j - index] = products[fUnknown[j] - fUnknown[index]];
+}
+
+// Cholesky's factorisation, column by column. The matrix is positive, or numbers are out of all proportion.
+double AutoregressiveInterpolator::Factorise() noexcept {
+    constexpr double kNothing = 1; // nanoseconds
+    const std::size_t index = fPlace++;
+    if (!HasOwnColumn(index)) {
+        fFirstColumn = fPlace;
+        return kNothing;
+    }
+    ++fFactorised;
+    fIsSolvable = FactoriseColumn(fBand.data(), fWidth, fFirstColumn, index);
+    if (!fIsSolvable) StoreValues();
+    return PieceCost(Stage::kFactorise, fWidth);
 }
 
 void AutoregressiveInterpolator::SolveForward(std::size_t index) noexcept {
-    const double* const column = Column(index);
+    const auto [place, end] = fPlaces[index];
+    const double* const column = Column(place);
     double* const values = fValues.data() + index;
     *values /= column[0];
-    SubtractScaled(column + 1, *values, values + 1, std::min(fWidth, fUnknown.size() - index) - 1);
+    SubtractScaled(column + 1, *values, values + 1, end - index - 1);
 }
 
 void AutoregressiveInterpolator::SolveBack(std::size_t index) noexcept {
-    const double* const column = Column(index);
+    const auto [place, end] = fPlaces[index];
+    const double* const column = Column(place);
     double* const values = fValues.data() + index;
-    const std::size_t later = std::min(fWidth, fUnknown.size() - index) - 1;
-    *values = (*values - DotProduct(column + 1, values + 1, later)) / column[0];
+    *values = (*values - DotProduct(column + 1, values + 1, end - index - 1)) / column[0];
 }
 
 } // namespace qoc::dsp

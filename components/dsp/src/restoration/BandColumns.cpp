@@ -1,7 +1,9 @@
 // Compiled once for every kind of vectors; none of it may contract products and sums, so that all round alike.
 #include "restoration/BandColumns.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 
 // The ends of columns have room for four values.
 #define HWY_DISABLED_TARGETS (HWY_AVX3 | HWY_AVX3_DL | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
@@ -43,14 +45,20 @@ HWY_INLINE void SubtractColumns(const double* band, std::size_t width, std::size
     }
 }
 
-void SubtractEarlier(double* band, std::size_t width, std::size_t index) {
+bool Factorise(double* band, std::size_t width, std::size_t first, std::size_t index) {
     constexpr std::size_t kTogether = 4;
     double* const column = band + index * BandStride(width);
-    std::size_t first = index >= width ? index - width + 1 : 0;
+    first = std::max(first, index - std::min(index, width - 1));
     for (; first + kTogether <= index; first += kTogether)
         SubtractColumns<kTogether>(band, width, first, index, column);
     for (; first < index; ++first)
         SubtractColumns<1>(band, width, first, index, column);
+    if (!(column[0] > 0)) return false;
+    const Lanes lanes;
+    const auto scale = hn::Set(lanes, 1 / std::sqrt(column[0]));
+    for (std::size_t i = 0; i < width; i += hn::Lanes(lanes))
+        hn::StoreU(hn::Mul(scale, hn::LoadU(lanes, column + i)), lanes, column + i);
+    return true;
 }
 
 void Subtract(const double* column, double factor, double* values, std::size_t count) {
@@ -70,11 +78,11 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace qoc::dsp {
 
-HWY_EXPORT(SubtractEarlier);
+HWY_EXPORT(Factorise);
 HWY_EXPORT(Subtract);
 
-void SubtractEarlierColumns(double* band, std::size_t width, std::size_t index) noexcept {
-    HWY_DYNAMIC_DISPATCH(SubtractEarlier)(band, width, index);
+bool FactoriseColumn(double* band, std::size_t width, std::size_t first, std::size_t index) noexcept {
+    return HWY_DYNAMIC_DISPATCH(Factorise)(band, width, first, index);
 }
 
 void SubtractScaled(const double* column, double factor, double* values, std::size_t count) noexcept {

@@ -12,10 +12,11 @@ constexpr std::size_t BandStride(std::size_t width) noexcept {
     return (width + kSlack + kVector - 1) / kVector * kVector;
 }
 
-// Of a band of columns, each from its diagonal on: takes away from column `index` what the columns before it bring
-// there, each times its value in that row. With the best vectors that the processor has; the bits of the result are the
+// Cholesky's factorisation of a symmetric matrix, of which the lower half is a band of columns, each from its diagonal
+// on: takes away from column `index` what the columns before it bring there, from `first` on, and scales it. False when
+// the matrix turns out not to be positive. With the best vectors that the processor has; the bits of the result are the
 // same on all.
-void SubtractEarlierColumns(double* band, std::size_t width, std::size_t index) noexcept;
+bool FactoriseColumn(double* band, std::size_t width, std::size_t first, std::size_t index) noexcept;
 
 // values[k] -= column[k] * factor for all k below `count`, likewise.
 void SubtractScaled(const double* column, double factor, double* values, std::size_t count) noexcept;

@@ -124,7 +124,7 @@ double ClickDetector::PieceCost(Stage stage, std::size_t order) const noexcept {
     constexpr double kErrorCost = 0.07;  // a sample and coefficient
     constexpr double kUsualCost = 3;     // a sample
     constexpr double kCompareCost = 0.4; // a sample
-    constexpr double kCollectCost = 2.2; // a sample
+    constexpr double kCollectCost = 1;   // a sample
     switch (stage) {
     case Stage::kUsual: return kUsualCost * static_cast<double>(fNeighbourhood);
     case Stage::kCompare: return kCompareCost * static_cast<double>(fNeighbourhood);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace qoc::dsp {
 
@@ -32,6 +33,7 @@ void ClipPredictor::Prepare(std::size_t frame, std::size_t largestOrder) {
         places->clear();
         places->reserve(frame);
     }
+    fSolveCosts.fill(fInterpolator.CostOf(1, largestOrder) + kBoundCost);
     fStage = Stage::kDone;
 }
 
@@ -60,25 +62,25 @@ double ClipPredictor::Work() noexcept {
 }
 
 double ClipPredictor::CostOf(std::size_t clipped, std::size_t order) const noexcept {
-    return kPredictions * CostOfOne(clipped, order) + CostOfMeasuring();
+    return kPredictions * CostOfOne(clipped) + CostOfMeasuring(0, order);
 }
 
-double ClipPredictor::CostOfOne(std::size_t clipped, std::size_t order) const noexcept {
-    return fModel.CostOfFit() + 2 * (fInterpolator.CostOf(clipped, order) + kBoundCost * static_cast<double>(clipped));
+double ClipPredictor::CostOfOne(std::size_t clipped) const noexcept {
+    return fModel.CostOfFit() + (fSolveCosts[0] + fSolveCosts[1]) * static_cast<double>(clipped);
 }
 
-double ClipPredictor::CostOfMeasuring() const noexcept {
-    return kMeasureCost * static_cast<double>((fPredicted.size() - fMeasured) * (fOrder + 1));
+double ClipPredictor::CostOfMeasuring(std::size_t begin, std::size_t order) const noexcept {
+    return kMeasureCost * static_cast<double>((fPredicted.size() - begin) * (order + 1));
 }
 
 double ClipPredictor::CostLeft() const noexcept {
     if (IsDone()) return 0;
-    if (fStage == Stage::kMeasure) return CostOfMeasuring();
-    const double one = CostOfOne(fClipped.size(), fOrder);
-    const double further = static_cast<double>(kPredictions - fPrediction - 1) * one + CostOfMeasuring();
-    if (fStage == Stage::kFit) return further + one;
-    const bool isFirst = fStage == Stage::kPredict;
-    return further + fInterpolator.CostLeft() + (isFirst ? fInterpolator.CostOf(fClipped.size(), fOrder) : 0);
+    if (fStage == Stage::kMeasure) return CostOfMeasuring(fMeasured, fOrder);
+    const auto clipped = static_cast<double>(fClipped.size());
+    const double further =
+        static_cast<double>(kPredictions - fPrediction - 1) * CostOfOne(fClipped.size()) + CostOfMeasuring(0, fOrder);
+    if (fStage == Stage::kFit) return further + CostOfOne(fClipped.size());
+    return further + fInterpolator.CostLeft() + (fStage == Stage::kPredict ? fSolveCosts[1] * clipped : 0);
 }
 
 double ClipPredictor::Fit() noexcept {
@@ -92,18 +94,21 @@ double ClipPredictor::Fit() noexcept {
 }
 
 void ClipPredictor::StartPredicting() noexcept {
+    fSolveCost = kBoundCost * static_cast<double>(fClipped.size());
     fInterpolator.BeginUnbounded(fModel.Coefficients(), fUnknown, fPredicted);
     if (fInterpolator.IsDone()) FinishPredicting();
 }
 
 double ClipPredictor::Predict() noexcept {
     const double cost = fInterpolator.Work();
+    fSolveCost += cost;
     if (!fInterpolator.IsDone()) return cost;
     FinishPredicting();
     return cost + kBoundCost * static_cast<double>(fClipped.size());
 }
 
 void ClipPredictor::FinishPredicting() noexcept {
+    Remember(fStage == Stage::kPredict ? 0 : 1);
     if (fStage == Stage::kPredict) {
         fImplausible = Implausibility();
         if (fImplausible <= kHopeless && HoldToBounds()) {
@@ -113,6 +118,13 @@ void ClipPredictor::FinishPredicting() noexcept {
     }
     if (fImplausible <= kHopeless) HoldToBounds();
     StartNext();
+}
+
+void ClipPredictor::Remember(std::size_t solution) noexcept {
+    constexpr double kForgetting = 0.9; // a solution
+    if (fClipped.empty()) return;
+    const double cost = fSolveCost / static_cast<double>(fClipped.size());
+    fSolveCosts[solution] = std::max(cost, kForgetting * fSolveCosts[solution]);
 }
 
 void ClipPredictor::StartNext() noexcept {
@@ -147,14 +159,32 @@ double ClipPredictor::Held(std::size_t place) const noexcept {
     return sign * std::clamp(sign * fPredicted[place], std::abs(clipped), fBounds.ceilings[place]);
 }
 
-// True when a sample was brought to a bound; it is known then.
+// True when a sample was brought to a bound. It is known then, and unknown are only those that it has to do with.
 bool ClipPredictor::HoldToBounds() noexcept {
-    const auto isOutside = [&](std::size_t place) {
-        const double predicted = fPredicted[place];
-        fPredicted[place] = Held(place);
-        return fPredicted[place] != predicted;
-    };
-    return std::erase_if(fUnknown, isOutside) > 0;
+    bool isHeld = false;
+    std::size_t kept = 0;
+    for (std::size_t begin = 0, end = 0; begin < fUnknown.size(); begin = end) {
+        end = EndOfGroup(begin);
+        std::size_t left = kept;
+        for (std::size_t i = begin; i < end; ++i) {
+            const std::size_t place = fUnknown[i];
+            const double predicted = std::exchange(fPredicted[place], Held(place));
+            if (fPredicted[place] == predicted) fUnknown[left++] = place;
+        }
+        if (left - kept == end - begin) continue;
+        isHeld = true;
+        kept = left;
+    }
+    fUnknown.resize(kept);
+    return isHeld;
+}
+
+// Places are of one group when an error has both in it.
+std::size_t ClipPredictor::EndOfGroup(std::size_t index) const noexcept {
+    do
+        ++index;
+    while (index < fUnknown.size() && fUnknown[index] - fUnknown[index - 1] <= fOrder);
+    return index;
 }
 
 double ClipPredictor::Implausibility() const noexcept {

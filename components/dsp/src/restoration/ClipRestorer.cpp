@@ -16,7 +16,9 @@ constexpr double kHighest = 4;     // 12 dB over the clipping
 // from the curves.
 constexpr double kLargestError = 1e-4;           // -40 dB
 constexpr double kLargestErrorFromCurves = 3e-4; // -35 dB
-constexpr double kEaseOfOctave = 1e-2;           // an empty octave at the top is as easy to predict as that
+constexpr std::size_t kFromSparse = 0;
+constexpr std::size_t kFromCurves = 1;
+constexpr double kEaseOfOctave = 1e-2; // an empty octave at the top is as easy to predict as that
 
 } // namespace
 
@@ -31,6 +33,7 @@ void ClipRestorer::Prepare(const Layout& layout) {
     fCeilings.reserve(frame);
     for (std::vector<std::size_t>* const places : {&fClipped, &fStored})
         places->reserve(frame);
+    fPredictionCosts.fill(fPredictor.CostOf(frame, layout.largestOrder) / static_cast<double>(frame));
     fStage = Stage::kDone;
 }
 
@@ -70,21 +73,40 @@ double ClipRestorer::CostOf(std::span<const ClipDetector::Run> runs, const Setti
     std::size_t clipped = 0;
     for (const ClipDetector::Run& run : runs)
         clipped += run.end - std::min(run.end, std::max(run.begin, fLayout.first));
-    return CostOfRounds(fLayout.rounds) + 2 * fPredictor.CostOf(clipped, settings.order);
+    return CostOfRounds(fLayout.rounds) + CostOfPredicting(kFromSparse, clipped) +
+           CostOfPredicting(kFromCurves, clipped);
 }
 
 double ClipRestorer::CostOfRounds(std::size_t rounds) const noexcept {
     return static_cast<double>(rounds) * fSparse.CostOfRound();
 }
 
+double ClipRestorer::CostOfPredicting(std::size_t start, std::size_t clipped) const noexcept {
+    return std::min(fPredictionCosts[start] * static_cast<double>(std::max<std::size_t>(1, clipped)),
+                    fPredictor.CostOf(clipped, fSettings.order));
+}
+
 double ClipRestorer::CostLeft() const noexcept {
-    const double prediction = fPredictor.CostOf(fClipped.size(), fSettings.order);
+    const auto predicting = [this](std::size_t start) { return CostOfPredicting(start, fClipped.size()); };
     switch (fStage) {
-    case Stage::kSparse: return CostOfRounds(fLayout.rounds - fRound) + 2 * prediction;
-    case Stage::kPredictFromSparse: return fPredictor.CostLeft() + prediction;
-    case Stage::kPredictFromCurves: return fPredictor.CostLeft();
+    case Stage::kSparse:
+        return CostOfRounds(fLayout.rounds - fRound) + predicting(kFromSparse) + predicting(kFromCurves);
+    case Stage::kPredictFromSparse: return CostOfPredictingOn(kFromSparse) + predicting(kFromCurves);
+    case Stage::kPredictFromCurves: return CostOfPredictingOn(kFromCurves);
     default: return 0;
     }
+}
+
+// When it has gone on for longer than lately it may go on to the end.
+double ClipRestorer::CostOfPredictingOn(std::size_t start) const noexcept {
+    const double left = CostOfPredicting(start, fClipped.size()) - fPredictionCost;
+    return left > 0 ? std::min(left, fPredictor.CostLeft()) : fPredictor.CostLeft();
+}
+
+void ClipRestorer::Remember(std::size_t start) noexcept {
+    constexpr double kForgetting = 0.9; // a frame
+    const double cost = fPredictionCost / static_cast<double>(std::max<std::size_t>(1, fClipped.size()));
+    fPredictionCosts[start] = std::max(cost, kForgetting * fPredictionCosts[start]);
 }
 
 double ClipRestorer::Iterate() noexcept {
@@ -99,12 +121,15 @@ double ClipRestorer::Iterate() noexcept {
 
 double ClipRestorer::Predict() noexcept {
     const double cost = fPredictor.Work();
+    fPredictionCost += cost;
     if (!fPredictor.IsDone()) return cost;
     if (fStage == Stage::kPredictFromSparse) {
+        Remember(kFromSparse);
         TakePrediction(kLargestError);
         StartPrediction(fCurves);
         fStage = Stage::kPredictFromCurves;
     } else {
+        Remember(kFromCurves);
         TakePrediction(kLargestErrorFromCurves);
         Store(fSound);
     }
@@ -150,6 +175,7 @@ void ClipRestorer::FillWithCurve(const ClipDetector::Run& run) noexcept {
 
 void ClipRestorer::StartPrediction(std::span<const double> sound) noexcept {
     fPredictor.Begin(sound, fClipped, {fOriginal, fCeilingAt}, fSettings.order);
+    fPredictionCost = 0;
 }
 
 // In place of what there is, when it is better than that.

@@ -15,13 +15,12 @@ namespace qoc::dsp::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Several vectors of samples side by side, for a sum has to wait for the one before it.
-void AddUp(std::span<const double> coefficients, const double* sound, double* errors, std::size_t begin,
-           std::size_t end, std::ptrdiff_t step) {
+// As many vectors of errors as fit from `i` on.
+template <std::size_t kVectors>
+HWY_INLINE std::size_t AddUpVectors(std::span<const double> coefficients, const double* sound, double* errors,
+                                    std::size_t i, std::size_t end, std::ptrdiff_t step) {
     const hn::CappedTag<double, 4> lanes;
-    constexpr std::size_t kVectors = 4;
     const std::size_t width = hn::Lanes(lanes);
-    std::size_t i = begin;
     for (; i + kVectors * width <= end; i += kVectors * width) {
         std::array<hn::Vec<decltype(lanes)>, kVectors> sums;
         sums.fill(hn::Zero(lanes));
@@ -35,6 +34,14 @@ void AddUp(std::span<const double> coefficients, const double* sound, double* er
         for (std::size_t k = 0; k < kVectors; ++k)
             hn::StoreU(sums[k], lanes, errors + i + k * width);
     }
+    return i;
+}
+
+// Several vectors side by side, for a sum has to wait for the one before it.
+void AddUp(std::span<const double> coefficients, const double* sound, double* errors, std::size_t begin,
+           std::size_t end, std::ptrdiff_t step) {
+    std::size_t i = AddUpVectors<4>(coefficients, sound, errors, begin, end, step);
+    i = AddUpVectors<1>(coefficients, sound, errors, i, end, step);
     for (; i < end; ++i) {
         double sum = 0;
         const double* here = sound + i;

@@ -41,27 +41,44 @@ private:
     // What is done, one stage after the other, in pieces.
     enum class Stage : std::uint8_t { kSetUp, kFactorise, kSolveForward, kSolveBack, kStore, kBound, kDone };
 
-    void Do() noexcept;
+    // Where the column of an unknown sample's equation stands, and one past the last unknown sample that it reaches.
+    struct Place {
+        std::size_t column = 0;
+        std::size_t end = 0;
+    };
+
+    void FindProducts(std::span<const double> coefficients) noexcept;
+    void PlaceColumns() noexcept;
+    std::size_t EndOfGap(std::size_t index) const noexcept;
+    bool IsAlone(std::size_t index, std::size_t end) const noexcept;
+    double Do() noexcept;
     double PieceCost(Stage stage, std::size_t width) const noexcept;
-    void SetUp(std::size_t index) noexcept;
-    bool Factorise(std::size_t index) noexcept;
+    double SetUp() noexcept;
+    void SetUpColumn(std::size_t index) noexcept;
+    double Factorise() noexcept;
     void SolveForward(std::size_t index) noexcept;
     void SolveBack(std::size_t index) noexcept;
     void StoreValues() noexcept;
     void BoundNextGap() noexcept;
     void BoundGap(std::span<const std::size_t> gap) noexcept;
-    // Column `index` of the band's lower half, from the diagonal on; zeros behind the last row.
-    double* Column(std::size_t index) noexcept { return fBand.data() + index * fStride; }
+    bool HasOwnColumn(std::size_t index) const noexcept { return fPlaces[index].column == index; }
+    // The band's lower half, from the diagonal on; zeros behind the last row.
+    double* Column(std::size_t column) noexcept { return fBand.data() + column * fStride; }
 
     std::span<const std::size_t> fUnknown;
     std::span<double> fSound;
     Stage fStage = Stage::kDone;
-    std::size_t fPlace = 0; // up to which unknown sample the stage has come
+    std::size_t fPlace = 0;       // up to which unknown sample the stage has come
+    std::size_t fColumns = 0;     // that there are
+    std::size_t fFactorised = 0;  // of those
+    std::size_t fFirstColumn = 0; // before which there is none for a while
+    double fShare = 1;            // columns an unknown sample
     bool fIsBounded = false;
     bool fIsSolvable = false;
     std::size_t fWidth = 1;        // order + 1
     std::size_t fStride = 1;       // from column to column
     std::vector<double> fProducts; // of the coefficients with themselves, from the lag -order on
+    std::vector<Place> fPlaces;    // of all unknown samples
     std::vector<double> fBand;
     std::vector<double> fValues;
     std::vector<double> fBefore;

@@ -3,6 +3,7 @@
 #include "qoc/dsp/restoration/AutoregressiveInterpolator.h"
 #include "qoc/dsp/restoration/LinearPrediction.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -31,7 +32,7 @@ public:
     // Does the next piece of work, and tells about how many nanoseconds it takes.
     double Work() noexcept;
     bool IsDone() const noexcept { return fStage == Stage::kDone; }
-    // About how many nanoseconds are left, and so many clipped samples take.
+    // About how many nanoseconds are left, and so many clipped samples take, if it goes on as lately.
     double CostLeft() const noexcept;
     double CostOf(std::size_t clipped, std::size_t order) const noexcept;
 
@@ -51,10 +52,12 @@ private:
     void FinishPredicting() noexcept;
     void StartNext() noexcept;
     double Measure() noexcept;
-    double CostOfOne(std::size_t clipped, std::size_t order) const noexcept;
-    double CostOfMeasuring() const noexcept;
+    void Remember(std::size_t solution) noexcept;
+    double CostOfOne(std::size_t clipped) const noexcept;
+    double CostOfMeasuring(std::size_t begin, std::size_t order) const noexcept;
     double Held(std::size_t place) const noexcept;
     bool HoldToBounds() noexcept;
+    std::size_t EndOfGroup(std::size_t index) const noexcept;
     double Implausibility() const noexcept;
 
     LinearPrediction fModel;
@@ -69,9 +72,11 @@ private:
     Stage fStage = Stage::kDone;
     std::size_t fFitStep = 0;
     std::size_t fPrediction = 0;
-    double fImplausible = 0;   // part of the peaks' energy
-    std::size_t fMeasured = 0; // samples
-    double fErrorEnergy = 0;   // of those
+    double fSolveCost = 0;                  // of the present solution, so far
+    std::array<double, 2> fSolveCosts = {}; // of the first and the second one, a clipped sample, as it was lately
+    double fImplausible = 0;                // part of the peaks' energy
+    std::size_t fMeasured = 0;              // samples
+    double fErrorEnergy = 0;                // of those
     double fSoundEnergy = 0;
     double fError = 0;
 };

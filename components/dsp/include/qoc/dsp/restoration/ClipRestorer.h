@@ -4,6 +4,7 @@
 #include "qoc/dsp/restoration/ClipPredictor.h"
 #include "qoc/dsp/restoration/SparseDeclipper.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -44,7 +45,7 @@ public:
     bool IsDone() const noexcept { return fStage == Stage::kDone; }
     // Leaves the frame as it is.
     void Stop() noexcept { fStage = Stage::kDone; }
-    // About how many nanoseconds are left, and a frame with such runs takes.
+    // About how many nanoseconds are left, and a frame with such runs takes, if it goes on as lately.
     double CostLeft() const noexcept;
     double CostOf(std::span<const ClipDetector::Run> runs, const Settings& settings) const noexcept;
 
@@ -56,6 +57,9 @@ private:
     double CeilingOf(const ClipDetector::Run& run) const noexcept;
     void FillWithCurve(const ClipDetector::Run& run) noexcept;
     double CostOfRounds(std::size_t rounds) const noexcept;
+    double CostOfPredicting(std::size_t start, std::size_t clipped) const noexcept;
+    double CostOfPredictingOn(std::size_t start) const noexcept;
+    void Remember(std::size_t start) noexcept;
     double Iterate() noexcept;
     double Predict() noexcept;
     void StartPrediction(std::span<const double> sound) noexcept;
@@ -78,6 +82,9 @@ private:
     std::vector<std::size_t> fStored;  // places in runs that are long enough
     std::vector<double> fCeilingAt;    // by place
     double fLeastError = 0;            // of the predictions that were taken
+    // What predicting took lately from the sparse model and from the curves on: it may have been given up.
+    std::array<double, 2> fPredictionCosts = {}; // nanoseconds a clipped sample
+    double fPredictionCost = 0;                  // of the present one, so far
 };
 
 } // namespace qoc::dsp
