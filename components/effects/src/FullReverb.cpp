@@ -196,13 +196,16 @@ void FullReverb::Reverberate(std::span<SoundPiece> sound, std::size_t frames) no
     fTank.Process(sound, frames);
 }
 
-void FullReverb::Mix(std::span<float> wet, std::span<const float> direct, std::span<const float> reflected) noexcept {
-    fHighPass.Advance();
-    fEqualiser.Advance();
-    const float reverberation = fReverberation.Next();
-    for (std::size_t k = 0; k < wet.size(); ++k) {
-        const double sound = reverberation * wet[k] + fHighPass.Process(k, reflected[k]);
-        wet[k] = direct[k] + static_cast<float>(fEqualiser.Process(k, sound));
+void FullReverb::Mix(std::span<SoundPiece> wet, std::span<const SoundPiece> direct,
+                     std::span<const SoundPiece> reflected, std::size_t frames) noexcept {
+    for (std::size_t i = 0; i < frames; ++i) {
+        fHighPass.Advance();
+        fEqualiser.Advance();
+        const float reverberation = fReverberation.Next();
+        for (std::size_t k = 0; k < wet.size(); ++k) {
+            const double sound = reverberation * wet[k][i] + fHighPass.Process(k, reflected[k][i]);
+            wet[k][i] = direct[k][i] + static_cast<float>(fEqualiser.Process(k, sound));
+        }
     }
 }
 

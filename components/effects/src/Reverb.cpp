@@ -138,21 +138,23 @@ void Reverb::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noe
 }
 
 void Reverb::Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames) noexcept {
-    for (std::size_t i = 0; i < frames; ++i) {
-        fRoom.Take(block, begin + i);
-        for (std::size_t k = 0; k < fSound.size(); ++k)
-            fSound[k][i] = fRoom.Sound()[k];
-        const float dry = fDry.Next();
-        for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
-            block.outputs[channel][begin + i] = dry * fRoom.Dry(channel);
+    fRoom.Take(block, begin, frames, fSound);
+    SoundPiece dry;
+    fDry.Next(std::span(dry).first(frames));
+    for (std::size_t channel = 0; channel < block.outputs.size(); ++channel) {
+        float* const output = block.outputs[channel] + begin;
+        for (std::size_t i = 0; i < frames; ++i)
+            output[i] = dry[i] * fRoom.Dry(channel)[i];
     }
 }
 
 void Reverb::Add(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames) noexcept {
-    for (std::size_t i = 0; i < frames; ++i) {
-        const float wet = fWet.Next();
-        for (std::size_t k = 0; k < fSound.size(); ++k)
-            block.outputs[fRoom.Channels()[k]][begin + i] += wet * fSound[k][i];
+    SoundPiece wet;
+    fWet.Next(std::span(wet).first(frames));
+    for (std::size_t k = 0; k < fSound.size(); ++k) {
+        float* const output = block.outputs[fRoom.Channels()[k]] + begin;
+        for (std::size_t i = 0; i < frames; ++i)
+            output[i] += wet[i] * fSound[k][i];
     }
 }
 

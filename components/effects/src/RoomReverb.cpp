@@ -19,8 +19,6 @@ void RoomReverb::PrepareProcessing(std::size_t /*maximumBlock*/) {
     fDry.Prepare(sampleRate);
     for (std::vector<SoundPiece>* const pieces : {&fLate, &fDirect, &fReflected})
         pieces->assign(fRoom.size(), {});
-    for (std::vector<float>* const frame : {&fWetFrame, &fDirectFrame, &fReflectedFrame})
-        frame->assign(fRoom.size(), 0.0F);
 }
 
 void RoomReverb::ResetProcessing() noexcept {
@@ -32,36 +30,35 @@ void RoomReverb::ResetProcessing() noexcept {
 void RoomReverb::ProcessBlock(const kroaudiofilterhost::AudioFilterBlock& block) noexcept {
     for (std::size_t begin = 0, frames = 0; begin < block.frames; begin += frames) {
         frames = fScatter.Within(fTank.Within(std::min(kPieceFrames, block.frames - begin)));
-        for (std::size_t place = 0; place < frames; ++place)
-            Take(block, begin + place, place);
+        Take(block, begin, frames);
         Reverberate(fLate, frames);
         fEarly.Give(fDirect, fReflected);
         fScatter.Process(fReflected, frames);
-        for (std::size_t place = 0; place < frames; ++place)
-            Add(block, begin + place, place);
+        Mix(fLate, fDirect, fReflected, frames);
+        Add(block, begin, frames);
     }
 }
 
-void RoomReverb::Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame,
-                      std::size_t place) noexcept {
-    fRoom.Take(block, frame);
-    fEarly.Take(fRoom.Sound());
-    for (std::size_t k = 0; k < fLate.size(); ++k)
-        fLate[k][place] = fRoom.Sound()[k];
-    const float dry = fDry.Next();
-    for (std::size_t channel = 0; channel < block.outputs.size(); ++channel)
-        block.outputs[channel][frame] = dry * fRoom.Dry(channel);
+void RoomReverb::Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin,
+                      std::size_t frames) noexcept {
+    fRoom.Take(block, begin, frames, fLate);
+    fEarly.Take(fLate, frames);
+    SoundPiece dry;
+    fDry.Next(std::span(dry).first(frames));
+    for (std::size_t channel = 0; channel < block.outputs.size(); ++channel) {
+        float* const output = block.outputs[channel] + begin;
+        for (std::size_t i = 0; i < frames; ++i)
+            output[i] = dry[i] * fRoom.Dry(channel)[i];
+    }
 }
 
-void RoomReverb::Add(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::size_t place) noexcept {
+void RoomReverb::Add(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin,
+                     std::size_t frames) noexcept {
     for (std::size_t k = 0; k < fLate.size(); ++k) {
-        fWetFrame[k] = fLate[k][place];
-        fDirectFrame[k] = fDirect[k][place];
-        fReflectedFrame[k] = fReflected[k][place];
+        float* const output = block.outputs[fRoom.Channels()[k]] + begin;
+        for (std::size_t i = 0; i < frames; ++i)
+            output[i] += fLate[k][i];
     }
-    Mix(fWetFrame, fDirectFrame, fReflectedFrame);
-    for (std::size_t k = 0; k < fWetFrame.size(); ++k)
-        block.outputs[fRoom.Channels()[k]][frame] += fWetFrame[k];
 }
 
 } // namespace qoc::components

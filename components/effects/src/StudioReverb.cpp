@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <numeric>
 #include <utility>
 
 namespace qoc::components {
@@ -167,15 +166,24 @@ void StudioReverb::Reverberate(std::span<SoundPiece> sound, std::size_t frames) 
     fTank.Process(sound, frames);
 }
 
-void StudioReverb::Mix(std::span<float> wet, std::span<const float> /*direct*/,
-                       std::span<const float> reflected) noexcept {
-    fCuts.Advance();
-    for (std::size_t k = 0; k < wet.size(); ++k)
-        wet[k] = static_cast<float>(fCuts.Process(k, double{wet[k]} + reflected[k]));
-    Widen(wet, fWidth.Next());
-    const float level = fWet.Next();
-    for (float& sample : wet)
-        sample *= level;
+void StudioReverb::Mix(std::span<SoundPiece> wet, std::span<const SoundPiece> /*direct*/,
+                       std::span<const SoundPiece> reflected, std::size_t frames) noexcept {
+    for (std::size_t i = 0; i < frames; ++i) {
+        fCuts.Advance();
+        for (std::size_t k = 0; k < wet.size(); ++k)
+            wet[k][i] = static_cast<float>(fCuts.Process(k, double{wet[k][i]} + reflected[k][i]));
+    }
+    if (!fWidth.IsSettled() || fWidth.Target() != 1) {
+        SoundPiece width{};
+        fWidth.Next(std::span(width).first(frames));
+        Widen(wet, width);
+    }
+    SoundPiece level{};
+    fWet.Next(std::span(level).first(frames));
+    for (SoundPiece& piece : wet) {
+        for (std::size_t i = 0; i < kPieceFrames; ++i)
+            piece[i] *= level[i];
+    }
 }
 
 void StudioReverb::Tell() noexcept {
@@ -214,13 +222,20 @@ void StudioReverb::ReadCuts(bool settle) noexcept {
 }
 
 // Brings the channels nearer to their mean, and keeps the power of channels that are not correlated.
-void StudioReverb::Widen(std::span<float> sound, float width) const noexcept {
-    if (width == 1 || sound.size() < 2) return;
+void StudioReverb::Widen(std::span<SoundPiece> sound, const SoundPiece& width) const noexcept {
+    if (sound.size() < 2) return;
     const auto count = static_cast<float>(sound.size());
-    const float mean = std::accumulate(sound.begin(), sound.end(), 0.0F) / count;
-    const float middle = std::sqrt(count - (count - 1) * width * width);
-    for (float& sample : sound)
-        sample = middle * mean + width * (sample - mean);
+    SoundPiece mean{};
+    for (const SoundPiece& piece : sound) {
+        for (std::size_t i = 0; i < kPieceFrames; ++i)
+            mean[i] += piece[i];
+    }
+    for (std::size_t i = 0; i < kPieceFrames; ++i) {
+        if (width[i] == 1) continue;
+        const float middle = std::sqrt(count - (count - 1) * width[i] * width[i]) * (mean[i] / count);
+        for (SoundPiece& piece : sound)
+            piece[i] = middle + width[i] * (piece[i] - mean[i] / count);
+    }
 }
 
 } // namespace qoc::components

@@ -6,7 +6,6 @@
 #include <bit>
 #include <cmath>
 #include <numbers>
-#include <numeric>
 #include <optional>
 #include <utility>
 
@@ -72,13 +71,18 @@ void EarlyReflections::Set(const Scene& scene, bool settle) noexcept {
     }
 }
 
-void EarlyReflections::Take(std::span<const float> inputs) noexcept {
-    for (std::size_t source = 0; source < inputs.size(); ++source)
-        Write(source, inputs[source]);
-    const auto count = static_cast<float>(std::max<std::size_t>(inputs.size(), 1));
-    Write(inputs.size(), std::accumulate(inputs.begin(), inputs.end(), 0.0F) / count);
-    fPosition = (fPosition + 1) & fMask;
-    ++fTaken;
+void EarlyReflections::Take(std::span<const Piece> inputs, std::size_t frames) noexcept {
+    Piece mean{};
+    for (std::size_t source = 0; source < inputs.size(); ++source) {
+        Write(source, std::span(inputs[source]).first(frames));
+        for (std::size_t i = 0; i < kPiece; ++i)
+            mean[i] += inputs[source][i];
+    }
+    for (float& sample : mean)
+        sample /= static_cast<float>(std::max<std::size_t>(inputs.size(), 1));
+    Write(inputs.size(), std::span(mean).first(frames));
+    fPosition = (fPosition + frames) & fMask;
+    fTaken = frames;
 }
 
 void EarlyReflections::Give(std::span<Piece> direct, std::span<Piece> reflected) noexcept {
@@ -167,10 +171,13 @@ RoomPlace EarlyReflections::MicrophoneAt(const Room& room, const Microphone& mic
     return place;
 }
 
-void EarlyReflections::Write(std::size_t source, float sample) noexcept {
+// Not more than a piece, which may go around the end.
+void EarlyReflections::Write(std::size_t source, std::span<const float> samples) noexcept {
     float* const ring = &fRings[source * RingSize()];
-    ring[fPosition] = sample;
-    if (fPosition < kPiece) ring[fPosition + fMask + 1] = sample;
+    const std::size_t toEnd = std::min(samples.size(), fMask + 1 - fPosition);
+    std::copy_n(samples.data(), toEnd, ring + fPosition);
+    std::copy(samples.data() + toEnd, samples.data() + samples.size(), ring);
+    if (toEnd < samples.size() || fPosition < kPiece) std::copy_n(ring, kPiece, ring + fMask + 1);
 }
 
 // Of the scene that is being faded from, so many frames on.

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 namespace qoc::dsp {
 
@@ -46,12 +47,14 @@ EchoDiffuser::Voice EchoDiffuser::Voice::Of(double diffusion, double spread) noe
 }
 
 void EchoDiffuser::Prepare(double sampleRate, std::size_t number) {
-    for (std::size_t stage = 0; stage < kStages; ++stage) {
-        const double longest = kLongestSeconds[stage] * sampleRate;
+    for (std::size_t index = 0; index < kStages; ++index) {
+        Stage& stage = fStages[index];
+        const double longest = kLongestSeconds[index] * sampleRate;
         for (std::size_t line = 0; line < kLines; ++line)
-            fStages[stage].longest[line] = static_cast<float>(PlaceOf(number, stage, line) * longest);
-        fStages[stage].isOneRing = stage == 0;
-        fStages[stage].rings.Prepare(stage == 0 ? 1 : kLines, static_cast<std::size_t>(longest));
+            stage.longest[line] = static_cast<float>(PlaceOf(number, index, line) * longest);
+        stage.isOneRing = index == 0;
+        stage.rings.Prepare(stage.isOneRing ? 1 : kLines, static_cast<std::size_t>(longest));
+        stage.from = stage.to = {};
     }
 }
 
@@ -64,9 +67,9 @@ void EchoDiffuser::Reset() noexcept {
 struct EchoDiffuser::Delayed {
     Delayed(const Stage& stage, const Glide& glide) noexcept {
         for (std::size_t line = 0; line < kLines; ++line) {
-            sound[line] = stage.SoundAt(line, glide.to);
+            sound[line] = stage.SoundAt(line, stage.to);
             if (glide.from.spread == glide.to.spread) continue;
-            Fade(stage.SoundAt(line, glide.from), sound[line], glide.share, faded[line]);
+            Fade(stage.SoundAt(line, stage.from), sound[line], glide.share, faded[line]);
             sound[line] = faded[line].data();
         }
     }
@@ -94,6 +97,10 @@ void EchoDiffuser::Process(const SoundPiece& sound, const Glide& glide, std::siz
 
 // Up to the last stage's delays.
 void EchoDiffuser::Begin(const SoundPiece& sound, const Glide& glide, const Rotations& rotations) noexcept {
+    for (Stage& stage : fStages) {
+        stage.from.Set(glide.from.spread, stage.longest);
+        stage.to.Set(glide.to.spread, stage.longest);
+    }
     SoundPiece share = sound;
     Scale(share, kGain);
     fStages[0].rings.Write(0, share);
@@ -113,8 +120,10 @@ void EchoDiffuser::Advance(std::size_t frames) noexcept {
         stage.rings.Advance(frames);
 }
 
-const float* EchoDiffuser::Stage::SoundAt(std::size_t line, const Voice& voice) const noexcept {
-    return rings.Read(isOneRing ? 0 : line, static_cast<std::size_t>(voice.spread * longest[line]));
+void EchoDiffuser::Places::Set(float newSpread, const std::array<float, kLines>& longest) noexcept {
+    if (newSpread == std::exchange(spread, newSpread)) return;
+    for (std::size_t line = 0; line < kLines; ++line)
+        delays[line] = static_cast<std::uint32_t>(newSpread * longest[line]);
 }
 
 } // namespace qoc::dsp

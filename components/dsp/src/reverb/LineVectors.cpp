@@ -4,9 +4,9 @@
 #include <array>
 #include <cstddef>
 
-// Vectors whose length is not known when it is compiled can't stand in arrays; those of more than eight floats gain
-// little here.
-#define HWY_DISABLED_TARGETS (HWY_AVX3 | HWY_AVX3_DL | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
+// Vectors whose length is not known when it is compiled can't stand in arrays; more than eight floats gain little here,
+// but more registers do.
+#define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "reverb/LineVectors.cpp"
 #include <hwy/foreach_target.h>
@@ -49,11 +49,20 @@ void Turn(const SoundPiece& tangent, const SoundPiece& gain, const float* const*
         std::array<Vector, kCount> x;
         for (std::size_t k = 0; k < kCount; ++k)
             x[k] = hn::Mul(IsUpsideDown(k) ? hn::Neg(g) : g, hn::LoadU(lanes, from[k] + i));
-        ForAllPairs(x, [&](Vector& one, Vector& other) HWY_ATTR {
-            const Vector before = one;
-            one = hn::Add(one, hn::Mul(t, other));
-            other = hn::Sub(other, hn::Mul(t, before));
-        });
+        // By an eighth of a turn nothing is multiplied.
+        if (hn::AllTrue(lanes, hn::Eq(t, hn::Set(lanes, 1.0F)))) {
+            ForAllPairs(x, [](Vector& one, Vector& other) HWY_ATTR {
+                const Vector before = one;
+                one = hn::Add(one, other);
+                other = hn::Sub(other, before);
+            });
+        } else {
+            ForAllPairs(x, [&](Vector& one, Vector& other) HWY_ATTR {
+                const Vector before = one;
+                one = hn::Add(one, hn::Mul(t, other));
+                other = hn::Sub(other, hn::Mul(t, before));
+            });
+        }
         for (std::size_t k = 0; k < kCount; ++k)
             hn::StoreU(x[k], lanes, to[k] + i);
     }
@@ -130,59 +139,80 @@ void Shelve(const LineShelves& shelves, const float* const* sound, SoundPiece* l
     }
 }
 #else
-using Four = hn::FixedTag<float, 4>;
-using FourVector = hn::Vec<Four>;
+// In each block of four lanes four lines, of as many blocks as there are.
+constexpr std::size_t kShelved = hn::MaxLanes(Lanes());
+using Square = std::array<Vector, 4>;
+using Pairs = hn::Repartition<double, Lanes>;
 
-// Four samples of four lines: line by line, or sample by sample.
-using Square = std::array<FourVector, 4>;
-
+// Four samples of each line become the samples one after the other, and back.
 HWY_INLINE Square Transposed(const Square& x) {
-    const Four four;
-    const FourVector a = hn::InterleaveLower(four, x[0], x[1]);
-    const FourVector b = hn::InterleaveUpper(four, x[0], x[1]);
-    const FourVector c = hn::InterleaveLower(four, x[2], x[3]);
-    const FourVector d = hn::InterleaveUpper(four, x[2], x[3]);
-    return {hn::ConcatLowerLower(four, c, a), hn::ConcatUpperUpper(four, c, a), hn::ConcatLowerLower(four, d, b),
-            hn::ConcatUpperUpper(four, d, b)};
+    const Lanes lanes;
+    const Pairs pairs;
+    const auto a = hn::BitCast(pairs, hn::InterleaveLower(lanes, x[0], x[1]));
+    const auto b = hn::BitCast(pairs, hn::InterleaveUpper(lanes, x[0], x[1]));
+    const auto c = hn::BitCast(pairs, hn::InterleaveLower(lanes, x[2], x[3]));
+    const auto d = hn::BitCast(pairs, hn::InterleaveUpper(lanes, x[2], x[3]));
+    return {hn::BitCast(lanes, hn::InterleaveLower(pairs, a, c)), hn::BitCast(lanes, hn::InterleaveUpper(pairs, a, c)),
+            hn::BitCast(lanes, hn::InterleaveLower(pairs, b, d)), hn::BitCast(lanes, hn::InterleaveUpper(pairs, b, d))};
 }
 
-// The shelves of four lines, a lane each.
-struct FourShelves {
-    HWY_INLINE FourShelves(const LineShelves& shelves, std::size_t line)
-        : b0(hn::LoadU(Four(), &shelves.b0[line])), b1(hn::LoadU(Four(), &shelves.b1[line])),
-          a1(hn::LoadU(Four(), &shelves.a1[line])), input(hn::LoadU(Four(), &shelves.inputBefore[line])),
-          output(hn::LoadU(Four(), &shelves.outputBefore[line])) {}
+// The shelves of some lines, a lane each.
+struct Shelves {
+    HWY_INLINE Shelves(const LineShelves& shelves, std::size_t line)
+        : b0(hn::LoadU(Lanes(), &shelves.b0[line])), b1(hn::LoadU(Lanes(), &shelves.b1[line])),
+          a1(hn::LoadU(Lanes(), &shelves.a1[line])), input(hn::LoadU(Lanes(), &shelves.inputBefore[line])),
+          output(hn::LoadU(Lanes(), &shelves.outputBefore[line])) {}
 
     HWY_INLINE void Process(const float* const* sound, SoundPiece* lines, std::size_t at) {
         Square x;
         for (std::size_t k = 0; k < x.size(); ++k)
-            x[k] = hn::LoadU(Four(), sound[k] + at);
+            x[k] = Load(sound + k, at);
         x = Transposed(x);
-        for (FourVector& now : x) {
+        for (Vector& now : x) {
             output = hn::Sub(hn::Add(hn::Mul(b0, now), hn::Mul(b1, input)), hn::Mul(a1, output));
             input = now;
             now = output;
         }
         x = Transposed(x);
         for (std::size_t k = 0; k < x.size(); ++k)
-            hn::StoreU(x[k], Four(), &lines[k][at]);
+            Store(x[k], lines + k, at);
     }
 
-    FourVector b0;
-    FourVector b1;
-    FourVector a1;
-    FourVector input;
-    FourVector output;
+    // Of every fourth line.
+    static HWY_INLINE Vector Load(const float* const* sound, std::size_t at) {
+        if constexpr (kShelved == 4) {
+            return hn::LoadU(Lanes(), sound[0] + at);
+        } else {
+            const hn::Half<Lanes> half;
+            return hn::Combine(Lanes(), hn::LoadU(half, sound[4] + at), hn::LoadU(half, sound[0] + at));
+        }
+    }
+    static HWY_INLINE void Store(Vector x, SoundPiece* lines, std::size_t at) {
+        if constexpr (kShelved == 4) {
+            hn::StoreU(x, Lanes(), &lines[0][at]);
+        } else {
+            const hn::Half<Lanes> half;
+            hn::StoreU(hn::LowerHalf(half, x), half, &lines[0][at]);
+            hn::StoreU(hn::UpperHalf(half, x), half, &lines[4][at]);
+        }
+    }
+
+    Vector b0;
+    Vector b1;
+    Vector a1;
+    Vector input;
+    Vector output;
 };
 
 // Two recursions by turns: each waits for itself.
 void Shelve(const LineShelves& shelves, const float* const* sound, SoundPiece* lines) {
-    for (std::size_t line = 0; line < shelves.b0.size(); line += 8) {
-        FourShelves one(shelves, line);
-        FourShelves other(shelves, line + 4);
+    for (std::size_t line = 0; line < shelves.b0.size(); line += 2 * kShelved) {
+        const std::size_t next = line + kShelved;
+        Shelves one(shelves, line);
+        Shelves other(shelves, next);
         for (std::size_t i = 0; i < kPieceFrames; i += 4) {
             one.Process(sound + line, lines + line, i);
-            other.Process(sound + line + 4, lines + line + 4, i);
+            other.Process(sound + next, lines + next, i);
         }
     }
 }

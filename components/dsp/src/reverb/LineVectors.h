@@ -27,7 +27,7 @@ void AddLines(std::span<const float* const> from, std::span<const float> gains, 
 // The identity and a skew Hadamard matrix, as cosine and sine: orthogonal whatever the angle.
 void MixLines(const SoundPiece& cosine, const SoundPiece& sine, std::span<SoundPiece, 32> lines) noexcept;
 
-// y = b0 x + b1 x[-1] - a1 y[-1] of as many lines as there are coefficients, a multiple of 8.
+// y = b0 x + b1 x[-1] - a1 y[-1] of as many lines as there are coefficients, a multiple of 16.
 struct LineShelves {
     std::span<const float> b0;
     std::span<const float> b1;

@@ -2,7 +2,7 @@
 
 #include "qoc/dsp/stream/SaneSample.h"
 
-#include <numeric>
+#include <algorithm>
 
 namespace qoc::dsp {
 
@@ -11,8 +11,7 @@ void RoomChannels::Prepare(double sampleRate, const kromediatypes::AudioChannelL
     for (std::size_t channel = 0; channel < layout.size(); ++channel) {
         if (layout[channel] != kromediatypes::kAudioChannelLabelLFE) fChannels.push_back(channel);
     }
-    fDry.assign(layout.size(), 0.0F);
-    fSound.assign(fChannels.size(), 0.0F);
+    fDry.assign(layout.size(), {});
     fMeanShare.Prepare(sampleRate);
 }
 
@@ -20,16 +19,26 @@ void RoomChannels::SetSums(bool sums, bool settle) noexcept {
     fMeanShare.Set(sums ? 1 : 0, settle);
 }
 
-void RoomChannels::Take(const kromediatypes::AudioBlock& block, std::size_t frame) noexcept {
-    for (std::size_t channel = 0; channel < fDry.size(); ++channel)
-        fDry[channel] = SaneSample(block.inputs[channel][frame]);
+void RoomChannels::Take(const kromediatypes::AudioBlock& block, std::size_t begin, std::size_t frames,
+                        std::span<SoundPiece> sound) noexcept {
+    for (std::size_t channel = 0; channel < fDry.size(); ++channel) {
+        const float* const input = block.inputs[channel] + begin;
+        std::transform(input, input + frames, fDry[channel].begin(), SaneSample);
+    }
     for (std::size_t i = 0; i < fChannels.size(); ++i)
-        fSound[i] = fDry[fChannels[i]];
-    const float share = fMeanShare.Next();
-    if (share == 0) return;
-    const float mean = std::accumulate(fSound.begin(), fSound.end(), 0.0F) / static_cast<float>(fSound.size());
-    for (float& sample : fSound)
-        sample += share * (mean - sample);
+        sound[i] = fDry[fChannels[i]];
+    if (fMeanShare.IsSettled() && fMeanShare.Target() == 0) return;
+    SoundPiece share{};
+    fMeanShare.Next(std::span(share).first(frames));
+    SoundPiece mean{};
+    for (const SoundPiece& piece : sound) {
+        for (std::size_t k = 0; k < kPieceFrames; ++k)
+            mean[k] += piece[k];
+    }
+    for (SoundPiece& piece : sound) {
+        for (std::size_t k = 0; k < kPieceFrames; ++k)
+            piece[k] += share[k] * (mean[k] / static_cast<float>(sound.size()) - piece[k]);
+    }
 }
 
 } // namespace qoc::dsp

@@ -39,7 +39,8 @@ protected:
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;
     void Reverberate(std::span<SoundPiece> sound, std::size_t frames) noexcept override;
-    void Mix(std::span<float> wet, std::span<const float> direct, std::span<const float> reflected) noexcept override;
+    void Mix(std::span<SoundPiece> wet, std::span<const SoundPiece> direct, std::span<const SoundPiece> reflected,
+             std::size_t frames) noexcept override;
 
 private:
     using Equaliser = std::array<BiquadCoefficients, 3>;

@@ -22,10 +22,10 @@ protected:
 
     // A piece of the room's channels, to become what the tank makes of it.
     virtual void Reverberate(std::span<SoundPiece> sound, std::size_t frames) noexcept = 0;
-    // Makes what is added to the dry sound in the next frame, of the room's channels: `wet` is what Reverberate has
-    // left, `direct` and `reflected` what fEarly tells.
-    virtual void Mix(std::span<float> wet, std::span<const float> direct,
-                     std::span<const float> reflected) noexcept = 0;
+    // Makes what is added to the dry sound, of the room's channels: `wet` is what Reverberate has left, `direct` and
+    // `reflected` what fEarly tells.
+    virtual void Mix(std::span<SoundPiece> wet, std::span<const SoundPiece> direct,
+                     std::span<const SoundPiece> reflected, std::size_t frames) noexcept = 0;
 
     void PrepareProcessing(std::size_t maximumBlock) override;
     void ResetProcessing() noexcept override;
@@ -38,17 +38,13 @@ protected:
     SmoothedValue fDry; // of what does not go through the room
 
 private:
-    // `place`: of the frame in its piece.
-    void Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::size_t place) noexcept;
-    void Add(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t frame, std::size_t place) noexcept;
+    void Take(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames) noexcept;
+    void Add(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t frames) noexcept;
 
-    // Of the room's channels: pieces, and a frame of each.
+    // Of the room's channels.
     std::vector<SoundPiece> fLate;
     std::vector<SoundPiece> fDirect;
     std::vector<SoundPiece> fReflected;
-    std::vector<float> fWetFrame;
-    std::vector<float> fDirectFrame;
-    std::vector<float> fReflectedFrame;
 };
 
 } // namespace qoc::components

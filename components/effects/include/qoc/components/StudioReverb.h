@@ -28,13 +28,14 @@ protected:
     void ResetProcessing() noexcept override;
     void ReadParameters(bool settle) noexcept override;
     void Reverberate(std::span<SoundPiece> sound, std::size_t frames) noexcept override;
-    void Mix(std::span<float> wet, std::span<const float> direct, std::span<const float> reflected) noexcept override;
+    void Mix(std::span<SoundPiece> wet, std::span<const SoundPiece> direct, std::span<const SoundPiece> reflected,
+             std::size_t frames) noexcept override;
 
 private:
     void Tell() noexcept;
     void ReadRoom(bool settle) noexcept;
     void ReadCuts(bool settle) noexcept;
-    void Widen(std::span<float> sound, float width) const noexcept;
+    void Widen(std::span<SoundPiece> sound, const SoundPiece& width) const noexcept;
 
     GlidingSections fCuts;
     SmoothedValue fWet;

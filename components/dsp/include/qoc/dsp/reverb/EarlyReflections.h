@@ -43,10 +43,10 @@ public:
     void Reset() noexcept;
     // `settle`: without a fade.
     void Set(const Scene& scene, bool settle) noexcept;
-    // One sample a channel, up to kPiece times in a row.
-    void Take(std::span<const float> inputs) noexcept;
-    // What the samples taken since the last time send, by channel: as many as were taken count. A tap adds a piece at
-    // once, which is several times as fast as sample by sample.
+    // A piece of each channel, of which so many frames count.
+    void Take(std::span<const Piece> inputs, std::size_t frames) noexcept;
+    // What the piece taken last sends, by channel: as many frames as were taken count. A tap adds a piece at once,
+    // which is several times as fast as sample by sample.
     void Give(std::span<Piece> direct, std::span<Piece> reflected) noexcept;
 
 private:
@@ -72,7 +72,7 @@ private:
                  Taps& taps) const noexcept;
     RoomPlace SourceOf(const Scene& scene, std::size_t source) const noexcept;
     RoomPlace MicrophoneAt(const Room& room, const Microphone& microphone) const noexcept;
-    void Write(std::size_t source, float sample) noexcept;
+    void Write(std::size_t source, std::span<const float> samples) noexcept;
     std::size_t RingSize() const noexcept { return fMask + 1 + kPiece; }
 
     // Frames of a piece.

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
 namespace qoc::dsp {
 
@@ -46,12 +47,23 @@ private:
 
     struct Rotations;
     struct Delayed;
+    // Where a stage's lines are heard at a spread.
+    struct Places {
+        void Set(float newSpread, const std::array<float, kLines>& longest) noexcept;
+
+        float spread = -1;
+        std::array<std::uint32_t, kLines> delays{}; // samples
+    };
     struct Stage {
-        const float* SoundAt(std::size_t line, const Voice& voice) const noexcept;
+        const float* SoundAt(std::size_t line, const Places& places) const noexcept {
+            return rings.Read(isOneRing ? 0 : line, places.delays[line]);
+        }
 
         PieceRings rings;
         bool isOneRing = false;              // all lines delay the same sound
         std::array<float, kLines> longest{}; // delays in samples
+        Places from;                         // of the present glide
+        Places to;
     };
 
     void Begin(const SoundPiece& sound, const Glide& glide, const Rotations& rotations) noexcept;

@@ -25,14 +25,28 @@ public:
     void Prepare(double sampleRate, std::size_t channels);
     void Reset() noexcept;
     // They are glided to. `settle`: to be there now.
-    void Set(const Settings& settings, bool settle) noexcept { fGlide.Set(settings, settle); }
+    void Set(const Settings& settings, bool settle) noexcept {
+        if (fGlide.Set(settings, settle)) FollowGlide();
+    }
     // How many of so many frames the next piece may have.
     std::size_t Within(std::size_t frames) const noexcept { return fGlide.Within(frames); }
     // A piece of each channel.
     void Process(std::span<SoundPiece> channels, std::size_t frames) noexcept;
 
 private:
+    // What a set of settings comes to.
+    struct Voice {
+        float plain = 1; // what is reflected as from a plain wall; and what is scattered
+        float scattered = 0;
+        EchoDiffuser::Voice cluster;
+    };
+
+    static Voice VoiceOf(const Settings& settings) noexcept;
+    void FollowGlide() noexcept;
+
     PieceGlide<Settings> fGlide;
+    Voice fFrom;
+    Voice fTo;
     std::vector<EchoDiffuser> fDiffusers; // by channel
 };
 

@@ -3,6 +3,7 @@
 #include "kromediatypes/AudioBlock.h"
 #include "kromediatypes/AudioChannelLayout.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
+#include "qoc/dsp/stream/SoundPiece.h"
 
 #include <cstddef>
 #include <span>
@@ -23,17 +24,16 @@ public:
     std::span<const std::size_t> Channels() const noexcept { return fChannels; }
     std::size_t size() const noexcept { return fChannels.size(); }
 
-    // Takes a frame of the effect's input, `frame` counted from the block's first; it may be overwritten then. Samples
-    // that are no numbers count as 0.
-    void Take(const kromediatypes::AudioBlock& block, std::size_t frame) noexcept;
-    // What was taken: of a channel of the effect as it came, and a sample for each of Channels().
-    float Dry(std::size_t channel) const noexcept { return fDry[channel]; }
-    std::span<const float> Sound() const noexcept { return fSound; }
+    // Takes up to a piece of the effect's input, from the block's frame `begin` on; it may be overwritten then. Samples
+    // that are no numbers count as 0. Leaves a piece for each of Channels().
+    void Take(const kromediatypes::AudioBlock& block, std::size_t begin, std::size_t frames,
+              std::span<SoundPiece> sound) noexcept;
+    // Of a channel of the effect as it came.
+    const SoundPiece& Dry(std::size_t channel) const noexcept { return fDry[channel]; }
 
 private:
     std::vector<std::size_t> fChannels;
-    std::vector<float> fDry;
-    std::vector<float> fSound;
+    std::vector<SoundPiece> fDry;
     SmoothedValue fMeanShare;
 };
 
