@@ -224,6 +224,21 @@ TEST(HardLimiter, LinkedChannelsShareTheGain) {
     EXPECT_NEAR(peak(alone[0]), peak(linked[0]), 1e-3);
 }
 
+// The second channel stands still, so that its output is the gain.
+TEST(HardLimiter, ChannelsThatComeApartGoOnFromTheCommonGain) {
+    constexpr std::size_t kHalf = 22050;
+    const auto filter = Prepared({.ceiling = -6}, 2);
+    const Channels input = {test::Sine(500, 2 * kHalf, 44100, 2), std::vector<float>(2 * kHalf, 0.1F)};
+    Channels output = input;
+    test::Process(*filter, input, output, 0, kHalf, 512);
+    EXPECT_NEAR(output[1][kHalf - 1] / 0.1, 0.25, 0.02);
+    Set(*filter, {.ceiling = -6, .linked = false});
+    test::Process(*filter, input, output, kHalf, 2 * kHalf, 512);
+    for (std::size_t i = kHalf; i < 2 * kHalf; ++i)
+        ASSERT_NEAR(output[1][i], output[1][i - 1], 0.001) << i;
+    EXPECT_NEAR(output[1].back() / 0.1, 1, 0.02);
+}
+
 // In bursts of noise the gain is on its way most of the time.
 TEST(HardLimiter, TheCeilingHoldsWhileOtherSettingsChange) {
     constexpr std::size_t kBurst = 700;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <span>
 #include <utility>
 
@@ -71,23 +72,26 @@ void HardLimiter::PrepareProcessing(std::size_t /*maximumBlock*/) {
     fChannels.assign(GetNumberOfInputChannels(), {});
     for (Channel& channel : fChannels) {
         channel.gain.Prepare(longest, sampleRate);
-        channel.sound.resize(fLatency + TruePeak::kMost);
+        channel.later.Prepare(fLatency);
     }
 }
 
 void HardLimiter::ResetProcessing() noexcept {
     for (Channel& channel : fChannels) {
         channel.peak.Reset();
-        std::ranges::fill(channel.sound, 0.0F);
+        channel.later.Reset();
         channel.allowedBefore = 1;
     }
-    fPosition = 0;
 }
 
 void HardLimiter::ReadParameters(bool settle) noexcept {
     fCeiling.Set(ToFactor(Natural(kHardLimiterMaximumAmplitude)), settle);
     fBoost.Set(ToFactor(Natural(kHardLimiterInputBoost)), settle);
     fIsLinked = IsOn(kHardLimiterLinkChannels);
+    if (settle)
+        fIsOneGain = fIsLinked;
+    else if (!fIsLinked)
+        SplitGain();
     const double perMillisecond = SecondsOfMilliseconds(1) * GetSampleRate();
     for (Channel& channel : fChannels) {
         channel.gain.SetLookAhead(
@@ -110,25 +114,29 @@ void HardLimiter::ProcessRow(const kroaudiofilterhost::AudioFilterBlock& block, 
     for (std::size_t i = 0; i < fChannels.size(); ++i)
         Take(fChannels[i], block.inputs[i] + begin, levels, count);
     if (fIsLinked) Link(count);
-    for (std::size_t i = 0; i < fChannels.size(); ++i)
-        Give(fChannels[i], block.outputs[i] + begin, count);
-    fPosition = (fPosition + count) % (fLatency + TruePeak::kMost);
+    for (Channel& channel : ChannelsWithGains()) {
+        for (float& gain : std::span(channel.allowed).first(count))
+            gain = channel.gain.Next(gain);
+    }
+    for (std::size_t i = 0; i < fChannels.size(); ++i) {
+        const TruePeak::Row& gains = fChannels[fIsOneGain ? 0 : i].allowed;
+        std::transform(gains.begin(), gains.begin() + count, fChannels[i].sound.begin(), block.outputs[i] + begin,
+                       std::multiplies());
+    }
 }
 
 void HardLimiter::Take(Channel& channel, const float* input, const Levels& levels, std::size_t count) noexcept {
-    TruePeak::Row sound;
+    const std::span<float> sound = std::span(channel.sound).first(count);
     for (std::size_t k = 0; k < count; ++k)
         sound[k] = SaneSample(input[k]) * levels.boost[k];
     TruePeak::Row peaks;
-    channel.peak.Next(std::span(sound).first(count), peaks);
+    channel.peak.Next(sound, peaks);
     for (std::size_t k = 0; k < count; ++k) {
         const float allowed = peaks[k] > levels.ceiling[k] ? levels.ceiling[k] / peaks[k] : 1.0F;
         // A peak lies between two samples, which are both to obey.
         channel.allowed[k] = std::min(allowed, std::exchange(channel.allowedBefore, allowed));
     }
-    const std::size_t toEnd = std::min(count, channel.sound.size() - fPosition);
-    std::copy_n(sound.begin(), toEnd, channel.sound.begin() + static_cast<std::ptrdiff_t>(fPosition));
-    std::copy(sound.begin() + toEnd, sound.begin() + count, channel.sound.begin());
+    channel.later.Process(sound);
 }
 
 void HardLimiter::Link(std::size_t count) noexcept {
@@ -140,13 +148,11 @@ void HardLimiter::Link(std::size_t count) noexcept {
         std::copy_n(least.begin(), count, channel.allowed.begin());
 }
 
-void HardLimiter::Give(Channel& channel, float* output, std::size_t count) const noexcept {
-    const std::size_t size = channel.sound.size();
-    std::size_t late = (fPosition + size - fLatency) % size;
-    for (std::size_t k = 0; k < count; ++k) {
-        output[k] = channel.sound[late] * channel.gain.Next(channel.allowed[k]);
-        late = late + 1 < size ? late + 1 : 0;
-    }
+// From now on each channel has a gain of its own, which goes on from the one of all.
+void HardLimiter::SplitGain() noexcept {
+    if (!std::exchange(fIsOneGain, false)) return;
+    for (Channel& channel : std::span(fChannels).subspan(1))
+        channel.gain = fChannels.front().gain;
 }
 
 } // namespace qoc::components

@@ -1,8 +1,8 @@
 // Compiled once for every kind of vectors.
 #include "dynamics/TruePeakFilters.h"
 
-// As for the FFT: what is longer than eight floats gains little, what has no known length can't stand in arrays.
-#define HWY_DISABLED_TARGETS (HWY_AVX3 | HWY_AVX3_DL | HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
+// As for the FFT: what has no known length can't stand in arrays.
+#define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "dynamics/TruePeakFilters.cpp"
 #include <hwy/foreach_target.h>
@@ -13,7 +13,7 @@ namespace qoc::dsp::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Lanes = hn::CappedTag<float, 8>;
+using Lanes = hn::CappedTag<float, 16>;
 using Vector = hn::Vec<Lanes>;
 
 // Of so many vectors beside each other, each in two sums, of even and odd taps, so that no addition waits for another.

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "qoc/components/ComponentBase.h"
+#include "qoc/dsp/delay/RowDelay.h"
 #include "qoc/dsp/dynamics/LimiterGain.h"
 #include "qoc/dsp/dynamics/TruePeak.h"
 #include "qoc/dsp/stream/SmoothedValue.h"
 
+#include <span>
 #include <vector>
 
 namespace qoc::components {
@@ -31,9 +33,11 @@ private:
     struct Channel {
         TruePeak peak;
         LimiterGain gain;
-        std::vector<float> sound; // boosted, a ring
-        float allowedBefore = 1;  // by the last peak
-        TruePeak::Row allowed;    // of the samples that are processed at once
+        RowDelay later;          // of the boosted sound
+        float allowedBefore = 1; // by the last peak
+        // Of the samples that are processed at once; what is allowed becomes the gains.
+        TruePeak::Row sound;
+        TruePeak::Row allowed;
     };
     // The present ones of the smoothed values.
     struct Levels {
@@ -44,14 +48,18 @@ private:
     void ProcessRow(const kroaudiofilterhost::AudioFilterBlock& block, std::size_t begin, std::size_t count) noexcept;
     void Take(Channel& channel, const float* input, const Levels& levels, std::size_t count) noexcept;
     void Link(std::size_t count) noexcept;
-    void Give(Channel& channel, float* output, std::size_t count) const noexcept;
+    // Those of the first channel are all channels' while there is one gain.
+    std::span<Channel> ChannelsWithGains() noexcept {
+        return std::span(fChannels).first(fIsOneGain ? 1 : fChannels.size());
+    }
+    void SplitGain() noexcept;
 
     std::vector<Channel> fChannels;
     SmoothedValue fBoost;
     SmoothedValue fCeiling;
     bool fIsLinked = true;
+    bool fIsOneGain = true; // the channels have been linked since the reset, and only the first one's gain is kept
     std::size_t fLatency = 0;
-    std::size_t fPosition = 0; // in the rings
 };
 
 } // namespace qoc::components
