@@ -176,6 +176,23 @@ TEST(Chorus, WithTheAverageBothSidesHearTheMean) {
     EXPECT_NEAR(output[1][480], 0.5, 1e-5);
 }
 
+// What is still to be heard of the mean comes out of both sides when it is left.
+TEST(Chorus, TheMeanThatWasTakenGoesOnWhenTheAverageGoesOff) {
+    constexpr std::size_t kHalf = 4410;
+    constexpr std::size_t kDelay = 882;
+    const auto filter = Prepared({.average = true, .width = 0}, 2);
+    test::Channels input = {test::Sine(500, kHalf + kDelay, 44100, 0.5), std::vector<float>(kHalf + kDelay)};
+    std::fill(input[0].begin() + kHalf, input[0].end(), 0.0F);
+    test::Channels output = input;
+    test::Process(*filter, input, output, 0, kHalf, 512);
+    filter->SetParameterValue(kChorusAverage, 0);
+    test::Process(*filter, input, output, kHalf, kHalf + kDelay, 512);
+    for (std::size_t i = kHalf; i < kHalf + kDelay; ++i) {
+        ASSERT_NEAR(output[1][i], input[0][i - kDelay] / 2, 1e-6) << i;
+        ASSERT_EQ(output[0][i], output[1][i]) << i;
+    }
+}
+
 // At the defaults, of a sound in the middle: its loudness stays, and little is left of the middle.
 TEST(Chorus, SpreadsASoundThatIsAsLoudAsBefore) {
     for (const test::Material kind : {test::Material::kMusic, test::Material::kSpeech, test::Material::kVowels}) {

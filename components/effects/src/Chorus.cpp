@@ -194,6 +194,10 @@ void Chorus::ReadParameters(bool settle) noexcept {
     fFeedback.Set(FractionOfPercent(Natural(kChorusFeedback)), settle);
     fLevelDepth.Set(Natural(kChorusLevelDepth) / kDecibelsAnOctave, settle);
     fAverage.Set(IsOn(kChorusAverage) ? 1 : 0, settle);
+    if (settle)
+        fIsOneLine = IsOn(kChorusAverage);
+    else if (!IsOn(kChorusAverage))
+        SplitLine();
     // The voices are not in step with the sound: together they are as loud as it is at every mix.
     const double mix = FractionOfPercent(Natural(kChorusMix)) * std::numbers::pi / 2;
     fDryLevel.Set(std::cos(mix), settle);
@@ -278,17 +282,20 @@ void Chorus::TakeInputs(const kroaudiofilterhost::AudioFilterBlock& block, std::
     }
     const float share = 1 / static_cast<float>(fChannels.size());
     for (Channel& channel : fChannels) {
-        for (std::size_t k = 0; k < count; ++k)
-            channel.taken[k] = channel.input[k] + average[k] * (sum[k] * share - channel.input[k]);
         std::fill_n(channel.wet.begin(), count, 0.0F);
         std::fill_n(channel.fedBack.begin(), count, 0.0F);
+    }
+    for (Channel& channel : ChannelsWithLines()) {
+        for (std::size_t k = 0; k < count; ++k) {
+            const float mean = sum[k] * share;
+            channel.taken[k] = average[k] == 1 ? mean : channel.input[k] + average[k] * (mean - channel.input[k]);
+        }
         if (!IsFedBack()) channel.line.Write(std::span(channel.taken).first(count));
     }
 }
 
 void Chorus::Advance(std::size_t count) noexcept {
     const auto first = [&](auto& row) { return std::span(row).first(count); };
-    fDelayOscillator.Next(first(fMoments.delaySines), first(fMoments.delayCosines));
     fMoments.isLevelStill = fLevelDepth.IsSettled() && fLevelDepth.Target() == 0;
     if (fMoments.isLevelStill) {
         fLevelOscillator.Skip(count);
@@ -296,9 +303,20 @@ void Chorus::Advance(std::size_t count) noexcept {
         fLevelDepth.Next(first(fMoments.levelDepth));
         fLevelOscillator.Next(first(fMoments.levelSines), first(fMoments.levelCosines));
     }
-    fDelay.Next(first(fMoments.delay));
-    fDepth.Next(first(fMoments.depth));
-    fSpread.Next(first(fMoments.spread));
+    Row delay;
+    Row depth;
+    Row spread;
+    fDelayOscillator.Next(first(fMoments.swingSines), first(fMoments.swingCosines));
+    fDelay.Next(first(delay));
+    fDepth.Next(first(depth));
+    fSpread.Next(first(spread));
+    for (std::size_t k = 0; k < count; ++k) {
+        const double swing = double{delay[k]} * depth[k] / 2;
+        fMoments.middle[k] = delay[k] - swing;
+        fMoments.swingSines[k] *= swing;
+        fMoments.swingCosines[k] *= swing;
+        fMoments.spread[k] = spread[k];
+    }
 }
 
 // The feedback hears voices where they stand in the middle and at their own level.
@@ -307,23 +325,34 @@ void Chorus::AddVoice(Voice& voice, std::size_t count) noexcept {
     SetTaps(voice, count);
     SetLevels(voice, count);
     voice.share.Next(std::span(fShare).first(count));
-    for (Channel& channel : fChannels)
-        AddVoice(channel, count);
+    fReadLine = nullptr;
+    for (Channel& channel : fChannels) {
+        const std::size_t side = Index(channel.side);
+        ReadVoice(channel, *fTapsOf[side], count);
+        for (std::size_t k = 0; k < count; ++k)
+            channel.wet[k] += fLevels[side][k] * fRead[k];
+    }
+    if (!IsFedBack()) return;
+    for (Channel& channel : ChannelsWithLines()) {
+        ReadVoice(channel, *fTapsOf.front(), count);
+        for (std::size_t k = 0; k < count; ++k)
+            channel.fedBack[k] += fShare[k] * fRead[k];
+    }
 }
 
 void Chorus::SetTaps(Voice& voice, std::size_t count) noexcept {
     TapRow::Delays delays;
     const Oscillator::Value ahead = voice.ahead;
     for (std::size_t k = 0; k < count; ++k) {
-        const double sine = fMoments.delaySines[k] * ahead.cosine + fMoments.delayCosines[k] * ahead.sine;
-        const double swing = fMoments.depth[k] * (1 - sine) / 2;
-        const double delay = fMoments.delay[k] * (1 - swing) + fMoments.spread[k] * voice.place;
-        delays[k] = std::max(kShortestDelay, delay);
+        const double swung = fMoments.swingSines[k] * ahead.cosine + fMoments.swingCosines[k] * ahead.sine;
+        delays[k] = std::max(kShortestDelay, fMoments.middle[k] + swung + fMoments.spread[k] * voice.place);
     }
+    // In the middle no voice comes later.
+    fTaps.front().Set(std::span(delays).first(count), fIsFine);
     for (std::size_t side = 0; side < kSides; ++side) {
         SmoothedValue& lag = voice.lags[side];
         fTapsOf[side] = fTaps.data();
-        if (side != 0 && lag.IsSettled() && lag.Target() == 0) continue;
+        if (lag.IsSettled() && lag.Target() == 0) continue;
         fTapsOf[side] = &fTaps[side];
         TapRow::Delays late = delays;
         Row later;
@@ -346,29 +375,31 @@ void Chorus::SetLevels(Voice& voice, std::size_t count) noexcept {
     }
 }
 
-void Chorus::AddVoice(Channel& channel, std::size_t count) noexcept {
-    const std::size_t side = Index(channel.side);
-    const bool isFedBack = IsFedBack();
-    const std::ptrdiff_t age = isFedBack ? -1 : static_cast<std::ptrdiff_t>(count) - 1;
-    Row sound;
-    fTapsOf[side]->Read(channel.line, age, sound.data());
-    for (std::size_t k = 0; k < count; ++k)
-        channel.wet[k] += fLevels[side][k] * sound[k];
-    if (!isFedBack) return;
-    if (fTapsOf[side] != fTapsOf.front()) fTapsOf.front()->Read(channel.line, age, sound.data());
-    for (std::size_t k = 0; k < count; ++k)
-        channel.fedBack[k] += fShare[k] * sound[k];
+// What was read for another channel is not read again.
+void Chorus::ReadVoice(const Channel& channel, const TapRow& taps, std::size_t count) noexcept {
+    const DelayLine& line = fIsOneLine ? fChannels.front().line : channel.line;
+    if (fReadLine == &line && fReadTaps == &taps) return;
+    taps.Read(line, IsFedBack() ? -1 : static_cast<std::ptrdiff_t>(count) - 1, fRead.data());
+    fReadLine = &line;
+    fReadTaps = &taps;
 }
 
 void Chorus::FeedBack(std::size_t count) noexcept {
     if (!IsFedBack()) return;
     Row feedback;
     fFeedback.Next(std::span(feedback).first(count));
-    for (Channel& channel : fChannels) {
+    for (Channel& channel : ChannelsWithLines()) {
         for (std::size_t k = 0; k < count; ++k)
             channel.taken[k] += feedback[k] * channel.fedBack[k];
         channel.line.Write(std::span(channel.taken).first(count));
     }
+}
+
+// From now on each channel has a line of its own, which goes on from the one of all.
+void Chorus::SplitLine() noexcept {
+    if (!std::exchange(fIsOneLine, false)) return;
+    for (Channel& channel : std::span(fChannels).subspan(1))
+        channel.line = fChannels.front().line;
 }
 
 } // namespace qoc::components

@@ -8,6 +8,7 @@
 #include "qoc/dsp/stream/SmoothedValue.h"
 
 #include <array>
+#include <span>
 #include <vector>
 
 namespace qoc::components {
@@ -50,15 +51,16 @@ private:
     using Row = TapRow::Samples;
     // What all voices have in common.
     struct Moments {
-        TapRow::Delays delaySines; // of the oscillators
-        TapRow::Delays delayCosines;
-        TapRow::Delays levelSines;
+        // In samples: a voice's delay is the middle one, the sums of what swings as its oscillator's sine and cosine,
+        // and its place in the spread.
+        TapRow::Delays middle;
+        TapRow::Delays swingSines;
+        TapRow::Delays swingCosines;
+        TapRow::Delays spread;
+        bool isLevelStill = true;  // otherwise:
+        TapRow::Delays levelSines; // of the oscillator
         TapRow::Delays levelCosines;
-        Row delay; // samples
-        Row depth;
-        Row spread;               // samples
-        bool isLevelStill = true; // otherwise:
-        Row levelDepth;           // octaves of the amplitude
+        Row levelDepth; // octaves of the amplitude
     };
     struct Channel {
         ChannelSide side;
@@ -77,8 +79,13 @@ private:
     void AddVoice(Voice& voice, std::size_t count) noexcept;
     void SetTaps(Voice& voice, std::size_t count) noexcept;
     void SetLevels(Voice& voice, std::size_t count) noexcept;
-    void AddVoice(Channel& channel, std::size_t count) noexcept;
+    void ReadVoice(const Channel& channel, const TapRow& taps, std::size_t count) noexcept;
     void FeedBack(std::size_t count) noexcept;
+    // Those of the first channel are all channels' while there is one line.
+    std::span<Channel> ChannelsWithLines() noexcept {
+        return std::span(fChannels).first(fIsOneLine ? 1 : fChannels.size());
+    }
+    void SplitLine() noexcept;
     // The feedback is at work or on its way: the lines take the sound only when the voices have been heard.
     bool IsFedBack() const noexcept { return !fFeedback.IsSettled() || fFeedback.Target() != 0; }
 
@@ -90,6 +97,10 @@ private:
     std::array<const TapRow*, kSides> fTapsOf{}; // by side, which may have the same ones
     std::array<Row, kSides> fLevels;
     Row fShare;
+    // What was read last, and where.
+    Row fRead;
+    const DelayLine* fReadLine = nullptr;
+    const TapRow* fReadTaps = nullptr;
     Oscillator fDelayOscillator;
     Oscillator fLevelOscillator;
     SmoothedValue fDelay;
@@ -101,6 +112,7 @@ private:
     SmoothedValue fDryLevel;
     SmoothedValue fWetLevel;
     bool fIsFine = true;
+    bool fIsOneLine = true; // the channels have been averaged since the reset, and only the first one's line is kept
 };
 
 } // namespace qoc::components
