@@ -108,5 +108,35 @@ TEST_F(SdlWindowTest, ALoopInALoopServesBothAndQuittingEndsAll) {
     EXPECT_FALSE(fFirst->window.IsOpen() || fSecond->window.IsOpen());
 }
 
+// Looks at what the screen shows just before its own picture comes.
+class ScreenReader : public kroui::ui::UI_Node {
+public:
+    explicit ScreenReader(SDL_Surface& screen) : fScreen(screen) {}
+    void UI_Draw(kroui::limner::Limner* /*limner*/) override {
+        fSeen = *static_cast<const std::uint32_t*>(fScreen.pixels);
+    }
+    std::uint32_t Seen() const { return fSeen; }
+
+private:
+    SDL_Surface& fScreen;
+    std::uint32_t fSeen = 0;
+};
+
+TEST_F(SdlWindowTest, WhatIsNotPaintedYetIsNotShown) {
+    constexpr std::uint32_t kUntouched = 0x00123456;
+    SDL_Surface* const screen = SDL_GetWindowSurface(SDL_GetWindowFromID(fIDs[0]));
+    SDL_FillRect(screen, nullptr, kUntouched);
+    const boost::intrusive_ptr<ScreenReader> reader(new ScreenReader(*screen));
+    fFirst->window.Window().SetContent(reader);
+    SDL_Event event{};
+    event.type = SDL_WINDOWEVENT;
+    event.window.windowID = fIDs[0];
+    event.window.event = SDL_WINDOWEVENT_EXPOSED;
+    SDL_PushEvent(&event);
+    fFirst->window.Run([this] { fFirst->window.Close(); });
+    EXPECT_EQ(reader->Seen(), kUntouched);
+    fFirst->window.Window().SetContent(fFirst->content);
+}
+
 } // namespace
 } // namespace krosdl

@@ -391,7 +391,9 @@ void SdlWindow::FinishKey() {
     if (const auto key = std::exchange(fHeldKey, std::nullopt)) fWindow->KeyPressed(*key);
 }
 
+// What waits to be painted is shown then, not an old picture or none.
 void SdlWindow::ShowAll() {
+    if (fWindow->NeedsPaint()) return fWindow->InvalidateAll();
     const Rect all = {0, 0, static_cast<float>(fSurface.PixelWidth()), static_cast<float>(fSurface.PixelHeight())};
     if (!all.IsEmpty()) Present({&all, 1});
 }
