@@ -5,8 +5,10 @@
 #include <cmath>
 #include <complex>
 #include <cstdint>
+#include <map>
 #include <numbers>
 #include <utility>
+#include <vector>
 
 namespace qohost {
 
@@ -57,20 +59,50 @@ private:
     std::array<std::complex<double>, kCount> fSteps{};
 };
 
-// Adds a decaying tone at `start` seconds with equal-power panning (0 left, 1 right).
-void AddPluck(Sound& sound, double start, int note, double seconds, double level, double pan) {
-    constexpr double kDecays = 5.0; // of the fundamental, within `seconds`
-    constexpr double kAttackSeconds = 0.004;
+// Decaying tones by their notes, each made once however often it sounds.
+class Plucks {
+public:
+    // `frames`: of the whole sound, which no tone is longer than.
+    Plucks(double seconds, double sampleRate, std::size_t frames)
+        : fSeconds(seconds), fSampleRate(sampleRate),
+          fFrames(std::min(frames, static_cast<std::size_t>(seconds * sampleRate) + 1)) {}
+
+    double Seconds() const { return fSeconds; }
+    const std::vector<double>& Of(int note) {
+        std::vector<double>& tone = fTones[note];
+        if (tone.empty()) tone = Make(note);
+        return tone;
+    }
+
+private:
+    std::vector<double> Make(int note) const {
+        constexpr double kDecays = 5.0; // of the fundamental, within the tone
+        constexpr double kAttackSeconds = 0.004;
+        Harmonics harmonics(FrequencyOf(note), kDecays / fSeconds, fSampleRate);
+        std::vector<double> tone(fFrames);
+        for (std::size_t i = 0; i < tone.size(); ++i) {
+            const double t = static_cast<double>(i) / fSampleRate;
+            tone[i] = harmonics.Next() * std::min({1.0, t / kAttackSeconds, (fSeconds - t) / kAttackSeconds});
+        }
+        return tone;
+    }
+
+    double fSeconds;
+    double fSampleRate;
+    std::size_t fFrames;
+    std::map<int, std::vector<double>> fTones;
+};
+
+// Adds a tone at `start` seconds with equal-power panning (0 left, 1 right).
+void AddPluck(Sound& sound, double start, Plucks& plucks, int note, double level, double pan) {
+    const std::vector<double>& tone = plucks.Of(note);
     const double left = level * std::cos(pan * std::numbers::pi / 2);
     const double right = level * std::sin(pan * std::numbers::pi / 2);
     const auto first = static_cast<std::size_t>(start * sound.sampleRate);
-    const auto last = std::min(sound.Frames(), static_cast<std::size_t>((start + seconds) * sound.sampleRate));
-    Harmonics harmonics(FrequencyOf(note), kDecays / seconds, sound.sampleRate);
+    const auto last = std::min(sound.Frames(), static_cast<std::size_t>((start + plucks.Seconds()) * sound.sampleRate));
     for (std::size_t i = first; i < last; ++i) {
-        const double t = static_cast<double>(i - first) / sound.sampleRate;
-        const double value = harmonics.Next() * std::min({1.0, t / kAttackSeconds, (seconds - t) / kAttackSeconds});
-        sound.channels[0][i] += static_cast<float>(left * value);
-        sound.channels[1][i] += static_cast<float>(right * value);
+        sound.channels[0][i] += static_cast<float>(left * tone[i - first]);
+        sound.channels[1][i] += static_cast<float>(right * tone[i - first]);
     }
 }
 
@@ -91,14 +123,19 @@ void AddNoiseHit(Sound& sound, double start, double level, std::uint32_t& seed) 
     }
 }
 
-void AddBeat(Sound& sound, int beat, std::uint32_t& seed) {
+struct Instruments {
+    Plucks bass;
+    Plucks chords;
+};
+
+void AddBeat(Sound& sound, int beat, Instruments& instruments, std::uint32_t& seed) {
     const double start = beat * kBeatSeconds;
     const std::size_t chord = static_cast<std::size_t>(beat / kBeatsPerChord) % kChords.size();
-    if (beat % 2 == 0) AddPluck(sound, start, kBassNotes[chord], 2 * kBeatSeconds, 0.8, 0.5);
+    if (beat % 2 == 0) AddPluck(sound, start, instruments.bass, kBassNotes[chord], 0.8, 0.5);
     for (int i = 0; i < kPlucksPerBeat; ++i) {
         const std::size_t voice = static_cast<std::size_t>(beat * kPlucksPerBeat + i) % kChords[chord].size();
         const double pan = 0.2 + 0.2 * static_cast<double>(voice);
-        AddPluck(sound, start + i * kBeatSeconds / kPlucksPerBeat, kChords[chord][voice], 1.5 * kBeatSeconds, 0.6, pan);
+        AddPluck(sound, start + i * kBeatSeconds / kPlucksPerBeat, instruments.chords, kChords[chord][voice], 0.6, pan);
     }
     AddNoiseHit(sound, start + kBeatSeconds / 2, 0.15, seed);
 }
@@ -121,9 +158,10 @@ void ScaleToPeak(Sound& sound) {
 Sound MakeTestSignal(double seconds, float sampleRate) {
     const auto frames = static_cast<std::size_t>(std::llround(std::max(seconds, 0.0) * sampleRate));
     Sound sound = Sound::Silent(sampleRate, kromediatypes::AudioChannelLayout::Stereo(), frames);
+    Instruments instruments{{2 * kBeatSeconds, sampleRate, frames}, {1.5 * kBeatSeconds, sampleRate, frames}};
     std::uint32_t seed = 1;
     for (int beat = 0; beat * kBeatSeconds < seconds; ++beat)
-        AddBeat(sound, beat, seed);
+        AddBeat(sound, beat, instruments, seed);
     ScaleToPeak(sound);
     return sound;
 }
