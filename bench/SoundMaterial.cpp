@@ -1,6 +1,7 @@
-// Writes the sounds that effects are judged on into files, for listening and for other programs to be judged on too:
+// Writes the sounds that effects are judged on into files, for listening and for other programs to be judged on too,
+// all kinds or one:
 //
-//   sound_material FOLDER [SECONDS [RATE [SEED]]]
+//   sound_material FOLDER [SECONDS [RATE [SEED [KIND]]]]
 
 #include "SoundMaterial.h"
 #include "host/SoundFile.h"
@@ -25,15 +26,17 @@ void WriteFloats(const std::filesystem::path& file, const test::Channels& sound,
 
 int main(int argc, char** argv) {
     if (argc < 2) {
-        std::cerr << "sound_material FOLDER [SECONDS [RATE [SEED]]]\n";
+        std::cerr << "sound_material FOLDER [SECONDS [RATE [SEED [KIND]]]]\n";
         return EXIT_FAILURE;
     }
     const double seconds = argc > 2 ? std::atof(argv[2]) : 10;
     const double rate = argc > 3 ? std::atof(argv[3]) : 44100;
     const auto seed = static_cast<unsigned>(argc > 4 ? std::atoi(argv[4]) : 1);
+    const std::string_view wanted = argc > 5 ? argv[5] : "";
     const std::filesystem::path folder = argv[1];
     std::filesystem::create_directories(folder);
     for (std::size_t kind = 0; kind < test::kMaterialNames.size(); ++kind) {
+        if (!wanted.empty() && wanted != test::kMaterialNames[kind]) continue;
         const auto frames = static_cast<std::size_t>(seconds * rate);
         const test::Channels sound = test::MakeMaterial(static_cast<test::Material>(kind), frames, rate, seed);
         const auto file = folder / (std::string(test::kMaterialNames[kind]) + ".wav");
