@@ -12,6 +12,7 @@ namespace {
 constexpr double kMostRadius = 64;
 constexpr float kNone = std::numeric_limits<float>::infinity();
 constexpr float kFull = 255;
+constexpr int kBlock = 16; // columns that are drawn together: pixels of a cache line
 
 int OddNear(double number) {
     return 2 * static_cast<int>(std::lround(std::max(number - 1, 0.0) / 2)) + 1;
@@ -87,47 +88,63 @@ FunctionShape::Heights FunctionShape::Widened() const {
 
 void FunctionShape::Stroke(PixelCanvas canvas, std::uint32_t pixel, bool smooth) {
     const Heights widened = Widened();
-    for (int column = fClip.left; column < fClip.right; ++column)
-        StrokeColumn(canvas, widened, column, pixel, smooth);
+    for (int column = fClip.left; column < fClip.right; column += kBlock)
+        StrokeBlock(canvas, widened, column, std::min(column + kBlock, fClip.right), pixel, smooth);
 }
 
-void FunctionShape::StrokeColumn(PixelCanvas canvas, const Heights& widened, int column, std::uint32_t pixel,
-                                 bool smooth) {
+// Column by column into coverage that is blended together.
+void FunctionShape::StrokeBlock(PixelCanvas canvas, const Heights& widened, int begin, int end, std::uint32_t pixel,
+                                bool smooth) {
+    const Rows all = RowsOfColumns(widened, begin, end);
+    const auto width = static_cast<std::size_t>(end - begin);
+    fCoverage.assign(width * all.Count(), 0);
+    for (int column = begin; column < end; ++column) {
+        const Rows rows = RowsOfColumns(widened, column, column + 1);
+        CoverColumn(widened, column, rows);
+        auto cell = static_cast<std::size_t>(rows.begin - all.begin) * width + static_cast<std::size_t>(column - begin);
+        for (std::size_t row = 0; row < rows.Count(); ++row, cell += width)
+            fCoverage[cell] = CoverageOf(fColumn[row], smooth);
+    }
+    canvas.BlendRect({begin, all.begin, end, all.end}, fCoverage, fClip, pixel);
+}
+
+// Those that the widened line touches in the columns; begin and end are the clip's the other way round if there are
+// none.
+FunctionShape::Rows FunctionShape::RowsOfColumns(const Heights& widened, int begin, int end) const {
+    const auto part = [this](int column) {
+        return static_cast<std::ptrdiff_t>(column - fClip.left + fMargin) * fParts;
+    };
+    const float top = *std::min_element(widened.top.begin() + part(begin), widened.top.begin() + part(end));
+    const float bottom = *std::max_element(widened.bottom.begin() + part(begin), widened.bottom.begin() + part(end));
+    const auto clipTop = static_cast<float>(fClip.top);
+    const auto clipBottom = static_cast<float>(fClip.bottom);
+    return {static_cast<int>(std::floor(std::clamp(top, clipTop, clipBottom))),
+            static_cast<int>(std::ceil(std::clamp(bottom, clipTop, clipBottom)))};
+}
+
+void FunctionShape::CoverColumn(const Heights& widened, int column, const Rows& rows) {
     const std::size_t first = static_cast<std::size_t>((column - fClip.left + fMargin) * fParts);
     const std::size_t end = first + static_cast<std::size_t>(fParts);
-    const float clipTop = static_cast<float>(fClip.top);
-    const float clipBottom = static_cast<float>(fClip.bottom);
-    float top = clipBottom;
-    float bottom = clipTop;
+    const auto origin = static_cast<float>(rows.begin);
+    fColumn.assign(rows.Count(), 0);
     for (std::size_t part = first; part < end; ++part) {
-        top = std::min(top, widened.top[part]);
-        bottom = std::max(bottom, widened.bottom[part]);
-    }
-    const int firstRow = static_cast<int>(std::floor(std::max(top, clipTop)));
-    const int endRow = static_cast<int>(std::ceil(std::min(bottom, clipBottom)));
-    if (firstRow >= endRow) return;
-    fColumn.assign(static_cast<std::size_t>(endRow - firstRow), 0);
-    for (std::size_t part = first; part < end; ++part) {
-        const float from = std::max(widened.top[part] - static_cast<float>(firstRow), 0.0F);
-        const float to = std::min(widened.bottom[part], clipBottom) - static_cast<float>(firstRow);
+        const float from = std::max(widened.top[part] - origin, 0.0F);
+        const float to = std::min(widened.bottom[part], static_cast<float>(fClip.bottom)) - origin;
         if (from < to) AddToColumn(from, to);
     }
-    fCoverage.resize(fColumn.size());
-    std::transform(fColumn.begin(), fColumn.end(), fCoverage.begin(),
-                   [smooth](float share) { return CoverageOf(share, smooth); });
-    canvas.BlendColumn(column, firstRow, fCoverage, fClip, pixel);
 }
 
 // What one part covers from a height to another, both within the column.
 void FunctionShape::AddToColumn(float from, float to) {
-    const float parts = static_cast<float>(fParts);
-    std::size_t row = static_cast<std::size_t>(from);
-    float below = static_cast<float>(row) + 1; // where the next row begins
-    fColumn[row] += (std::min(to, below) - from) / parts;
+    const auto parts = static_cast<float>(fParts);
+    const auto first = static_cast<std::size_t>(from);
+    const auto last = static_cast<std::size_t>(to);
+    fColumn[first] += (std::min(to, static_cast<float>(first) + 1) - from) / parts;
     const float whole = 1 / parts;
-    for (; below + 1 <= to; ++below)
-        fColumn[++row] += whole;
-    if (below < to) fColumn[++row] += (to - below) / parts;
+    for (std::size_t row = first + 1; row < last; ++row)
+        fColumn[row] += whole;
+    const float rest = to - static_cast<float>(last);
+    if (last > first && rest > 0) fColumn[last] += rest / parts;
 }
 
 FunctionShape::Columns FunctionShape::ColumnsTo(float base) const {
@@ -153,7 +170,6 @@ FunctionShape::Columns FunctionShape::ColumnsTo(float base) const {
 }
 
 void FunctionShape::Fill(PixelCanvas canvas, double base, std::uint32_t pixel) const {
-    constexpr int kBlock = 16; // pixels of a cache line
     const Columns columns = ColumnsTo(static_cast<float>(base));
     for (int column = 0; column < fClip.Width(); column += kBlock)
         FillBlock(canvas, columns, column, std::min(column + kBlock, fClip.Width()), pixel);
@@ -188,7 +204,7 @@ void FunctionShape::FillBlock(PixelCanvas canvas, const Columns& columns, int be
             coverage[column - static_cast<std::size_t>(begin)] =
                 static_cast<std::uint8_t>(std::max(share, 0.0F) * columns.weight[column]);
         }
-        canvas.BlendRow(fClip.left + begin, y, coverage, fClip, pixel);
+        canvas.BlendRect({fClip.left + begin, y, fClip.left + end, y + 1}, coverage, fClip, pixel);
     }
 }
 

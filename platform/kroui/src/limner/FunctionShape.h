@@ -35,9 +35,18 @@ private:
         std::vector<float> weight;
     };
 
+    // Rows of pixels, the end not among them.
+    struct Rows {
+        int begin;
+        int end;
+        std::size_t Count() const { return end > begin ? static_cast<std::size_t>(end - begin) : 0; }
+    };
+
     static Heights NoHeights(std::size_t count);
     Heights Widened() const;
-    void StrokeColumn(PixelCanvas canvas, const Heights& widened, int column, std::uint32_t pixel, bool smooth);
+    void StrokeBlock(PixelCanvas canvas, const Heights& widened, int begin, int end, std::uint32_t pixel, bool smooth);
+    Rows RowsOfColumns(const Heights& widened, int begin, int end) const;
+    void CoverColumn(const Heights& widened, int column, const Rows& rows);
     void AddToColumn(float from, float to);
     Columns ColumnsTo(float base) const;
     void FillBlock(PixelCanvas canvas, const Columns& columns, int begin, int end, std::uint32_t pixel) const;

@@ -14,7 +14,10 @@ int PixelsFor(float units, float scale) {
 }
 
 PixelBuffer MakePixelBuffer(int width, int height, std::uint32_t pixel) {
-    return {width, height, std::vector<std::uint32_t>(static_cast<std::size_t>(width) * height, pixel)};
+    const auto count = static_cast<std::size_t>(width) * height;
+    // Zeros are set many at a time, which other values are not.
+    using Pixels = std::vector<std::uint32_t>;
+    return {width, height, pixel == 0 ? Pixels(count) : Pixels(count, pixel)};
 }
 
 SurfaceHandle SurfaceOn(PixelBuffer& buffer) {

@@ -102,22 +102,13 @@ void PixelCanvas::Blend(const Mask& mask, int x, int y, const PixelRect& clip, s
     BlendPart(Intersection({left, top, left + mask.width, top + mask.height}, clip), mask, left, top, pixel);
 }
 
-void PixelCanvas::BlendColumn(int x, int top, std::span<const std::uint8_t> coverage, const PixelRect& clip,
-                              std::uint32_t pixel) {
-    const int bottom = top + static_cast<int>(coverage.size());
-    const PixelRect visible = Intersection({x, top, x + 1, bottom}, clip);
+void PixelCanvas::BlendRect(const PixelRect& rect, std::span<const std::uint8_t> coverage, const PixelRect& clip,
+                            std::uint32_t pixel) {
+    const PixelRect visible = Intersection(rect, clip);
     if (visible.IsEmpty()) return;
-    std::uint32_t* target = Row(visible.top) + x;
-    for (int y = visible.top; y < visible.bottom; ++y, target += fBuffer.width)
-        BlendPixel(*target, coverage[static_cast<std::size_t>(y - top)], pixel);
-}
-
-void PixelCanvas::BlendRow(int left, int y, std::span<const std::uint8_t> coverage, const PixelRect& clip,
-                           std::uint32_t pixel) {
-    const int right = left + static_cast<int>(coverage.size());
-    const PixelRect visible = Intersection({left, y, right, y + 1}, clip);
-    if (visible.IsEmpty()) return;
-    BlendRows(RowsOf(visible), {&coverage[static_cast<std::size_t>(visible.left - left)]}, pixel);
+    const std::ptrdiff_t stride = rect.Width();
+    const std::ptrdiff_t first = (visible.top - rect.top) * stride + (visible.left - rect.left);
+    BlendRows(RowsOf(visible), {coverage.data() + first, stride}, pixel);
 }
 
 // Rows whose cells are the mask's own are blended together, and so are all those for which its middle row stands.

@@ -73,11 +73,9 @@ public:
     // Edges between pixels give partial coverage.
     void FillExact(const DeviceBox& box, const PixelRect& clip, std::uint32_t pixel);
     void Blend(const Mask& mask, int x, int y, const PixelRect& clip, std::uint32_t pixel);
-    // One column downwards from `top`.
-    void BlendColumn(int x, int top, std::span<const std::uint8_t> coverage, const PixelRect& clip,
-                     std::uint32_t pixel);
-    // One row to the right from `left`.
-    void BlendRow(int left, int y, std::span<const std::uint8_t> coverage, const PixelRect& clip, std::uint32_t pixel);
+    // Coverage for every pixel of a rectangle, row by row.
+    void BlendRect(const PixelRect& rect, std::span<const std::uint8_t> coverage, const PixelRect& clip,
+                   std::uint32_t pixel);
     // Stretches a mask to the rectangle: where the rectangle is larger, the mask's middle column or row repeats.
     void BlendStretched(const Mask& mask, const PixelRect& rect, const PixelRect& clip, std::uint32_t pixel);
 
