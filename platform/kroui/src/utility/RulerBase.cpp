@@ -77,7 +77,12 @@ void RulerBase::SetMinorTickSpan(float from, float to) {
 }
 
 float RulerBase::GetPixel(double value) const {
-    return fFirstPixel + static_cast<float>(GetFraction(value) * (fLastPixel - fFirstPixel));
+    return PixelAt(GetFraction(value));
+}
+
+void RulerBase::GetPixels(std::span<const double> values, std::span<float> pixels) const {
+    std::ranges::transform(values, pixels.begin(),
+                           [this, ends = EndsOnAxis()](double value) { return PixelAt(FractionBetween(ends, value)); });
 }
 
 double RulerBase::GetValue(float pixel) const {
@@ -86,8 +91,11 @@ double RulerBase::GetValue(float pixel) const {
 }
 
 double RulerBase::GetFraction(double value) const {
-    const double first = ToAxis(fFirstValue);
-    const double fraction = (ToAxis(value) - first) / (ToAxis(fLastValue) - first);
+    return FractionBetween(EndsOnAxis(), value);
+}
+
+double RulerBase::FractionBetween(const Ends& ends, double value) const {
+    const double fraction = (ToAxis(value) - ends.first) / (ends.last - ends.first);
     return std::isfinite(fraction) ? fraction : 0;
 }
 

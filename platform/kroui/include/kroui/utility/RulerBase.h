@@ -7,6 +7,7 @@
 
 #include <boost/intrusive_ptr.hpp>
 
+#include <span>
 #include <vector>
 
 namespace kroui::utility {
@@ -78,6 +79,8 @@ public:
     // range tells nothing.
     float GetPixel(double value) const;
     double GetValue(float pixel) const;
+    // The same for many values, into as many pixels.
+    void GetPixels(std::span<const double> values, std::span<float> pixels) const;
     // The same as parts of the range: 0 for the first value, 1 for the last.
     double GetFraction(double value) const;
     double GetValueAt(double fraction) const;
@@ -139,7 +142,17 @@ protected:
 
 private:
     struct Drawing;
+    // The ends of the range on the axis.
+    struct Ends {
+        double first;
+        double last;
+    };
 
+    Ends EndsOnAxis() const { return {ToAxis(fFirstValue), ToAxis(fLastValue)}; }
+    double FractionBetween(const Ends& ends, double value) const;
+    float PixelAt(double fraction) const {
+        return fFirstPixel + static_cast<float>(fraction * (fLastPixel - fFirstPixel));
+    }
     void UpdateTicks() const;
     void PlaceTexts(const std::vector<Candidate>& candidates) const;
     bool PlaceText(RulerTick& tick) const;

@@ -76,14 +76,16 @@ void ResponseCurve::Thin(const boost::function<double(double)>& toAxis, const kr
     constexpr float kNone = std::numeric_limits<float>::quiet_NaN();
     fLine.clear();
     if (fValues.size() < 2) return;
-    const double distance = content.width / static_cast<double>(fValues.size() - 1);
+    std::vector<double> values = fValues;
+    if (toAxis) std::ranges::transform(values, values.begin(), [&](double value) { return toAxis(value); });
+    std::vector<float> heights(values.size());
+    axis.GetPixels(values, heights);
+    const double distance = content.width / static_cast<double>(values.size() - 1);
     Column column(fLine);
-    for (std::size_t i = 0; i < fValues.size(); ++i) {
+    for (std::size_t i = 0; i < values.size(); ++i) {
         const double offset = distance * static_cast<double>(i);
-        const double value = toAxis ? toAxis(fValues[i]) : fValues[i];
-        const Point point{content.left + static_cast<float>(offset), axis.GetPixel(value)};
-        if (std::isfinite(value) && std::isfinite(point.y)) {
-            column.Add(static_cast<int>(offset * scale), point);
+        if (std::isfinite(values[i]) && std::isfinite(heights[i])) {
+            column.Add(static_cast<int>(offset * scale), {content.left + static_cast<float>(offset), heights[i]});
         } else {
             column.Finish();
             if (!fLine.empty()) fLine.push_back({kNone, kNone});
