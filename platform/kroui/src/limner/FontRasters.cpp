@@ -4,6 +4,10 @@
 #include "MemoryImage.h"
 #include "PixelSpans.h"
 
+#if CAIRO_HAS_FT_FONT
+#include <cairo-ft.h>
+#endif
+
 #include <algorithm>
 
 namespace kroui::limner {
@@ -39,6 +43,19 @@ PixelRect OutlinePixels(cairo_scaled_font_t* font, const cairo_glyph_t& glyph) {
     return TouchedPixels(box);
 }
 
+// Few fonts have any, and looking at every glyph takes as long as rendering it.
+bool MayHavePictures(cairo_scaled_font_t* font) {
+#if CAIRO_HAS_FT_FONT
+    if (cairo_scaled_font_get_type(font) == CAIRO_FONT_TYPE_FT) {
+        const FT_Face face = cairo_ft_scaled_font_lock_face(font);
+        const bool may = face == nullptr || FT_HAS_COLOR(face) || FT_HAS_SVG(face);
+        if (face != nullptr) cairo_ft_scaled_font_unlock_face(font);
+        return may;
+    }
+#endif
+    return true;
+}
+
 // Drawn in white, an outline gives nothing but white of some opacity.
 bool IsPicture(cairo_scaled_font_t* font, const cairo_glyph_t& glyph) {
     cairo_text_extents_t extents;
@@ -58,7 +75,8 @@ bool IsPicture(cairo_scaled_font_t* font, const cairo_glyph_t& glyph) {
 
 } // namespace
 
-FontRaster::FontRaster(cairo_scaled_font_t* typeface, double scale) : fFont(AtScale(typeface, scale)) {
+FontRaster::FontRaster(cairo_scaled_font_t* typeface, double scale)
+    : fFont(AtScale(typeface, scale)), fMayHavePictures(MayHavePictures(fFont.get())) {
 }
 
 const FontRaster::Glyph& FontRaster::GlyphAt(std::uint32_t index, int phase) {
@@ -76,7 +94,7 @@ std::unique_ptr<FontRaster::Glyph> FontRaster::Render(std::uint32_t index, int p
     const cairo_glyph_t glyph{index, static_cast<double>(phase) / kPhases, 0};
     PixelRect pixels = OutlinePixels(fFont.get(), glyph);
     auto rendered = std::make_unique<Glyph>();
-    rendered->isPicture = IsPicture(fFont.get(), glyph);
+    rendered->isPicture = fMayHavePictures && IsPicture(fFont.get(), glyph);
     if (rendered->isPicture || pixels.IsEmpty()) return rendered;
     // Rows of whole groups spare the blending of single pixels at their ends.
     pixels.right = pixels.left + (pixels.Width() + kPixelsAtOnce - 1) / kPixelsAtOnce * kPixelsAtOnce;

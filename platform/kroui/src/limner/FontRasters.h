@@ -37,6 +37,7 @@ private:
     std::unique_ptr<Glyph> Render(std::uint32_t index, int phase) const;
 
     ScaledFontHandle fFont;
+    bool fMayHavePictures;
     std::array<std::unique_ptr<Page>, kPages> fPages;
     std::size_t fGlyphCount = 0;
 };
