@@ -14,20 +14,23 @@ constexpr Uint16 kBlock = 1024; // frames
 
 } // namespace
 
-SoundDevice::SoundDevice() {
-    SDL_SetMainReady();
-    fHasAudio = SDL_InitSubSystem(SDL_INIT_AUDIO) == 0;
-    if (!fHasAudio) fProblem = SDL_GetError();
-}
-
 SoundDevice::~SoundDevice() {
     Close();
     if (fHasAudio) SDL_QuitSubSystem(SDL_INIT_AUDIO);
 }
 
+// When a device is wanted for the first time: looking for all of them takes a while.
+bool SoundDevice::StartSystem() {
+    if (fHasAudio) return true;
+    SDL_SetMainReady();
+    fHasAudio = SDL_InitSubSystem(SDL_INIT_AUDIO) == 0;
+    if (!fHasAudio) fProblem = SDL_GetError();
+    return fHasAudio;
+}
+
 bool SoundDevice::Open(float sampleRate, std::size_t channels, Callback callback) {
     Close();
-    if (!fHasAudio) return false;
+    if (!StartSystem()) return false;
     fCallback = std::move(callback);
     fChannels = channels;
     SDL_AudioSpec wanted{};

@@ -97,7 +97,14 @@ void WorkbenchView::ShowSound() {
     fHeader->SetSound(fSession.SoundName(), SoundText(fSession.CurrentSound()));
     fTransport.ShowSound();
     fStatus->ShowHint(Hint());
+    fToldOutputProblem.clear();
+    FollowOutput();
+}
+
+void WorkbenchView::FollowOutput() {
     const krocore::string16 problem = fSession.Output().Problem();
+    if (problem == fToldOutputProblem) return;
+    fToldOutputProblem = problem;
     if (!problem.empty()) fStatus->ShowProblem(problem);
 }
 
@@ -257,6 +264,7 @@ void WorkbenchView::FollowHistory() {
 }
 
 void WorkbenchView::FollowSound() {
+    FollowOutput();
     const krocore::string16 problem = fSession.TakeSoundProblem();
     if (!problem.empty()) fStatus->ShowProblem(problem);
 }

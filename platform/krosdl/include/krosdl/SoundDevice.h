@@ -15,7 +15,7 @@ public:
     // sound thread, which it must not hold up: it allocates nothing, waits for nothing and does not throw.
     using Callback = boost::function<void(float* interleaved, std::size_t frames, std::size_t channels)>;
 
-    SoundDevice();
+    SoundDevice() = default;
     SoundDevice(const SoundDevice&) = delete;
     SoundDevice& operator=(const SoundDevice&) = delete;
     // Closes.
@@ -31,10 +31,11 @@ public:
     // Whether the callback is asked for sound; a device that plays nothing still costs time. Nothing for a closed one.
     void Run(bool on);
 
-    // Why it is not open, in SDL's words; empty while it is, and before the first Open if nothing is wrong.
+    // Why it is not open, in SDL's words; empty while it is, and before the first Open.
     const std::string& Problem() const { return fProblem; }
 
 private:
+    bool StartSystem();
     static void Fill(void* device, std::uint8_t* stream, int bytes);
 
     Callback fCallback;

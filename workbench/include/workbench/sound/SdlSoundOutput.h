@@ -5,7 +5,8 @@
 
 namespace workbench {
 
-// The system's standard sound device, through SDL; silence when there is none.
+// The system's standard sound device, through SDL; silence when there is none. It is looked for at the first Poll, so
+// that a window is not kept waiting for it.
 class SdlSoundOutput final : public SoundOutput {
 public:
     ~SdlSoundOutput() override;
@@ -16,8 +17,12 @@ public:
     krocore::string16 Problem() const override;
 
 private:
+    void Open();
+
     krosdl::SoundDevice fDevice;
     qohost::PlaybackEngine* fEngine = nullptr;
+    float fSampleRate = 0;  // hertz
+    bool fIsWanted = false; // and was not looked for yet
     SilentOutput fSilent;
 };
 

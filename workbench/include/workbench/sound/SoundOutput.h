@@ -17,7 +17,7 @@ public:
     virtual void Start(qohost::PlaybackEngine& engine, float sampleRate) = 0;
     // When it returns, the engine is not asked any more.
     virtual void Stop() = 0;
-    // To be called after the transport was used, and again and again while it plays.
+    // To be called after the transport was used, and again and again: a device may be opened at the first call only.
     virtual void Poll() = 0;
     // Why nothing is heard, as the user is told; empty if something is.
     virtual krocore::string16 Problem() const = 0;

@@ -68,6 +68,7 @@ private:
     void SetPace();
     void FollowHistory();
     void FollowSound();
+    void FollowOutput();
     void FollowLevels();
 
     Session& fSession;
@@ -89,7 +90,8 @@ private:
     bool fIsInInput = false;        // the user is doing something
     bool fPanelIsStale = false;     // its files have changed
     krocore::string16 fToldProblem; // of the running panel
-    double fLastPoll = 0;           // seconds
+    krocore::string16 fToldOutputProblem;
+    double fLastPoll = 0; // seconds
     std::int32_t fSeenDirtyCount = 0;
     bool fCouldUndo = false;
     bool fCouldRedo = false;
