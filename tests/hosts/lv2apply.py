@@ -74,7 +74,7 @@ def main():
     with tempfile.TemporaryDirectory() as folder, concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as threads:
         runs = [threads.submit(faults, workbench, effect, pathlib.Path(folder)) for effect in workbench.effects()]
         found = [fault for run in runs for fault in run.result()]
-    sys.exit("\n".join(found))
+    sys.exit("\n".join(found) or 0)
 
 
 if __name__ == "__main__":
