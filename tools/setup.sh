@@ -3,7 +3,8 @@
 #
 #   tools/setup.sh run     what building and running the workbench takes
 #   tools/setup.sh test    that, and what the tests take
-#   tools/setup.sh tidy    that, and clang-tidy
+#   tools/setup.sh hosts   that, and programs that play plug-ins (half a gigabyte)
+#   tools/setup.sh tidy    what the tests take, and clang-tidy
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 run_packages=(
@@ -16,14 +17,16 @@ test_packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
     python3 xvfb xdotool imagemagick liblilv-dev lilv-utils sordi
 )
+host_packages=(valgrind ffmpeg jackd2 jalv ardour openbox)
 tidy_packages=(clang-tidy-14)
 
 case ${1:-} in
     run) wanted=("${run_packages[@]}") ;;
     test) wanted=("${run_packages[@]}" "${test_packages[@]}") ;;
+    hosts) wanted=("${run_packages[@]}" "${test_packages[@]}" "${host_packages[@]}") ;;
     tidy) wanted=("${run_packages[@]}" "${test_packages[@]}" "${tidy_packages[@]}") ;;
     *)
-        echo "usage: tools/setup.sh run|test|tidy" >&2
+        echo "usage: tools/setup.sh run|test|hosts|tidy" >&2
         exit 2
         ;;
 esac
