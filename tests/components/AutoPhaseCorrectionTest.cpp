@@ -118,7 +118,7 @@ TEST(AutoPhaseCorrection, LeavesStereoSoundAsItIs) {
 
 // `sound`, limited to 0.45 times the sample rate, that much later: by the transform of all of it.
 std::vector<float> Late(const std::vector<float>& sound, double late) {
-    constexpr std::size_t kBefore = 1024;
+    constexpr std::size_t kBefore = 4096;
     constexpr double kLimit = 0.45;
     constexpr double kFade = 0.02;
     const std::size_t size = std::bit_ceil(sound.size() + 2 * kBefore);
@@ -151,6 +151,29 @@ TEST(AutoPhaseCorrection, AlignsEveryKindOfSoundToAFractionOfASample) {
         const Channels output = test::Processed(*filter, {Late(sound, 0), Late(sound, late)});
         EXPECT_LT(test::NullDecibels(End(output[0]), End(output[1]), 0), -40)
             << test::kMaterialNames[static_cast<std::size_t>(kind)] << " " << late;
+    }
+}
+
+// The longest delay that can be asked for is a large part of short frames, and longer than some of them. Steady chords
+// tell little but at their beginnings.
+TEST(AutoPhaseCorrection, AlignsWhatIsAsLateAsCanBeAtEverySizeAndRate) {
+    using test::Material;
+    struct Case {
+        Material kind;
+        float rate;
+        double size; // 0: 1024, 2: 4096
+        double late; // milliseconds
+    };
+    for (const auto& [kind, rate, size, late] :
+         {Case{Material::kNoise, 44100, 0, -20}, Case{Material::kMusic, 44100, 2, 15.2},
+          Case{Material::kChords, 44100, 2, -20}, Case{Material::kDrums, 96000, 0, -17.21}}) {
+        const auto frames = static_cast<std::size_t>(1.6F * rate);
+        const auto sound = test::MakeMaterial(kind, frames, rate, 3)[0];
+        const Filter filter = Prepared({{kAutoPhaseAnalysisSize, size}, {kAutoPhaseLongestShift, 20}}, rate);
+        const Channels output =
+            test::Processed(*filter, {Late(sound, 0), Late(sound, late / 1000 * static_cast<double>(rate))});
+        EXPECT_LT(test::NullDecibels(End(output[0]), End(output[1]), 0), -40)
+            << test::kMaterialNames[static_cast<std::size_t>(kind)] << " " << late << " at " << rate;
     }
 }
 

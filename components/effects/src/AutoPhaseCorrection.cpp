@@ -17,6 +17,7 @@ namespace {
 constexpr float kLongestShift = 20; // milliseconds
 constexpr float kHalfTurn = 180;    // degrees
 constexpr std::size_t kOverlaps = 4;
+constexpr std::size_t kLeastShifts = 4; // the longest shift, in an analysis: it has to see what is late
 constexpr double kAlignCost = 8;        // of a pass over a channel's phases, in transforms
 constexpr std::size_t kPartsOfPass = 8; // of an analysis
 
@@ -165,18 +166,21 @@ void AutoPhaseCorrection::PrepareProcessing(std::size_t maximumBlock) {
     const std::size_t channels = GetNumberOfInputChannels();
     if (channels < 2) return;
     fSize = kSmallestSize << Item(kAutoPhaseAnalysisSize);
-    fHop = fSize / kAnalysesPerSize[Item(kAutoPhaseTimeResolution)];
+    const auto longest = static_cast<std::size_t>(std::ceil(SamplesOf(kLongestShift, GetSampleRate())));
+    fAnalysisSize = std::max(fSize, std::bit_ceil(kLeastShifts * longest));
+    fHop = fAnalysisSize / kAnalysesPerSize[Item(kAutoPhaseTimeResolution)];
     // No step ends beyond a frame of the transform, which is to see the channels as they are at its end.
     const std::size_t step = std::min(fHop, fSize / kOverlaps);
     fAnalyses.SetHop(step);
     fStepsPerAnalysis = fHop / step;
-    fDelay = static_cast<std::size_t>(std::ceil(SamplesOf(kLongestShift, GetSampleRate()))) + kReach + 1;
-    fHistory.Prepare(channels, std::bit_ceil(fSize + 2 * (fDelay + fHop) + maximumBlock));
-    fTransform = std::make_unique<RealFFT>(fSize);
-    fWindow = RootHann(fSize);
-    fScratch.resize(fSize);
+    fDelay = longest + kReach + 1;
+    fHistory.Prepare(channels, std::bit_ceil(fAnalysisSize + 2 * (fDelay + fHop) + maximumBlock));
+    fTransform = std::make_unique<RealFFT>(fAnalysisSize);
+    fWindow = RootHann(fAnalysisSize);
+    fScratch.resize(fAnalysisSize);
     // Two such windows, at four frames a window, add up to 2.
-    std::vector<float> synthesis = fWindow;
+    const std::vector<float> window = RootHann(fSize);
+    std::vector<float> synthesis = window;
     for (float& value : synthesis)
         value *= 2.0F / kOverlaps;
     const OverlapAdd::Layout layout{.transform = fSize, .frame = fSize, .hop = fSize / kOverlaps};
@@ -184,17 +188,17 @@ void AutoPhaseCorrection::PrepareProcessing(std::size_t maximumBlock) {
     fOverlapAdd.Prepare(
         channels, layout,
         std::vector(channels * PhaseAligner::kPasses, OverlapAdd::Work{.steps = fStepsPerPass, .cost = kAlignCost}),
-        fWindow, synthesis);
+        window, synthesis);
     fLatency = fDelay + fHop + fOverlapAdd.Latency();
     fGlide = 2 / (kGlideSeconds * GetSampleRate());
     fChannels.resize(channels);
     fMoved.clear();
     fOutputs.resize(channels);
     for (Channel& channel : fChannels) {
-        channel.delay.Prepare(fSize);
+        channel.delay.Prepare(fAnalysisSize);
         channel.aligner.Prepare(fSize / 2 + 1);
         channel.level.Prepare(GetSampleRate());
-        channel.spectrum.resize(fSize / 2 + 1);
+        channel.spectrum.resize(fTransform->Bins());
         channel.moved.resize(maximumBlock);
         fMoved.push_back(channel.moved.data());
     }
@@ -340,7 +344,7 @@ void AutoPhaseCorrection::ComputeWeights(Channel& channel) noexcept {
 
 void AutoPhaseCorrection::BeginAnalysis() noexcept {
     // A start in the middle of the window would be found to be common to all channels.
-    if (fHistory.Now() < static_cast<std::int64_t>(fSize + 2 * fDelay)) return;
+    if (fHistory.Now() < static_cast<std::int64_t>(fAnalysisSize + 2 * fDelay)) return;
     fAnalysis = {.time = fHistory.Now(),
                  .reference = fReference,
                  .frame = {.kept = fKept, .longest = fLongestShift, .takesDelayOut = fShiftsTime},
@@ -350,7 +354,7 @@ void AutoPhaseCorrection::BeginAnalysis() noexcept {
 
 void AutoPhaseCorrection::Do(const Step& step) noexcept {
     switch (step.kind) {
-    case Kind::kWindow: return Window(step.channel, StepRange::Of(step.part.index, step.part.count, fSize));
+    case Kind::kWindow: return Window(step.channel, StepRange::Of(step.part.index, step.part.count, fAnalysisSize));
     case Kind::kTransform: return fTransform->Forward(fScratch, fChannels[step.channel].spectrum, step.part);
     case Kind::kReference: return fChannels[fAnalysis.reference].delay.Add(FrameOf(fAnalysis.reference), step.part);
     case Kind::kOther:
@@ -360,7 +364,8 @@ void AutoPhaseCorrection::Do(const Step& step) noexcept {
 
 void AutoPhaseCorrection::Window(std::size_t index, StepRange samples) noexcept {
     const std::ptrdiff_t origin = index == fAnalysis.reference ? 0 : fChannels[index].delay.Origin();
-    const float* const sound = fHistory.At(index, fAnalysis.time - static_cast<std::int64_t>(fSize + fDelay) + origin);
+    const float* const sound =
+        fHistory.At(index, fAnalysis.time - static_cast<std::int64_t>(fAnalysisSize + fDelay) + origin);
     for (std::size_t i = samples.begin; i < samples.end; ++i)
         fScratch[i] = std::clamp(sound[i], -kLoudest, kLoudest) * fWindow[i] * fWindow[i];
 }

@@ -20,6 +20,14 @@ std::complex<T> TimesConjugate(const std::complex<T>& a, const std::complex<T>& 
     return Times(a, std::conj(b));
 }
 
+constexpr double kEnvelopeFall = 0.8; // of powers, a bin
+
+// How much two frames under Hann windows, `late` (0...1) of a frame apart, have in common of steady sound.
+double CommonPart(double late) noexcept {
+    const double angle = 2 * std::numbers::pi * late;
+    return (1 - late) * (2 + std::cos(angle)) / 3 + std::sin(angle) / (2 * std::numbers::pi);
+}
+
 } // namespace
 
 void TimeDelayEstimator::Prepare(std::size_t size) {
@@ -28,11 +36,17 @@ void TimeDelayEstimator::Prepare(std::size_t size) {
     fCross.resize(bins);
     fReferencePower.resize(bins);
     fOtherPower.resize(bins);
+    fEnvelope.resize(bins);
     fWhite.resize(bins);
     const std::size_t padded = (bins + kLanes - 1) / kLanes * kLanes;
-    fWhiteReal.assign(padded, 0.0);
-    fWhiteImaginary.assign(padded, 0.0);
+    fSteady.resize(bins);
+    fSteadyReal.assign(padded, 0.0);
+    fSteadyImaginary.assign(padded, 0.0);
     fCorrelation.resize(size);
+    fSteadyCorrelation.resize(size);
+    fCommonParts.resize(size / 2 + 1);
+    for (std::size_t lag = 0; lag < fCommonParts.size(); ++lag)
+        fCommonParts[lag] = static_cast<float>(1 / CommonPart(static_cast<double>(lag) / static_cast<double>(size)));
     Reset();
 }
 
@@ -45,6 +59,10 @@ void TimeDelayEstimator::Reset() noexcept {
     fLikeness = {};
 }
 
+double TimeDelayEstimator::LongestDelay() const noexcept {
+    return std::min(fFrame.longest, static_cast<double>(fCorrelation.size()) / 4);
+}
+
 double TimeDelayEstimator::AngularStep() const noexcept {
     return 2 * std::numbers::pi / static_cast<double>(fCorrelation.size());
 }
@@ -55,15 +73,17 @@ void TimeDelayEstimator::Begin(const Frame& frame) noexcept {
 
 void TimeDelayEstimator::Pass(std::size_t pass, RealFFT::Part part) noexcept {
     const auto bins = StepRange::Of(part.index, part.count, fCross.size());
-    if (pass > 4 && pass < 5 + kMostSlopes) return Improve(bins);
+    if (pass > 6 && pass < 7 + kMostSlopes) return Improve(bins);
     switch (pass) {
     case 0: return Add(fFrame, part);
     case 1: return FindStrongest(bins);
     case 2: return Whiten(bins);
     case 3: return fTransform->Inverse(fWhite, fCorrelation, part);
-    case 4: return IsLast(bins) ? FindPeakLag() : void();
-    case 5 + kMostSlopes: return AddSlope(bins);
-    case 6 + kMostSlopes: return MoveOrigin(bins);
+    case 4: return fTransform->Inverse(fSteady, fSteadyCorrelation, part);
+    case 5: return FindHighest(LagsOf(part));
+    case 6: return FindPeakLag(LagsOf(part));
+    case 7 + kMostSlopes: return AddSlope(bins);
+    case 8 + kMostSlopes: return MoveOrigin(bins);
     default: return Compare(bins);
     }
 }
@@ -81,8 +101,8 @@ void TimeDelayEstimator::Add(const Frame& frame, RealFFT::Part part) noexcept {
 
 double TimeDelayEstimator::CostOf(std::size_t pass) noexcept {
     constexpr double kSlope = 3;
-    if (pass > 4 && pass < 6 + kMostSlopes) return kSlope;
-    constexpr double kFirst[] = {4, 2, 8, 2, 2};
+    if (pass > 6 && pass < 8 + kMostSlopes) return kSlope;
+    constexpr double kFirst[] = {4, 8, 20, 2, 2, 4, 4};
     if (pass < std::size(kFirst)) return kFirst[pass];
     return pass + 1 < kPasses ? 8 : 15;
 }
@@ -93,39 +113,71 @@ float TimeDelayEstimator::LevelRatio() const noexcept {
     return reference > 0 && other > 0 ? static_cast<float>(std::sqrt(reference / other)) : 1.0F;
 }
 
+// The envelope of the powers falls by no more than a decibel a bin towards half the rate.
 void TimeDelayEstimator::FindStrongest(StepRange bins) noexcept {
-    if (bins.begin == 0) fStrongest = 0;
-    for (std::size_t bin = bins.begin; bin < bins.end; ++bin)
-        fStrongest = std::max(fStrongest, PowerOf(bin));
-}
-
-// Leaves the phase difference, as far as it has been the same over the frames. What is 70 dB below the strongest bin
-// is mostly what the window lets through of others.
-void TimeDelayEstimator::Whiten(StepRange bins) noexcept {
-    constexpr double kLeastPower = 1e-14; // of powers times powers
-    if (bins.begin == 0) fUsedBins = 0;
-    // Both ends are real and tell no delay.
+    if (bins.begin == 0) fStrongest = fPassing = 0;
     for (std::size_t bin = bins.begin; bin < bins.end; ++bin) {
-        const double power = PowerOf(bin);
-        const bool isUsed = bin != 0 && bin + 1 != fWhite.size() && power > fStrongest * kLeastPower;
-        fWhite[bin] = isUsed ? fCross[bin] / static_cast<float>(std::sqrt(power)) : std::complex<float>();
-        fWhiteReal[bin] = fWhite[bin].real();
-        fWhiteImaginary[bin] = fWhite[bin].imag();
-        fUsedBins += isUsed ? 1 : 0;
+        const double power = std::sqrt(PowerOf(bin));
+        fPassing = std::max(power, fPassing * kEnvelopeFall);
+        fStrongest = std::max(fStrongest, power);
+        fEnvelope[bin] = static_cast<float>(fPassing);
     }
 }
 
-void TimeDelayEstimator::FindPeakLag() noexcept {
-    const auto size = static_cast<std::ptrdiff_t>(fCorrelation.size());
-    const auto reach = static_cast<std::ptrdiff_t>(std::min(fFrame.longest, static_cast<double>(size) / 4));
-    const auto magnitudeAt = [&](std::ptrdiff_t lag) {
-        return std::abs(fCorrelation[static_cast<std::size_t>((lag - fOrigin + size) % size)]);
-    };
-    std::ptrdiff_t best = 0;
-    for (std::ptrdiff_t lag = -reach; lag <= reach; ++lag) {
-        if (magnitudeAt(lag) > magnitudeAt(best)) best = lag;
+// Leaves the phase difference, as far as it has been the same over the frames: of all bins alike, and weighted by how
+// much of the envelope is there. From half the rate down, so that the envelope falls no faster that way either.
+void TimeDelayEstimator::Whiten(StepRange bins) noexcept {
+    constexpr double kLeastPower = 1e-7; // of the strongest bin's
+    if (bins.begin == 0) fWeight = fPassing = 0;
+    for (std::size_t turn = bins.begin; turn < bins.end; ++turn) {
+        const std::size_t bin = fWhite.size() - 1 - turn;
+        const double power = std::sqrt(PowerOf(bin));
+        fPassing = std::max(double{fEnvelope[bin]}, fPassing * kEnvelopeFall);
+        // Both ends are real and tell no delay.
+        const bool isUsed = bin != 0 && turn != 0 && power > fStrongest * kLeastPower;
+        const double weight = isUsed ? std::sqrt(power / fPassing) : 0;
+        fWhite[bin] = isUsed ? fCross[bin] / static_cast<float>(power) : std::complex<float>();
+        fSteady[bin] = fWhite[bin] * static_cast<float>(weight);
+        fSteadyReal[bin] = fSteady[bin].real();
+        fSteadyImaginary[bin] = fSteady[bin].imag();
+        fWeight += weight;
     }
-    fSearch = {.delay = static_cast<double>(best) - static_cast<double>(fOrigin), .isDone = fUsedBins == 0};
+}
+
+StepRange TimeDelayEstimator::LagsOf(RealFFT::Part part) const noexcept {
+    return StepRange::Of(part.index, part.count, static_cast<std::size_t>(2 * Reach() + 1));
+}
+
+// What frames have in common falls with the lag between them.
+float TimeDelayEstimator::MagnitudeAt(const std::vector<float>& correlation, std::size_t lag) const noexcept {
+    const auto size = static_cast<std::ptrdiff_t>(correlation.size());
+    const std::ptrdiff_t later = static_cast<std::ptrdiff_t>(lag) - Reach() - fOrigin;
+    return std::abs(correlation[static_cast<std::size_t>((later + size) % size)]) *
+           fCommonParts[static_cast<std::size_t>(std::abs(later))];
+}
+
+void TimeDelayEstimator::FindHighest(StepRange lags) noexcept {
+    if (lags.begin == 0) fHighest = 0;
+    for (std::size_t lag = lags.begin; lag < lags.end; ++lag)
+        fHighest = std::max(fHighest, MagnitudeAt(fSteadyCorrelation, lag));
+}
+
+// Beside a steady partial lies what the window lets through of it, which has the partial's phase and tells no delay:
+// there the weighted correlation knows better, but for whole periods. Which of those it is, the beginnings of notes
+// tell, which lie between the partials.
+void TimeDelayEstimator::FindPeakLag(StepRange lags) noexcept {
+    constexpr float kNearlyBest = 0.85F;
+    if (lags.begin == 0) {
+        fSearch = {.isDone = fWeight == 0};
+        fHighestAmong = -1;
+    }
+    for (std::size_t lag = lags.begin; lag < lags.end; ++lag) {
+        if (MagnitudeAt(fSteadyCorrelation, lag) < kNearlyBest * fHighest) continue;
+        const float magnitude = MagnitudeAt(fCorrelation, lag);
+        if (magnitude <= fHighestAmong) continue;
+        fHighestAmong = magnitude;
+        fSearch.delay = static_cast<double>(static_cast<std::ptrdiff_t>(lag) - Reach() - fOrigin);
+    }
 }
 
 void TimeDelayEstimator::Improve(StepRange bins) noexcept {
@@ -148,11 +200,11 @@ void TimeDelayEstimator::AddSlope(StepRange bins) noexcept {
     }
     const double cosine = std::cos(angle * kLanes);
     const double sine = std::sin(angle * kLanes);
-    const std::size_t end = IsLast(bins) ? fWhiteReal.size() : bins.end / kLanes * kLanes;
+    const std::size_t end = IsLast(bins) ? fSteadyReal.size() : bins.end / kLanes * kLanes;
     for (std::size_t bin = bins.begin / kLanes * kLanes; bin < end; bin += kLanes) {
         for (std::size_t lane = 0; lane < kLanes; ++lane) {
-            const double white = fWhiteReal[bin + lane];
-            const double imaginary = fWhiteImaginary[bin + lane];
+            const double white = fSteadyReal[bin + lane];
+            const double imaginary = fSteadyImaginary[bin + lane];
             const double angular = step * static_cast<double>(bin + lane);
             const double real = white * sums.cosine[lane] - imaginary * sums.sine[lane];
             sums.value[lane] += real;
@@ -196,8 +248,8 @@ void TimeDelayEstimator::Refine() noexcept {
 void TimeDelayEstimator::TakeDelay() noexcept {
     constexpr double kLeastPeak = 0.2;
     fNextOrigin = fOrigin;
-    if (fUsedBins == 0 || std::abs(fSlope.value) < kLeastPeak * static_cast<double>(fUsedBins)) return;
-    const double reach = std::min(fFrame.longest, static_cast<double>(fCorrelation.size()) / 4);
+    if (fWeight == 0 || std::abs(fSlope.value) < kLeastPeak * fWeight) return;
+    const double reach = LongestDelay();
     fDelay = std::clamp(fSearch.delay + static_cast<double>(fOrigin), -reach, reach);
     fNextOrigin = std::lround(fDelay);
 }

@@ -109,7 +109,8 @@ private:
     std::vector<float*> fOutputs; // from where the chunk goes to
     std::size_t fLatency = 0;
     std::size_t fDelay = 0; // of the reference, ahead of the transform
-    std::size_t fSize = 0;
+    std::size_t fSize = 0;  // of the frames whose phases are turned
+    std::size_t fAnalysisSize = 0;
     std::size_t fHop = 0; // of the analysis
     HopGrid fAnalyses;
     std::size_t fStepsPerAnalysis = 1;

@@ -13,9 +13,10 @@
 namespace qoc::dsp {
 
 // Finds by how much one sound is later than another, to a small part of a sample, from their spectra of the same
-// frames: the peak of the generalised cross-correlation with phase transform (Knapp and Carter, "The generalized
-// correlation method for estimation of time delay", 1976), weighted by the coherence over the frames so far. A sound of
-// opposite polarity is found as well. Owned by its effect; all but Prepare is real time safe.
+// frames, under Hann windows: the peak of the generalised cross-correlation with phase transform (Knapp and Carter,
+// "The generalized correlation method for estimation of time delay", 1976), weighted by the coherence over the frames
+// so far, and a second time by how much a bin stands out, for steady sound. A sound of opposite polarity is found as
+// well. Owned by its effect; all but Prepare is real time safe.
 class TimeDelayEstimator {
 public:
     // For spectra of transforms of `size` samples. Allocates, and resets.
@@ -34,7 +35,7 @@ public:
     // pass 0 in parts in order, then pass 1, and so on, all in as many parts. What follows is told anew after the last
     // one.
     static constexpr std::size_t kMostSlopes = 25; // of the correlation, to find its peak
-    static constexpr std::size_t kPasses = 8 + kMostSlopes;
+    static constexpr std::size_t kPasses = 10 + kMostSlopes;
     void Begin(const Frame& frame) noexcept;
     void Pass(std::size_t pass, RealFFT::Part part) noexcept;
     // About how long a pass takes; a transform, 2.
@@ -104,7 +105,11 @@ private:
     double PowerOf(std::size_t bin) const noexcept { return double{fReferencePower[bin]} * fOtherPower[bin]; }
     void FindStrongest(StepRange bins) noexcept;
     void Whiten(StepRange bins) noexcept;
-    void FindPeakLag() noexcept;
+    // Of lags that are counted from the longest delay to the earlier side.
+    StepRange LagsOf(RealFFT::Part part) const noexcept;
+    float MagnitudeAt(const std::vector<float>& correlation, std::size_t lag) const noexcept;
+    void FindHighest(StepRange lags) noexcept;
+    void FindPeakLag(StepRange lags) noexcept;
     void Improve(StepRange bins) noexcept;
     void AddSlope(StepRange bins) noexcept;
     void FinishSlope() noexcept;
@@ -115,18 +120,27 @@ private:
     void FinishComparing() noexcept;
     bool IsLast(StepRange bins) const noexcept { return bins.end == fCross.size(); }
     double AngularStep() const noexcept; // of a bin, for a sample
+    double LongestDelay() const noexcept;
+    std::ptrdiff_t Reach() const noexcept { return static_cast<std::ptrdiff_t>(LongestDelay()); }
 
     std::optional<RealFFT> fTransform;
     std::vector<std::complex<float>> fCross;
     std::vector<float> fReferencePower;
     std::vector<float> fOtherPower;
+    std::vector<float> fEnvelope; // of the powers
     std::vector<std::complex<float>> fWhite;
-    std::vector<double> fWhiteReal; // the same, filled up with zeros to whole lanes
-    std::vector<double> fWhiteImaginary;
-    std::vector<float> fCorrelation;
+    std::vector<std::complex<float>> fSteady; // the same, weighted by the part of the envelope
+    std::vector<double> fSteadyReal;          // the same, filled up with zeros to whole lanes
+    std::vector<double> fSteadyImaginary;
+    std::vector<float> fCorrelation; // of fWhite
+    std::vector<float> fSteadyCorrelation;
+    std::vector<float> fCommonParts; // by lag, what to multiply a correlation with
+    float fHighest = 0;              // of the steady correlation
+    float fHighestAmong = 0;         // of the other, where that is nearly as high
     Frame fFrame;
-    double fStrongest = 0; // power times power
-    std::size_t fUsedBins = 0;
+    double fStrongest = 0; // geometric mean of both powers
+    double fPassing = 0;   // the envelope, at the present bin
+    double fWeight = 0;    // of all bins that are used
     Search fSearch;
     SlopeSums fSlopeSums;
     Slope fSlope;
