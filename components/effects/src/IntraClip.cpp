@@ -92,7 +92,7 @@ std::size_t OctavesAbove48kHz(double rate) {
 }
 
 // More may turn out to be left than one can tell: what there is is done faster, so that there is time for that.
-constexpr double kAhead = 1.25;
+constexpr double kAhead = 1.1;
 
 // In nanoseconds, about.
 double CostOfDetecting(const RepairStream::Layout& layout) {

@@ -81,9 +81,12 @@ double ClipRestorer::CostOfRounds(std::size_t rounds) const noexcept {
     return static_cast<double>(rounds) * fSparse.CostOfRound();
 }
 
+// A prediction that was given up lately may be none the next time: half of a whole one is always reckoned with.
 double ClipRestorer::CostOfPredicting(std::size_t start, std::size_t clipped) const noexcept {
-    return std::min(fPredictionCosts[start] * static_cast<double>(std::max<std::size_t>(1, clipped)),
-                    fPredictor.CostOf(clipped, fSettings.order));
+    constexpr double kLeast = 0.5;
+    const double whole = fPredictor.CostOf(clipped, fSettings.order);
+    const double lately = fPredictionCosts[start] * static_cast<double>(std::max<std::size_t>(1, clipped));
+    return std::clamp(lately, kLeast * whole, whole);
 }
 
 double ClipRestorer::CostLeft() const noexcept {
@@ -97,10 +100,11 @@ double ClipRestorer::CostLeft() const noexcept {
     }
 }
 
-// When it has gone on for longer than lately it may go on to the end.
+// Once its beginning was not hopeless it mostly goes on to the end.
 double ClipRestorer::CostOfPredictingOn(std::size_t start) const noexcept {
+    if (fPredictor.HasBegunWell()) return fPredictor.CostLeft();
     const double left = CostOfPredicting(start, fClipped.size()) - fPredictionCost;
-    return left > 0 ? std::min(left, fPredictor.CostLeft()) : fPredictor.CostLeft();
+    return std::min(std::max(left, 0.0), fPredictor.CostLeft());
 }
 
 void ClipRestorer::Remember(std::size_t start) noexcept {

@@ -32,6 +32,8 @@ public:
     // Does the next piece of work, and tells about how many nanoseconds it takes.
     double Work() noexcept;
     bool IsDone() const noexcept { return fStage == Stage::kDone; }
+    // The first prediction was not so far out of bounds that it was given up.
+    bool HasBegunWell() const noexcept { return fPrediction > 0 || fStage == Stage::kPredictAgain; }
     // About how many nanoseconds are left, and so many clipped samples take, if it goes on as lately.
     double CostLeft() const noexcept;
     double CostOf(std::size_t clipped, std::size_t order) const noexcept;
