@@ -74,6 +74,13 @@ def main():
             check("set", client, "parametriceq", "--set", "gain4=9")
             host.tell("preset urn:qoaudio:parametriceq:preset:voice\ncontrols", "slope2 = ")
             check("with a preset", client, "parametriceq", "--preset", "Voice")
+        workbench.run("preset", "--effect", "fftfilter", "--preset", "Telephone", "--set", "spline=on", "--as-lv2",
+                      folder / "lv2" / "Mine.lv2")
+        os.environ["LV2_PATH"] += f":{folder / 'lv2'}"
+        with playing("urn:qoaudio:fftfilter") as (host, client):
+            host.tell("presets", "Mine")
+            host.tell("preset urn:qoaudio:fftfilter:user:mine\ncontrols", "viewEnd = ")
+            check("with a preset of the user's", client, "fftfilter", "--preset", folder / "lv2" / "Mine.lv2")
     sys.exit("\n".join(faults) or 0)
 
 

@@ -159,6 +159,35 @@ TEST_F(CommandLine, MistypedWordsAreToldWithTheNearestName) {
     EXPECT_THAT(Run({"zzzzzzzz"}).errors, Not(HasSubstr("did you mean")));
 }
 
+TEST_F(CommandLine, APresetForPluginHostsReadsBack) {
+    qohost::WriteAudioFile(Path("in.wav"), qohost::MakeTestSignal(0.1), SF_FORMAT_WAV | SF_FORMAT_PCM_U8);
+    const std::string bundle = Path("My Tele.lv2");
+    ASSERT_EQ(
+        Run({"preset", "--effect", "fftfilter", "--preset", "Telephone", "--set", "spline=on", "--as-lv2", bundle})
+            .errors,
+        "");
+    EXPECT_EQ(Run({"preset", "--effect", "fftfilter", "--as-lv2", bundle}).exitCode, 1) << "it is there";
+    const auto render = [&](const std::vector<std::string>& settings, const char* output) {
+        std::vector<std::string> arguments = {"render", "--effect", "fftfilter", "--overwrite"};
+        arguments.insert(arguments.end(), settings.begin(), settings.end());
+        arguments.insert(arguments.end(), {Path("in.wav"), Path(output)});
+        EXPECT_EQ(Run(arguments).errors, "");
+        return Text(output);
+    };
+    EXPECT_EQ(render({"--preset", bundle}, "read.wav"),
+              render({"--preset", "Telephone", "--set", "spline=on"}, "set.wav"));
+    // As other programs write texts.
+    std::ofstream(Path("host.ttl"))
+        << R"(<> <urn:qoaudio:state> "{\"effect\": \"qoc.FFTFilter\",\n\"name\": \"\u00DC\", )"
+           R"(\"natural\": {\"spline\": true}}" .)";
+    EXPECT_EQ(render({"--preset", Path("host.ttl")}, "read.wav"), render({"--set", "spline=on"}, "set.wav"));
+    std::ofstream(Path("none.ttl")) << "<> <urn:qoaudio:state> 17 .";
+    EXPECT_THAT(Run({"preset", "--effect", "fftfilter", "--preset", Path("none.ttl"), Path("o.json")}).errors,
+                HasSubstr("none.ttl: there is no preset"));
+    EXPECT_THAT(Run({"preset", "--effect", "amplify", "--preset", bundle, Path("o.json")}).errors,
+                HasSubstr("is for \"qoc.FFTFilter\""));
+}
+
 TEST_F(CommandLine, HelpTellsOfEveryCommandAndEachOfItsOptions) {
     const std::string all = Run({"help"}).output;
     EXPECT_THAT(all, HasSubstr("Exit codes:"));

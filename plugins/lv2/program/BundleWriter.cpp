@@ -1,16 +1,16 @@
 #include "BundleWriter.h"
 
-#include "TurtleText.h"
+#include "qolv2/TurtleText.h"
 #include "host/FactoryPresets.h"
 #include "host/Preset.h"
 #include "krocore/String.h"
 #include "krocore/config/Error.h"
 #include "qolv2/PluginPorts.h"
+#include "qolv2/PresetBundle.h"
 
 #include <fmt/format.h>
 
 #include <array>
-#include <cctype>
 #include <fstream>
 #include <map>
 
@@ -192,21 +192,6 @@ Filter PreparedFor(const PluginDescription& plugin) {
     return filter;
 }
 
-// "Keep the Bass" is keep-the-bass.
-std::string NameInURI(std::string_view name) {
-    std::string text;
-    for (const char c : name) {
-        const bool isPlain = std::isalnum(static_cast<unsigned char>(c)) != 0;
-        if (isPlain)
-            text += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        else if (!text.empty() && text.back() != '-')
-            text += '-';
-    }
-    while (text.ends_with('-'))
-        text.pop_back();
-    return text;
-}
-
 } // namespace
 
 void BundleWriter::Write() {
@@ -268,31 +253,13 @@ void BundleWriter::AddPlugin(const PluginDescription& plugin, std::string& text)
 void BundleWriter::AddPresets(const PluginDescription& plugin, std::string& text) {
     for (const qohost::Preset& preset : qohost::FactoryPresets(*plugin.effect)) {
         const std::string subject = TurtleURI(fmt::format("{}:preset:{}", plugin.uri, NameInURI(preset.name)));
-        TurtleStatements entry;
-        entry.Add("a", "pset:Preset");
-        entry.Add("lv2:appliesTo", TurtleURI(plugin.uri));
-        entry.Add("rdfs:label", TurtleText(preset.name));
+        TurtleStatements entry = PresetOf(plugin, preset.name);
         entry.Add("rdfs:seeAlso", fmt::format("<{}.ttl>", plugin.effect->shortName));
         fManifest += entry.About(subject);
 
         const Filter filter = PreparedFor(plugin);
         qohost::ApplyPreset(*filter, preset);
-        TurtleStatements about;
-        about.Add("a", "pset:Preset");
-        about.Add("lv2:appliesTo", TurtleURI(plugin.uri));
-        about.Add("rdfs:label", TurtleText(preset.name));
-        const PluginPorts ports(*filter);
-        for (const ParameterPort& port : ports.Parameters()) {
-            if (port.info->IsReadOnly()) continue;
-            TurtleStatements value;
-            value.Add("lv2:symbol", TurtleText(port.info->GetID()));
-            value.Add("pset:value", TurtleNumber(port.FromStored(filter->GetParameterValue(port.parameter))));
-            about.Add("lv2:port", value.Nameless());
-        }
-        TurtleStatements state;
-        state.Add(kState, TurtleText(qohost::SaveState(*filter)));
-        about.Add("state:state", state.Nameless());
-        text += about.About(subject);
+        text += PresetOf(plugin, preset.name, *filter).About(subject);
     }
 }
 

@@ -5,6 +5,7 @@
 #include "host/UserPresets.h"
 #include "krocore/FilePath.h"
 #include "krocore/config/Error.h"
+#include "qolv2/PresetBundle.h"
 #include "workbench/commands/Messages.h"
 #include "workbench/commands/NearestName.h"
 #include "workbench/commands/OutputFile.h"
@@ -16,6 +17,8 @@
 #include <system_error>
 
 namespace workbench {
+
+namespace fs = std::filesystem;
 
 using qoc::components::EffectDescription;
 using qohost::Preset;
@@ -38,6 +41,7 @@ Preset PresetFromText(const EffectDescription& effect, std::string_view text) {
     if (saved.Has(effect.shortName, text)) return saved.Read(effect.shortName, text);
     std::error_code error;
     const std::filesystem::path file = krocore::PathFromText(text);
+    if (qolv2::IsPresetBundle(file)) return qolv2::ReadPresetBundle(file);
     if (qohost::IsStream(file) || std::filesystem::exists(file, error)) return qohost::ReadPresetFile(file);
     std::vector<std::string> names = saved.Names(effect.shortName);
     for (const Preset& preset : presets)
@@ -47,6 +51,12 @@ Preset PresetFromText(const EffectDescription& effect, std::string_view text) {
     throw krocore::config::Error(
         fmt::format(R"("{0}" is neither a file nor a preset of {1}; {2}"workbench presets {1}" lists those)", text,
                     effect.shortName, advice));
+}
+
+// A name alone goes where hosts look.
+fs::path BundleOf(const EffectDescription& effect, const fs::path& output) {
+    if (qohost::IsStream(output)) throw krocore::config::Error("a preset for plug-in hosts is a folder, no stream");
+    return output.has_parent_path() ? output : qolv2::UsualPresetBundle(effect, krocore::PathText(output.stem()));
 }
 
 } // namespace
@@ -59,7 +69,8 @@ void ApplyPresetNamed(kroaudiofilterhost::AudioFilter& filter, const EffectDescr
 
 void MakePreset(const PresetRequest& request) {
     const EffectDescription& effect = EffectFromName(request.effect);
-    CheckMayWrite(request.output, request.overwrite);
+    const fs::path output = request.isForHosts ? BundleOf(effect, request.output) : request.output;
+    CheckMayWrite(request.isForHosts ? output / "manifest.ttl" : output, request.overwrite);
     const auto filter = NewFilter(effect);
     filter->Prepare(filter->GetSampleRate(), kBlock, kromediatypes::AudioChannelLayout::ForChannelCount(kStereo));
     ApplyPresetNamed(*filter, effect, request.preset);
@@ -67,7 +78,11 @@ void MakePreset(const PresetRequest& request) {
     const bool isStream = qohost::IsStream(request.output); // it has no name to give
     const std::string name =
         isStream ? krocore::ToStdString(effect.DisplayName()) : krocore::PathText(request.output.stem());
-    qohost::WriteBytes(request.output, qohost::WritePreset(qohost::CapturePresetForAnyRate(*filter, name)));
+    const Preset preset = qohost::CapturePresetForAnyRate(*filter, name);
+    if (request.isForHosts)
+        qolv2::WritePresetBundle(output, effect, preset);
+    else
+        qohost::WriteBytes(output, qohost::WritePreset(preset));
 }
 
 } // namespace workbench

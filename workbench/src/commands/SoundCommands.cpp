@@ -98,13 +98,16 @@ void AddRender(CommandSet& commands) {
 void AddPresetFile(CommandSet& commands) {
     const auto request = std::make_shared<PresetRequest>();
     CLI::App& command = commands.Add("preset", "write settings of an effect into a preset file",
-                                     "--effect NAME [options] OUT.json", [request] {
+                                     "--effect NAME [options] OUT.json | --as-lv2 NAME", [request] {
                                          MakePreset(*request);
                                          return kExitDone;
                                      });
     AddEffect(command, request->effect);
     AddPreset(command, request->preset);
     AddSettings(command, request->settings);
+    command.add_flag(
+        "--as-lv2", request->isForHosts,
+        "write a preset for plug-in hosts: OUT is its name, and it goes to ~/.lv2; or the folder to write");
     AddOverwrite(command, request->overwrite);
     AddPath(command, request->output, "OUT", "the file to write; - for the standard output")->required();
 }

@@ -15,7 +15,8 @@ struct PresetRequest {
     std::string preset;                // to begin with: a name or a file; empty for the defaults
     std::vector<std::string> settings; // "PARAM=VALUE", later ones win
     std::filesystem::path output;
-    bool overwrite = false; // replaces a file that is there
+    bool isForHosts = false; // an LV2 bundle, in the user's folder of bundles if `output` is a name alone
+    bool overwrite = false;  // replaces a file that is there
 };
 
 // Gives a prepared filter the preset that `text` names: one that comes with the effect (case is ignored), one that the
@@ -24,7 +25,8 @@ struct PresetRequest {
 void ApplyPresetNamed(kroaudiofilterhost::AudioFilter& filter, const qoc::components::EffectDescription& effect,
                       std::string_view text);
 
-// Writes a preset file, whose preset is called as the file. Throws krocore::config::Error.
+// Writes a preset file, or a bundle for plug-in hosts, whose preset is called as the file. Throws
+// krocore::config::Error.
 void MakePreset(const PresetRequest& request);
 
 } // namespace workbench

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,6 +11,8 @@ namespace qolv2 {
 
 // A literal: "text", quoted.
 std::string TurtleText(std::string_view text);
+// What a text begins with, behind spaces, when that is a literal; nothing for another thing, and without an end.
+std::optional<std::string> ReadTurtleText(std::string_view text);
 // A number as lilv and its kin take it: always a decimal, whatever the locale.
 std::string TurtleNumber(double number);
 std::string TurtleURI(std::string_view uri);
