@@ -92,9 +92,9 @@ double ResponseAt(double hertz) {
 }
 
 std::vector<double> Response(double shift) {
-    std::vector<double> values;
+    std::vector<double> values(kResponseLength);
     for (int i = 0; i < kResponseLength; ++i)
-        values.push_back(ResponseAt(FrequencyAt(i / (kResponseLength - 1.0))) + shift);
+        values[static_cast<std::size_t>(i)] = ResponseAt(FrequencyAt(i / (kResponseLength - 1.0))) + shift;
     return values;
 }
 

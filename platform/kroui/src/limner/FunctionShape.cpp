@@ -12,6 +12,7 @@ namespace {
 constexpr double kMostRadius = 64;
 constexpr float kNone = std::numeric_limits<float>::infinity();
 constexpr float kFull = 255;
+constexpr float kRounding = 0.5F;
 constexpr int kBlock = 16; // columns that are drawn together: pixels of a cache line
 
 int OddNear(double number) {
@@ -27,7 +28,7 @@ int PartsFor(double width) {
 
 std::uint8_t CoverageOf(float share, bool smooth) {
     if (!smooth) return share >= 0.5F ? 255 : 0;
-    return static_cast<std::uint8_t>(std::min(share, 1.0F) * kFull + 0.5F);
+    return static_cast<std::uint8_t>(std::min(share, 1.0F) * kFull + kRounding);
 }
 
 } // namespace
@@ -45,9 +46,9 @@ FunctionShape::Heights FunctionShape::NoHeights(std::size_t count) {
 void FunctionShape::AddPiece(double fromX, double fromY, double toX, double toY) {
     const double from = (fromX - fOrigin) * fParts;
     const double to = (toX - fOrigin) * fParts;
-    const int last = static_cast<int>(fLine.top.size()) - 1;
+    const auto last = static_cast<int>(fLine.top.size()) - 1;
     if (!(from <= to) || to < 0 || from > last + 1) return;
-    const int firstPart = static_cast<int>(std::max(0.0, from));
+    const auto firstPart = static_cast<int>(std::max(0.0, from));
     // A piece that ends where a part begins is no part of it, except one that has no length.
     const int lastPart = std::min(last, std::max(firstPart, static_cast<int>(std::ceil(to)) - 1));
     const double slope = to > from ? (toY - fromY) / (to - from) : 0;
@@ -68,12 +69,12 @@ void FunctionShape::AddPiece(double fromX, double fromY, double toX, double toY)
 // The line widened by a disc: at every place the outermost of what the heights nearby reach there.
 FunctionShape::Heights FunctionShape::Widened() const {
     Heights widened = NoHeights(fLine.top.size());
-    const int count = static_cast<int>(fLine.top.size());
+    const auto count = static_cast<int>(fLine.top.size());
     const int reach = OddNear(2 * fRadius * fParts) / 2;
     for (int shift = -reach; shift <= reach; ++shift) {
         // To the far end of the part, where the line on a slope reaches farthest.
         const double distance = shift == 0 ? 0 : (std::abs(shift) + 0.5) / fParts;
-        const float rise = static_cast<float>(std::sqrt(std::max(0.0, fRadius * fRadius - distance * distance)));
+        const auto rise = static_cast<float>(std::sqrt(std::max(0.0, fRadius * fRadius - distance * distance)));
         const int begin = std::max(0, -shift);
         const int end = std::min(count, count - shift);
         const float* const top = fLine.top.data() + shift;
@@ -123,7 +124,8 @@ FunctionShape::Rows FunctionShape::RowsOfColumns(const Heights& widened, int beg
 }
 
 void FunctionShape::CoverColumn(const Heights& widened, int column, const Rows& rows) {
-    const std::size_t first = static_cast<std::size_t>((column - fClip.left + fMargin) * fParts);
+    const std::size_t first =
+        static_cast<std::size_t>(column - fClip.left + fMargin) * static_cast<std::size_t>(fParts);
     const std::size_t end = first + static_cast<std::size_t>(fParts);
     const auto origin = static_cast<float>(rows.begin);
     fColumn.assign(rows.Count(), 0);
@@ -148,7 +150,7 @@ void FunctionShape::AddToColumn(float from, float to) {
 }
 
 FunctionShape::Columns FunctionShape::ColumnsTo(float base) const {
-    const std::size_t count = static_cast<std::size_t>(fClip.Width());
+    const auto count = static_cast<std::size_t>(fClip.Width());
     Columns columns{std::vector<float>(count, kNone), std::vector<float>(count, -kNone), std::vector<float>(count, 0)};
     for (std::size_t column = 0; column < count; ++column) {
         float sum = 0;
@@ -197,9 +199,9 @@ void FunctionShape::FillBlock(PixelCanvas canvas, const Columns& columns, int be
             y = fullTo - 1;
             continue;
         }
-        const float rowTop = static_cast<float>(y);
+        const auto rowTop = static_cast<float>(y);
         for (int i = begin; i < end; ++i) {
-            const std::size_t column = static_cast<std::size_t>(i);
+            const auto column = static_cast<std::size_t>(i);
             const float share = std::min(columns.bottom[column], rowTop + 1) - std::max(columns.top[column], rowTop);
             coverage[column - static_cast<std::size_t>(begin)] =
                 static_cast<std::uint8_t>(std::max(share, 0.0F) * columns.weight[column]);
