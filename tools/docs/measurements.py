@@ -6,9 +6,10 @@
     tools/docs/measurements.py --only WORD programs  the rows of "programs" that hold the word; the others stay
 
 A table stands between two markers, <!-- measured NAME --> and <!-- end -->; everything else in the document is written
-by hand and stays. The benches of the build (targets bench/all) are run as they are. "programs" runs sox, ffmpeg and
-soundstretch beside ours where they are installed; what is not keeps its figure, with a note. "panels" opens the
-workbench, on a virtual screen where there is none. No network. The machine should be quiet.
+by hand and stays. A table is written as soon as it is taken. The benches of the build (targets bench/all) are run as
+they are. "programs" runs sox, ffmpeg and soundstretch beside ours where they are installed; what is not keeps its
+figure, with a note. "panels" opens the workbench, on a virtual screen where there is none. No network. The machine
+should be quiet.
 """
 
 import argparse
@@ -224,19 +225,20 @@ TABLES = {"panels": (panels, 1.5), "archives": (archives, 0.7), "sheets": (sheet
           "transform": (transform, 0.7), "programs": (programs, 10)}
 
 
-def updated(document, build, names, only):
-    def block(match):
-        begin, name, old, end = match.groups()
-        if name not in names:
-            return match.group(0)
-        print(f"{name} ...", file=sys.stderr, flush=True)
-        take = TABLES[name][0]
-        return begin + (take(build, old, only) if name == "programs" else take(build, old)) + end
-
-    found = [name for _, name, _, _ in BLOCK.findall(document)]
+def tables_of(document):
+    """What stands between the markers, by name."""
+    found = {name: old for _, name, old, _ in BLOCK.findall(document)}
     if sorted(found) != sorted(TABLES):
         raise SystemExit(f"{DOCUMENT}: its tables are {sorted(found)}, and should be {sorted(TABLES)}")
-    return BLOCK.sub(block, document)
+    return found
+
+
+def write(name, new):
+    """Into the document as it is now: it may have been edited while the figures were taken."""
+    document = DOCUMENT.read_text(encoding="utf-8")
+    tables_of(document)
+    DOCUMENT.write_text(BLOCK.sub(lambda match: match[1] + (new if match[2] == name else match[3]) + match[4], document),
+                        encoding="utf-8")
 
 
 def main():
@@ -252,12 +254,12 @@ def main():
     builds = [name for name in arguments.names if name not in TABLES] or [ROOT / "build"]
     if len(builds) > 1 or not (pathlib.Path(builds[0]) / "bench").is_dir():
         parser.error(f"neither a table nor a build with benches: {builds[-1]}")
-    old = DOCUMENT.read_text(encoding="utf-8")
-    new = updated(old, pathlib.Path(builds[0]).resolve(), names or list(TABLES), arguments.only)
-    # Nothing of what others have written meanwhile is lost.
-    if DOCUMENT.read_text(encoding="utf-8") != old:
-        raise SystemExit(f"{DOCUMENT} has changed meanwhile: nothing is written")
-    DOCUMENT.write_text(new, encoding="utf-8")
+    build = pathlib.Path(builds[0]).resolve()
+    for name in names or TABLES:
+        print(f"{name} ...", file=sys.stderr, flush=True)
+        old = tables_of(DOCUMENT.read_text(encoding="utf-8"))[name]
+        take = TABLES[name][0]
+        write(name, take(build, old, arguments.only) if name == "programs" else take(build, old))
 
 
 if __name__ == "__main__":
