@@ -67,7 +67,8 @@ PANEL_ROWS = (
     ("the same when it has changed", "Doppler_RepaintAnHour/100/1"),
 )
 # Beside the defaults, of effects_bench.
-SETTINGS = {"set": "all bands set", "128_points": "128 points", "clipped": "clipped by 6 dB"}
+SETTINGS = {"set": "all bands set", "128_points": "128 points", "clipped": "clipped by 6 dB",
+            "a_third_up": "a third up"}
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
