@@ -4,8 +4,7 @@
 #include <array>
 #include <cstddef>
 
-// Vectors whose length is not known when it is compiled can't stand in arrays; more than eight floats gain little here,
-// but more registers do.
+// Vectors whose length is not known when it is compiled can't stand in arrays.
 #define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "reverb/LineVectors.cpp"
@@ -19,6 +18,9 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 using Lanes = hn::CappedTag<float, 8>;
 using Vector = hn::Vec<Lanes>;
+// Where half of the lines are in registers at once.
+using WideLanes = hn::CappedTag<float, 16>;
+using WideVector = hn::Vec<WideLanes>;
 
 template <typename Tag, std::size_t kCount>
 HWY_INLINE std::array<hn::Vec<Tag>, kCount> LoadAt(Tag tag, const SoundPiece* lines, std::size_t at) {
@@ -31,7 +33,7 @@ HWY_INLINE std::array<hn::Vec<Tag>, kCount> LoadAt(Tag tag, const SoundPiece* li
 // What is done with all pairs of lines that are a stride apart, for strides of 1, 2, 4... A stride is a constant of its
 // own, or else the lines would not stay in registers.
 template <std::size_t kStride = 1, std::size_t kCount, typename Pair>
-HWY_INLINE void ForAllPairs(std::array<Vector, kCount>& x, const Pair& pair) {
+HWY_INLINE void ForAllPairs(std::array<WideVector, kCount>& x, const Pair& pair) {
     if constexpr (kStride < kCount) {
         for (std::size_t k = 0; k < kCount; ++k) {
             if ((k & kStride) == 0) pair(x[k], x[k + kStride]);
@@ -42,23 +44,23 @@ HWY_INLINE void ForAllPairs(std::array<Vector, kCount>& x, const Pair& pair) {
 
 void Turn(const SoundPiece& tangent, const SoundPiece& gain, const float* const* from, float* const* to) {
     constexpr std::size_t kCount = 16;
-    const Lanes lanes;
+    const WideLanes lanes;
     for (std::size_t i = 0; i < kPieceFrames; i += hn::Lanes(lanes)) {
-        const Vector t = hn::LoadU(lanes, &tangent[i]);
-        const Vector g = hn::LoadU(lanes, &gain[i]);
-        std::array<Vector, kCount> x;
+        const WideVector t = hn::LoadU(lanes, &tangent[i]);
+        const WideVector g = hn::LoadU(lanes, &gain[i]);
+        std::array<WideVector, kCount> x;
         for (std::size_t k = 0; k < kCount; ++k)
             x[k] = hn::Mul(IsUpsideDown(k) ? hn::Neg(g) : g, hn::LoadU(lanes, from[k] + i));
         // By an eighth of a turn nothing is multiplied.
         if (hn::AllTrue(lanes, hn::Eq(t, hn::Set(lanes, 1.0F)))) {
-            ForAllPairs(x, [](Vector& one, Vector& other) HWY_ATTR {
-                const Vector before = one;
+            ForAllPairs(x, [](WideVector& one, WideVector& other) HWY_ATTR {
+                const WideVector before = one;
                 one = hn::Add(one, other);
                 other = hn::Sub(other, before);
             });
         } else {
-            ForAllPairs(x, [&](Vector& one, Vector& other) HWY_ATTR {
-                const Vector before = one;
+            ForAllPairs(x, [&](WideVector& one, WideVector& other) HWY_ATTR {
+                const WideVector before = one;
                 one = hn::Add(one, hn::Mul(t, other));
                 other = hn::Sub(other, hn::Mul(t, before));
             });
@@ -70,11 +72,11 @@ void Turn(const SoundPiece& tangent, const SoundPiece& gain, const float* const*
 
 void Sum(const float* const* from, SoundPiece& sum) {
     constexpr std::size_t kCount = 16;
-    const Lanes lanes;
+    const WideLanes lanes;
     for (std::size_t i = 0; i < kPieceFrames; i += hn::Lanes(lanes)) {
-        Vector x = hn::Zero(lanes);
+        WideVector x = hn::Zero(lanes);
         for (std::size_t k = 0; k < kCount; ++k) {
-            const Vector line = hn::LoadU(lanes, from[k] + i);
+            const WideVector line = hn::LoadU(lanes, from[k] + i);
             x = IsUpsideDown(k) ? hn::Sub(x, line) : hn::Add(x, line);
         }
         hn::StoreU(x, lanes, &sum[i]);
@@ -98,9 +100,9 @@ void AddScaled(const float* const* from, const float* gains, std::size_t count, 
 }
 
 template <std::size_t kCount>
-HWY_INLINE void Hadamard(std::array<Vector, kCount>& x) {
-    ForAllPairs(x, [](Vector& one, Vector& other) HWY_ATTR {
-        const Vector before = one;
+HWY_INLINE void Hadamard(std::array<WideVector, kCount>& x) {
+    ForAllPairs(x, [](WideVector& one, WideVector& other) HWY_ATTR {
+        const WideVector before = one;
         one = hn::Add(one, other);
         other = hn::Sub(before, other);
     });
@@ -108,15 +110,15 @@ HWY_INLINE void Hadamard(std::array<Vector, kCount>& x) {
 
 void Mix(const SoundPiece& cosine, const SoundPiece& sine, SoundPiece* lines) {
     constexpr std::size_t kHalf = 16;
-    const Lanes lanes;
-    const Vector scale = hn::Set(lanes, 0.25F); // the transform of kHalf lines has four times their level
+    const WideLanes lanes;
+    const WideVector scale = hn::Set(lanes, 0.25F); // the transform of kHalf lines has four times their level
     for (std::size_t i = 0; i < kPieceFrames; i += hn::Lanes(lanes)) {
-        auto first = LoadAt<Lanes, kHalf>(lanes, lines, i);
+        auto first = LoadAt<WideLanes, kHalf>(lanes, lines, i);
         Hadamard(first);
-        auto second = LoadAt<Lanes, kHalf>(lanes, lines + kHalf, i);
+        auto second = LoadAt<WideLanes, kHalf>(lanes, lines + kHalf, i);
         Hadamard(second);
-        const Vector c = hn::LoadU(lanes, &cosine[i]);
-        const Vector s = hn::Mul(scale, hn::LoadU(lanes, &sine[i]));
+        const WideVector c = hn::LoadU(lanes, &cosine[i]);
+        const WideVector s = hn::Mul(scale, hn::LoadU(lanes, &sine[i]));
         for (std::size_t k = 0; k < kHalf; ++k) {
             float* const one = &lines[k][i];
             float* const other = &lines[k + kHalf][i];
@@ -219,9 +221,9 @@ void Shelve(const LineShelves& shelves, const float* const* sound, SoundPiece* l
 #endif
 
 void Scale(const float* gains, const float* const* sound, SoundPiece* lines, std::size_t count) {
-    const Lanes lanes;
+    const WideLanes lanes;
     for (std::size_t k = 0; k < count; ++k) {
-        const Vector gain = hn::Set(lanes, gains[k]);
+        const WideVector gain = hn::Set(lanes, gains[k]);
         for (std::size_t i = 0; i < kPieceFrames; i += hn::Lanes(lanes))
             hn::StoreU(hn::Mul(gain, hn::LoadU(lanes, sound[k] + i)), lanes, &lines[k][i]);
     }
