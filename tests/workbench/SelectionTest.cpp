@@ -196,6 +196,16 @@ TEST_F(SelectionTest, PlayFromItsEndOrBehindItBeginsItAnew) {
     }
 }
 
+TEST_F(SelectionTest, PlayBeginsWhereItStandsHoweverLongNothingHappened) {
+    for (int i = 0; i < 20; ++i) {
+        fSession.Seek(2);
+        fWindow.Advance(0.017); // within a pause between two looks at what goes on
+        fSession.Play();
+        EXPECT_NEAR(fSession.Position(), 2, 0.001);
+        fSession.Stop();
+    }
+}
+
 TEST_F(SelectionTest, RenderThatIsCancelledOrFailsLeavesNothing) {
     const auto file = fFolder.Path("deep/voice.wav");
     std::filesystem::create_directories(file.parent_path());

@@ -183,6 +183,7 @@ void Session::Play() {
         fEngine.TakeMissing();
         fHasToldMissing = false;
     }
+    fOutput.Poll(); // what has passed until now is nothing of the sound
     fEngine.Play();
     fOutput.Poll();
 }
