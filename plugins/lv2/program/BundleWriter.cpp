@@ -1,18 +1,20 @@
 #include "BundleWriter.h"
 
-#include "qolv2/TurtleText.h"
 #include "host/FactoryPresets.h"
 #include "host/Preset.h"
 #include "krocore/String.h"
 #include "krocore/config/Error.h"
 #include "qolv2/PluginPorts.h"
 #include "qolv2/PresetBundle.h"
+#include "qolv2/TurtleText.h"
 
 #include <fmt/format.h>
 
 #include <array>
 #include <fstream>
+#include <iterator>
 #include <map>
+#include <span>
 
 namespace qolv2 {
 
@@ -37,6 +39,7 @@ constexpr const char* kPrefixes = R"(@prefix atom: <http://lv2plug.in/ns/ext/ato
 @prefix opts: <http://lv2plug.in/ns/ext/options#> .
 @prefix patch: <http://lv2plug.in/ns/ext/patch#> .
 @prefix owl: <http://www.w3.org/2002/07/owl#> .
+@prefix pg: <http://lv2plug.in/ns/ext/port-groups#> .
 @prefix pprops: <http://lv2plug.in/ns/ext/port-props#> .
 @prefix pset: <http://lv2plug.in/ns/ext/presets#> .
 @prefix rdf: <http://www.w3.org/1999/02/22-rdf-syntax-ns#> .
@@ -65,16 +68,45 @@ std::string Common() {
 }
 
 const std::map<std::string, std::string> kUnits = {
-    {"dB", "units:db"}, {"Hz", "units:hz"},      {"ms", "units:ms"},       {"s", "units:s"},
-    {"%", "units:pc"},  {"\u00B0", "units:degree"}, {"m", "units:m"}, {"samples", "units:frame"}};
+    {"dB", "units:db"}, {"Hz", "units:hz"},         {"ms", "units:ms"}, {"s", "units:s"},
+    {"%", "units:pc"},  {"\u00B0", "units:degree"}, {"m", "units:m"},   {"samples", "units:frame"}};
 
-constexpr std::array<const char*, 2> kStereoNames = {"Left", "Right"};
-constexpr std::array<const char*, 6> kSurroundNames = {"Left",          "Right",         "Center",
-                                                       "Low Frequency", "Left Surround", "Right Surround"};
+// The channels of a layout, as people and hosts call them.
+struct Channel {
+    const char* name;
+    const char* designation;
+};
+constexpr Channel kMono[] = {{"Mono", "pg:center"}};
+constexpr Channel kStereo[] = {{"Left", "pg:left"}, {"Right", "pg:right"}};
+constexpr Channel kSurround[] = {{"Left", "pg:left"},
+                                 {"Right", "pg:right"},
+                                 {"Center", "pg:center"},
+                                 {"Low Frequency", "pg:lowFrequencyEffects"},
+                                 {"Left Surround", "pg:rearLeft"},
+                                 {"Right Surround", "pg:rearRight"}};
 
-std::string ChannelName(std::size_t channel, std::size_t channels) {
-    if (channels == kStereoNames.size()) return kStereoNames[channel];
-    return channels == kSurroundNames.size() ? kSurroundNames[channel] : "Mono";
+std::span<const Channel> ChannelsOf(std::size_t count) {
+    if (count == std::size(kStereo)) return kStereo;
+    return count == std::size(kSurround) ? std::span<const Channel>(kSurround) : kMono;
+}
+
+const char* GroupOf(std::size_t channels) {
+    if (channels == std::size(kStereo)) return "pg:StereoGroup";
+    return channels == std::size(kSurround) ? "pg:FivePointOneGroup" : "pg:MonoGroup";
+}
+
+std::string GroupURI(const PluginDescription& plugin, bool isInput) {
+    return TurtleURI(fmt::format("{}#{}", plugin.uri, isInput ? "in" : "out"));
+}
+
+// A plug-in's channels on one side, which hosts connect as one.
+std::string ChannelGroup(const PluginDescription& plugin, bool isInput) {
+    TurtleStatements group;
+    group.Add("a", fmt::format("{} , pg:{}", GroupOf(plugin.channels), isInput ? "InputGroup" : "OutputGroup"));
+    group.Add("lv2:symbol", TurtleText(isInput ? "in" : "out"));
+    group.Add("lv2:name", TurtleText(isInput ? "In" : "Out"));
+    if (!isInput) group.Add("pg:source", GroupURI(plugin, true));
+    return group.About(GroupURI(plugin, isInput));
 }
 
 TurtleStatements Port(const char* kind, const char* direction, std::size_t index, const std::string& symbol,
@@ -93,16 +125,18 @@ void AddRange(TurtleStatements& port, double minimum, double maximum, double def
     port.Add("lv2:default", TurtleNumber(defaultValue));
 }
 
-std::vector<std::string> AudioPorts(const PluginPorts& ports) {
+std::vector<std::string> AudioPorts(const PluginDescription& plugin, const PluginPorts& ports) {
     std::vector<std::string> texts;
     for (std::size_t i = 0; i < ports.Inputs() + ports.Outputs(); ++i) {
         const bool isInput = i < ports.Inputs();
         const std::size_t channel = isInput ? i : i - ports.Inputs();
-        const std::string name = ChannelName(channel, isInput ? ports.Inputs() : ports.Outputs());
-        texts.push_back(Port("lv2:AudioPort", isInput ? "Input" : "Output", i,
-                             fmt::format("{}{}", isInput ? "in" : "out", channel + 1),
-                             fmt::format("{} {}", isInput ? "In" : "Out", name))
-                            .Nameless());
+        const Channel& is = ChannelsOf(plugin.channels)[channel];
+        TurtleStatements port = Port("lv2:AudioPort", isInput ? "Input" : "Output", i,
+                                     fmt::format("{}{}", isInput ? "in" : "out", channel + 1),
+                                     fmt::format("{} {}", isInput ? "In" : "Out", is.name));
+        port.Add("pg:group", GroupURI(plugin, isInput));
+        port.Add("lv2:designation", is.designation);
+        texts.push_back(port.Nameless());
     }
     return texts;
 }
@@ -178,8 +212,9 @@ void AddKind(TurtleStatements& port, const ParameterPort& parameter) {
 std::string TextOf(const PluginPorts& ports, std::size_t number) {
     const ParameterPort& parameter = ports.Parameters()[number];
     const auto& info = *parameter.info;
-    TurtleStatements port = Port("lv2:ControlPort", info.IsReadOnly() ? "Output" : "Input",
-                                 ports.FirstParameterPort() + number, info.GetID(), krocore::ToStdString(info.GetName()));
+    TurtleStatements port =
+        Port("lv2:ControlPort", info.IsReadOnly() ? "Output" : "Input", ports.FirstParameterPort() + number,
+             info.GetID(), krocore::ToStdString(info.GetName()));
     AddKind(port, parameter);
     AddUnit(port, krocore::ToStdString(info.GetUnit()));
     AddRange(port, parameter.Minimum(), parameter.Maximum(), parameter.Default());
@@ -233,11 +268,14 @@ void BundleWriter::AddPlugin(const PluginDescription& plugin, std::string& text)
     about.Add("lv2:minorVersion", "2"); // a release: even
     about.Add("lv2:microVersion", "0");
     about.Add("lv2:requiredFeature", "urid:map");
-    about.Add("lv2:optionalFeature", "lv2:hardRTCapable , work:schedule , opts:options , bufsz:boundedBlockLength , log:log");
+    about.Add("lv2:optionalFeature",
+              "lv2:hardRTCapable , work:schedule , opts:options , bufsz:boundedBlockLength , log:log");
     about.Add("opts:supportedOption", "bufsz:maxBlockLength");
     about.Add("lv2:extensionData", "work:interface , state:interface");
     about.Add("ui:ui", kPanel);
-    for (const std::string& port : AudioPorts(ports))
+    about.Add("pg:mainInput", GroupURI(plugin, true));
+    about.Add("pg:mainOutput", GroupURI(plugin, false));
+    for (const std::string& port : AudioPorts(plugin, ports))
         about.Add("lv2:port", port);
     about.Add("lv2:port", LatencyPort(ports));
     about.Add("lv2:port", SwitchPort(ports, kEnabledPort, "enabled", "Enabled", "lv2:enabled", 1));
@@ -246,7 +284,7 @@ void BundleWriter::AddPlugin(const PluginDescription& plugin, std::string& text)
     about.Add("lv2:port", NotifyPort(ports));
     for (std::size_t i = 0; i < ports.Parameters().size(); ++i)
         about.Add("lv2:port", TextOf(ports, i));
-    text += about.About(TurtleURI(plugin.uri));
+    text += ChannelGroup(plugin, true) + ChannelGroup(plugin, false) + about.About(TurtleURI(plugin.uri));
 }
 
 // "Default" is what a plug-in begins with anyway.
