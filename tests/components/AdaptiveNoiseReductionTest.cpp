@@ -137,6 +137,23 @@ TEST(AdaptiveNoiseReduction, NoiseAloneGoesDownByWhatIsSetFromTheStartOfARender)
     }
 }
 
+// However short it is: from the few looks that there are the noise is known less well.
+TEST(AdaptiveNoiseReduction, ShortNoiseGoesDownByWhatIsSetToo) {
+    for (const double seconds : {0.5, 0.7, 1.0}) {
+        for (const bool isPink : {false, true}) {
+            for (const int size : {2, 4}) {
+                const std::vector<float> noise = SteadyNoise(isPink, static_cast<std::size_t>(seconds * 44100), 5);
+                const auto filter = Made();
+                SetNatural(*filter, kAdaptiveNoiseReductionReduceBy, 40);
+                SetNatural(*filter, kAdaptiveNoiseReductionFFTSize, size);
+                const std::vector<float> output = Rendered(*filter, {noise})[0];
+                EXPECT_NEAR(DecibelsOf(output, noise, noise.size()), -40, 1) << seconds << ' ' << isPink << ' ' << size;
+                EXPECT_NEAR(DecibelsOf(output, noise, 4410), -40, 1) << seconds << ' ' << isPink << ' ' << size;
+            }
+        }
+    }
+}
+
 // The gains are those of ffmpeg's afftdn (nr=20, nf= the true level of the noise) on 8 s of such sounds.
 TEST(AdaptiveNoiseReduction, GainsMoreThanAnotherReductionThatIsToldTheLevelOfTheNoise) {
     struct Case {

@@ -66,8 +66,9 @@ void SpectralGain::Prepare(const Layout& layout) {
     for (std::size_t bin = 0; bin < layout.bins; ++bin) {
         const auto half =
             std::max(kLeastSurroundings, static_cast<std::size_t>(kSurroundings * static_cast<double>(bin)));
-        const std::size_t begin = bin - std::min(bin, half);
-        const std::size_t end = std::min(layout.bins, bin + half + 1);
+        // Those that are joined are one, not many.
+        const std::size_t begin = std::max(fLowest, bin - std::min(bin, half));
+        const std::size_t end = std::min(layout.bins, std::max(bin, fLowest) + half + 1);
         const auto count = static_cast<float>(end - begin);
         fSurroundings.push_back({begin, end, 1 / count, kNoiseError + kChance / std::sqrt(count)});
     }
@@ -114,11 +115,18 @@ void SpectralGain::Compare(StepRange bins) noexcept {
     if (bins.end == fPosterior.size()) JoinLowest();
 }
 
+// The next bin counts no more than the mean of some: alone, and in all the bins of the join, it would look like a tone
+// by chance.
 void SpectralGain::JoinLowest() noexcept {
+    constexpr std::size_t kNext = 3;
     const float below =
         std::accumulate(fPosterior.begin(), fPosterior.begin() + static_cast<std::ptrdiff_t>(fLowest), 0.0F);
     const float mean = below / (kDoubtBelow * static_cast<float>(fLowest));
-    std::fill_n(fPosterior.begin(), fLowest, std::max(mean, fPosterior[fLowest]));
+    const std::size_t count = std::min(kNext, fPosterior.size() - fLowest);
+    const auto above = fPosterior.begin() + static_cast<std::ptrdiff_t>(fLowest);
+    const float next =
+        std::accumulate(above, above + static_cast<std::ptrdiff_t>(count), 0.0F) / static_cast<float>(count);
+    std::fill_n(fPosterior.begin(), fLowest, std::max(mean, std::min(next, fPosterior[fLowest])));
 }
 
 void SpectralGain::Average(StepRange bins) noexcept {
