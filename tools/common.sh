@@ -47,6 +47,6 @@ build() {
 
 # The project's own sources that match, one a line: sources <find expression>
 sources() {
-    (cd "$root" && find platform components module controls ui host workbench tests bench fuzz examples \
+    (cd "$root" && find platform components module controls ui host plugins workbench tests bench fuzz examples \
         -type f "$@" 2>/dev/null || true) | sort
 }

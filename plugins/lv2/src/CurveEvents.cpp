@@ -22,11 +22,13 @@ std::optional<CurveEvents::Setting> CurveEvents::ReadSet(const LV2_Atom_Object& 
     const LV2_Atom* value = nullptr;
     lv2_atom_object_get(&object, fProperty, &property, fValue, &value, 0);
     if (property == nullptr || property->type != fURID || value == nullptr || value->type != fVector) return {};
-    const auto curve = std::ranges::find(fCurves, reinterpret_cast<const LV2_Atom_URID*>(property)->body, &Curve::property);
+    const auto curve =
+        std::ranges::find(fCurves, reinterpret_cast<const LV2_Atom_URID*>(property)->body, &Curve::property);
     if (curve == fCurves.end() || value->size < sizeof(LV2_Atom_Vector_Body)) return {};
     const auto& vector = reinterpret_cast<const LV2_Atom_Vector*>(value)->body;
     const std::size_t count = (value->size - sizeof vector) / sizeof(float);
-    if (vector.child_type != fFloat || vector.child_size != sizeof(float) || count > kMostValues || count % 2 != 0) return {};
+    if (vector.child_type != fFloat || vector.child_size != sizeof(float) || count > kMostValues || count % 2 != 0)
+        return {};
     const std::span values(reinterpret_cast<const float*>(&vector + 1), count);
     if (!std::ranges::all_of(values, [](float number) { return std::isfinite(number); })) return {};
     return Setting{static_cast<std::size_t>(curve - fCurves.begin()), values};

@@ -17,8 +17,7 @@ double BodyOf(const LV2_Atom* atom) noexcept {
 } // namespace
 
 TransportReader::TransportReader(const HostFeatures& host)
-    : fPosition(host.Map(LV2_TIME__Position)),
-      fFrame(host.Map(LV2_TIME__frame)), fSpeed(host.Map(LV2_TIME__speed)),
+    : fPosition(host.Map(LV2_TIME__Position)), fFrame(host.Map(LV2_TIME__frame)), fSpeed(host.Map(LV2_TIME__speed)),
       fTempo(host.Map(LV2_TIME__beatsPerMinute)), fBeatUnit(host.Map(LV2_TIME__beatUnit)),
       fBeatsPerBar(host.Map(LV2_TIME__beatsPerBar)), fInt(host.Map(LV2_ATOM__Int)), fLong(host.Map(LV2_ATOM__Long)),
       fFloat(host.Map(LV2_ATOM__Float)), fDouble(host.Map(LV2_ATOM__Double)) {

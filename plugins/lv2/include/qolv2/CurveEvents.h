@@ -38,7 +38,8 @@ public:
 
     // The curve as it is stored. How many values of the array count comes back. Any thread.
     using Values = std::array<float, kMostValues>;
-    std::size_t ValuesOf(const kroaudiofilterhost::AudioFilter& filter, std::size_t curve, Values& values) const noexcept;
+    std::size_t ValuesOf(const kroaudiofilterhost::AudioFilter& filter, std::size_t curve,
+                         Values& values) const noexcept;
     std::size_t Count() const noexcept { return fCurves.size(); }
 
 private:

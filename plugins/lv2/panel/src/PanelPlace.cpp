@@ -38,8 +38,8 @@ void PanelPlace::Arrange() {
     fIsArranging = true;
     const kroui::Rect room = UI_GetLocalRect();
     const kroui::Rect panel = fPanel->UI_GetFrame();
-    fPanel->UI_SetFrame({panel.left, panel.top, std::max(room.width, fPanelSize.width),
-                         std::max(room.height, fPanelSize.height)});
+    fPanel->UI_SetFrame(
+        {panel.left, panel.top, std::max(room.width, fPanelSize.width), std::max(room.height, fPanelSize.height)});
     fScroll->UI_SetFrame(room);
     fScroll->DocumentResized();
     fIsArranging = false;

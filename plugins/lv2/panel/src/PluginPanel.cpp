@@ -48,7 +48,8 @@ PluginPanel::PluginPanel(const PluginDescription& description, const Host& host)
       fResize(static_cast<const LV2UI_Resize*>(DataOf(host.features, LV2_UI__resize))),
       fEventTransfer(fFeatures.Map(LV2_ATOM__eventTransfer)), fFilter([&] {
           auto filter = description.effect->create();
-          filter->Prepare(Option(fFeatures, host.features, LV2_PARAMETERS__sampleRate, kUsualRate), kBlock, description.Layout());
+          filter->Prepare(Option(fFeatures, host.features, LV2_PARAMETERS__sampleRate, kUsualRate), kBlock,
+                          description.Layout());
           return filter;
       }()),
       fPorts(*fFilter), fCurveEvents(fFeatures, *fFilter) {
@@ -123,13 +124,15 @@ void PluginPanel::ParameterChanged(kroaudiofilterhost::AudioFilter& /*filter*/,
 
 void PluginPanel::Touch(int parameter, bool isTouched) {
     const std::size_t port = PortOf(parameter);
-    if (fTouch != nullptr && port != kNowhere) fTouch->touch(fTouch->handle, static_cast<std::uint32_t>(port), isTouched);
+    if (fTouch != nullptr && port != kNowhere)
+        fTouch->touch(fTouch->handle, static_cast<std::uint32_t>(port), isTouched);
 }
 
 void PluginPanel::PortChanged(std::size_t port, std::uint32_t size, std::uint32_t format, const void* data) {
     if (format == 0 && size == sizeof(float) && port >= fPorts.FirstParameterPort() && port < fPorts.Count())
         return TakeControl(fPorts.Parameters()[port - fPorts.FirstParameterPort()], *static_cast<const float*>(data));
-    if (format != 0 && format == fEventTransfer && size >= sizeof(LV2_Atom)) TakeEvent(*static_cast<const LV2_Atom*>(data));
+    if (format != 0 && format == fEventTransfer && size >= sizeof(LV2_Atom))
+        TakeEvent(*static_cast<const LV2_Atom*>(data));
 }
 
 // What says the same as what is stored may be less exact.

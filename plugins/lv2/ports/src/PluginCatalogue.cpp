@@ -36,7 +36,8 @@ constexpr EffectSummary kSummaries[] = {
     {"amplify", "AmplifierPlugin", "Makes each channel louder or softer."},
     {"autoclickremover", "UtilityPlugin", "Finds clicks and crackle, as of old records, and mends them."},
     {"autophasecorrection", "UtilityPlugin", "Brings channels into phase that are copies of each other."},
-    {"centerchannelextract", "SpatialPlugin", "Takes what stands in the middle of a stereo mix out of it, or keeps it alone."},
+    {"centerchannelextract", "SpatialPlugin",
+     "Takes what stands in the middle of a stereo mix out of it, or keeps it alone."},
     {"channelmixer", "MixerPlugin", "Mixes every output from all inputs."},
     {"chorus", "ChorusPlugin", "Makes one voice many, each a little late and out of tune."},
     {"delay", "DelayPlugin", "Adds one late copy of each side, or makes it early."},
@@ -57,7 +58,8 @@ constexpr EffectSummary kSummaries[] = {
     {"pitchcorrect", "PitchPlugin", "Pulls a voice to the notes of a scale."},
     {"pitchshift", "PitchPlugin", "Changes the pitch and keeps the length."},
     {"reverb", "ReverbPlugin", "A smooth reverberation of any length."},
-    {"scientificfilter", "FilterPlugin", "The classical filters of any order: Bessel, Butterworth, Chebyshev, elliptic."},
+    {"scientificfilter", "FilterPlugin",
+     "The classical filters of any order: Bessel, Butterworth, Chebyshev, elliptic."},
     {"stereoexpander", "SpatialPlugin", "Makes a stereo sound wider or narrower, and moves its middle."},
     {"studioreverb", "ReverbPlugin", "A fast reverberation with early reflections and damping."},
 };
@@ -102,8 +104,8 @@ const PluginDescription* FindPlugin(std::string_view uri) {
 }
 
 const EffectSummary& SummaryOf(const qoc::components::EffectDescription& effect) {
-    const auto known = std::ranges::find(kSummaries, effect.shortName,
-                                         [](const EffectSummary& summary) { return std::string_view(summary.shortName); });
+    const auto known = std::ranges::find(
+        kSummaries, effect.shortName, [](const EffectSummary& summary) { return std::string_view(summary.shortName); });
     if (known == std::end(kSummaries))
         throw std::logic_error(std::string(effect.shortName) + " has no row in PluginCatalogue.cpp");
     return *known;

@@ -7,9 +7,9 @@
 
 namespace qolv2 {
 
-// How the user wants the panels to look, in every host: theme and zoom. Remembered in a file of theirs, and the same for
-// all panels of the process. A file that can't be read counts as none; where none can be written, what was chosen holds
-// as long as the process. User-interface thread.
+// How the user wants the panels to look, in every host: theme and zoom. Remembered in a file of theirs, and the same
+// for all panels of the process. A file that can't be read counts as none; where none can be written, what was chosen
+// holds as long as the process. User-interface thread.
 class PanelLook {
 public:
     static constexpr float kZoomStep = 1.25F;

@@ -69,8 +69,8 @@ private:
     std::unique_ptr<krox11::X11Window> fWindow;
     boost::intrusive_ptr<qocui::controls::AudioComponentEditorViewBase> fView;
     boost::intrusive_ptr<PanelPlace> fPlace; // around it
-    bool fIsFromHost = false;     // what changes now
-    bool fAreCurvesChanged = false; // by the user, since they were sent
+    bool fIsFromHost = false;                // what changes now
+    bool fAreCurvesChanged = false;          // by the user, since they were sent
 };
 
 } // namespace qolv2
