@@ -12,7 +12,6 @@ constexpr std::size_t kReach = 14; // looks before and after
 constexpr std::size_t kWindow = 2 * kReach + 1;
 constexpr std::size_t kMemory = 15;   // looks, of a sound that goes on
 constexpr std::size_t kRankShare = 5; // the quietest fifth
-constexpr double kDoubtOfOne = 1;     // deviations, of a single look
 constexpr float kSilence = 1e-20F;
 
 // A band is trusted while all that sounds in it is not more than so many times the noise.
@@ -146,9 +145,7 @@ float NoiseProfile::LevelAmong(std::size_t count, float deviation) noexcept {
     const auto begin = fSorted.begin();
     std::nth_element(begin, begin + static_cast<std::ptrdiff_t>(rank), begin + static_cast<std::ptrdiff_t>(count));
     const double below = DeviationsBelow(static_cast<double>(rank + 1) / static_cast<double>(count + 1));
-    // Few looks may all have found too little, and noise that is louder than it is known to be passes.
-    const double doubt = kDoubtOfOne / static_cast<double>(count);
-    return fSorted[rank] * static_cast<float>(1 + (below + doubt) * deviation);
+    return fSorted[rank] * static_cast<float>(1 + below * deviation);
 }
 
 // What is breathed into a voice is as steady as noise, but has the voice's resonances: a band with much sound is not
