@@ -4,6 +4,7 @@
 #   tools/setup.sh run     what building and running the workbench takes
 #   tools/setup.sh test    that, and what the tests take
 #   tools/setup.sh hosts   that, and programs that play plug-ins (half a gigabyte)
+#   tools/setup.sh windows what building the libraries for Windows takes
 #   tools/setup.sh tidy    what the tests take, and clang-tidy
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
@@ -18,15 +19,18 @@ test_packages=(
     python3 xvfb xdotool imagemagick liblilv-dev lilv-utils sordi
 )
 host_packages=(valgrind ffmpeg jackd2 jalv ardour openbox)
+windows_packages=(g++-mingw-w64-x86-64-posix cmake ninja-build make pkg-config quilt bzip2 xz-utils
+    libboost-dev libfmt-dev libcli11-dev nlohmann-json3-dev)
 tidy_packages=(clang-tidy-14)
 
 case ${1:-} in
     run) wanted=("${run_packages[@]}") ;;
     test) wanted=("${run_packages[@]}" "${test_packages[@]}") ;;
     hosts) wanted=("${run_packages[@]}" "${test_packages[@]}" "${host_packages[@]}") ;;
+    windows) wanted=("${windows_packages[@]}") ;;
     tidy) wanted=("${run_packages[@]}" "${test_packages[@]}" "${tidy_packages[@]}") ;;
     *)
-        echo "usage: tools/setup.sh run|test|hosts|tidy" >&2
+        echo "usage: tools/setup.sh run|test|hosts|windows|tidy" >&2
         exit 2
         ;;
 esac
