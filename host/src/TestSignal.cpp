@@ -62,10 +62,11 @@ private:
 // Decaying tones by their notes, each made once however often it sounds.
 class Plucks {
 public:
-    // `frames`: of the whole sound, which no tone is longer than.
+    // `frames`: of the whole sound, which no tone is longer than. Where a tone begins and ends is rounded down each,
+    // from sums that are rounded themselves: it may take two frames more than its length rounded down.
     Plucks(double seconds, double sampleRate, std::size_t frames)
         : fSeconds(seconds), fSampleRate(sampleRate),
-          fFrames(std::min(frames, static_cast<std::size_t>(seconds * sampleRate) + 1)) {}
+          fFrames(std::min(frames, static_cast<std::size_t>(seconds * sampleRate) + 2)) {}
 
     double Seconds() const { return fSeconds; }
     const std::vector<double>& Of(int note) {
