@@ -2,6 +2,7 @@
 
 #include "krocore/FilePath.h"
 #include "krocore/Localizer.h"
+#include "krocore/UserFolders.h"
 #include "krocore/config/Error.h"
 
 #include <algorithm>
@@ -38,6 +39,10 @@ bool IsBefore(const std::string& a, const std::string& b) {
 }
 
 } // namespace
+
+std::filesystem::path UserPresets::UsualFolder() {
+    return krocore::UserFolder(krocore::UserFiles::kData) / "qoaudio" / "presets";
+}
 
 UserPresets::UserPresets(fs::path folder) : fFolder(std::move(folder)) {
 }

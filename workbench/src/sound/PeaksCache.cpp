@@ -2,6 +2,7 @@
 
 #include "host/ByteStream.h"
 #include "krocore/ReplacementFile.h"
+#include "krocore/UserFolders.h"
 #include "krocore/debug/Trace.h"
 #include "workbench/commands/ProblemText.h"
 
@@ -70,6 +71,10 @@ std::optional<std::vector<Range>> RangesIn(std::string_view bytes, const std::st
 }
 
 } // namespace
+
+std::filesystem::path PeaksCache::UsualFolder() {
+    return krocore::UserFolder(krocore::UserFiles::kCache) / "qoaudio" / "peaks";
+}
 
 PeaksCache::PeaksCache(fs::path folder, std::uint64_t bytes) : fFolder(std::move(folder)), fBytes(bytes) {
 }

@@ -1,13 +1,13 @@
 #include "qolv2panel/PanelLook.h"
 
 #include "krocore/ReplacementFile.h"
+#include "krocore/UserFolders.h"
 #include "krocore/config/Error.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <fstream>
 
 namespace qolv2 {
@@ -18,17 +18,6 @@ namespace {
 
 constexpr const char* kThemeKey = "theme";
 constexpr const char* kZoomKey = "zoom";
-
-// XDG Base Directory 0.8: paths that are not absolute don't count.
-std::filesystem::path UsersFile() {
-    const char* const config = std::getenv("XDG_CONFIG_HOME");
-    std::filesystem::path folder = config != nullptr ? config : "";
-    if (!folder.is_absolute()) {
-        const char* const home = std::getenv("HOME");
-        folder = std::filesystem::path(home != nullptr ? home : ".") / ".config";
-    }
-    return folder / "qoaudio" / "panels.json";
-}
 
 float HeldZoom(float zoom, float other) {
     return std::isfinite(zoom) ? std::clamp(zoom, PanelLook::kSmallestZoom, PanelLook::kLargestZoom) : other;
@@ -41,7 +30,7 @@ PanelLook::PanelLook(std::filesystem::path file) : fFile(std::move(file)) {
 }
 
 PanelLook& PanelLook::Get() {
-    static PanelLook look(UsersFile());
+    static PanelLook look(krocore::UserFolder(krocore::UserFiles::kConfig) / "qoaudio" / "panels.json");
     return look;
 }
 
